@@ -1,0 +1,21 @@
+# Turns commands.sql into one COMMAND(name, text) per statement, so that the commands' names are checked by the
+# compiler and their texts stand in one place.
+# Call: cmake -DINPUT=commands.sql -DOUTPUT=Commands.inc -P EmbedCommands.cmake
+file(READ "${INPUT}" rest)
+set(mark "-- name: ")
+string(LENGTH "${mark}" mark_length)
+set(result "")
+string(FIND "${rest}" "${mark}" start)
+while(start GREATER_EQUAL 0)
+  math(EXPR start "${start} + ${mark_length}")
+  string(SUBSTRING "${rest}" ${start} -1 rest)
+  string(FIND "${rest}" "\n" end)
+  string(SUBSTRING "${rest}" 0 ${end} name)
+  string(STRIP "${name}" name)
+  string(SUBSTRING "${rest}" ${end} -1 rest)
+  string(FIND "${rest}" "${mark}" start)
+  string(SUBSTRING "${rest}" 0 ${start} statement)
+  string(STRIP "${statement}" statement)
+  string(APPEND result "COMMAND(${name}, R\"sql(${statement})sql\")\n")
+endwhile()
+file(WRITE "${OUTPUT}" "${result}")

@@ -1,0 +1,21 @@
+#include "platform/MessageBox.h"
+
+#include <QApplication>
+
+namespace KAL_AUTO_Node {
+
+QMessageBox::StandardButton MsgBox(const QString& text, QMessageBox::Icon icon,
+                                   QMessageBox::StandardButtons buttons, const QString& title) {
+    QMessageBox box(icon, title, text, buttons, QApplication::activeWindow());
+    box.setTextFormat(Qt::PlainText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // A host whose only visible window this is must not see it as its last one and quit.
+    box.setAttribute(Qt::WA_QuitOnClose, false);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+
+void Inform(const QString& text) {
+    MsgBox(text, QMessageBox::Information, QMessageBox::Ok, QStringLiteral("Information"));
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QMessageBox>
+#include <QString>
+
+namespace KAL_AUTO_Node {
+
+// The message box of the window system: modal above the active window, its text taken as it stands (never as
+// rich text: labels and engine messages may hold anything). Returns the button pressed; closing the box
+// answers as its Cancel button or its only button would.
+QMessageBox::StandardButton MsgBox(const QString& text, QMessageBox::Icon icon,
+                                   QMessageBox::StandardButtons buttons, const QString& title);
+
+// A refusal or a piece of news: information icon, OK only, title "Information".
+void Inform(const QString& text);
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace KAL_AUTO_Node {
+
+// Numbers of the run-time errors that the component itself raises.
+enum class ErrorNumber : int {
+    InvalidProcedureCall = 5,
+    Overflow = 6,
+    SubscriptOutOfRange = 9,
+    InvalidUseOfNull = 94,
+    InvalidPropertyValue = 380,
+    NoSuchEntry = 383,
+    CannotCreateComponent = 429,
+    DuplicateCollectionKey = 457,
+    UnsupportedValueType = 1001,
+    StoreNotFound = 3024,
+    StoreNotRecognized = 3343,
+    StoreFailure = 3146,
+    ColumnNotFound = 3265,
+    ResultSetOpen = 3705,
+    UnknownRow = 35601,
+    DuplicateRowKey = 35602,
+};
+
+inline constexpr const char* ComponentName = "KAL_AUTO_Node";
+
+// The one error type that crosses procedure boundaries inside the component. what() is the description,
+// UTF-8.
+class RuntimeError : public std::runtime_error {
+  public:
+    RuntimeError(ErrorNumber number, const std::string& description, std::string source = ComponentName)
+        : std::runtime_error(description), number_(number), source_(std::move(source)) {}
+
+    [[nodiscard]] ErrorNumber Number() const noexcept { return number_; }
+
+    [[nodiscard]] const std::string& Source() const noexcept { return source_; }
+
+  private:
+    ErrorNumber number_;
+    std::string source_;
+};
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace KAL_AUTO_Node {
+
+// What a store's engine offers to the named commands. Texts are UTF-8. Failures are RuntimeErrors whose
+// description is the engine's own message.
+
+// One statement, prepared once on its connection and run as often as needed.
+class Statement {
+  public:
+    virtual ~Statement() = default;
+
+    [[nodiscard]] virtual std::size_t ParameterCount() const = 0;
+    // The names of the result's columns; none for a statement without result rows.
+    [[nodiscard]] virtual std::span<const std::string> Columns() const = 0;
+
+    // Takes one text per parameter and runs to the first row, or to the end of a statement without result
+    // rows.
+    virtual void Run(std::span<const std::string_view> parameters) = 0;
+    [[nodiscard]] virtual bool AtEnd() const = 0;
+    virtual void MoveNext() = 0;
+    // A field of the row reached, or nothing for Null; valid until the next move.
+    [[nodiscard]] virtual std::optional<std::string_view> Field(std::size_t column) const = 0;
+    // Lets go of the rows and of every lock that reading them holds.
+    virtual void Close() noexcept = 0;
+};
+
+class Connection {
+  public:
+    virtual ~Connection() = default;
+
+    // The statement's parameters are names after a colon, numbered in the order in which they first occur.
+    virtual std::unique_ptr<Statement> Prepare(const std::string& sql) = 0;
+
+    // Makes every statement that this connection has run so far outlast a power cut. Until then the latest of
+    // them may be lost, from some statement on and never in the middle of one.
+    virtual void Flush() = 0;
+};
+
+// Opens the store that a file is or stands for; the file's content tells which engine reads it. Nothing is
+// created: a missing file raises StoreNotFound, a file that no engine here reads StoreNotRecognized.
+std::unique_ptr<Connection> OpenStore(const std::filesystem::path& file);
+
+} // namespace KAL_AUTO_Node

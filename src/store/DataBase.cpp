@@ -1,0 +1,174 @@
+#include "store/DataBase.h"
+
+#include "platform/NativePath.h"
+#include "platform/NumericValue.h"
+#include "platform/RuntimeError.h"
+#include "store/Connection.h"
+#include "store/ParlonPlusFilesAndFolders.h"
+
+#include <algorithm>
+#include <cassert>
+#include <limits>
+#include <utility>
+#include <vector>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+struct NamedCommand {
+    std::string_view name;
+    std::string sql;
+};
+
+const NamedCommand& CommandOf(Command command) {
+    static const std::array<NamedCommand, CommandCount> commands = {{
+#define COMMAND(name, sql) {#name, sql},
+#include "store/Commands.inc"
+#undef COMMAND
+    }};
+    return commands.at(static_cast<std::size_t>(command));
+}
+
+bool SameName(std::string_view a, std::string_view b) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+    return std::ranges::equal(a, b, {}, lower, lower);
+}
+
+} // namespace
+
+std::string_view CommandName(Command command) { return CommandOf(command).name; }
+
+const std::string& CommandText(Command command) { return CommandOf(command).sql; }
+
+// The engine's message tells what went wrong; where it did is known here.
+template <class Use>
+decltype(auto) DataBase::Describing(std::string_view work, Use&& use) const {
+    try {
+        return use();
+    } catch (const RuntimeError& error) {
+        throw RuntimeError(error.Number(),
+                           std::string(error.what()) + " (" + std::string(work) + ", file '" +
+                               File().string() + "')",
+                           error.Source());
+    }
+}
+
+template <class Use>
+decltype(auto) DataBase::Describing(Command command, Use&& use) const {
+    return Describing("command " + std::string(CommandName(command)), std::forward<Use>(use));
+}
+
+ResultSet::ResultSet(ResultSet&& other) noexcept
+    : owner_(std::exchange(other.owner_, nullptr)), command_(other.command_) {}
+
+ResultSet::~ResultSet() { Close(); }
+
+Statement& ResultSet::Rows() const {
+    assert(owner_ != nullptr);
+    return *owner_->Of(command_).statement;
+}
+
+bool ResultSet::AtEnd() const { return Rows().AtEnd(); }
+
+void ResultSet::MoveNext() {
+    owner_->Describing(command_, [this] { Rows().MoveNext(); });
+}
+
+std::optional<std::string_view> ResultSet::Field(std::string_view column) const {
+    const auto columns = Rows().Columns();
+    const auto found =
+        std::ranges::find_if(columns, [=](const auto& name) { return SameName(name, column); });
+    if (found == columns.end()) {
+        throw RuntimeError(ErrorNumber::ColumnNotFound, "The rows of " + std::string(CommandName(command_)) +
+                                                            " have no column " + std::string(column));
+    }
+    return Rows().Field(static_cast<std::size_t>(found - columns.begin()));
+}
+
+std::string_view ResultSet::Text(std::string_view column) const {
+    if (const auto text = Field(column)) {
+        return *text;
+    }
+    throw RuntimeError(ErrorNumber::InvalidUseOfNull, "Invalid use of Null: " + std::string(column) +
+                                                          " in the rows of " +
+                                                          std::string(CommandName(command_)));
+}
+
+int ResultSet::Number(std::string_view column) const {
+    const auto value = NumericValue(Text(column));
+    if (!std::in_range<int>(value)) {
+        throw RuntimeError(ErrorNumber::Overflow, "Overflow: " + std::string(column) + " in the rows of " +
+                                                      std::string(CommandName(command_)));
+    }
+    return static_cast<int>(value);
+}
+
+void ResultSet::Close() noexcept {
+    if (DataBase* owner = std::exchange(owner_, nullptr)) {
+        DataBase::Prepared& prepared = owner->Of(command_);
+        prepared.statement->Close();
+        prepared.open = false;
+    }
+}
+
+DataBase::DataBase() : connectionString_(GetConnectionString()) {}
+
+DataBase::~DataBase() = default;
+
+std::filesystem::path DataBase::File() const {
+    static constexpr std::string_view key = "Data Source=";
+    return NativePath(std::string_view(connectionString_).substr(connectionString_.find(key) + key.size()));
+}
+
+Statement& DataBase::Run(Command command, Parameters parameters) {
+    Prepared& prepared = Of(command);
+    if (prepared.open) {
+        throw RuntimeError(ErrorNumber::ResultSetOpen,
+                           "The result set of " + std::string(CommandName(command)) + " is still open");
+    }
+    if (!prepared.statement) {
+        if (!connection_) {
+            connection_ = OpenStore(File());
+        }
+        prepared.statement = connection_->Prepare(CommandText(command));
+    }
+    Statement& statement = *prepared.statement;
+    if (parameters.size() != statement.ParameterCount()) {
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                           "Takes " + std::to_string(statement.ParameterCount()) + " parameters, not " +
+                               std::to_string(parameters.size()));
+    }
+    std::vector<std::string_view> texts;
+    texts.reserve(parameters.size());
+    for (const Parameter& parameter : parameters) {
+        texts.push_back(parameter.Text());
+    }
+    try {
+        statement.Run(texts);
+    } catch (...) {
+        statement.Close();
+        throw;
+    }
+    return statement;
+}
+
+void DataBase::Execute(Command command, Parameters parameters) {
+    Describing(command, [&] { Run(command, parameters).Close(); });
+}
+
+ResultSet DataBase::Query(Command command, Parameters parameters) {
+    return Describing(command, [&] {
+        Run(command, parameters);
+        Of(command).open = true;
+        return ResultSet(*this, command);
+    });
+}
+
+void DataBase::Flush() {
+    if (connection_) {
+        Describing("making the changes last", [this] { connection_->Flush(); });
+    }
+}
+
+} // namespace KAL_AUTO_Node

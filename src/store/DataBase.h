@@ -1,0 +1,132 @@
+#pragma once
+
+#include <array>
+#include <concepts>
+#include <filesystem>
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace KAL_AUTO_Node {
+
+class Connection;
+class DataBase;
+class Statement;
+
+// The named commands, in the order of commands.sql, where their statements stand.
+enum class Command {
+#define COMMAND(name, sql) name,
+#include "store/Commands.inc"
+#undef COMMAND
+};
+
+inline constexpr std::size_t CommandCount = 0
+#define COMMAND(name, sql) +1
+#include "store/Commands.inc"
+#undef COMMAND
+    ;
+
+[[nodiscard]] std::string_view CommandName(Command command);
+[[nodiscard]] const std::string& CommandText(Command command);
+
+// A command's parameter. Every value is passed as text; numbers become their decimal text.
+class Parameter {
+  public:
+    Parameter(std::string_view text) : text_(text) {}
+
+    Parameter(const std::string& text) : text_(text) {}
+
+    Parameter(const char* text) : text_(text) {}
+
+    Parameter(std::integral auto number) : text_(std::to_string(number)) {}
+
+    [[nodiscard]] std::string_view Text() const noexcept { return text_; }
+
+  private:
+    std::string text_;
+};
+
+using Parameters = std::initializer_list<Parameter>;
+
+// The rows of a command's latest run, read forward from the first; closed at the end of its life at the
+// latest. Columns are found by name, whatever their case; an unknown name raises ColumnNotFound.
+class ResultSet {
+  public:
+    ResultSet(ResultSet&& other) noexcept;
+    ResultSet& operator=(ResultSet&&) = delete;
+    ~ResultSet();
+
+    [[nodiscard]] bool AtEnd() const;
+    void MoveNext();
+
+    // The field's text, or nothing for Null; valid until the next move.
+    [[nodiscard]] std::optional<std::string_view> Field(std::string_view column) const;
+    // The field's text. Raises InvalidUseOfNull.
+    [[nodiscard]] std::string_view Text(std::string_view column) const;
+    // The field's numeric value. Raises InvalidUseOfNull, and Overflow beyond 32 bits.
+    [[nodiscard]] int Number(std::string_view column) const;
+
+    void Close() noexcept;
+
+  private:
+    friend class DataBase;
+
+    ResultSet(DataBase& owner, Command command) : owner_(&owner), command_(command) {}
+
+    [[nodiscard]] Statement& Rows() const;
+
+    DataBase* owner_; // none once closed
+    Command command_;
+};
+
+// The data environment: one connection to the store that the connection string names, and the named commands
+// on it. The connection is opened by the first command and closed with the object; statements are prepared
+// once. Every failure is a RuntimeError whose description says what went wrong, in which command and in which
+// file. The object outlives its result sets.
+class DataBase {
+  public:
+    // Finds the store's place anew. Opens nothing. Raises UnsupportedValueType where the configured place is
+    // of a kind that no path is made of.
+    DataBase();
+    ~DataBase();
+
+    DataBase(const DataBase&) = delete;
+    DataBase& operator=(const DataBase&) = delete;
+
+    [[nodiscard]] const std::string& ConnectionString() const noexcept { return connectionString_; }
+
+    // The file that the connection string names, as this system writes its path.
+    [[nodiscard]] std::filesystem::path File() const;
+
+    // Runs a command. Raises ResultSetOpen while the command's result set of an earlier run is open, and
+    // InvalidProcedureCall for a wrong number of parameters.
+    void Execute(Command command, Parameters parameters);
+    [[nodiscard]] ResultSet Query(Command command, Parameters parameters);
+
+    // Makes all that was written so far outlast a power cut. Call it at the end of a run of statements.
+    void Flush();
+
+  private:
+    friend class ResultSet;
+
+    struct Prepared {
+        std::unique_ptr<Statement> statement;
+        bool open = false;
+    };
+
+    Prepared& Of(Command command) { return prepared_[static_cast<std::size_t>(command)]; }
+
+    Statement& Run(Command command, Parameters parameters);
+    template <class Use>
+    decltype(auto) Describing(std::string_view work, Use&& use) const;
+    template <class Use>
+    decltype(auto) Describing(Command command, Use&& use) const;
+
+    std::string connectionString_;
+    std::unique_ptr<Connection> connection_;
+    std::array<Prepared, CommandCount> prepared_;
+};
+
+} // namespace KAL_AUTO_Node
