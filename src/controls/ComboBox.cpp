@@ -1,0 +1,139 @@
+#include "controls/ComboBox.h"
+
+#include "platform/RuntimeError.h"
+
+#include <QAbstractListModel>
+#include <QListView>
+#include <QSignalBlocker>
+#include <QWheelEvent>
+
+#include <algorithm>
+
+namespace KAL_AUTO_Node {
+
+class EntryModel : public QAbstractListModel {
+  public:
+    using Entry = PickList::Entry;
+
+    using QAbstractListModel::QAbstractListModel;
+
+    void Append(std::vector<Entry> entries) {
+        const auto first = static_cast<int>(entries_.size());
+        beginInsertRows({}, first, first + static_cast<int>(entries.size()) - 1);
+        std::ranges::move(entries, std::back_inserter(entries_));
+        endInsertRows();
+    }
+
+    void Clear() {
+        beginResetModel();
+        entries_.clear();
+        endResetModel();
+    }
+
+    [[nodiscard]] const std::vector<Entry>& Entries() const { return entries_; }
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override {
+        return parent.isValid() ? 0 : static_cast<int>(entries_.size());
+    }
+
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override {
+        if (!index.isValid()) {
+            return {};
+        }
+        const Entry& entry = entries_[static_cast<std::size_t>(index.row())];
+        switch (role) {
+        case Qt::DisplayRole:
+        case Qt::EditRole:
+            return entry.text;
+        case Qt::UserRole:
+            return entry.data;
+        default:
+            return {};
+        }
+    }
+
+  private:
+    std::vector<Entry> entries_;
+};
+
+ComboBox::ComboBox(QWidget* parent) : QComboBox(parent) {
+    // Measuring every entry would make the box as slow as its list is long.
+    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    setFocusPolicy(Qt::StrongFocus);
+    connect(this, &QComboBox::activated, this, &ComboBox::Click);
+}
+
+void ComboBox::SetListIndex(int index) {
+    RequireEntry(index);
+    setCurrentIndex(index);
+    emit Click();
+}
+
+QString ComboBox::List(int index) const {
+    RequireEntry(index);
+    return itemText(index);
+}
+
+void ComboBox::RequireEntry(int index) const {
+    if (index < 0 || index >= count()) {
+        throw RuntimeError(ErrorNumber::SubscriptOutOfRange, objectName().toStdString() + " has no entry " +
+                                                                 std::to_string(index) + "; it holds " +
+                                                                 std::to_string(count()) + " entries");
+    }
+}
+
+void ComboBox::wheelEvent(QWheelEvent* event) {
+    if (hasFocus()) {
+        QComboBox::wheelEvent(event);
+    } else {
+        event->ignore();
+    }
+}
+
+PickList::PickList(QWidget* parent) : ComboBox(parent), entries_(new EntryModel(this)) {
+    setModel(entries_);
+    if (auto* list = qobject_cast<QListView*>(view())) {
+        list->setUniformItemSizes(true);
+    }
+}
+
+void PickList::AddItems(std::vector<Entry> entries) {
+    if (entries.empty()) {
+        return;
+    }
+    const int chosen = ListIndex();
+    entries_->Append(std::move(entries));
+    // The toolkit chooses the first entry that an empty box gets.
+    const QSignalBlocker silent(this);
+    setCurrentIndex(chosen);
+}
+
+void PickList::Clear() { entries_->Clear(); }
+
+int PickList::ItemData(int index) const {
+    RequireEntry(index);
+    return entries_->Entries()[static_cast<std::size_t>(index)].data;
+}
+
+int PickList::IndexOf(const QString& text) const {
+    const auto& entries = entries_->Entries();
+    const auto found = std::ranges::find(entries, text, &Entry::text);
+    return found == entries.end() ? -1 : static_cast<int>(found - entries.begin());
+}
+
+int PickList::IndexOfData(int itemData) const {
+    const auto& entries = entries_->Entries();
+    const auto found = std::ranges::find(entries, itemData, &Entry::data);
+    return found == entries.end() ? -1 : static_cast<int>(found - entries.begin());
+}
+
+void PickList::SetText(const QString& text) {
+    const int index = IndexOf(text);
+    if (index < 0) {
+        throw RuntimeError(ErrorNumber::NoSuchEntry,
+                           objectName().toStdString() + " has no entry \"" + text.toStdString() + "\"");
+    }
+    SetListIndex(index);
+}
+
+} // namespace KAL_AUTO_Node

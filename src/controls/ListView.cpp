@@ -1,0 +1,204 @@
+#include "controls/ListView.h"
+
+#include "controls/ListRows.h"
+#include "controls/Twips.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyleOptionComboBox>
+#include <QStyledItemDelegate>
+
+#include <algorithm>
+#include <utility>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+// Rows as high as the boxes that float over them while they are edited.
+class RowDelegate : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const override {
+        const QSize size = QStyledItemDelegate::sizeHint(option, index);
+        QStyleOptionComboBox box;
+        box.initFrom(option.widget);
+        box.frame = true;
+        return option.widget->style()
+            ->sizeFromContents(QStyle::CT_ComboBox, &box, {size.width(), option.fontMetrics.height() + 2},
+                               option.widget)
+            .expandedTo(size);
+    }
+};
+
+} // namespace
+
+ListView::ListView(QWidget* parent) : QTreeView(parent), rows_(new ListRows(this)) {
+    setModel(rows_);
+    setItemDelegate(new RowDelegate(this));
+    setRootIsDecorated(false);
+    setItemsExpandable(false);
+    setUniformRowHeights(true);
+    setAllColumnsShowFocus(true);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setTabKeyNavigation(false);
+    header()->setSectionsMovable(false);
+    header()->setHighlightSections(false);
+    header()->setMinimumSectionSize(Pixels(600));
+    header()->viewport()->installEventFilter(this);
+
+    connect(this, &QAbstractItemView::clicked, this,
+            [this](const QModelIndex& index) { emit ItemClick(index.row()); });
+    connect(verticalScrollBar(), &QAbstractSlider::actionTriggered, this,
+            [this] { Send(WindowMessage::VScroll); });
+    connect(header(), &QHeaderView::sectionResized, this, &ListView::Rearranged);
+    for (const QScrollBar* bar : {verticalScrollBar(), horizontalScrollBar()}) {
+        connect(bar, &QScrollBar::valueChanged, this, &ListView::Rearranged);
+    }
+    connect(rows_, &QAbstractItemModel::rowsInserted, this, &ListView::Rearranged);
+    connect(rows_, &QAbstractItemModel::rowsRemoved, this, &ListView::Rearranged);
+    connect(rows_, &QAbstractItemModel::modelReset, this, &ListView::Rearranged);
+}
+
+void ListView::SetColumns(std::span<const ListColumn> columns) {
+    rows_->SetColumns(columns);
+    int lastVisible = 0;
+    for (int column = 0; column < static_cast<int>(columns.size()); ++column) {
+        const int width = Pixels(columns[static_cast<std::size_t>(column)].width);
+        setColumnHidden(column, width == 0);
+        if (width > 0) {
+            header()->resizeSection(column, width);
+            header()->setSectionResizeMode(column, QHeaderView::Interactive);
+            lastVisible = column;
+        }
+    }
+    header()->setStretchLastSection(false);
+    header()->setSectionResizeMode(lastVisible, QHeaderView::Stretch);
+}
+
+int ListView::Count() const { return rows_->Count(); }
+
+const ListRow& ListView::Row(int row) const { return rows_->At(row); }
+
+int ListView::RowOfKey(const QString& key) const { return rows_->RowOfKey(key); }
+
+const QString& ListView::Cell(int row, int column) const { return rows_->At(row).cells[column]; }
+
+void ListView::SetCell(int row, int column, const QString& text) { rows_->SetCell(row, column, text); }
+
+void ListView::Insert(int row, ListRow content) { rows_->Insert(row, std::move(content)); }
+
+void ListView::Append(std::vector<ListRow> rows) { rows_->Append(std::move(rows)); }
+
+void ListView::SwapCells(int row, int other, int firstColumn, int lastColumn) {
+    rows_->SwapCells(row, other, firstColumn, lastColumn);
+}
+
+void ListView::Remove(std::span<const int> rows) { rows_->Remove(rows); }
+
+void ListView::Renumber(int from, int alsoColumn) { rows_->Renumber(from, alsoColumn); }
+
+void ListView::Clear() { rows_->Clear(); }
+
+int ListView::SelectedItem() const { return currentIndex().row(); }
+
+std::vector<int> ListView::SelectedRows() const {
+    std::vector<int> rows;
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row) {
+            rows.push_back(row);
+        }
+    }
+    std::ranges::sort(rows);
+    const auto repeated = std::ranges::unique(rows);
+    rows.erase(repeated.begin(), repeated.end());
+    return rows;
+}
+
+bool ListView::IsSelected(int row) const { return selectionModel()->isRowSelected(row); }
+
+QModelIndex ListView::VisibleCell(int row) const {
+    static_cast<void>(rows_->At(row));
+    return rows_->index(row, isColumnHidden(0) ? 1 : 0);
+}
+
+void ListView::Select(int row) {
+    const QModelIndex index = VisibleCell(row);
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    scrollTo(index);
+}
+
+void ListView::SelectNone() { selectionModel()->clear(); }
+
+QRect ListView::CellRect(int row, int column) const {
+    const QRect cell = visualRect(VisibleCell(row));
+    return {columnViewportPosition(column), cell.top(), columnWidth(column), cell.height()};
+}
+
+ListView::WindowProcedure ListView::ExchangeWindowProcedure(WindowProcedure procedure) {
+    return std::exchange(procedure_, std::move(procedure));
+}
+
+void ListView::Send(WindowMessage message) {
+    if (procedure_) {
+        procedure_(*this, message);
+    }
+}
+
+void ListView::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::SelectAll)) {
+        emit KeyPress(SelectAllCharacter);
+        event->accept();
+        return;
+    }
+    emit KeyDown(event->key());
+    const int row = SelectedItem();
+    const int position = verticalScrollBar()->value();
+    QTreeView::keyPressEvent(event);
+    if (verticalScrollBar()->value() != position) {
+        Send(WindowMessage::VScroll);
+    }
+    if (SelectedItem() >= 0 && SelectedItem() != row) {
+        emit ItemClick(SelectedItem());
+    }
+}
+
+void ListView::mouseReleaseEvent(QMouseEvent* event) {
+    QTreeView::mouseReleaseEvent(event);
+    emit MouseUp();
+}
+
+void ListView::resizeEvent(QResizeEvent* event) {
+    QTreeView::resizeEvent(event);
+    emit Rearranged();
+}
+
+bool ListView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == header()->viewport() && event->type() == QEvent::MouseButtonPress) {
+        Send(WindowMessage::ParentNotify);
+    }
+    return QTreeView::eventFilter(watched, event);
+}
+
+void ListView::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                       const QModelIndex& index) const {
+    QTreeView::drawRow(painter, option, index);
+    painter->save();
+    painter->setPen(palette().color(QPalette::Midlight));
+    painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
+    for (int column = 0; column < header()->count(); ++column) {
+        if (!isColumnHidden(column)) {
+            const int right = columnViewportPosition(column) + columnWidth(column) - 1;
+            painter->drawLine(right, option.rect.top(), right, option.rect.bottom());
+        }
+    }
+    painter->restore();
+}
+
+} // namespace KAL_AUTO_Node

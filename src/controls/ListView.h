@@ -1,0 +1,114 @@
+#pragma once
+
+#include <QTreeView>
+
+#include <functional>
+#include <span>
+#include <vector>
+
+namespace KAL_AUTO_Node {
+
+class ListRows;
+
+struct ListColumn {
+    const char* caption;
+    int width; // twips; 0 hides the column
+};
+
+struct ListRow {
+    QString key;
+    QList<QString> cells; // one text per column; the first is the row's own text
+};
+
+// The key of the row at a position.
+[[nodiscard]] inline QString RowKey(int row) { return QString::number(row + 1) + 'a'; }
+
+// Messages that a list view's own window procedure sees before the list view acts on them.
+enum class WindowMessage {
+    VScroll = 0x0115,      // the person scrolled vertically
+    ParentNotify = 0x0210, // the person pressed on the column headers
+};
+
+// A report list: rows with a key each, cells by column, a selected item (the current row) beside the selected
+// rows. Rows and columns count from 0. A row index out of range raises SubscriptOutOfRange, an unknown key
+// UnknownRow, a key that another row has DuplicateRowKey.
+class ListView : public QTreeView {
+    Q_OBJECT
+
+  public:
+    using WindowProcedure = std::function<long(ListView&, WindowMessage)>;
+
+    static constexpr int SelectAllCharacter = 1; // what Ctrl+A types
+
+    explicit ListView(QWidget* parent = nullptr);
+
+    // Gives the list its columns and their widths; rows and cells stay as they are. The last visible column
+    // takes the room that is left over.
+    void SetColumns(std::span<const ListColumn> columns);
+
+    [[nodiscard]] int Count() const;
+    [[nodiscard]] const ListRow& Row(int row) const;
+    [[nodiscard]] int RowOfKey(const QString& key) const;
+    [[nodiscard]] const QString& Cell(int row, int column) const;
+    void SetCell(int row, int column, const QString& text);
+    void SwapCells(int row, int other, int firstColumn, int lastColumn);
+
+    void Insert(int row, ListRow content);
+    // Adds rows at the end in one step; those before a row with a taken key are added.
+    void Append(std::vector<ListRow> rows);
+    // Takes out rows given in ascending order.
+    void Remove(std::span<const int> rows);
+    // Gives every row from one on the text and the key of its position, and the position to one more column
+    // (which may be the text's own).
+    void Renumber(int from, int alsoColumn);
+    void Clear();
+
+    // The current row, or -1.
+    [[nodiscard]] int SelectedItem() const;
+    // In ascending order.
+    [[nodiscard]] std::vector<int> SelectedRows() const;
+    [[nodiscard]] bool IsSelected(int row) const;
+    // Selects the row alone, makes it the selected item and scrolls to it.
+    void Select(int row);
+
+    void EnsureVisible(int row) { scrollTo(VisibleCell(row)); }
+
+    // Leaves neither a selected row nor a selected item.
+    void SelectNone();
+
+    // Where a cell is in the viewport, whether or not it can be seen there.
+    [[nodiscard]] QRect CellRect(int row, int column) const;
+
+    // Puts another procedure before the list view's own; returns the one that was there.
+    WindowProcedure ExchangeWindowProcedure(WindowProcedure procedure);
+
+  signals:
+    // A person clicked a row or moved to one with the keyboard.
+    void ItemClick(int row);
+    // A person released a mouse button; follows the ItemClick of the same click.
+    void MouseUp();
+    // A person pressed a key, or typed a character, while the list had the focus. KeyDown comes before the
+    // list's own handling.
+    void KeyDown(int key);
+    void KeyPress(int character);
+    // Rows or columns may stand at other places of the viewport than before.
+    void Rearranged();
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) const override;
+
+  private:
+    void Send(WindowMessage message);
+    // A cell of the row that the toolkit can mark and scroll to: it does neither with one of a hidden column.
+    [[nodiscard]] QModelIndex VisibleCell(int row) const;
+
+    ListRows* rows_;
+    WindowProcedure procedure_;
+};
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,124 @@
+#include "controls/NumberBox.h"
+
+#include "controls/Visibility.h"
+
+#include <QAbstractListModel>
+#include <QLineEdit>
+#include <QListView>
+#include <QSignalBlocker>
+
+#include <algorithm>
+
+namespace KAL_AUTO_Node {
+
+// Entries that are computed where they are asked for, so that a range costs nothing to offer.
+class NumberModel : public QAbstractListModel {
+  public:
+    using QAbstractListModel::QAbstractListModel;
+
+    void SetRange(int first, int last) {
+        beginResetModel();
+        first_ = first;
+        last_ = last;
+        endResetModel();
+    }
+
+    [[nodiscard]] int First() const { return first_; }
+
+    [[nodiscard]] int Last() const { return last_; }
+
+    [[nodiscard]] bool Empty() const { return last_ < first_; }
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override {
+        return parent.isValid() ? 0 : std::max(0, last_ - first_ + 1);
+    }
+
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override {
+        const bool asText = role == Qt::DisplayRole || role == Qt::EditRole;
+        return index.isValid() && asText ? QVariant(QString::number(first_ + index.row())) : QVariant();
+    }
+
+    // The row of a number as it is written here, or -1: the text's own value tells, so nothing is searched.
+    [[nodiscard]] int RowOf(const QString& text) const {
+        bool isNumber = false;
+        const int value = text.toInt(&isNumber);
+        const bool offered = isNumber && value >= first_ && value <= last_ && QString::number(value) == text;
+        return offered ? value - first_ : -1;
+    }
+
+    [[nodiscard]] QModelIndexList match(const QModelIndex& start, int role, const QVariant& value, int hits,
+                                        Qt::MatchFlags flags) const override {
+        const bool exact =
+            flags.testFlag(Qt::MatchExactly) || (flags & Qt::MatchTypeMask) == Qt::MatchExactly;
+        if (!exact || role == Qt::UserRole) {
+            return QAbstractListModel::match(start, role, value, hits, flags);
+        }
+        const int row = RowOf(value.toString());
+        return row < 0 ? QModelIndexList() : QModelIndexList{index(row, 0)};
+    }
+
+  private:
+    int first_ = 1;
+    int last_ = 0;
+};
+
+int TypedNumber(QStringView text, int first, int last) noexcept {
+    int value = 0;
+    for (const QChar character : text) {
+        if (character < u'0' || character > u'9') {
+            break;
+        }
+        const int next = value * 10 + (character.unicode() - u'0');
+        if (next < first || next > last) {
+            break;
+        }
+        value = next;
+    }
+    return value == 0 ? first : value;
+}
+
+NumberBox::NumberBox(QWidget* parent) : ComboBox(parent), numbers_(new NumberModel(this)) {
+    setEditable(true);
+    setInsertPolicy(QComboBox::NoInsert);
+    // Completing "2" to "20" while a person types would fight the correction.
+    setCompleter(nullptr);
+    setModel(numbers_);
+    if (auto* list = qobject_cast<QListView*>(view())) {
+        list->setUniformItemSizes(true);
+        list->setLayoutMode(QListView::Batched);
+    }
+    connect(lineEdit(), &QLineEdit::textEdited, this, &NumberBox::Change);
+}
+
+void NumberBox::SetNumbers(int first, int last) {
+    numbers_->SetRange(first, last);
+    setCurrentIndex(-1);
+    lineEdit()->clear();
+}
+
+void NumberBox::SetText(const QString& text) {
+    if (text == Text()) {
+        return;
+    }
+    setEditText(text);
+    Change();
+}
+
+void NumberBox::Change() {
+    const bool corrects = !numbers_->Empty() && !IsHiddenByCode(*this);
+    if (corrects) {
+        lineEdit()->setText(QString::number(TypedNumber(Text(), numbers_->First(), numbers_->Last())));
+        lineEdit()->end(false);
+    }
+    // Keeps the chosen entry in step with the text: the toolkit would otherwise choose it, and run Click,
+    // when the focus leaves.
+    if (const int row = numbers_->RowOf(Text()); row >= 0) {
+        const QSignalBlocker silent(this);
+        setCurrentIndex(row);
+    }
+    if (corrects) {
+        emit Click();
+    }
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,331 @@
+#include "form/GUI.h"
+
+#include "controls/ArrowIcon.h"
+#include "controls/Twips.h"
+#include "form/Making.h"
+#include "platform/ErrorReport.h"
+#include "platform/RuntimeError.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+constexpr std::array<ListColumn, 7> PromptsColumns = {{{"#", 0},
+                                                       {"Order", 1600},
+                                                       {"Command/Node", 1600},
+                                                       {"Label", 1600},
+                                                       {"NodeName", 0},
+                                                       {"NodeTypeID", 0},
+                                                       {"NodeNumber", 0}}};
+
+constexpr std::array<ListColumn, 9> ActionsColumns = {{{"#", 0},
+                                                       {"Entry", 1600},
+                                                       {"Command/Node", 1600},
+                                                       {"Label", 1600},
+                                                       {"NodeName", 0},
+                                                       {"NodeTypeID", 0},
+                                                       {"NodeNumber", 0},
+                                                       {"DTMFRangeLow", 0},
+                                                       {"DTMFRangeHigh", 0}}};
+
+constexpr std::array<ListColumn, 7> ExceptionsColumns = {{{"#", 0},
+                                                          {"", 900},
+                                                          {"Command/Node", 1600},
+                                                          {"Label", 1600},
+                                                          {"NodeName", 0},
+                                                          {"NodeTypeID", 0},
+                                                          {"NodeNumber", 0}}};
+
+constexpr const char* EditCaption = "Edit";
+constexpr const char* EditOffCaption = "Edit Off";
+
+// The narrowest list in which every column has its given width.
+constexpr int ListWidth = Pixels(1600 * 3) + 24;
+
+// As wide as its longer caption, so that the list beside it stays as it is.
+QPushButton* EditButton(QWidget* parent, const char* name, const char* hint) {
+    QPushButton* button = Button(parent, name, EditOffCaption, hint);
+    button->setMinimumWidth(button->sizeHint().width());
+    button->setText(QString::fromLatin1(EditCaption));
+    return button;
+}
+
+QPushButton* ArrowButton(QWidget* parent, const char* name, Arrow arrow, const char* hint) {
+    QPushButton* button = Button(parent, name, "", hint);
+    button->setIcon(ArrowIcon(arrow));
+    button->setAccessibleName(button->toolTip());
+    return button;
+}
+
+ListView* List(QWidget* parent, const char* name, const char* spokenName) {
+    auto* list = Named(new ListView(parent), name);
+    list->setAccessibleName(QString::fromLatin1(spokenName));
+    list->setMinimumWidth(ListWidth);
+    return list;
+}
+
+// A list with its buttons in a column beside it.
+void LayOutList(QGroupBox* frame, ListView* list, std::initializer_list<QPushButton*> buttons) {
+    auto* row = new QHBoxLayout(frame);
+    row->addWidget(list, 1);
+    auto* column = new QVBoxLayout;
+    for (QPushButton* button : buttons) {
+        column->addWidget(button);
+    }
+    column->addStretch(1);
+    row->addLayout(column);
+}
+
+} // namespace
+
+GUI::GUI() {
+    setObjectName(QStringLiteral("GUI"));
+    setWindowTitle(QStringLiteral("AUTO Node Editor"));
+    setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint |
+                   Qt::WindowCloseButtonHint);
+    // A host without windows of its own must not end because the editor closes.
+    setAttribute(Qt::WA_QuitOnClose, false);
+    CreateControls();
+    CreateInPlaceEditors();
+    LayOut();
+}
+
+void GUI::CreateControls() {
+    Frame1 = Named(new QFrame(this), "Frame1");
+
+    cmdFirst = ArrowButton(Frame1, "cmdFirst", Arrow::First, "First node");
+    cmdPrevious = ArrowButton(Frame1, "cmdPrevious", Arrow::Previous, "Previous node");
+    cmbNode = Named(new PickList(Frame1), "cmbNode");
+    cmbNode->setAccessibleName(QStringLiteral("Node"));
+    cmbNode->setMinimumContentsLength(12);
+    cmdNext = ArrowButton(Frame1, "cmdNext", Arrow::Next, "Next node");
+    cmdLast = ArrowButton(Frame1, "cmdLast", Arrow::Last, "Last node");
+    lblRecordPosition = Named(new QLabel(QStringLiteral("n/m"), Frame1), "lblRecordPosition");
+
+    txtDescription = Named(new QLineEdit(Frame1), "txtDescription");
+    // A longer stored label would lose its end by being shown.
+    txtDescription->setMaxLength(std::numeric_limits<int>::max());
+    cmbNumDigits = Named(new NumberBox(Frame1), "cmbNumDigits");
+    cmbTermDigit = Named(new PickList(Frame1), "cmbTermDigit");
+    cmbRetryLimit = Named(new NumberBox(Frame1), "cmbRetryLimit");
+    cmbSelTimeOut = Named(new NumberBox(Frame1), "cmbSelTimeOut");
+    cmbDigitTimeOut = Named(new NumberBox(Frame1), "cmbDigitTimeOut");
+
+    fraPrompts = Named(new QGroupBox(QStringLiteral("Prompts"), Frame1), "fraPrompts");
+    LVPrompts = List(fraPrompts, "LVPrompts", "Prompts");
+    cmdPromptsAdd = Button(fraPrompts, "cmdPromptsAdd", "Add", "Add a prompt at the end");
+    cmdPromptsInsert =
+        Button(fraPrompts, "cmdPromptsInsert", "Insert", "Insert a prompt before the selected one");
+    cmdPromptsRemove = Button(fraPrompts, "cmdPromptsRemove", "Remove", "Remove the selected prompts");
+    cmdPromptsEdit = EditButton(fraPrompts, "cmdPromptsEdit", "Edit the prompts in place");
+    cmdPromptsUp = Button(fraPrompts, "cmdPromptsUp", "Up", "Move the selected prompt up");
+    cmdPromptsDown = Button(fraPrompts, "cmdPromptsDown", "Down", "Move the selected prompt down");
+    cmdQuickPrompts =
+        Button(fraPrompts, "cmdQuickPrompts", "Quick", "Add or remove a run of prompts in one step");
+
+    fraActions = Named(new QGroupBox(QStringLiteral("Actions"), Frame1), "fraActions");
+    LVActions = List(fraActions, "LVActions", "Actions");
+    cmdActionsAdd = Button(fraActions, "cmdActionsAdd", "Add", "Add an action at the end");
+    cmdActionsInsert =
+        Button(fraActions, "cmdActionsInsert", "Insert", "Insert an action before the selected one");
+    cmdActionsRemove = Button(fraActions, "cmdActionsRemove", "Remove", "Remove the selected actions");
+    cmdActionsEdit = EditButton(fraActions, "cmdActionsEdit", "Edit the actions in place");
+    cmdActionsUp = Button(fraActions, "cmdActionsUp", "Up", "Move the selected action up");
+    cmdActionsDown = Button(fraActions, "cmdActionsDown", "Down", "Move the selected action down");
+    cmdQuickActions =
+        Button(fraActions, "cmdQuickActions", "Quick", "Add or remove a run of actions in one step");
+
+    fraExceptions = Named(new QGroupBox(QStringLiteral("Exceptions"), Frame1), "fraExceptions");
+    LVExceptions = List(fraExceptions, "LVExceptions", "Exceptions");
+    cmdExceptionsEdit = EditButton(fraExceptions, "cmdExceptionsEdit", "Edit the exceptions in place");
+    cmdExceptionsDefault =
+        Button(fraExceptions, "cmdExceptionsDefault", "Default", "Set all five exceptions to their defaults");
+
+    cmdOK = Button(this, "cmdOK", "OK", "Save the changes and close");
+    cmdCancel = Button(this, "cmdCancel", "Cancel", "Close; asks about changes that are not saved");
+    cmdApply = Button(this, "cmdApply", "Apply", "Save the changes");
+    cmdApply->setEnabled(false);
+    StatusBar1 = Named(new StatusBar(this), "StatusBar1");
+
+    lstRange = Named(new ScratchList(this), "lstRange");
+    lstNodeTypeName = Named(new ScratchList(this), "lstNodeTypeName");
+    lstNodeNumber = Named(new ScratchList(this), "lstNodeNumber");
+    lstNodeTypeID = Named(new ScratchList(this), "lstNodeTypeID");
+    ImageList1 = Named(new ImageList(this), "ImageList1");
+}
+
+void GUI::CreateInPlaceEditors() {
+    const auto frameOf = [this](Slot slot) {
+        return slot == Slot::Prompts ? fraPrompts : slot == Slot::Actions ? fraActions : fraExceptions;
+    };
+    const auto rangeBox = [this](const char* name, const char* spokenName) {
+        auto* box = Named(new QLineEdit(fraActions), name);
+        box->setAccessibleName(QString::fromLatin1(spokenName));
+        return box;
+    };
+    txtActionsDTMFRangeLow = rangeBox("txtActionsDTMFRangeLow", "First digits of the range");
+    txtActionsDTMFRangeHigh = rangeBox("txtActionsDTMFRangeHigh", "Last digits of the range");
+    txtActionsDash = rangeBox("txtActionsDash", "to");
+    txtActionsDash->setText(QStringLiteral("-"));
+    txtActionsDash->setFrame(false);
+    txtActionsDash->setAlignment(Qt::AlignCenter);
+    txtActionsDash->setReadOnly(true);
+    txtActionsDash->setFocusPolicy(Qt::NoFocus);
+    for (std::size_t i = 0; i < SlotRules.size(); ++i) {
+        const SlotRule& rule = SlotRules[i];
+        QGroupBox* frame = frameOf(static_cast<Slot>(i));
+        editors_[i] = {Named(new PickList(frame), rule.nodePicker),
+                       Named(new NumberBox(frame), rule.numberPicker)};
+        editors_[i].node->resize(Pixels(NarrowPicker), editors_[i].node->height());
+        editors_[i].node->setAccessibleName(QString::fromLatin1(rule.spokenName) + " node type");
+        editors_[i].number->setAccessibleName(QString::fromLatin1(rule.spokenName) + " node number");
+    }
+}
+
+void GUI::LayOut() {
+    auto* selector = new QHBoxLayout;
+    for (QWidget* control : {static_cast<QWidget*>(cmdFirst), static_cast<QWidget*>(cmdPrevious),
+                             static_cast<QWidget*>(cmbNode), static_cast<QWidget*>(cmdNext),
+                             static_cast<QWidget*>(cmdLast), static_cast<QWidget*>(lblRecordPosition)}) {
+        selector->addWidget(control);
+    }
+    selector->addStretch(1);
+
+    auto* values = new QGridLayout;
+    values->addWidget(Caption(Frame1, "lblLabel", "Label:", txtDescription), 0, 0);
+    values->addWidget(txtDescription, 0, 1, 1, 5);
+    values->addWidget(Caption(Frame1, "lblNumDigits", "Number of Digits:", cmbNumDigits), 1, 0);
+    values->addWidget(cmbNumDigits, 1, 1);
+    values->addWidget(Caption(Frame1, "lblTermDigit", "Terminating Digit:", cmbTermDigit), 1, 2);
+    values->addWidget(cmbTermDigit, 1, 3);
+    values->addWidget(Caption(Frame1, "lblRetryLimit", "Retry Limit:", cmbRetryLimit), 1, 4);
+    values->addWidget(cmbRetryLimit, 1, 5);
+    values->addWidget(Caption(Frame1, "lblSelTimeOut", "Selection Time Out(sec):", cmbSelTimeOut), 2, 0);
+    values->addWidget(cmbSelTimeOut, 2, 1);
+    values->addWidget(Caption(Frame1, "lblDigitTimeOut", "Digit Time Out(sec):", cmbDigitTimeOut), 2, 2);
+    values->addWidget(cmbDigitTimeOut, 2, 3);
+    for (const int column : {1, 3, 5}) {
+        values->setColumnStretch(column, 1);
+    }
+
+    LayOutList(fraPrompts, LVPrompts,
+               {cmdPromptsAdd, cmdPromptsInsert, cmdPromptsRemove, cmdPromptsEdit, cmdPromptsUp,
+                cmdPromptsDown, cmdQuickPrompts});
+    LayOutList(fraActions, LVActions,
+               {cmdActionsAdd, cmdActionsInsert, cmdActionsRemove, cmdActionsEdit, cmdActionsUp,
+                cmdActionsDown, cmdQuickActions});
+    LayOutList(fraExceptions, LVExceptions, {cmdExceptionsEdit, cmdExceptionsDefault});
+
+    auto* lists = new QGridLayout;
+    lists->addWidget(fraPrompts, 0, 0);
+    lists->addWidget(fraExceptions, 1, 0);
+    lists->addWidget(fraActions, 0, 1, 2, 1);
+    lists->setRowStretch(0, 1);
+
+    auto* upper = new QVBoxLayout(Frame1);
+    upper->setContentsMargins(0, 0, 0, 0);
+    upper->addLayout(selector);
+    upper->addLayout(values);
+    upper->addLayout(lists, 1);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    for (QPushButton* button : {cmdOK, cmdCancel, cmdApply}) {
+        buttons->addWidget(button);
+    }
+    cmdOK->setDefault(true);
+
+    auto* window = new QVBoxLayout(this);
+    window->addWidget(Frame1, 1);
+    window->addLayout(buttons);
+    window->addWidget(StatusBar1);
+    resize(960, 680);
+}
+
+NodeLists& GUI::Lists() {
+    if (!nodeLists_) {
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall, "The reference lists are not there");
+    }
+    return *nodeLists_;
+}
+
+const QString& GUI::NodeName(int nodeTypeID) const {
+    return Lists().NodeNameCollection[QString::number(nodeTypeID)];
+}
+
+bool GUI::IsEditing(const QPushButton& editButton) {
+    return editButton.text() == QLatin1String(EditOffCaption);
+}
+
+void GUI::SetEditing(QPushButton& editButton, bool editing) {
+    editButton.setText(QString::fromLatin1(editing ? EditOffCaption : EditCaption));
+}
+
+void GUI::ResetListView(const char* procedure, ListView* list, std::span<const ListColumn> columns,
+                        QAbstractItemView::SelectionMode selection) {
+    Reporting(procedure, [&] {
+        list->SetColumns(columns);
+        list->setSelectionMode(selection);
+        list->setIconSize(ImageList1->ImageSize);
+    });
+}
+
+void GUI::ResetPromptsListView() {
+    ResetListView("ResetPromptsListView", LVPrompts, PromptsColumns, QAbstractItemView::ExtendedSelection);
+}
+
+void GUI::ResetActionsListView() {
+    ResetListView("ResetActionsListView", LVActions, ActionsColumns,
+                  IsEditing(*cmdActionsEdit) ? QAbstractItemView::SingleSelection
+                                             : QAbstractItemView::ExtendedSelection);
+}
+
+void GUI::ResetExceptionsListView() {
+    ResetListView("ResetExceptionsListView", LVExceptions, ExceptionsColumns,
+                  QAbstractItemView::SingleSelection);
+}
+
+void GUI::SetNodePickerWidth(Slot slot, int twips) {
+    PickList* picker = NodePicker(slot);
+    picker->resize(Pixels(twips), picker->height());
+}
+
+std::vector<QWidget*> GUI::InPlaceEditors() const {
+    const auto pair = [this](Slot slot) {
+        return std::array<QWidget*, 2>{NodePicker(slot), NumberPicker(slot)};
+    };
+    std::vector<QWidget*> editors;
+    std::ranges::copy(pair(Slot::Prompts), std::back_inserter(editors));
+    std::ranges::copy(
+        std::array<QWidget*, 3>{txtActionsDTMFRangeLow, txtActionsDTMFRangeHigh, txtActionsDash},
+        std::back_inserter(editors));
+    std::ranges::copy(pair(Slot::Actions), std::back_inserter(editors));
+    for (const ExceptionRule& exception : ExceptionRules) {
+        std::ranges::copy(pair(exception.slot), std::back_inserter(editors));
+    }
+    return editors;
+}
+
+void GUI::reject() {
+    Reporting("ShowNodeEditor", [this] { UnloadWindow(); });
+}
+
+bool GUI::UnloadWindow() {
+    bool cancel = false;
+    emit Unload(cancel);
+    if (!cancel) {
+        done(QDialog::Accepted);
+    }
+    return !cancel;
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,161 @@
+#pragma once
+
+#include "controls/ComboBox.h"
+#include "controls/ImageList.h"
+#include "controls/ListView.h"
+#include "controls/NumberBox.h"
+#include "controls/ScratchList.h"
+#include "controls/StatusBar.h"
+#include "form/NodeLists.h"
+#include "form/References.h"
+
+#include <QDialog>
+#include <QFrame>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace KAL_AUTO_Node {
+
+// The editor window's controls and plain values. What happens when they are used is the editor's business;
+// where their content comes from and goes to is the rules'. Qt's ownership: every control belongs to the
+// window.
+class GUI : public QDialog {
+    Q_OBJECT
+
+  public:
+    GUI();
+
+    // The node shown.
+    std::int16_t ConfigID = 0;
+    std::int16_t PartitionID = 0;
+    std::int16_t nodeNumber = 0;
+
+    void CreateNodeLists() { nodeLists_.emplace(); }
+
+    void ReleaseNodeLists() { nodeLists_.reset(); }
+
+    // Between the two calls above; otherwise raises InvalidProcedureCall.
+    [[nodiscard]] NodeLists& Lists();
+
+    [[nodiscard]] const NodeLists& Lists() const { return const_cast<GUI*>(this)->Lists(); }
+
+    // The collection's item under a node-type ID.
+    [[nodiscard]] const QString& NodeName(int nodeTypeID) const;
+
+    // Column set-up of the three lists; rows and cells stay as they are. Each reports its own failure.
+    void ResetPromptsListView();
+    void ResetActionsListView();
+    void ResetExceptionsListView();
+
+    // A list is in edit mode as long as its Edit button says so.
+    [[nodiscard]] static bool IsEditing(const QPushButton& editButton);
+    static void SetEditing(QPushButton& editButton, bool editing);
+
+    [[nodiscard]] PickList* NodePicker(Slot slot) const { return Editors(slot).node; }
+
+    [[nodiscard]] NumberBox* NumberPicker(Slot slot) const { return Editors(slot).number; }
+
+    // Widths of a type picker while it floats over its row, in twips: with a number picker beside it, and
+    // alone.
+    static constexpr int NarrowPicker = 975;
+    static constexpr int WidePicker = 1675;
+    void SetNodePickerWidth(Slot slot, int twips);
+
+    // The seventeen editors that float over the lists while a row is edited, in the order of the lists.
+    [[nodiscard]] std::vector<QWidget*> InPlaceEditors() const;
+
+    // Closes the window, on screen or not, unless a handler of Unload refuses or fails; returns whether it is
+    // closed.
+    bool UnloadWindow();
+
+    QFrame* Frame1;
+
+    PickList* cmbNode;
+    QPushButton* cmdFirst;
+    QPushButton* cmdPrevious;
+    QPushButton* cmdNext;
+    QPushButton* cmdLast;
+    QLabel* lblRecordPosition;
+
+    QLineEdit* txtDescription;
+    NumberBox* cmbNumDigits;
+    PickList* cmbTermDigit;
+    NumberBox* cmbRetryLimit;
+    NumberBox* cmbSelTimeOut;
+    NumberBox* cmbDigitTimeOut;
+
+    QGroupBox* fraPrompts;
+    ListView* LVPrompts;
+    QPushButton* cmdPromptsAdd;
+    QPushButton* cmdPromptsInsert;
+    QPushButton* cmdPromptsRemove;
+    QPushButton* cmdPromptsEdit;
+    QPushButton* cmdPromptsUp;
+    QPushButton* cmdPromptsDown;
+    QPushButton* cmdQuickPrompts;
+
+    QGroupBox* fraActions;
+    ListView* LVActions;
+    QPushButton* cmdActionsAdd;
+    QPushButton* cmdActionsInsert;
+    QPushButton* cmdActionsRemove;
+    QPushButton* cmdActionsEdit;
+    QPushButton* cmdActionsUp;
+    QPushButton* cmdActionsDown;
+    QPushButton* cmdQuickActions;
+    QLineEdit* txtActionsDTMFRangeLow;
+    QLineEdit* txtActionsDash;
+    QLineEdit* txtActionsDTMFRangeHigh;
+
+    QGroupBox* fraExceptions;
+    ListView* LVExceptions;
+    QPushButton* cmdExceptionsEdit;
+    QPushButton* cmdExceptionsDefault;
+
+    QPushButton* cmdApply;
+    QPushButton* cmdOK;
+    QPushButton* cmdCancel;
+    StatusBar* StatusBar1;
+
+    ScratchList* lstRange;
+    ScratchList* lstNodeTypeName;
+    ScratchList* lstNodeNumber;
+    ScratchList* lstNodeTypeID;
+    ImageList* ImageList1;
+
+  signals:
+    // The window is about to close; a handler that sets cancel keeps it open as it is.
+    void Unload(bool& cancel);
+
+  public slots:
+    // Escape and the close box.
+    void reject() override;
+
+  private:
+    struct ReferenceEditors {
+        PickList* node;
+        NumberBox* number;
+    };
+
+    [[nodiscard]] const ReferenceEditors& Editors(Slot slot) const {
+        return editors_[static_cast<std::size_t>(slot)];
+    }
+
+    void ResetListView(const char* procedure, ListView* list, std::span<const ListColumn> columns,
+                       QAbstractItemView::SelectionMode selection);
+    void CreateControls();
+    void CreateInPlaceEditors();
+    void LayOut();
+
+    std::optional<NodeLists> nodeLists_;
+    std::array<ReferenceEditors, SlotRules.size()> editors_{};
+};
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "form/GUI.h"
+
+#include <QApplication>
+#include <QPointer>
+
+namespace KAL_AUTO_Node {
+
+// While a long operation runs: the upper part of the window takes no input and the status bar is there to
+// tell how far it is. Both are restored at its end, and the focus goes back to where the disabled frame took
+// it from.
+class LongOperation {
+  public:
+    explicit LongOperation(GUI& gui) : gui_(gui), focus_(gui.focusWidget()) {
+        gui_.Frame1->setEnabled(false);
+        gui_.StatusBar1->show();
+    }
+
+    ~LongOperation() {
+        gui_.StatusBar1->hide();
+        gui_.Frame1->setEnabled(true);
+        if (focus_ && gui_.Frame1->isAncestorOf(focus_)) {
+            focus_->setFocus(Qt::OtherFocusReason);
+        }
+    }
+
+    LongOperation(const LongOperation&) = delete;
+    LongOperation& operator=(const LongOperation&) = delete;
+
+    // Shows a text at once; input stays where it is until the operation is over.
+    static void ShowProgress(const GUI& gui, const QString& text) {
+        gui.StatusBar1->SetPanelText(text);
+        QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    }
+
+  private:
+    GUI& gui_;
+    QPointer<QWidget> focus_;
+};
+
+} // namespace KAL_AUTO_Node
