@@ -1,0 +1,160 @@
+#include "form/GUI.h"
+#include "form/ValueBoxes.h"
+#include "platform/ErrorReport.h"
+#include "platform/MessageBox.h"
+#include "platform/MousePointer.h"
+#include "platform/NumericValue.h"
+#include "rules/NodeRules.h"
+#include "rules/Rows.h"
+#include "rules/Utf8.h"
+
+#include <algorithm>
+#include <exception>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+// Fills a list from its stored rows in one step. When a row can't be read, those before it stay in the list.
+template <class MakeRow>
+void Fill(ListView& list, ResultSet rows, MakeRow makeRow) {
+    std::vector<ListRow> read;
+    std::exception_ptr failure;
+    try {
+        for (; !rows.AtEnd(); rows.MoveNext()) {
+            read.push_back(makeRow(rows));
+        }
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    rows.Close();
+    list.Append(std::move(read));
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+}
+
+void EnableNavigation(const GUI& gui) {
+    const int count = gui.cmbNode->ListCount();
+    const int index = gui.cmbNode->ListIndex();
+    bool back = true;
+    bool forth = true;
+    if (count == 1) {
+        back = forth = false;
+    } else if (index == 0) {
+        back = false;
+    } else if (index == count - 1) {
+        forth = false;
+    }
+    gui.cmdPrevious->setEnabled(back);
+    gui.cmdFirst->setEnabled(back);
+    gui.cmdNext->setEnabled(forth);
+    gui.cmdLast->setEnabled(forth);
+}
+
+} // namespace
+
+bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
+    bool exists = false;
+    const bool loaded = Reporting("LoadData", [&] {
+        const Hourglass busy;
+        {
+            const ResultSet node = dataBase_.Query(Command::Get_AUTO_Node,
+                                                   {gui.ConfigID, gui.PartitionID, nodeNumber, AutoType});
+            exists = !node.AtEnd();
+            if (exists) {
+                LoadSettings(gui, node);
+                LoadPrompts(gui, nodeNumber);
+                LoadActions(gui, nodeNumber);
+                LoadExceptions(gui, node);
+                gui.lblRecordPosition->setText(QString::number(gui.cmbNode->ListIndex() + 1) + " of " +
+                                               QString::number(gui.cmbNode->ListCount()));
+            } else {
+                const DefaultPointer asking;
+                Inform(gui.NodeName(AutoType) + ' ' + QString::number(nodeNumber) + " doesn't exist.");
+            }
+        }
+        EnableNavigation(gui);
+    });
+    return loaded && exists;
+}
+
+void NodeRules::LoadSettings(GUI& gui, const ResultSet& node) {
+    gui.txtDescription->setText(FromUtf8(node.Field("NodeDescription").value_or("")));
+    const auto loadValue = [&](const ValueBoxRule& rule) {
+        const auto stored = node.Field(rule.column);
+        const auto value = stored ? NumericValue(*stored) : rule.first;
+        const bool offered = value >= rule.first && value <= rule.last;
+        (gui.*rule.box)->SetListIndex(offered ? static_cast<int>(value) - rule.first : 0);
+    };
+    loadValue(ValueBoxRules.front());
+    const QString digit = FromUtf8(node.Field("TerminatingDigit").value_or("")).toUpper();
+    const auto known = std::ranges::find_if(TerminatingDigits, [&](const char* literal) {
+        return QString::fromLatin1(literal).toUpper() == digit;
+    });
+    gui.cmbTermDigit->SetListIndex(
+        known == TerminatingDigits.end() ? 0 : static_cast<int>(known - TerminatingDigits.begin()));
+    std::for_each(ValueBoxRules.begin() + 1, ValueBoxRules.end(), loadValue);
+}
+
+QString NodeRules::Label(const GUI& gui, std::string_view nodeTypeID, std::string_view nodeNumber) {
+    const ResultSet node =
+        dataBase_.Query(Command::Get_Description, {gui.ConfigID, gui.PartitionID, nodeTypeID, nodeNumber});
+    return node.AtEnd() ? QString() : FromUtf8(node.Field("NodeDescription").value_or(""));
+}
+
+NodeRules::StoredReference NodeRules::ReadReference(const GUI& gui, const ResultSet& row, int numberlessType,
+                                                    const std::string& prefix) {
+    const std::string_view typeID = row.Text(prefix + "NodeTypeID");
+    const QString storedType = FromUtf8(row.Text(prefix + "NodeType"));
+    const std::string_view number = row.Text(prefix + "NodeNumber");
+    const QString nodeTypeID = FromUtf8(typeID);
+    const QString nodeNumber = FromUtf8(number);
+    // The stored type is shown, the type's name of today kept for saving.
+    const QString display = DisplayText({storedType, nodeTypeID, nodeNumber}, numberlessType);
+    const QString label = Label(gui, typeID, number);
+    return {display, label, {gui.Lists().NodeNameCollection[nodeTypeID], nodeTypeID, nodeNumber}};
+}
+
+void NodeRules::LoadPrompts(GUI& gui, std::int16_t nodeNumber) {
+    gui.LVPrompts->Clear();
+    Fill(*gui.LVPrompts,
+         dataBase_.Query(Command::Get_AUTO_PromptsNode, {gui.ConfigID, gui.PartitionID, nodeNumber}),
+         [&](const ResultSet& stored) {
+             const int sequence = stored.Number("SequenceNo");
+             const StoredReference prompt = ReadReference(gui, stored, NumberlessType);
+             ListRow row = RowAt(sequence, QString::number(sequence), prompt.display, prompt.reference);
+             row.cells[LabelColumn] = prompt.label;
+             return row;
+         });
+}
+
+void NodeRules::LoadActions(GUI& gui, std::int16_t nodeNumber) {
+    gui.LVActions->Clear();
+    Fill(*gui.LVActions,
+         dataBase_.Query(Command::Get_AUTO_ActionsNode, {gui.ConfigID, gui.PartitionID, nodeNumber}),
+         [&](const ResultSet& stored) {
+             const StoredReference action = ReadReference(gui, stored, NumberlessType);
+             const auto low = stored.Field("DTMFRangeLow");
+             const auto high = stored.Field("DTMFRangeHigh");
+             const bool ranged = low && high;
+             ListRow row = ActionRowAt(
+                 stored.Number("SequenceNo"), ranged ? FromUtf8(*low) : QStringLiteral("0"),
+                 ranged ? FromUtf8(*high) : QStringLiteral("0"), action.display, action.reference);
+             row.cells[LabelColumn] = action.label;
+             return row;
+         });
+}
+
+void NodeRules::LoadExceptions(GUI& gui, const ResultSet& node) {
+    gui.LVExceptions->Clear();
+    for (const ExceptionRule& exception : ExceptionRules) {
+        const StoredReference target = ReadReference(gui, node, NumberlessExceptionType, exception.column);
+        ListRow row = RowAt(gui.LVExceptions->Count() + 1, QString::fromLatin1(exception.label),
+                            target.display, target.reference);
+        row.cells[LabelColumn] = target.label;
+        gui.LVExceptions->Append({std::move(row)});
+    }
+}
+
+} // namespace KAL_AUTO_Node
