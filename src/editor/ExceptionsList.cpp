@@ -1,0 +1,73 @@
+#include "editor/ExceptionsList.h"
+
+#include "controls/Visibility.h"
+#include "editor/Handler.h"
+#include "rules/Rows.h"
+
+#include <algorithm>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+std::vector<Slot> Slots() {
+    std::vector<Slot> used;
+    std::ranges::transform(ExceptionRules, std::back_inserter(used), &ExceptionRule::slot);
+    return used;
+}
+
+} // namespace
+
+ExceptionsList::ExceptionsList(GUI& gui)
+    : ReferenceList(gui, {gui.LVExceptions, gui.cmdExceptionsEdit, {gui.cmdExceptionsDefault}},
+                    {.numberlessType = NumberlessExceptionType,
+                     .numberlessOpens = true,
+                     .numberNeedsHighlight = true,
+                     .browsingSelection = QAbstractItemView::SingleSelection,
+                     .resetColumns = &GUI::ResetExceptionsListView},
+                    Slots()) {
+    connect(gui.cmdExceptionsDefault, &QPushButton::clicked, this, &ExceptionsList::Default_Click);
+}
+
+void ExceptionsList::Default_Click() {
+    Handle(*Form().cmdExceptionsDefault, "Click", [this] {
+        List().Clear();
+        for (const ExceptionRule& exception : ExceptionRules) {
+            const Reference target{Form().NodeName(exception.defaultType),
+                                   QString::number(exception.defaultType),
+                                   QString::fromLatin1(exception.defaultNumber)};
+            List().Append({RowAt(List().Count() + 1, QString::fromLatin1(exception.label),
+                                 DisplayText(target, NumberlessExceptionType), target)});
+        }
+        MarkChanged();
+    });
+}
+
+Slot ExceptionsList::SlotOf(int row) const {
+    return ExceptionRules.at(std::min(static_cast<std::size_t>(row), ExceptionRules.size() - 1)).slot;
+}
+
+void ExceptionsList::ChooseNumberless(Slot /*slot*/) {
+    if (const int row = List().SelectedItem(); row >= 0) {
+        WriteNumberless(row);
+        List().SetCell(row, LabelColumn, QString());
+    }
+}
+
+void ExceptionsList::ShowNoNumber(Slot slot, int type) {
+    // An invalid entry may be answered by a command of which the partition has none yet.
+    if (slot == Slot::Invalid && type == UncheckedCommandType) {
+        Form().NumberPicker(slot)->SetText(QStringLiteral("1"));
+    }
+}
+
+void ExceptionsList::MouseUp() {
+    for (const ExceptionRule& exception : ExceptionRules) {
+        if (PickList* picker = Form().NodePicker(exception.slot); !IsHiddenByCode(*picker)) {
+            picker->setFocus(Qt::MouseFocusReason);
+            return;
+        }
+    }
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "editor/ReferenceList.h"
+
+namespace KAL_AUTO_Node {
+
+// Where the call goes on a timeout, an invalid entry, an abort, "*" and "#": five fixed rows.
+class ExceptionsList : public ReferenceList {
+  public:
+    explicit ExceptionsList(GUI& gui);
+
+  private:
+    void Default_Click();
+
+    [[nodiscard]] Slot SlotOf(int row) const override;
+    void ChooseNumberless(Slot slot) override;
+    void ShowNoNumber(Slot slot, int type) override;
+    void MouseUp() override;
+};
+
+} // namespace KAL_AUTO_Node

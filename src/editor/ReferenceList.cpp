@@ -1,0 +1,272 @@
+#include "editor/ReferenceList.h"
+
+#include "controls/Twips.h"
+#include "controls/Visibility.h"
+#include "editor/Handler.h"
+#include "platform/MessageBox.h"
+#include "platform/NumericValue.h"
+
+#include <QKeyEvent>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+constexpr int NumberPickerWidth = 700; // twips
+
+bool IsEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+
+} // namespace
+
+ReferenceList::ReferenceList(GUI& gui, Controls controls, Rules rules, std::vector<Slot> used)
+    : gui_(gui), controls_(std::move(controls)), rules_(rules), slots_(std::move(used)) {
+    connect(controls_.edit, &QPushButton::clicked, this, &ReferenceList::Edit_Click);
+    connect(&List(), &ListView::ItemClick, this, &ReferenceList::ItemClick);
+    connect(&List(), &ListView::MouseUp, this, [this] { Handle(List(), "MouseUp", [this] { MouseUp(); }); });
+    connect(&List(), &ListView::Rearranged, this, &ReferenceList::Follow);
+    List().installEventFilter(this);
+    for (const Slot slot : slots_) {
+        connect(gui_.NodePicker(slot), &ComboBox::Click, this, [this, slot] { NodeClick(slot); });
+        connect(gui_.NumberPicker(slot), &ComboBox::Click, this, [this, slot] { NumberClick(slot); });
+        gui_.NodePicker(slot)->installEventFilter(this);
+        gui_.NumberPicker(slot)->installEventFilter(this);
+    }
+}
+
+void ReferenceList::Edit_Click() {
+    Handle(*controls_.edit, "Click", [this] {
+        const bool editing = !Editing();
+        GUI::SetEditing(*controls_.edit, editing);
+        for (QPushButton* button : controls_.browsing) {
+            button->setEnabled(!editing);
+        }
+        List().setSelectionMode(editing ? QAbstractItemView::SingleSelection : rules_.browsingSelection);
+        if (!editing) {
+            HideEditors();
+        } else {
+            if (const int row = List().SelectedItem(); row >= 0) {
+                List().Select(row);
+                ItemClick(row);
+            }
+            emit EditingBegan();
+        }
+        MarkChanged();
+    });
+}
+
+std::vector<QWidget*> ReferenceList::Editors(Slot slot) const {
+    std::vector<QWidget*> editors = RangeEditors();
+    editors.push_back(gui_.NodePicker(slot));
+    editors.push_back(gui_.NumberPicker(slot));
+    return editors;
+}
+
+std::vector<QWidget*> ReferenceList::Editors() const {
+    std::vector<QWidget*> editors;
+    for (const Slot slot : slots_) {
+        std::ranges::copy(Editors(slot), std::back_inserter(editors));
+    }
+    return editors;
+}
+
+void ReferenceList::HideEditors() {
+    const std::vector<QWidget*> editors = Editors();
+    // The toolkit would hand the focus to the next control, which may end edit mode.
+    if (std::ranges::any_of(editors, &QWidget::hasFocus)) {
+        List().setFocus(Qt::OtherFocusReason);
+    }
+    for (QWidget* editor : editors) {
+        editor->hide();
+    }
+}
+
+void ReferenceList::ItemClick(int row) {
+    Handle(List(), "ItemClick", [&] {
+        (gui_.*rules_.resetColumns)();
+        if (Editing()) {
+            List().EnsureVisible(row);
+            OpenEditors(row);
+        }
+    });
+}
+
+void ReferenceList::OpenEditors(int row) {
+    open_ = List().model()->index(row, 0);
+    before_ = List().Row(row).cells;
+    const Slot slot = SlotOf(row);
+    PickList& node = *gui_.NodePicker(slot);
+    NumberBox& number = *gui_.NumberPicker(slot);
+    const std::vector<QWidget*> own = Editors(slot);
+
+    Place(slot, row);
+    for (QWidget* editor : own) {
+        editor->setVisible(editor != &number || number.ListCount() > 0);
+        editor->raise();
+    }
+    own.front()->setFocus(Qt::OtherFocusReason);
+    for (QWidget* editor : Editors()) {
+        if (std::ranges::find(own, editor) == own.end()) {
+            editor->hide();
+        }
+    }
+
+    const QString name = List().Cell(row, NodeNameColumn);
+    if (!IsNodeTypeAvailable(slot, name)) {
+        RefuseNodeType(row);
+        return;
+    }
+    FillRangeEditors(row);
+    node.SetText(name);
+    const QString stored = List().Cell(row, NodeNumberColumn);
+    if (NumericValue(stored.toStdString()) <= number.ListCount()) {
+        number.SetText(stored);
+    } else if (!rules_.numberlessOpens || node.SelectedData() != rules_.numberlessType) {
+        RefuseNodeType(row);
+    }
+}
+
+void ReferenceList::RefuseNodeType(int row) {
+    Inform("Please check the \"Max Number of each Node\" Section for " + UnavailableName(row) +
+           " Node in Partition Settings.");
+    HideEditors();
+}
+
+QString ReferenceList::UnavailableName(int row) const { return List().Cell(row, NodeNameColumn); }
+
+bool ReferenceList::IsNodeTypeAvailable(Slot slot, const QString& name) const {
+    return std::ranges::none_of(gui_.Lists().*RuleOf(slot).notAvailable, [&](const QString& unavailable) {
+        return unavailable.toUpper() == name.toUpper();
+    });
+}
+
+void ReferenceList::Place(Slot slot, int row) {
+    QRect cell = List().CellRect(row, CommandNodeColumn);
+    cell.translate(List().viewport()->mapTo(gui_.NodePicker(slot)->parentWidget(), QPoint(0, 0)));
+    PickList& node = *gui_.NodePicker(slot);
+    node.setGeometry(cell.left(), cell.top(), node.width(), cell.height());
+    gui_.NumberPicker(slot)->setGeometry(cell.left() + node.width(), cell.top(), Pixels(NumberPickerWidth),
+                                         cell.height());
+    QRect lead = List().CellRect(row, LeadColumn);
+    lead.translate(cell.topLeft() - List().CellRect(row, CommandNodeColumn).topLeft());
+    PlaceRangeEditors(lead);
+}
+
+void ReferenceList::Follow() {
+    const auto editors = Editors();
+    if (std::ranges::all_of(editors, [](const QWidget* editor) { return IsHiddenByCode(*editor); })) {
+        return;
+    }
+    if (!Editing() || !open_.isValid()) {
+        HideEditors();
+        return;
+    }
+    const int row = open_.row();
+    const QRect cells = List().CellRect(row, LeadColumn) | List().CellRect(row, CommandNodeColumn);
+    if (List().viewport()->rect().contains(cells)) {
+        Place(SlotOf(row), row);
+    } else {
+        HideEditors();
+    }
+}
+
+void ReferenceList::NodeClick(Slot slot) {
+    PickList& node = *gui_.NodePicker(slot);
+    NumberBox& number = *gui_.NumberPicker(slot);
+    Handle(node, "Click", [&] {
+        const int type = node.SelectedData();
+        const QString typeID = QString::number(type);
+        number.SetNumbers(1, gui_.Lists().MaxNodeNumberCollection[typeID]);
+        if (type == rules_.numberlessType) {
+            number.hide();
+            gui_.SetNodePickerWidth(slot, GUI::WidePicker);
+            ChooseNumberless(slot);
+            return;
+        }
+        gui_.SetNodePickerWidth(slot, GUI::NarrowPicker);
+        number.setGeometry(node.x() + node.width(), node.y(), Pixels(NumberPickerWidth), node.height());
+        number.show();
+        const int row = List().SelectedItem();
+        if (row < 0) {
+            return;
+        }
+        List().SetCell(row, NodeTypeIDColumn, typeID);
+        const auto isOffered = [&] {
+            return NumericValue(List().Cell(row, NodeNumberColumn).toStdString()) <= number.ListCount();
+        };
+        if (!isOffered()) {
+            List().SetCell(row, NodeNumberColumn, QStringLiteral("1"));
+        }
+        List().SetCell(row, CommandNodeColumn,
+                       gui_.NodeName(type) + ' ' + List().Cell(row, NodeNumberColumn));
+        List().SetCell(row, NodeNameColumn, node.Text());
+        List().SetCell(row, LabelColumn, QString());
+        if (isOffered()) {
+            number.SetText(List().Cell(row, NodeNumberColumn));
+        } else {
+            ShowNoNumber(slot, type);
+        }
+    });
+}
+
+void ReferenceList::WriteNumberless(int row) {
+    const QString& name = gui_.NodeName(rules_.numberlessType);
+    List().SetCell(row, NodeTypeIDColumn, QString::number(rules_.numberlessType));
+    List().SetCell(row, CommandNodeColumn, name);
+    List().SetCell(row, NodeNameColumn, name);
+    List().SetCell(row, NodeNumberColumn, QStringLiteral("1"));
+}
+
+void ReferenceList::NumberClick(Slot slot) {
+    const NumberBox& number = *gui_.NumberPicker(slot);
+    Handle(number, "Click", [&] {
+        const int row = List().SelectedItem();
+        if (row < 0 || (rules_.numberNeedsHighlight && !List().IsSelected(row))) {
+            return;
+        }
+        const QString& name = gui_.Lists().NodeNameCollection[List().Cell(row, NodeTypeIDColumn)];
+        List().SetCell(row, CommandNodeColumn, name + ' ' + number.Text());
+        List().SetCell(row, NodeNumberColumn, number.Text());
+    });
+}
+
+void ReferenceList::LeaveEditors() {
+    List().setFocus(Qt::OtherFocusReason);
+    HideEditors();
+}
+
+void ReferenceList::RestoreRow() {
+    if (open_.isValid()) {
+        for (int column = LeadColumn; column < static_cast<int>(before_.size()); ++column) {
+            List().SetCell(open_.row(), column, before_[column]);
+        }
+    }
+}
+
+// While a row is edited, Enter accepts it and Escape takes it back: both close its editors, not the window.
+// From the list, Enter opens the editors again and Escape ends edit mode.
+bool ReferenceList::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress || !Editing()) {
+        return QObject::eventFilter(watched, event);
+    }
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (!IsEnter(key) && key != Qt::Key_Escape) {
+        return QObject::eventFilter(watched, event);
+    }
+    if (watched != &List()) {
+        if (key == Qt::Key_Escape) {
+            RestoreRow();
+        }
+        LeaveEditors();
+    } else if (key == Qt::Key_Escape) {
+        Edit_Click();
+    } else if (const int row = List().SelectedItem(); row >= 0) {
+        ItemClick(row);
+    }
+    return true;
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,111 @@
+#pragma once
+
+#include "form/GUI.h"
+
+#include <QObject>
+#include <QPersistentModelIndex>
+
+#include <vector>
+
+namespace KAL_AUTO_Node {
+
+// One of the editor's three lists: its rows refer to nodes and can be edited in place. Here stands what the
+// three have in common; where they differ, a rule or an override says so.
+class ReferenceList : public QObject {
+    Q_OBJECT
+
+  public:
+    struct Controls {
+        ListView* list;
+        QPushButton* edit;
+        std::vector<QPushButton*> browsing; // those that work only while no row is edited
+    };
+
+    struct Rules {
+        int numberlessType; // the type whose references carry no number
+        // A row of that type is edited in place although it has no number to choose.
+        bool numberlessOpens;
+        // A chosen number is written only while the row is highlighted, too.
+        bool numberNeedsHighlight;
+        QAbstractItemView::SelectionMode browsingSelection;
+        void (GUI::*resetColumns)();
+    };
+
+    [[nodiscard]] const Controls& Parts() const { return controls_; }
+
+    [[nodiscard]] bool Editing() const { return GUI::IsEditing(*controls_.edit); }
+
+    // Switches edit mode on, with the editors open on the selected row, or off.
+    void Edit_Click();
+
+    // The editors become invisible; edit mode stays.
+    void HideEditors();
+
+  signals:
+    // Edit mode is on: that of the other lists has to end.
+    void EditingBegan();
+
+  protected:
+    // The slots are those of the list's editors.
+    ReferenceList(GUI& gui, Controls controls, Rules rules, std::vector<Slot> used);
+
+    [[nodiscard]] GUI& Form() const { return gui_; }
+
+    [[nodiscard]] ListView& List() const { return *controls_.list; }
+
+    [[nodiscard]] const Rules& RulesOfList() const { return rules_; }
+
+    void MarkChanged() const { gui_.cmdApply->setEnabled(true); }
+
+    void NodeClick(Slot slot);
+
+    // The editors of a row.
+    [[nodiscard]] virtual Slot SlotOf(int row) const = 0;
+
+    // Those that a list has besides the pickers, in their order on the row; placed, filled and hidden with
+    // them.
+    [[nodiscard]] virtual std::vector<QWidget*> RangeEditors() const { return {}; }
+
+    virtual void PlaceRangeEditors(const QRect& /*row*/) {}
+
+    virtual void FillRangeEditors(int /*row*/) {}
+
+    // The type whose limit a person has to look at where a row cannot be edited.
+    [[nodiscard]] virtual QString UnavailableName(int row) const;
+    // The numberless type was chosen for the selected row.
+    virtual void ChooseNumberless(Slot slot) = 0;
+
+    // A type was chosen for the selected row that offers no number.
+    virtual void ShowNoNumber(Slot /*slot*/, int /*type*/) {}
+
+    [[nodiscard]] virtual bool IsNodeTypeAvailable(Slot slot, const QString& name) const;
+    virtual void MouseUp() = 0;
+
+    // Writes a reference of the numberless type.
+    void WriteNumberless(int row);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void ItemClick(int row);
+    void OpenEditors(int row);
+    void NumberClick(Slot slot);
+    void RefuseNodeType(int row);
+    // Puts the editors over their row.
+    void Place(Slot slot, int row);
+    // Keeps the open editors over their row when it moves, and hides them when they would not be over it.
+    void Follow();
+    void LeaveEditors();
+    void RestoreRow();
+    [[nodiscard]] std::vector<QWidget*> Editors() const;
+    [[nodiscard]] std::vector<QWidget*> Editors(Slot slot) const;
+
+    GUI& gui_;
+    Controls controls_;
+    Rules rules_;
+    std::vector<Slot> slots_;
+    QPersistentModelIndex open_; // the row that the editors were opened on
+    QList<QString> before_;      // its cells before that
+};
+
+} // namespace KAL_AUTO_Node

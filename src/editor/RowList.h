@@ -1,0 +1,75 @@
+#pragma once
+
+#include "editor/ReferenceList.h"
+#include "quickassign/QuickAssignDialog.h"
+#include "rules/Rows.h"
+
+namespace KAL_AUTO_Node {
+
+// A list whose rows a person adds, inserts, removes and moves: the prompts and the actions.
+class RowList : public ReferenceList {
+  protected:
+    struct Buttons {
+        QPushButton* edit;
+        QPushButton* add;
+        QPushButton* insert;
+        QPushButton* remove;
+        QPushButton* up;
+        QPushButton* down;
+        QPushButton* quick;
+    };
+
+    struct RowRules {
+        Slot slot;
+        int positionColumn;   // a column that shows the row's position, besides its own text
+        int firstMovedColumn; // what moves with a row; the rest stays with the position
+        int lastMovedColumn;
+        QuickAssignDialog::List quickList;
+        void (QuickAssignDialog::*prepareQuick)();
+        const char* quickCaption;
+    };
+
+    RowList(GUI& gui, const ComponentFactory& components, ListView* list, Buttons buttons, Rules rules,
+            RowRules rowRules);
+
+    void Add_Click();
+
+    // Whether a row can be made at all; tells the person where not.
+    virtual bool MayMakeRows() { return true; }
+
+    // Instead of inserting before the selected row: what Insert does when exactly one row is selected, or
+    // not. Returns whether it is done.
+    virtual bool InsertsOtherwise(bool oneSelected) = 0;
+
+    virtual void BeforeAppending() {}
+
+    // Chooses the type of a new row in the type picker.
+    virtual void ChooseDefaultType() = 0;
+    [[nodiscard]] virtual ListRow MakeRow(int position, const QString& display,
+                                          const Reference& reference) const = 0;
+
+    virtual void AfterEmptied() {}
+
+    [[nodiscard]] Slot SlotOf(int /*row*/) const override { return rowRules_.slot; }
+
+    [[nodiscard]] PickList& NodePicker() const { return *Form().NodePicker(rowRules_.slot); }
+
+    [[nodiscard]] NumberBox& NumberPicker() const { return *Form().NumberPicker(rowRules_.slot); }
+
+  private:
+    void Insert_Click();
+    void Remove_Click();
+    // Up and Down: exchanges the selected row with the one that many rows further.
+    void Move_Click(const QPushButton& button, int distance);
+    void Quick_Click();
+
+    // The row for the default target at a position from 1.
+    ListRow NewRow(int position);
+    void ShowNewRow(int row);
+
+    const ComponentFactory& components_;
+    Buttons buttons_;
+    RowRules rowRules_;
+};
+
+} // namespace KAL_AUTO_Node
