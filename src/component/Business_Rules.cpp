@@ -1,0 +1,85 @@
+#include "KAL_AUTO_Node/Business_Rules.h"
+
+#include "editor/EditorWindow.h"
+#include "platform/ErrorReport.h"
+#include "rules/NodeRules.h"
+
+#include <QApplication>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+// The toolkit needs its application object as long as any of its objects lives, and keeps it findable by
+// itself. One that is taken down at the process's end would race the host's own clean-up, so it is left
+// standing.
+void RequireApplication() {
+    if (QCoreApplication::instance() == nullptr) {
+        static int count = 1;
+        static char name[] = "KAL_AUTO_Node";
+        static char* arguments[] = {name, nullptr};
+        new QApplication(count, arguments);
+    }
+}
+
+} // namespace
+
+struct Business_Rules::Parts {
+    explicit Parts(ComponentFactory factory) : components(std::move(factory)), rules(components) {}
+
+    ComponentFactory components;
+    NodeRules rules;
+    // A window whose preparation failed stays loaded, unseen, until the next call or the object's end.
+    std::unique_ptr<EditorWindow> window;
+    bool opened = false;
+};
+
+Business_Rules::Business_Rules() : Business_Rules(ComponentFactory()) {}
+
+Business_Rules::Business_Rules(ComponentFactory components)
+    : parts_(std::make_unique<Parts>(std::move(components))) {}
+
+Business_Rules::~Business_Rules() = default;
+
+bool Business_Rules::Opened() const noexcept { return parts_->opened; }
+
+void Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partition_ID,
+                                    std::int16_t Node_Number) {
+    RequireApplication();
+    parts_->opened = false;
+    Reporting("ShowNodeEditor", [&] {
+        NodeRules& rules = parts_->rules;
+        rules.NewNodeFlag = Node_Number == 0;
+
+        parts_->window = std::make_unique<EditorWindow>(parts_->components);
+        parts_->window->Load();
+        GUI& gui = parts_->window->Form();
+        gui.CreateNodeLists();
+        gui.ConfigID = Config_ID;
+        gui.PartitionID = Partition_ID;
+        gui.nodeNumber = Node_Number;
+
+        NodeRules::ResetAllGUIListView(gui);
+        NodeRules::HideInPlaceEditors(gui);
+        // Each runs whether or not the one before it failed.
+        bool complete = rules.LoadNodeName(gui);
+        complete &= rules.LoadPromptsNode(gui);
+        complete &= rules.LoadActionsNode(gui);
+        complete &= rules.LoadExceptionsNode(gui);
+        complete &= NodeRules::LoadStaticConstants(gui);
+        complete &= rules.LoadExistingNodesInRecordSelector(gui, Node_Number);
+        const bool show = rules.LoadData(gui, Node_Number);
+        parts_->opened = complete && show;
+
+        gui.cmdApply->setEnabled(false);
+        if (show) {
+            gui.exec();
+        } else {
+            gui.UnloadWindow();
+        }
+        gui.ReleaseNodeLists();
+        parts_->window.reset();
+    });
+}
+
+} // namespace KAL_AUTO_Node
