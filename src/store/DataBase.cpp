@@ -47,10 +47,11 @@ decltype(auto) DataBase::Describing(std::string_view work, Use&& use) const {
     try {
         return use();
     } catch (const RuntimeError& error) {
-        throw RuntimeError(error.Number(),
-                           std::string(error.what()) + " (" + std::string(work) + ", file '" +
-                               File().string() + "')",
-                           error.Source());
+        std::string description = error.what();
+        const std::string file = File().string();
+        const bool namesFile = description.find(file) != std::string::npos;
+        description += " (" + std::string(work) + (namesFile ? ")" : ", file '" + file + "')");
+        throw RuntimeError(error.Number(), description, error.Source());
     }
 }
 
