@@ -47,9 +47,9 @@ inline Box SaveQuestion() {
             QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel};
 }
 
-// A person before the screen: answers the message boxes that appear, in order, by pressing their buttons, and uses
-// the windows by the names of their controls. A box for which no answer is prepared is closed with Escape; Boxes tells
-// all that appeared.
+// A person before the screen: answers the message boxes that appear, in order, by pressing their buttons, and
+// uses the windows by the names of their controls. A box for which no answer is prepared is closed with
+// Escape; Boxes tells all that appeared.
 class Person {
   public:
     Person() {
@@ -61,13 +61,16 @@ class Person {
         answers_.insert(answers_.end(), answers.begin(), answers.end());
     }
 
+    // Looks at each box before it is answered.
+    std::function<void(QMessageBox&)> LookAtBox;
+
     // Those that appeared since the last call.
     std::vector<Box> Boxes() { return std::exchange(boxes_, {}); }
 
     [[nodiscard]] bool HasAnswersLeft() const { return !answers_.empty(); }
 
-    // Opens the editor as a host does, and does things in it once it is on screen. What is still open then is closed
-    // without saving. Returns whether the window appeared.
+    // Opens the editor as a host does, and does things in it once it is on screen. What is still open then is
+    // closed without saving. Returns whether the window appeared.
     bool Edit(Business_Rules& rules, int node, const std::function<void()>& deeds, int config = 1,
               int partition = 2) {
         bool appeared = false;
@@ -96,7 +99,8 @@ class Person {
         return Edit(rules, node, deeds);
     }
 
-    // Opens Quick Assign with the button, and does things in it; it is closed afterwards where it is still open.
+    // Opens Quick Assign with the button, and does things in it; it is closed afterwards where it is still
+    // open.
     void InQuickAssign(const char* button, const std::function<void()>& deeds) {
         QTimer start;
         QObject::connect(&start, &QTimer::timeout, [&] {
@@ -150,7 +154,8 @@ class Person {
 
     static void Press(const char* button) { QTest::mouseClick(Button(button), Qt::LeftButton); }
 
-    // Chooses an entry as a person does from the open list: the index becomes current and the choice is announced.
+    // Chooses an entry as a person does from the open list: the index becomes current and the choice is
+    // announced.
     static void Choose(const char* combo, const char* text) {
         QComboBox* box = Combo(combo);
         const int index = box->findText(QString::fromUtf8(text), Qt::MatchExactly);
@@ -201,6 +206,9 @@ class Person {
         }
         boxes_.push_back({box->windowTitle().toStdString(), box->text().toStdString(), box->icon(),
                           box->standardButtons()});
+        if (LookAtBox) {
+            LookAtBox(*box);
+        }
         QAbstractButton* button = nullptr;
         if (!answers_.empty()) {
             button = box->button(answers_.front());
@@ -210,7 +218,7 @@ class Person {
         if (button != nullptr) {
             button->click();
         } else {
-            box->reject();
+            QTest::keyClick(box, Qt::Key_Escape);
         }
     }
 

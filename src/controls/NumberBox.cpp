@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QSignalBlocker>
+#include <QStyleOptionComboBox>
 
 #include <algorithm>
 
@@ -94,6 +95,15 @@ void NumberBox::SetNumbers(int first, int last) {
     numbers_->SetRange(first, last);
     setCurrentIndex(-1);
     lineEdit()->clear();
+}
+
+int NumberBox::NumbersWidth() const {
+    constexpr int caretAndMargins = 6;
+    QStyleOptionComboBox box;
+    initStyleOption(&box);
+    const QRect text = style()->subControlRect(QStyle::CC_ComboBox, &box, QStyle::SC_ComboBoxEditField, this);
+    return fontMetrics().horizontalAdvance(QString::number(numbers_->Last())) + caretAndMargins +
+           box.rect.width() - text.width();
 }
 
 void NumberBox::SetText(const QString& text) {

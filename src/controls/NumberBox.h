@@ -26,6 +26,9 @@ class NumberBox : public ComboBox {
     // Takes the same time for any range.
     void SetNumbers(int first, int last);
 
+    // The width that shows the largest number whole.
+    [[nodiscard]] int NumbersWidth() const;
+
     // Runs the correction when the text becomes another.
     void SetText(const QString& text);
 

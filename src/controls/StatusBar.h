@@ -14,6 +14,9 @@ class StatusBar : public QStatusBar {
         // A long text must not widen the window.
         panel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
         addWidget(panel_, 1);
+        QSizePolicy policy = sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        setSizePolicy(policy);
     }
 
     [[nodiscard]] QString PanelText() const { return panel_->text(); }

@@ -16,7 +16,11 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-constexpr int NumberPickerWidth = 700; // twips
+// Numbers of more digits than usual get the room that they need; the label beside them is empty then.
+int NumberPickerWidth(const NumberBox& number) {
+    constexpr int usual = 700; // twips
+    return std::max(Pixels(usual), number.NumbersWidth());
+}
 
 bool IsEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
 
@@ -40,7 +44,7 @@ ReferenceList::ReferenceList(GUI& gui, Controls controls, Rules rules, std::vect
 void ReferenceList::Edit_Click() {
     Handle(*controls_.edit, "Click", [this] {
         const bool editing = !Editing();
-        GUI::SetEditing(*controls_.edit, editing);
+        gui_.SetEditing(*controls_.edit, editing);
         for (QPushButton* button : controls_.browsing) {
             button->setEnabled(!editing);
         }
@@ -148,11 +152,16 @@ void ReferenceList::Place(Slot slot, int row) {
     cell.translate(List().viewport()->mapTo(gui_.NodePicker(slot)->parentWidget(), QPoint(0, 0)));
     PickList& node = *gui_.NodePicker(slot);
     node.setGeometry(cell.left(), cell.top(), node.width(), cell.height());
-    gui_.NumberPicker(slot)->setGeometry(cell.left() + node.width(), cell.top(), Pixels(NumberPickerWidth),
-                                         cell.height());
+    PlaceNumber(slot);
     QRect lead = List().CellRect(row, LeadColumn);
     lead.translate(cell.topLeft() - List().CellRect(row, CommandNodeColumn).topLeft());
     PlaceRangeEditors(lead);
+}
+
+void ReferenceList::PlaceNumber(Slot slot) {
+    const PickList& node = *gui_.NodePicker(slot);
+    NumberBox& number = *gui_.NumberPicker(slot);
+    number.setGeometry(node.x() + node.width(), node.y(), NumberPickerWidth(number), node.height());
 }
 
 void ReferenceList::Follow() {
@@ -187,7 +196,7 @@ void ReferenceList::NodeClick(Slot slot) {
             return;
         }
         gui_.SetNodePickerWidth(slot, GUI::NarrowPicker);
-        number.setGeometry(node.x() + node.width(), node.y(), Pixels(NumberPickerWidth), node.height());
+        PlaceNumber(slot);
         number.show();
         const int row = List().SelectedItem();
         if (row < 0) {

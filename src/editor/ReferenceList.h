@@ -93,6 +93,8 @@ class ReferenceList : public QObject {
     void RefuseNodeType(int row);
     // Puts the editors over their row.
     void Place(Slot slot, int row);
+    // Puts the number picker beside the type picker.
+    void PlaceNumber(Slot slot);
     // Keeps the open editors over their row when it moves, and hides them when they would not be over it.
     void Follow();
     void LeaveEditors();

@@ -1,6 +1,7 @@
 #include "form/GUI.h"
 
 #include "controls/ArrowIcon.h"
+#include "controls/CompactStyle.h"
 #include "controls/Twips.h"
 #include "form/Making.h"
 #include "platform/ErrorReport.h"
@@ -97,6 +98,7 @@ GUI::GUI() {
     CreateControls();
     CreateInPlaceEditors();
     LayOut();
+    OrderTabs();
 }
 
 void GUI::CreateControls() {
@@ -180,11 +182,15 @@ void GUI::CreateInPlaceEditors() {
     txtActionsDash->setAlignment(Qt::AlignCenter);
     txtActionsDash->setReadOnly(true);
     txtActionsDash->setFocusPolicy(Qt::NoFocus);
+    auto* compact = new CompactStyle;
+    compact->setParent(this);
     for (std::size_t i = 0; i < SlotRules.size(); ++i) {
         const SlotRule& rule = SlotRules[i];
         QGroupBox* frame = frameOf(static_cast<Slot>(i));
         editors_[i] = {Named(new PickList(frame), rule.nodePicker),
                        Named(new NumberBox(frame), rule.numberPicker)};
+        editors_[i].node->setStyle(compact);
+        editors_[i].number->setStyle(compact);
         editors_[i].node->resize(Pixels(NarrowPicker), editors_[i].node->height());
         editors_[i].node->setAccessibleName(QString::fromLatin1(rule.spokenName) + " node type");
         editors_[i].number->setAccessibleName(QString::fromLatin1(rule.spokenName) + " node number");
@@ -238,7 +244,8 @@ void GUI::LayOut() {
     upper->addLayout(lists, 1);
 
     auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
+    // Beside the buttons, so that nothing moves when it comes and goes.
+    buttons->addWidget(StatusBar1, 1);
     for (QPushButton* button : {cmdOK, cmdCancel, cmdApply}) {
         buttons->addWidget(button);
     }
@@ -247,8 +254,32 @@ void GUI::LayOut() {
     auto* window = new QVBoxLayout(this);
     window->addWidget(Frame1, 1);
     window->addLayout(buttons);
-    window->addWidget(StatusBar1);
-    resize(960, 680);
+    resize(1040, 700);
+}
+
+void GUI::OrderTabs() {
+    std::vector<QWidget*> order = {cmdFirst,      cmdPrevious,    cmbNode,        cmdNext,
+                                   cmdLast,       txtDescription, cmbNumDigits,   cmbTermDigit,
+                                   cmbRetryLimit, cmbSelTimeOut,  cmbDigitTimeOut};
+    const auto append = [&](const auto& controls) { std::ranges::copy(controls, std::back_inserter(order)); };
+    // Each list is followed by the editors that float over it.
+    order.push_back(LVPrompts);
+    append(Pickers(Slot::Prompts));
+    append(std::initializer_list<QWidget*>{cmdPromptsAdd, cmdPromptsInsert, cmdPromptsRemove, cmdPromptsEdit,
+                                           cmdPromptsUp, cmdPromptsDown, cmdQuickPrompts, LVActions,
+                                           txtActionsDTMFRangeLow, txtActionsDTMFRangeHigh});
+    append(Pickers(Slot::Actions));
+    append(std::initializer_list<QWidget*>{cmdActionsAdd, cmdActionsInsert, cmdActionsRemove, cmdActionsEdit,
+                                           cmdActionsUp, cmdActionsDown, cmdQuickActions, LVExceptions});
+    for (const ExceptionRule& exception : ExceptionRules) {
+        append(Pickers(exception.slot));
+    }
+    append(
+        std::initializer_list<QWidget*>{cmdExceptionsEdit, cmdExceptionsDefault, cmdOK, cmdCancel, cmdApply});
+    for (std::size_t i = 1; i < order.size(); ++i) {
+        setTabOrder(order[i - 1], order[i]);
+    }
+    txtDescription->setFocus();
 }
 
 NodeLists& GUI::Lists() {
@@ -268,6 +299,9 @@ bool GUI::IsEditing(const QPushButton& editButton) {
 
 void GUI::SetEditing(QPushButton& editButton, bool editing) {
     editButton.setText(QString::fromLatin1(editing ? EditOffCaption : EditCaption));
+    // Enter must not save and close while a row is edited.
+    cmdOK->setDefault(!IsEditing(*cmdPromptsEdit) && !IsEditing(*cmdActionsEdit) &&
+                      !IsEditing(*cmdExceptionsEdit));
 }
 
 void GUI::ResetListView(const char* procedure, ListView* list, std::span<const ListColumn> columns,
@@ -299,18 +333,17 @@ void GUI::SetNodePickerWidth(Slot slot, int twips) {
     picker->resize(Pixels(twips), picker->height());
 }
 
+std::array<QWidget*, 2> GUI::Pickers(Slot slot) const { return {NodePicker(slot), NumberPicker(slot)}; }
+
 std::vector<QWidget*> GUI::InPlaceEditors() const {
-    const auto pair = [this](Slot slot) {
-        return std::array<QWidget*, 2>{NodePicker(slot), NumberPicker(slot)};
-    };
     std::vector<QWidget*> editors;
-    std::ranges::copy(pair(Slot::Prompts), std::back_inserter(editors));
+    std::ranges::copy(Pickers(Slot::Prompts), std::back_inserter(editors));
     std::ranges::copy(
         std::array<QWidget*, 3>{txtActionsDTMFRangeLow, txtActionsDTMFRangeHigh, txtActionsDash},
         std::back_inserter(editors));
-    std::ranges::copy(pair(Slot::Actions), std::back_inserter(editors));
+    std::ranges::copy(Pickers(Slot::Actions), std::back_inserter(editors));
     for (const ExceptionRule& exception : ExceptionRules) {
-        std::ranges::copy(pair(exception.slot), std::back_inserter(editors));
+        std::ranges::copy(Pickers(exception.slot), std::back_inserter(editors));
     }
     return editors;
 }

@@ -56,7 +56,7 @@ class GUI : public QDialog {
 
     // A list is in edit mode as long as its Edit button says so.
     [[nodiscard]] static bool IsEditing(const QPushButton& editButton);
-    static void SetEditing(QPushButton& editButton, bool editing);
+    void SetEditing(QPushButton& editButton, bool editing);
 
     [[nodiscard]] PickList* NodePicker(Slot slot) const { return Editors(slot).node; }
 
@@ -153,6 +153,8 @@ class GUI : public QDialog {
     void CreateControls();
     void CreateInPlaceEditors();
     void LayOut();
+    void OrderTabs();
+    [[nodiscard]] std::array<QWidget*, 2> Pickers(Slot slot) const;
 
     std::optional<NodeLists> nodeLists_;
     std::array<ReferenceEditors, SlotRules.size()> editors_{};

@@ -11,7 +11,17 @@ QMessageBox::StandardButton MsgBox(const QString& text, QMessageBox::Icon icon,
     box.setTextInteractionFlags(Qt::TextSelectableByMouse);
     // A host whose only visible window this is must not see it as its last one and quit.
     box.setAttribute(Qt::WA_QuitOnClose, false);
-    return static_cast<QMessageBox::StandardButton>(box.exec());
+    const auto pressed = static_cast<QMessageBox::StandardButton>(box.exec());
+    if (pressed != QMessageBox::NoButton) {
+        return pressed;
+    }
+    // Closed by something else than a button or a key: the answer that changes least.
+    for (const auto harmless : {QMessageBox::Cancel, QMessageBox::No}) {
+        if (buttons.testFlag(harmless)) {
+            return harmless;
+        }
+    }
+    return QMessageBox::Ok;
 }
 
 void Inform(const QString& text) {

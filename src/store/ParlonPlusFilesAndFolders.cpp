@@ -124,7 +124,8 @@ std::string GetConnectionString() {
 
 std::string GetNewDatabaseFile() {
     const std::string special = GetSpecialFolderPath(CommonAppDataFolder);
-    const bool configured = !FolderExists(SuiteFolderUnder(special)) && !GetCommonAppDataFromRegistry().empty();
+    const bool configured =
+        !FolderExists(SuiteFolderUnder(special)) && !GetCommonAppDataFromRegistry().empty();
     return DatabaseFolderIn(configured ? GetSuiteFolder() : SuiteFolderUnder(special)) + DatabaseFileName;
 }
 

@@ -36,8 +36,8 @@ using RegistryValue = std::variant<std::monostate, std::string, std::vector<std:
 [[nodiscard]] std::string GetDatabaseFolder();
 [[nodiscard]] std::string GetConnectionString();
 
-// Where to make a store so that the connection string names it from then on: where it points to already, or under the
-// machine-wide application-data folder as long as nothing says where the suite lies.
+// Where to make a store so that the connection string names it from then on: where it points to already, or
+// under the machine-wide application-data folder as long as nothing says where the suite lies.
 [[nodiscard]] std::string GetNewDatabaseFile();
 
 } // namespace KAL_AUTO_Node

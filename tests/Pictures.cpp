@@ -1,0 +1,130 @@
+// Takes pictures of the windows on the demo store. Call: Pictures FOLDER [dark]
+
+#include "Person.h"
+#include "TestStore.h"
+
+#include <QPalette>
+#include <QStyle>
+#include <QStyleFactory>
+
+#include <iostream>
+
+using namespace KAL_AUTO_Node;
+
+namespace {
+
+class Photographer {
+  public:
+    explicit Photographer(std::filesystem::path folder) : folder_(std::move(folder)) {
+        std::filesystem::create_directories(folder_);
+        person_.LookAtBox = [this](QMessageBox& box) { Take(box, nextBox_); };
+    }
+
+    void TakeAll() {
+        person_.Edit(1, [&] {
+            TakeWindow("editor");
+            EditRow("LVPrompts", "cmdPromptsEdit", 1, "prompts-editing");
+            EditRow("LVActions", "cmdActionsEdit", 5, "actions-editing");
+            EditRow("LVExceptions", "cmdExceptionsEdit", 1, "exceptions-editing");
+            QuickAssign("cmdQuickPrompts", "quick-prompts");
+            QuickAssign("cmdQuickActions", "quick-actions");
+            Refusals();
+        });
+        person_.Edit(4, [&] {
+            Person::ClickRow("LVActions", 40);
+            EditRow("LVActions", "cmdActionsEdit", 40, "actions-scrolled");
+        });
+        person_.Edit(5, [&] {
+            nextBox_ = "message-max-number";
+            EditRow("LVActions", "cmdActionsEdit", 0, "");
+        });
+        person_.Edit(6, [&] {
+            nextBox_ = "message-missing-node";
+            person_.WillAnswer({QMessageBox::Cancel});
+            Person::Type(Person::TextBox("txtDescription"), "Opening");
+            Person::Press("cmdApply");
+        });
+        nextBox_ = "message-no-node";
+        person_.Edit(25, [] {});
+        store_.Execute("DROP TABLE Detail_AUTO_Action");
+        nextBox_ = "message-error";
+        person_.Edit(1, [] {});
+    }
+
+  private:
+    void Take(QWidget& widget, const std::string& name) {
+        if (!name.empty()) {
+            QCoreApplication::processEvents();
+            const auto file = folder_ / (name + ".png");
+            if (!widget.grab().save(QString::fromStdString(file.string()))) {
+                throw std::runtime_error("cannot write " + file.string());
+            }
+            std::cout << file.string() << '\n';
+        }
+    }
+
+    void TakeWindow(const std::string& name) { Take(*Person::Window("GUI"), name); }
+
+    void EditRow(const char* list, const char* button, int row, const std::string& name) {
+        Person::ClickRow(list, row);
+        Person::Press(button);
+        TakeWindow(name);
+        Person::Press(button);
+    }
+
+    void QuickAssign(const char* button, const std::string& name) {
+        person_.InQuickAssign(button, [&] { Take(*Person::Window("frmQuickAssign"), name); });
+    }
+
+    void Refusals() {
+        Person::Type(Person::TextBox("txtDescription"), "it''s");
+        nextBox_ = "message-label";
+        Person::Press("cmdApply");
+        nextBox_ = "message-save";
+        Person::Press("cmdNext");
+        Person::ClickRow("LVActions", 0);
+        Person::Press("cmdActionsEdit");
+        Person::Type(Person::TextBox("txtActionsDTMFRangeLow"), "9");
+        Person::Type(Person::TextBox("txtActionsDTMFRangeHigh"), "9");
+        nextBox_ = "message-duplicate";
+        Person::Press("cmdApply");
+        Person::ClickRow("LVPrompts", 0);
+        Person::Press("cmdPromptsEdit");
+        nextBox_ = "message-vacate";
+        Person::Choose("cmbPromptsNode", "EMPTY");
+        nextBox_.clear();
+    }
+
+    std::filesystem::path folder_;
+    TestStore store_;
+    Person person_;
+    std::string nextBox_;
+};
+
+QPalette DarkPalette() {
+    QPalette palette(QColor(53, 53, 53), QColor(40, 40, 40));
+    palette.setColor(QPalette::Base, QColor(30, 30, 30));
+    return palette;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() < 2) {
+        std::cerr << "Call: Pictures FOLDER [dark]\n";
+        return 2;
+    }
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    if (arguments.contains(QStringLiteral("dark"))) {
+        QApplication::setPalette(DarkPalette());
+    }
+    try {
+        Photographer(arguments[1].toStdString()).TakeAll();
+    } catch (const std::exception& error) {
+        std::cerr << "Pictures: " << error.what() << '\n';
+        return 1;
+    }
+    return 0;
+}
