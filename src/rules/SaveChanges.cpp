@@ -3,12 +3,42 @@
 #include "form/ValueBoxes.h"
 #include "platform/ErrorReport.h"
 #include "platform/MousePointer.h"
+#include "platform/RuntimeError.h"
 #include "rules/NodeRules.h"
 #include "rules/Today.h"
+
+#include <utility>
 
 namespace KAL_AUTO_Node {
 
 namespace {
+
+// What was written is made to last also where a save fails half-way.
+class LastingWrites {
+  public:
+    explicit LastingWrites(DataBase& dataBase) : dataBase_(dataBase) {}
+
+    ~LastingWrites() {
+        try {
+            Finish();
+        } catch (const RuntimeError&) {
+            // The failure that ended the save is the one to report.
+        }
+    }
+
+    LastingWrites(const LastingWrites&) = delete;
+    LastingWrites& operator=(const LastingWrites&) = delete;
+
+    void Finish() {
+        if (!std::exchange(finished_, true)) {
+            dataBase_.Flush();
+        }
+    }
+
+  private:
+    DataBase& dataBase_;
+    bool finished_ = false;
+};
 
 std::string CellText(const ListView& list, int row, int column) {
     return list.Cell(row, column).toStdString();
@@ -20,6 +50,7 @@ void NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
     Reporting("SaveChanges", [&] {
         const Hourglass busy;
         const LongOperation saving(gui);
+        LastingWrites writes(dataBase_);
         CheckForUnReferencedNodes(gui);
         LongOperation::ShowProgress(gui, "Saving node information. Please wait...");
         for (const Command command : {Command::Delete_AUTO_PromptsNode, Command::Delete_AUTO_ActionsNode}) {
@@ -28,7 +59,7 @@ void NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
         SaveNode(gui, nodeNumber);
         SavePrompts(gui, nodeNumber);
         SaveActions(gui, nodeNumber);
-        dataBase_.Flush();
+        writes.Finish();
         gui.StatusBar1->SetPanelText(QString());
     });
 }

@@ -4,6 +4,7 @@
 
 #include <SQLiteCpp/Exception.h>
 #include <SQLiteCpp/Statement.h>
+#include <sqlite3.h>
 
 #include <vector>
 
@@ -13,6 +14,9 @@ namespace {
 
 // Another program's write takes milliseconds; only a lock that lasts is worth reporting.
 constexpr int LockWaitMilliseconds = 1000;
+
+// Beyond this the log is worth carrying over into the file, 16 MiB with the usual pages.
+constexpr int LogPagesToKeep = 4096;
 
 // Runs one use of the engine; its error becomes the component's.
 template <class Use>
@@ -83,6 +87,15 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file)
             // them all. In a store with a rollback journal every statement has to sync for itself, as is the
             // engine's default.
             database_.exec("PRAGMA synchronous = NORMAL");
+            // The engine would carry the log over, and sync, in the middle of a save; the hook takes that
+            // over.
+            sqlite3_wal_hook(
+                database_.getHandle(),
+                [](void* connection, sqlite3*, const char*, int pages) {
+                    static_cast<SqliteConnection*>(connection)->logPages_ = pages;
+                    return SQLITE_OK;
+                },
+                this);
         }
     });
 }
@@ -102,6 +115,9 @@ void SqliteConnection::Flush() {
         database_.exec("PRAGMA synchronous = FULL");
         database_.exec("PRAGMA user_version = " + version);
         database_.exec("PRAGMA synchronous = NORMAL");
+        if (logPages_ > LogPagesToKeep) {
+            database_.exec("PRAGMA wal_checkpoint(PASSIVE)");
+        }
     });
 }
 

@@ -15,9 +15,13 @@ class SqliteConnection : public Connection {
     std::unique_ptr<Statement> Prepare(const std::string& sql) override;
     void Flush() override;
 
+    SqliteConnection(const SqliteConnection&) = delete;
+    SqliteConnection& operator=(const SqliteConnection&) = delete;
+
   private:
     SQLite::Database database_;
     bool writeAhead_ = false;
+    int logPages_ = 0; // in the write-ahead log after the latest commit of this connection
 };
 
 } // namespace KAL_AUTO_Node
