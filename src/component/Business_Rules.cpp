@@ -46,6 +46,11 @@ bool Business_Rules::Opened() const noexcept { return parts_->opened; }
 void Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partition_ID,
                                     std::int16_t Node_Number) {
     RequireApplication();
+    if (parts_->window && parts_->window->Form().isVisible()) {
+        // The host's own events run while the editor is shown, and may ask for it again.
+        parts_->window->Form().activateWindow();
+        return;
+    }
     parts_->opened = false;
     Reporting("ShowNodeEditor", [&] {
         NodeRules& rules = parts_->rules;

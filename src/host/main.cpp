@@ -6,12 +6,23 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
+#include <cstdlib>
 #include <iostream>
+#include <stdexcept>
 
 namespace {
 
 constexpr int Failed = 1;
 constexpr int UsageError = 2;
+
+// The toolkit ends the process where it finds no display; asking first gives a plain answer.
+bool HasDisplay() {
+    const auto isSet = [](const char* variable) {
+        const char* value = std::getenv(variable);
+        return value != nullptr && *value != '\0';
+    };
+    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
 
 } // namespace
 
@@ -44,6 +55,8 @@ int main(int argc, char** argv) {
             KAL_AUTO_Node::CreateStore(file, demo ? KAL_AUTO_Node::StoreContent::Demo
                                                   : KAL_AUTO_Node::StoreContent::Empty);
             std::cout << "Created " << file.string() << '\n';
+        } else if (!HasDisplay()) {
+            throw std::runtime_error("there is no display to show the editor on (DISPLAY is not set)");
         } else {
             KAL_AUTO_Node::Business_Rules rules;
             rules.ShowNodeEditor(config, partition, node);

@@ -5,34 +5,15 @@
 #include "platform/MousePointer.h"
 #include "platform/NumericValue.h"
 #include "rules/NodeRules.h"
+#include "rules/ReadRows.h"
 #include "rules/Rows.h"
 #include "rules/Utf8.h"
 
 #include <algorithm>
-#include <exception>
 
 namespace KAL_AUTO_Node {
 
 namespace {
-
-// Fills a list from its stored rows in one step. When a row can't be read, those before it stay in the list.
-template <class MakeRow>
-void Fill(ListView& list, ResultSet rows, MakeRow makeRow) {
-    std::vector<ListRow> read;
-    std::exception_ptr failure;
-    try {
-        for (; !rows.AtEnd(); rows.MoveNext()) {
-            read.push_back(makeRow(rows));
-        }
-    } catch (...) {
-        failure = std::current_exception();
-    }
-    rows.Close();
-    list.Append(std::move(read));
-    if (failure) {
-        std::rethrow_exception(failure);
-    }
-}
 
 void EnableNavigation(const GUI& gui) {
     const int count = gui.cmbNode->ListCount();
@@ -118,32 +99,34 @@ NodeRules::StoredReference NodeRules::ReadReference(const GUI& gui, const Result
 
 void NodeRules::LoadPrompts(GUI& gui, std::int16_t nodeNumber) {
     gui.LVPrompts->Clear();
-    Fill(*gui.LVPrompts,
-         dataBase_.Query(Command::Get_AUTO_PromptsNode, {gui.ConfigID, gui.PartitionID, nodeNumber}),
-         [&](const ResultSet& stored) {
-             const int sequence = stored.Number("SequenceNo");
-             const StoredReference prompt = ReadReference(gui, stored, NumberlessType);
-             ListRow row = RowAt(sequence, QString::number(sequence), prompt.display, prompt.reference);
-             row.cells[LabelColumn] = prompt.label;
-             return row;
-         });
+    ReadRows(
+        dataBase_.Query(Command::Get_AUTO_PromptsNode, {gui.ConfigID, gui.PartitionID, nodeNumber}),
+        [&](const ResultSet& stored) {
+            const int sequence = stored.Number("SequenceNo");
+            const StoredReference prompt = ReadReference(gui, stored, NumberlessType);
+            ListRow row = RowAt(sequence, QString::number(sequence), prompt.display, prompt.reference);
+            row.cells[LabelColumn] = prompt.label;
+            return row;
+        },
+        [&](std::vector<ListRow> rows) { gui.LVPrompts->Append(std::move(rows)); });
 }
 
 void NodeRules::LoadActions(GUI& gui, std::int16_t nodeNumber) {
     gui.LVActions->Clear();
-    Fill(*gui.LVActions,
-         dataBase_.Query(Command::Get_AUTO_ActionsNode, {gui.ConfigID, gui.PartitionID, nodeNumber}),
-         [&](const ResultSet& stored) {
-             const StoredReference action = ReadReference(gui, stored, NumberlessType);
-             const auto low = stored.Field("DTMFRangeLow");
-             const auto high = stored.Field("DTMFRangeHigh");
-             const bool ranged = low && high;
-             ListRow row = ActionRowAt(
-                 stored.Number("SequenceNo"), ranged ? FromUtf8(*low) : QStringLiteral("0"),
-                 ranged ? FromUtf8(*high) : QStringLiteral("0"), action.display, action.reference);
-             row.cells[LabelColumn] = action.label;
-             return row;
-         });
+    ReadRows(
+        dataBase_.Query(Command::Get_AUTO_ActionsNode, {gui.ConfigID, gui.PartitionID, nodeNumber}),
+        [&](const ResultSet& stored) {
+            const StoredReference action = ReadReference(gui, stored, NumberlessType);
+            const auto low = stored.Field("DTMFRangeLow");
+            const auto high = stored.Field("DTMFRangeHigh");
+            const bool ranged = low && high;
+            ListRow row =
+                ActionRowAt(stored.Number("SequenceNo"), ranged ? FromUtf8(*low) : QStringLiteral("0"),
+                            ranged ? FromUtf8(*high) : QStringLiteral("0"), action.display, action.reference);
+            row.cells[LabelColumn] = action.label;
+            return row;
+        },
+        [&](std::vector<ListRow> rows) { gui.LVActions->Append(std::move(rows)); });
 }
 
 void NodeRules::LoadExceptions(GUI& gui, const ResultSet& node) {

@@ -2,6 +2,7 @@
 #include "form/ValueBoxes.h"
 #include "platform/ErrorReport.h"
 #include "rules/NodeRules.h"
+#include "rules/ReadRows.h"
 #include "rules/Utf8.h"
 
 namespace KAL_AUTO_Node {
@@ -101,21 +102,29 @@ bool NodeRules::LoadStaticConstants(GUI& gui) {
 
 bool NodeRules::LoadExistingNodesInRecordSelector(GUI& gui, std::int16_t nodeNumber) {
     return Reporting("LoadExistingNodesInRecordSelector", [&] {
-        std::vector<PickList::Entry> entries;
         int opened = 0;
-        const QString& typeName = gui.NodeName(AutoType);
-        for (ResultSet nodes =
-                 dataBase_.Query(Command::Get_All_AUTO_Nodes, {gui.ConfigID, gui.PartitionID, AutoType});
-             !nodes.AtEnd(); nodes.MoveNext()) {
-            const int number = nodes.Number("NodeNumber");
-            if (number > 0 || NewNodeFlag) {
-                if (number == nodeNumber) {
-                    opened = static_cast<int>(entries.size());
+        int taken = 0;
+        QString typeName;
+        ReadRows(
+            dataBase_.Query(Command::Get_All_AUTO_Nodes, {gui.ConfigID, gui.PartitionID, AutoType}),
+            [&](const ResultSet& nodes) {
+                const int number = nodes.Number("NodeNumber");
+                if (number <= 0 && !NewNodeFlag) {
+                    return PickList::Entry{};
                 }
-                entries.push_back({typeName + ' ' + QString::number(number), number});
-            }
-        }
-        gui.cmbNode->AddItems(std::move(entries));
+                if (typeName.isEmpty()) {
+                    typeName = gui.NodeName(AutoType) + ' ';
+                }
+                if (number == nodeNumber) {
+                    opened = taken;
+                }
+                ++taken;
+                return PickList::Entry{typeName + QString::number(number), number};
+            },
+            [&](std::vector<PickList::Entry> entries) {
+                std::erase_if(entries, [](const PickList::Entry& entry) { return entry.text.isEmpty(); });
+                gui.cmbNode->AddItems(std::move(entries));
+            });
         if (gui.cmbNode->ListCount() > 0) {
             gui.cmbNode->SetListIndex(opened);
         }
