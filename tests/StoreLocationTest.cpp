@@ -1,3 +1,4 @@
+#include "TestStore.h"
 #include "platform/NativePath.h"
 #include "platform/RuntimeError.h"
 #include "platform/SpecialFolder.h"
@@ -6,11 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -22,58 +20,6 @@ using namespace std::string_literals;
 constexpr std::string_view Key = R"(SOFTWARE\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders)";
 const std::string Version5 = "Windows Registry Editor Version 5.00\r\n\r\n";
 const std::string Section = "[HKEY_LOCAL_MACHINE\\" + std::string(Key) + "]\r\n";
-
-class EnvironmentVariable {
-  public:
-    explicit EnvironmentVariable(const char* name) : name_(name) {
-        if (const char* value = std::getenv(name)) {
-            before_ = value;
-        }
-    }
-
-    ~EnvironmentVariable() {
-        if (before_) {
-            Set(*before_);
-        } else {
-            Unset();
-        }
-    }
-
-    EnvironmentVariable(const EnvironmentVariable&) = delete;
-    EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
-
-    void Set(const std::string& value) const { setenv(name_, value.c_str(), 1); }
-
-    void Unset() const { unsetenv(name_); }
-
-  private:
-    const char* name_;
-    std::optional<std::string> before_;
-};
-
-class TemporaryFolder {
-  public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "StoreLocation.XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) {
-            throw std::runtime_error("no temporary folder");
-        }
-        path_ = name;
-    }
-
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    [[nodiscard]] const std::filesystem::path& Path() const { return path_; }
-
-  private:
-    std::filesystem::path path_;
-};
 
 std::string Utf16(std::u16string_view text) {
     std::string bytes;

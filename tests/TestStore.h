@@ -67,7 +67,8 @@ class TemporaryFolder {
     std::filesystem::path path_;
 };
 
-// A store of its own where the component looks for it, as long as it lives; looked at and changed with raw SQL.
+// A store of its own where the component looks for it, as long as it lives; looked at and changed with raw
+// SQL.
 class TestStore {
   public:
     explicit TestStore(StoreContent content = StoreContent::Demo) {

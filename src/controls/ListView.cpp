@@ -64,6 +64,7 @@ ListView::ListView(QWidget* parent) : QTreeView(parent), rows_(new ListRows(this
     connect(rows_, &QAbstractItemModel::rowsInserted, this, &ListView::Rearranged);
     connect(rows_, &QAbstractItemModel::rowsRemoved, this, &ListView::Rearranged);
     connect(rows_, &QAbstractItemModel::modelReset, this, &ListView::Rearranged);
+    connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this, &ListView::Rearranged);
 }
 
 void ListView::SetColumns(std::span<const ListColumn> columns) {

@@ -91,7 +91,8 @@ class ListView : public QTreeView {
     // list's own handling.
     void KeyDown(int key);
     void KeyPress(int character);
-    // Rows or columns may stand at other places of the viewport than before.
+    // Rows or columns may stand at other places of the viewport than before, or another row is the selected
+    // item.
     void Rearranged();
 
   protected:

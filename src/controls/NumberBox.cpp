@@ -3,6 +3,7 @@
 #include "controls/Visibility.h"
 
 #include <QAbstractListModel>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
 #include <QSignalBlocker>
@@ -112,6 +113,14 @@ void NumberBox::SetText(const QString& text) {
     }
     setEditText(text);
     Change();
+}
+
+void NumberBox::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        event->ignore();
+    } else {
+        ComboBox::keyPressEvent(event);
+    }
 }
 
 void NumberBox::Change() {

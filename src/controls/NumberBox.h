@@ -32,6 +32,10 @@ class NumberBox : public ComboBox {
     // Runs the correction when the text becomes another.
     void SetText(const QString& text);
 
+  protected:
+    // The toolkit would choose the entry that stands there already, and so mark a change where there is none.
+    void keyPressEvent(QKeyEvent* event) override;
+
   private:
     void Change();
 

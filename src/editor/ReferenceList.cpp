@@ -50,7 +50,8 @@ void ReferenceList::Edit_Click() {
         }
         List().setSelectionMode(editing ? QAbstractItemView::SingleSelection : rules_.browsingSelection);
         if (!editing) {
-            HideEditors();
+            // Not the list itself: its getting the focus ends the edit mode of the list that takes over.
+            HideEditors(*controls_.edit);
         } else {
             if (const int row = List().SelectedItem(); row >= 0) {
                 List().Select(row);
@@ -77,11 +78,10 @@ std::vector<QWidget*> ReferenceList::Editors() const {
     return editors;
 }
 
-void ReferenceList::HideEditors() {
+void ReferenceList::HideEditors(QWidget& heir) {
     const std::vector<QWidget*> editors = Editors();
-    // The toolkit would hand the focus to the next control, which may end edit mode.
     if (std::ranges::any_of(editors, &QWidget::hasFocus)) {
-        List().setFocus(Qt::OtherFocusReason);
+        heir.setFocus(Qt::OtherFocusReason);
     }
     for (QWidget* editor : editors) {
         editor->hide();
@@ -169,7 +169,7 @@ void ReferenceList::Follow() {
     if (std::ranges::all_of(editors, [](const QWidget* editor) { return IsHiddenByCode(*editor); })) {
         return;
     }
-    if (!Editing() || !open_.isValid()) {
+    if (!Editing() || !open_.isValid() || open_.row() != List().SelectedItem()) {
         HideEditors();
         return;
     }

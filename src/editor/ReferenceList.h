@@ -39,7 +39,7 @@ class ReferenceList : public QObject {
     void Edit_Click();
 
     // The editors become invisible; edit mode stays.
-    void HideEditors();
+    void HideEditors() { HideEditors(List()); }
 
   signals:
     // Edit mode is on: that of the other lists has to end.
@@ -87,6 +87,9 @@ class ReferenceList : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    // The heir gets the focus where an editor had it; the toolkit would give it to the next control, which
+    // may end edit mode.
+    void HideEditors(QWidget& heir);
     void ItemClick(int row);
     void OpenEditors(int row);
     void NumberClick(Slot slot);
@@ -95,7 +98,8 @@ class ReferenceList : public QObject {
     void Place(Slot slot, int row);
     // Puts the number picker beside the type picker.
     void PlaceNumber(Slot slot);
-    // Keeps the open editors over their row when it moves, and hides them when they would not be over it.
+    // Keeps the open editors over their row when it moves, and hides them when they would not be over the
+    // selected one, which is the one that they write.
     void Follow();
     void LeaveEditors();
     void RestoreRow();

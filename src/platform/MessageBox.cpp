@@ -1,11 +1,20 @@
 #include "platform/MessageBox.h"
 
+#include "platform/MousePointer.h"
+
 #include <QApplication>
+
+#include <optional>
 
 namespace KAL_AUTO_Node {
 
 QMessageBox::StandardButton MsgBox(const QString& text, QMessageBox::Icon icon,
                                    QMessageBox::StandardButtons buttons, const QString& title) {
+    // A long operation that stops to say something is not busy meanwhile.
+    std::optional<DefaultPointer> idle;
+    if (QGuiApplication::overrideCursor() != nullptr) {
+        idle.emplace();
+    }
     QMessageBox box(icon, title, text, buttons, QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse);

@@ -51,7 +51,6 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
                 gui.lblRecordPosition->setText(QString::number(gui.cmbNode->ListIndex() + 1) + " of " +
                                                QString::number(gui.cmbNode->ListCount()));
             } else {
-                const DefaultPointer asking;
                 Inform(gui.NodeName(AutoType) + ' ' + QString::number(nodeNumber) + " doesn't exist.");
             }
         }

@@ -117,7 +117,6 @@ void NodeRules::CheckForUnReferencedNodes(GUI& gui) {
             }
         }
         if (!notCreated.isEmpty()) {
-            const DefaultPointer telling;
             TellNotCreated(notCreated);
         }
     });
