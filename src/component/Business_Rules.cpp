@@ -57,7 +57,7 @@ void Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partiti
         rules.NewNodeFlag = Node_Number == 0;
 
         parts_->window = std::make_unique<EditorWindow>(parts_->components);
-        parts_->window->Load();
+        parts_->window->Form_Load();
         GUI& gui = parts_->window->Form();
         gui.CreateNodeLists();
         gui.ConfigID = Config_ID;

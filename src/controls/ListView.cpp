@@ -135,7 +135,7 @@ void ListView::Select(int row) {
     scrollTo(index);
 }
 
-void ListView::SelectNone() { selectionModel()->clear(); }
+void ListView::ClearSelection() { selectionModel()->clear(); }
 
 QRect ListView::CellRect(int row, int column) const {
     const QRect cell = visualRect(VisibleCell(row));

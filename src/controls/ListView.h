@@ -67,6 +67,9 @@ class ListView : public QTreeView {
     [[nodiscard]] int SelectedItem() const;
     // In ascending order.
     [[nodiscard]] std::vector<int> SelectedRows() const;
+
+    [[nodiscard]] int GetSelectedCount() const { return static_cast<int>(SelectedRows().size()); }
+
     [[nodiscard]] bool IsSelected(int row) const;
     // Selects the row alone, makes it the selected item and scrolls to it.
     void Select(int row);
@@ -74,7 +77,7 @@ class ListView : public QTreeView {
     void EnsureVisible(int row) { scrollTo(VisibleCell(row)); }
 
     // Leaves neither a selected row nor a selected item.
-    void SelectNone();
+    void ClearSelection();
 
     // Where a cell is in the viewport, whether or not it can be seen there.
     [[nodiscard]] QRect CellRect(int row, int column) const;

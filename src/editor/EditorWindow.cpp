@@ -19,7 +19,7 @@ EditorWindow::EditorWindow(const ComponentFactory& components)
 }
 
 void EditorWindow::ConnectHandlers() {
-    connect(&gui_, &GUI::Unload, this, &EditorWindow::Unload, Qt::DirectConnection);
+    connect(&gui_, &GUI::Unload, this, &EditorWindow::Form_Unload, Qt::DirectConnection);
     connect(gui_.cmdApply, &QPushButton::clicked, this, &EditorWindow::cmdApply_Click);
     connect(gui_.cmdOK, &QPushButton::clicked, this, &EditorWindow::cmdOK_Click);
     connect(gui_.cmdCancel, &QPushButton::clicked, this, &EditorWindow::cmdCancel_Click);
@@ -78,7 +78,7 @@ bool EditorWindow::eventFilter(QObject* watched, QEvent* event) {
     return QObject::eventFilter(watched, event);
 }
 
-void EditorWindow::Load() {
+void EditorWindow::Form_Load() {
     rules_ = std::make_unique<NodeRules>(components_);
 
     constexpr int panelMargin = 100; // twips
@@ -91,7 +91,7 @@ void EditorWindow::Load() {
     }
 }
 
-void EditorWindow::Unload(bool& cancel) {
+void EditorWindow::Form_Unload(bool& cancel) {
     // Until it is clear that nothing gets lost.
     cancel = true;
     if (AskToSaveChanges() == QMessageBox::Cancel) {

@@ -25,7 +25,7 @@ class EditorWindow : public QObject {
     [[nodiscard]] GUI& Form() noexcept { return gui_; }
 
     // Makes the window ready to be filled, unseen. Raises what creating the window's own rules raises.
-    void Load();
+    void Form_Load();
 
     // Ends the in-place editing of the lists flagged.
     void TurnOffEditMode(bool prompts, bool actions, bool exceptions);
@@ -41,7 +41,7 @@ class EditorWindow : public QObject {
     void ConnectHandlers();
     void WatchFocus();
 
-    void Unload(bool& cancel);
+    void Form_Unload(bool& cancel);
     long ListViewWindowProc(ListView& list, WindowMessage message);
 
     // Yes and No let the caller go on, Cancel doesn't: the person chose so, or saving was refused.

@@ -31,7 +31,7 @@ ExceptionsList::ExceptionsList(GUI& gui)
 
 void ExceptionsList::Default_Click() {
     Handle(*Form().cmdExceptionsDefault, "Click", [this] {
-        List().Clear();
+        GUI::ClearListView(List());
         for (const ExceptionRule& exception : ExceptionRules) {
             const Reference target{Form().NodeName(exception.defaultType),
                                    QString::number(exception.defaultType),

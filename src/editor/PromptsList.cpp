@@ -65,7 +65,7 @@ void PromptsList::ChooseNumberless(Slot slot) {
     const auto answer = MsgBox(QStringLiteral("Do you want to vacate Prompts Table?"), QMessageBox::Question,
                                QMessageBox::Yes | QMessageBox::No, QStringLiteral("Confirmation"));
     if (answer == QMessageBox::Yes) {
-        List().Clear();
+        GUI::ClearListView(List());
         HideEditors();
         ListRow empty = EmptyRow(Form().NodeName(NumberlessType));
         empty.cells[CommandNodeColumn] = NodePicker().Text();

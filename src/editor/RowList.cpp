@@ -63,7 +63,7 @@ void RowList::Add_Click() {
         }
         const Hourglass busy;
         BeforeAppending();
-        List().SelectNone();
+        List().ClearSelection();
         const int last = List().Count() - 1;
         const auto position =
             last < 0 ? 1 : NumericValue(List().Cell(last, PositionColumn).toStdString()) + 1;
@@ -77,13 +77,12 @@ void RowList::Insert_Click() {
         if (!MayMakeRows()) {
             return;
         }
-        const std::vector<int> selected = List().SelectedRows();
-        if (InsertsOtherwise(selected.size() == 1)) {
+        if (InsertsOtherwise(List().GetSelectedCount() == 1)) {
             return;
         }
         const Hourglass busy;
-        const int row = selected.front();
-        List().SelectNone();
+        const int row = List().SelectedRows().front();
+        List().ClearSelection();
         ListRow inserted = NewRow(row + 1);
         // The key of the position is still the old row's.
         inserted.key += 'b';
@@ -113,14 +112,17 @@ void RowList::Remove_Click() {
     });
 }
 
+void RowList::SwapRows(int row, int other) {
+    List().SwapCells(row, other, rowRules_.firstMovedColumn, rowRules_.lastMovedColumn);
+}
+
 void RowList::Move_Click(const QPushButton& button, int distance) {
     Handle(button, "Click", [&] {
-        const std::vector<int> selected = List().SelectedRows();
-        if (selected.size() == 1) {
-            const int row = selected.front();
+        if (List().GetSelectedCount() == 1) {
+            const int row = List().SelectedRows().front();
             const int other = row + distance;
             if (other >= 0 && other < List().Count()) {
-                List().SwapCells(row, other, rowRules_.firstMovedColumn, rowRules_.lastMovedColumn);
+                SwapRows(row, other);
                 List().Select(other);
             }
         }

@@ -62,6 +62,8 @@ class RowList : public ReferenceList {
     // Up and Down: exchanges the selected row with the one that many rows further.
     void Move_Click(const QPushButton& button, int distance);
     void Quick_Click();
+    // Exchanges what two rows hold; positions and keys stay where they are.
+    void SwapRows(int row, int other);
 
     // The row for the default target at a position from 1.
     ListRow NewRow(int position);

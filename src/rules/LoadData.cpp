@@ -97,7 +97,7 @@ NodeRules::StoredReference NodeRules::ReadReference(const GUI& gui, const Result
 }
 
 void NodeRules::LoadPrompts(GUI& gui, std::int16_t nodeNumber) {
-    gui.LVPrompts->Clear();
+    GUI::ClearListView(*gui.LVPrompts);
     ReadRows(
         dataBase_.Query(Command::Get_AUTO_PromptsNode, {gui.ConfigID, gui.PartitionID, nodeNumber}),
         [&](const ResultSet& stored) {
@@ -111,7 +111,7 @@ void NodeRules::LoadPrompts(GUI& gui, std::int16_t nodeNumber) {
 }
 
 void NodeRules::LoadActions(GUI& gui, std::int16_t nodeNumber) {
-    gui.LVActions->Clear();
+    GUI::ClearListView(*gui.LVActions);
     ReadRows(
         dataBase_.Query(Command::Get_AUTO_ActionsNode, {gui.ConfigID, gui.PartitionID, nodeNumber}),
         [&](const ResultSet& stored) {
@@ -129,7 +129,7 @@ void NodeRules::LoadActions(GUI& gui, std::int16_t nodeNumber) {
 }
 
 void NodeRules::LoadExceptions(GUI& gui, const ResultSet& node) {
-    gui.LVExceptions->Clear();
+    GUI::ClearListView(*gui.LVExceptions);
     for (const ExceptionRule& exception : ExceptionRules) {
         const StoredReference target = ReadReference(gui, node, NumberlessExceptionType, exception.column);
         ListRow row = RowAt(gui.LVExceptions->Count() + 1, QString::fromLatin1(exception.label),
