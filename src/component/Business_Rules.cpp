@@ -74,6 +74,9 @@ void Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partiti
         complete &= NodeRules::LoadStaticConstants(gui);
         complete &= rules.LoadExistingNodesInRecordSelector(gui, Node_Number);
         const bool show = rules.LoadData(gui, Node_Number);
+        // The selector moves to its first node where it does not list the one asked for; what is shown is
+        // that one.
+        gui.nodeNumber = Node_Number;
         parts_->opened = complete && show;
 
         gui.cmdApply->setEnabled(false);
