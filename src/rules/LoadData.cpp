@@ -83,26 +83,26 @@ QString NodeRules::Label(const GUI& gui, std::string_view nodeTypeID, std::strin
     return node.AtEnd() ? QString() : FromUtf8(node.Field("NodeDescription").value_or(""));
 }
 
-NodeRules::StoredReference NodeRules::ReadReference(const GUI& gui, const ResultSet& row, int numberlessType,
-                                                    const std::string& prefix) {
-    const std::string_view typeID = row.Text(prefix + "NodeTypeID");
-    const QString storedType = FromUtf8(row.Text(prefix + "NodeType"));
-    const std::string_view number = row.Text(prefix + "NodeNumber");
-    const QString nodeTypeID = FromUtf8(typeID);
-    const QString nodeNumber = FromUtf8(number);
+NodeRules::StoredReference NodeRules::ReadReference(const GUI& gui, const ResultSet& row,
+                                                    const ReferenceColumns& columns, int numberlessType) {
+    const std::string_view typeID = row.Text(columns.nodeTypeID);
+    const std::string_view storedType = row.Text(columns.nodeType);
+    const std::string_view number = row.Text(columns.nodeNumber);
     // The stored type is shown, the type's name of today kept for saving.
-    const QString display = DisplayText({storedType, nodeTypeID, nodeNumber}, numberlessType);
-    const QString label = Label(gui, typeID, number);
-    return {display, label, {gui.Lists().NodeNameCollection[nodeTypeID], nodeTypeID, nodeNumber}};
+    const Reference shown{FromUtf8(storedType), FromUtf8(typeID), FromUtf8(number)};
+    return {DisplayText(shown, numberlessType),
+            Label(gui, typeID, number),
+            {gui.Lists().NodeNameCollection[shown.nodeTypeID], shown.nodeTypeID, shown.nodeNumber}};
 }
 
 void NodeRules::LoadPrompts(GUI& gui, std::int16_t nodeNumber) {
+    const ReferenceColumns columns;
     GUI::ClearListView(*gui.LVPrompts);
     ReadRows(
         dataBase_.Query(Command::Get_AUTO_PromptsNode, {gui.ConfigID, gui.PartitionID, nodeNumber}),
         [&](const ResultSet& stored) {
             const int sequence = stored.Number("SequenceNo");
-            const StoredReference prompt = ReadReference(gui, stored, NumberlessType);
+            const StoredReference prompt = ReadReference(gui, stored, columns, NumberlessType);
             ListRow row = RowAt(sequence, QString::number(sequence), prompt.display, prompt.reference);
             row.cells[LabelColumn] = prompt.label;
             return row;
@@ -111,11 +111,12 @@ void NodeRules::LoadPrompts(GUI& gui, std::int16_t nodeNumber) {
 }
 
 void NodeRules::LoadActions(GUI& gui, std::int16_t nodeNumber) {
+    const ReferenceColumns columns;
     GUI::ClearListView(*gui.LVActions);
     ReadRows(
         dataBase_.Query(Command::Get_AUTO_ActionsNode, {gui.ConfigID, gui.PartitionID, nodeNumber}),
         [&](const ResultSet& stored) {
-            const StoredReference action = ReadReference(gui, stored, NumberlessType);
+            const StoredReference action = ReadReference(gui, stored, columns, NumberlessType);
             const auto low = stored.Field("DTMFRangeLow");
             const auto high = stored.Field("DTMFRangeHigh");
             const bool ranged = low && high;
@@ -131,7 +132,10 @@ void NodeRules::LoadActions(GUI& gui, std::int16_t nodeNumber) {
 void NodeRules::LoadExceptions(GUI& gui, const ResultSet& node) {
     GUI::ClearListView(*gui.LVExceptions);
     for (const ExceptionRule& exception : ExceptionRules) {
-        const StoredReference target = ReadReference(gui, node, NumberlessExceptionType, exception.column);
+        const std::string name = exception.column;
+        const StoredReference target =
+            ReadReference(gui, node, {name + "NodeTypeID", name + "NodeType", name + "NodeNumber"},
+                          NumberlessExceptionType);
         ListRow row = RowAt(gui.LVExceptions->Count() + 1, QString::fromLatin1(exception.label),
                             target.display, target.reference);
         row.cells[LabelColumn] = target.label;

@@ -83,9 +83,15 @@ class NodeRules {
         Reference reference;
     };
 
-    // The names of the columns read begin with the prefix.
-    StoredReference ReadReference(const GUI& gui, const ResultSet& row, int numberlessType,
-                                  const std::string& prefix = {});
+    // The columns that a reference is stored in.
+    struct ReferenceColumns {
+        std::string nodeTypeID = "NodeTypeID";
+        std::string nodeType = "NodeType";
+        std::string nodeNumber = "NodeNumber";
+    };
+
+    StoredReference ReadReference(const GUI& gui, const ResultSet& row, const ReferenceColumns& columns,
+                                  int numberlessType);
     // The label of a referenced node; empty where it has none.
     QString Label(const GUI& gui, std::string_view nodeTypeID, std::string_view nodeNumber);
 

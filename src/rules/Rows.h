@@ -14,9 +14,8 @@ struct Reference {
 
 // How a reference is shown: the type's name and the number, or the name alone where the type has no numbers.
 [[nodiscard]] inline QString DisplayText(const Reference& reference, int numberlessType) {
-    return reference.nodeTypeID == QString::number(numberlessType)
-               ? reference.nodeName
-               : reference.nodeName + ' ' + reference.nodeNumber;
+    return reference.nodeTypeID.toInt() == numberlessType ? reference.nodeName
+                                                          : reference.nodeName + ' ' + reference.nodeNumber;
 }
 
 // A row at its position from 1: key, lead cell and what it refers to; without a label.

@@ -23,8 +23,8 @@ class Statement {
     [[nodiscard]] virtual std::span<const std::string> Columns() const = 0;
 
     // Takes one text per parameter and runs to the first row, or to the end of a statement without result
-    // rows.
-    virtual void Run(std::span<const std::string_view> parameters) = 0;
+    // rows. The texts have to stay as they are until Close.
+    virtual void Run(std::span<const std::string> parameters) = 0;
     [[nodiscard]] virtual bool AtEnd() const = 0;
     virtual void MoveNext() = 0;
     // A field of the row reached, or nothing for Null; valid until the next move.

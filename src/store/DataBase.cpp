@@ -140,13 +140,10 @@ Statement& DataBase::Run(Command command, Parameters parameters) {
                            "Takes " + std::to_string(statement.ParameterCount()) + " parameters, not " +
                                std::to_string(parameters.size()));
     }
-    std::vector<std::string_view> texts;
-    texts.reserve(parameters.size());
-    for (const Parameter& parameter : parameters) {
-        texts.push_back(parameter.Text());
-    }
+    prepared.parameters.resize(parameters.size());
+    std::ranges::transform(parameters, prepared.parameters.begin(), &Parameter::Text);
     try {
-        statement.Run(texts);
+        statement.Run(prepared.parameters);
     } catch (...) {
         statement.Close();
         throw;

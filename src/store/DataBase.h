@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace KAL_AUTO_Node {
 
@@ -113,6 +114,7 @@ class DataBase {
 
     struct Prepared {
         std::unique_ptr<Statement> statement;
+        std::vector<std::string> parameters; // of the latest run
         bool open = false;
     };
 

@@ -15,8 +15,8 @@ namespace {
 // Another program's write takes milliseconds; only a lock that lasts is worth reporting.
 constexpr int LockWaitMilliseconds = 1000;
 
-// Beyond this the log is worth carrying over into the file, 16 MiB with the usual pages.
-constexpr int LogPagesToKeep = 4096;
+// Beyond this the log is worth carrying over into the file, 64 MiB with the usual pages.
+constexpr int LogPagesToKeep = 16384;
 
 // Runs one use of the engine; its error becomes the component's.
 template <class Use>
@@ -42,10 +42,10 @@ class SqliteStatement : public Statement {
 
     [[nodiscard]] std::span<const std::string> Columns() const override { return columns_; }
 
-    void Run(std::span<const std::string_view> parameters) override {
+    void Run(std::span<const std::string> parameters) override {
         Engine([&] {
             for (std::size_t i = 0; i < parameters.size(); ++i) {
-                statement_.bind(static_cast<int>(i + 1), std::string(parameters[i]));
+                statement_.bindNoCopy(static_cast<int>(i + 1), parameters[i]);
             }
             statement_.executeStep();
         });

@@ -1,0 +1,181 @@
+#include "bench/Figures.h"
+
+#include "bench/Benches.h"
+#include "bench/Desk.h"
+#include "bench/FileSyncs.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QProcess>
+#include <QTimer>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iomanip>
+#include <iostream>
+#include <stdexcept>
+#include <thread>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+// The value after "name: " in one of the system's lists.
+std::string ValueIn(const char* file, const std::string& name) {
+    std::ifstream lines(file);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with(name)) {
+            const auto colon = line.find(':');
+            const auto value = line.find_first_not_of(" \t", colon + 1);
+            return value == std::string::npos ? std::string() : line.substr(value);
+        }
+    }
+    return "?";
+}
+
+// Statements as the engine runs them, with their values, while it lives, on connections opened meanwhile.
+class Recording {
+  public:
+    Recording() { sqlite3_auto_extension(Entry()); }
+
+    ~Recording() { sqlite3_cancel_auto_extension(Entry()); }
+
+    Recording(const Recording&) = delete;
+    Recording& operator=(const Recording&) = delete;
+
+    static std::vector<std::string> Take() { return std::exchange(statements_, {}); }
+
+  private:
+    static void (*Entry())() { return reinterpret_cast<void (*)()>(&Attach); }
+
+    static int Attach(sqlite3* database, char** /*error*/, const sqlite3_api_routines* /*api*/) {
+        return sqlite3_trace_v2(database, SQLITE_TRACE_STMT, &Note, nullptr);
+    }
+
+    static int Note(unsigned /*event*/, void* /*context*/, void* statement, void* /*sql*/) {
+        char* text = sqlite3_expanded_sql(static_cast<sqlite3_stmt*>(statement));
+        statements_.emplace_back(text == nullptr ? "" : text);
+        sqlite3_free(text);
+        return 0;
+    }
+
+    static inline std::vector<std::string> statements_;
+};
+
+void Compare(std::ostream& out, const char* work, const std::vector<std::string>& ours,
+             const std::vector<std::string>& floor) {
+    const auto [mine, other] = std::ranges::mismatch(ours, floor);
+    out << "| " << work << " | " << ours.size() << " | " << floor.size() << " | ";
+    if (mine == ours.end() && other == floor.end()) {
+        out << "yes |\n";
+    } else {
+        out << "no, from statement " << mine - ours.begin() + 1
+            << " on: " << (mine == ours.end() ? "none" : *mine) << " / "
+            << (other == floor.end() ? "none" : *other) << " |\n";
+    }
+}
+
+void PrintSyncsOf(std::ostream& out, const char* size, const char* side, const TestStore& store,
+                  const std::function<void()>& save) {
+    EmptyLog(store);
+    // The first write to an emptied log also syncs the log's new head.
+    for (const char* log : {"emptied", "in use"}) {
+        const FileSyncs syncs = SyncsOf(save);
+        out << "| " << size << " | " << side << " | " << log << " | "
+            << syncs.log + syncs.database + syncs.other << " | " << syncs.log << " | " << syncs.database
+            << " | " << syncs.other << " |\n";
+    }
+}
+
+std::string MemoryOf(Place place) {
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(
+        QApplication::applicationFilePath(),
+        {QString::fromLatin1(MemoryFlag), QString::number(place.partition), QString::number(place.node)});
+    if (!process.waitForFinished(60000) || process.exitCode() != 0) {
+        throw std::runtime_error("the memory could not be measured");
+    }
+    return process.readAllStandardOutput().trimmed().toStdString();
+}
+
+} // namespace
+
+void PrintMachine(std::ostream& out) {
+    out << "Measured with Qt " << qVersion() << " and SQLite " << sqlite3_libversion() << " on "
+        << std::thread::hardware_concurrency() << " x " << ValueIn("/proc/cpuinfo", "model name") << ".\n\n";
+}
+
+void PrintSyncs(std::ostream& out, const TestStore& store) {
+    out << "\n### File syncs of one save\n\n"
+           "| node | | log before | all | of the log | of the store | other |\n"
+           "| --- | --- | --- | ---: | ---: | ---: | ---: |\n";
+    for (const SizedPlace& sized : LargeNodes) {
+        Desk desk(sized.place);
+        const RawStore::Node node = desk.Content();
+        RawStore raw(store.File());
+        PrintSyncsOf(out, sized.size, "ours", store,
+                     [&] { desk.Rules().SaveChanges(desk.Form(), desk.Form().nodeNumber); });
+        PrintSyncsOf(out, sized.size, "floor", store, [&] { raw.Save(node); });
+    }
+}
+
+void PrintMemory(std::ostream& out) {
+    out << "\n### Peak memory of a process that opens the editor\n\n| opened | MB |\n| --- | ---: |\n";
+    out << "| a bare window instead | " << MemoryOf({0, 0}) << " |\n";
+    for (const auto& sizes : {SmallNodes, LargeNodes}) {
+        for (const SizedPlace& sized : sizes) {
+            out << "| " << sized.size << " | " << MemoryOf(sized.place) << " |\n";
+        }
+    }
+}
+
+int PrintOwnMemory(Place place) {
+    if (place.partition == 0) {
+        QDialog window;
+        window.resize(1040, 700);
+        QTimer::singleShot(100, &window, &QDialog::close);
+        window.exec();
+    } else {
+        OpenToFirstPaint(place);
+    }
+    const std::string peak = ValueIn("/proc/self/status", "VmHWM"); // "N kB"
+    std::cout << std::fixed << std::setprecision(1) << std::stod(peak) / 1024 << '\n';
+    return 0;
+}
+
+void PrintStatements(std::ostream& out, const TestStore& store) {
+    out << "\n### Statements, including those of the settings\n\n"
+           "| work | ours | floor | the same |\n| --- | ---: | ---: | --- |\n";
+    const Place place = LargeNodes[1].place;
+    const auto number = static_cast<std::int16_t>(place.node);
+    const Recording recording;
+    Desk desk(place);
+    const auto openOurs = Recording::Take();
+    RawStore raw(store.File());
+    raw.Open(place);
+    Compare(out, "open", openOurs, Recording::Take());
+
+    const auto compare = [&](const char* work, const auto& ours, const auto& floor) {
+        // Equally long logs, so that both or neither carry theirs over.
+        EmptyLog(store);
+        Recording::Take();
+        ours();
+        const auto statements = Recording::Take();
+        EmptyLog(store);
+        Recording::Take();
+        floor();
+        Compare(out, work, statements, Recording::Take());
+    };
+    GUI& gui = desk.Form();
+    const RawStore::Node node = desk.Content();
+    compare(
+        "LoadData", [&] { desk.Rules().LoadData(gui, number); }, [&] { raw.Load(place); });
+    compare(
+        "missing-node check", [&] { desk.Rules().CheckForUnReferencedNodes(gui); }, [&] { raw.Check(node); });
+    compare(
+        "SaveChanges", [&] { desk.Rules().SaveChanges(gui, number); }, [&] { raw.Save(node); });
+}
+
+} // namespace KAL_AUTO_Node

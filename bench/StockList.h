@@ -1,0 +1,42 @@
+#pragma once
+
+#include "controls/ListView.h"
+
+#include <QHash>
+#include <QTreeWidget>
+
+namespace KAL_AUTO_Node {
+
+// The floor of the list operations: what a program does that keeps the same list in the toolkit's own tree
+// widget. A row is an item, found by its key, and each operation does what the editor's does.
+class StockList {
+  public:
+    explicit StockList(const ListView& like);
+
+    void Fill(const std::vector<ListRow>& rows);
+    void Select(int row);
+    void SelectEverySecond();
+    void SelectNone();
+    void TakeFirst();
+
+    void Add();
+    void InsertAtTop();
+    void RemoveSelected();
+    // Exchanges the selected row with the one that many rows further.
+    void Move(int distance);
+    void SelectAll();
+    void Renumber(int from);
+
+  private:
+    [[nodiscard]] QTreeWidgetItem* MakeItem(const ListRow& row) const;
+    [[nodiscard]] std::vector<int> SelectedRows() const;
+    void Take(int row);
+
+    QTreeWidget tree_;
+    QHash<QString, QTreeWidgetItem*> byKey_;
+};
+
+// A row as Add and Insert make it.
+[[nodiscard]] ListRow StockRow(int position);
+
+} // namespace KAL_AUTO_Node
