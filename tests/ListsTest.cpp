@@ -1,106 +1,46 @@
 #include "Person.h"
-#include "TestStore.h"
-#include "editor/EditorWindow.h"
-#include "rules/Rows.h"
 
-#include <QClipboard>
 #include <QHeaderView>
-#include <QWheelEvent>
-
-#include <algorithm>
 
 namespace KAL_AUTO_Node {
 namespace {
 
 using Strings = std::vector<std::string>;
 
-// The names of a list's controls.
+// The names of a list's controls; each exception has editors of its own.
 struct Names {
-    const char* list;
-    const char* edit;
-    const char* node;
-    const char* number;
-    const char* add = nullptr;
-    const char* insert = nullptr;
-    const char* remove = nullptr;
-    const char* up = nullptr;
-    const char* down = nullptr;
-    const char* quick = nullptr;
+    std::string kind;
+    std::string slot = kind;
+    std::string list = "LV" + kind;
+    std::string edit = "cmd" + kind + "Edit";
+    std::string node = "cmb" + slot + "Node";
+    std::string number = "cmb" + slot + "Number";
 };
 
-constexpr Names Prompts{"LVPrompts",      "cmdPromptsEdit",   "cmbPromptsNode",   "cmbPromptsNumber",
-                        "cmdPromptsAdd",  "cmdPromptsInsert", "cmdPromptsRemove", "cmdPromptsUp",
-                        "cmdPromptsDown", "cmdQuickPrompts"};
-constexpr Names Actions{"LVActions",      "cmdActionsEdit",   "cmbActionsNode",   "cmbActionsNumber",
-                        "cmdActionsAdd",  "cmdActionsInsert", "cmdActionsRemove", "cmdActionsUp",
-                        "cmdActionsDown", "cmdQuickActions"};
-constexpr Names Timeout{"LVExceptions", "cmdExceptionsEdit", "cmbExceptionsTimeoutNode",
-                        "cmbExceptionsTimeoutNumber"};
+const Names Prompts{"Prompts"};
+const Names Actions{"Actions"};
+const Names Timeout{"Exceptions", "ExceptionsTimeout"};
 
-constexpr const char* LowBox = "txtActionsDTMFRangeLow";
-constexpr const char* Dash = "txtActionsDash";
-constexpr const char* HighBox = "txtActionsDTMFRangeHigh";
+const std::string LowBox = "txtActionsDTMFRangeLow";
+const std::string Dash = "txtActionsDash";
+const std::string HighBox = "txtActionsDTMFRangeHigh";
 
-// Widths of the in-place editors in pixels.
-constexpr int NodeWidth = 65;
-constexpr int LoneNodeWidth = 111;
-constexpr int NumberWidth = 46;
+const std::set<std::string> NoEditors;
 
-QWidget* Control(const char* name) { return Person::Find<QWidget>(name); }
-
-bool Shown(const char* name) { return Control(name)->isVisible(); }
-
-std::string Caption(const char* button) { return Person::Button(button)->text().toStdString(); }
-
-std::string Focused() {
-    const QWidget* focused = QApplication::focusWidget();
-    return focused == nullptr ? "nothing" : focused->objectName().toStdString();
-}
-
-// A key for whatever has the focus.
+// For whatever has the focus.
 void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     ASSERT_NE(QApplication::focusWidget(), nullptr);
     QTest::keyClick(QApplication::focusWidget(), key, modifiers);
 }
 
-// On the label, which no editor covers.
-QPoint Label(const char* list, int row) {
-    QTreeView* view = Person::List(list);
-    const QModelIndex cell = view->model()->index(row, 3);
-    view->scrollTo(cell);
-    return view->visualRect(cell).center();
-}
-
-void Click(const char* list, int row, Qt::KeyboardModifiers modifiers = {}) {
-    QTest::mouseClick(Person::List(list)->viewport(), Qt::LeftButton, modifiers, Label(list, row));
-}
-
-// Types over what the box holds.
-void TypeOver(const char* box, const char* text) {
-    Control(box)->setFocus();
-    QTest::keyClick(Control(box), Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(Control(box), QString::fromLatin1(text));
-}
-
-void MarkUnchanged() { Person::Button("cmdApply")->setEnabled(false); }
-
-std::vector<int> Selected(const char* list) {
-    std::vector<int> rows;
-    for (const QModelIndex& index : Person::List(list)->selectionModel()->selectedRows(1)) {
-        rows.push_back(index.row());
-    }
-    std::ranges::sort(rows);
-    return rows;
-}
-
 // What the rows refer to, after making sure that keys and positions run from 1.
-Strings Targets(const char* list) {
+Strings Targets(const std::string& list) {
     Strings targets;
     for (int row = 0; row < Person::Count(list); ++row) {
         const std::string position = std::to_string(row + 1);
         EXPECT_EQ(Person::Key(list, row), position + "a");
         EXPECT_EQ(Person::Cell(list, row, 0), position);
-        if (list == std::string("LVPrompts")) {
+        if (list == Prompts.list) {
             EXPECT_EQ(Person::Cell(list, row, 1), position);
         }
         targets.push_back(Person::Cell(list, row, 2));
@@ -113,490 +53,247 @@ Box Unavailable(const std::string& type) {
                        " Node in Partition Settings.");
 }
 
-Box VacateQuestion() {
-    return {"Confirmation", "Do you want to vacate Prompts Table?", QMessageBox::Question,
-            QMessageBox::Yes | QMessageBox::No};
+// The editors of a row, and no others, are open and sit on it.
+void ExpectEditorsOver(const Names& names, int row, bool numbered = true) {
+    std::vector<std::tuple<std::string, int, int, int>> places{{names.node, 2, 0, numbered ? 65 : 111}};
+    if (numbered) {
+        places.emplace_back(names.number, 2, 65, 46);
+    }
+    if (names.kind == Actions.kind) {
+        places.insert(places.end(), {{LowBox, 1, 0, 50}, {Dash, 1, 50, 6}, {HighBox, 1, 56, 50}});
+    }
+    const QTreeView* view = Person::List(names.list);
+    std::set<std::string> editors;
+    for (const auto& [editor, column, offset, width] : places) {
+        const QRect cell = view->visualRect(view->model()->index(row, column));
+        const auto* control = Person::Find<QWidget>(editor);
+        EXPECT_EQ(control->mapToGlobal(QPoint()),
+                  view->viewport()->mapToGlobal(cell.topLeft() + QPoint(offset, 0)))
+            << editor << ", row " << row;
+        EXPECT_EQ(control->size(), QSize(width, cell.height())) << editor;
+        editors.insert(editor);
+    }
+    EXPECT_EQ(Person::OpenEditors(), editors);
 }
 
-QRect OnScreen(const QWidget* widget, const QRect& rect) {
-    return {widget->mapToGlobal(rect.topLeft()), rect.size()};
-}
-
-// Where an editor has to be: so far from the left of a column, over the whole height of the row.
-void ExpectOver(const char* editor, const char* list, int row, int column, int offset, int width) {
-    const QTreeView* view = Person::List(list);
-    const QRect cell = view->visualRect(view->model()->index(row, column));
-    const QRect expected(view->columnViewportPosition(column) + offset, cell.top(), width, cell.height());
-    EXPECT_TRUE(Shown(editor)) << editor;
-    EXPECT_EQ(OnScreen(Control(editor), Control(editor)->rect()), OnScreen(view->viewport(), expected))
-        << editor << " over row " << row << " of " << list;
-}
-
-void ExpectPickersOver(const Names& names, int row) {
-    ExpectOver(names.node, names.list, row, 2, 0, NodeWidth);
-    ExpectOver(names.number, names.list, row, 2, NodeWidth, NumberWidth);
-}
-
-void ExpectRangeBoxesOver(int row) {
-    ExpectOver(LowBox, "LVActions", row, 1, 0, 50);
-    ExpectOver(Dash, "LVActions", row, 1, 50, 6);
-    ExpectOver(HighBox, "LVActions", row, 1, 56, 50);
-}
-
-class Lists : public testing::Test {
+class Lists : public EditorTest {
   protected:
-    // Opens a node, does things and expects the boxes given, no others.
-    void Edit(int node, const std::function<void()>& deeds, const std::vector<Box>& boxes = {}) {
-        EXPECT_TRUE(person_.Edit(node, [&] {
-            EXPECT_TRUE(QTest::qWaitForWindowActive(Person::Window("GUI")));
-            deeds();
-        }));
-        EXPECT_EQ(person_.Boxes(), boxes);
-    }
-
-    void SetMax(const char* types, int max) const {
+    void SetMax(int type, int max) const {
         store_.Execute("UPDATE Node_Type_Max SET Max_Number = " + std::to_string(max) +
-                       " WHERE PartitionID = 2 AND NodeType_ID IN (" + types + ")");
+                       " WHERE PartitionID = 2 AND NodeType_ID = " + std::to_string(type));
     }
-
-    TestStore store_;
-    Person person_;
 };
 
 // Prompts and actions where they behave alike.
-class RowLists : public Lists, public testing::WithParamInterface<Names> {
+class RowLists : public Lists, public testing::WithParamInterface<std::string> {
   protected:
-    [[nodiscard]] bool OfPrompts() const { return GetParam().list == std::string("LVPrompts"); }
+    static void Press(const std::string& action) { Person::Press("cmd" + GetParam() + action); }
+
+    static bool OfPrompts() { return GetParam() == Prompts.kind; }
+
+    const Names names_{GetParam()};
+    const std::string& list_ = names_.list;
 };
 
-INSTANTIATE_TEST_SUITE_P(, RowLists, testing::Values(Prompts, Actions),
-                         [](const auto& test) { return std::string(test.param.list + 2); });
+INSTANTIATE_TEST_SUITE_P(, RowLists, testing::Values("Prompts", "Actions"),
+                         [](const auto& test) { return test.param; });
 
-TEST_P(RowLists, AddAppendsTheFirstMessageAndInsertPutsItBefore) {
-    const Names& names = GetParam();
+TEST_P(RowLists, AddInsertMoveAndRemoveRows) {
+    // The rows are the node's own, 1 to 5, and those made here, "+".
+    struct Deed {
+        const char* action;
+        std::vector<int> rows;
+        std::string left;
+        std::vector<int> selected;
+    };
+
+    const std::vector<Deed> deeds{{"Add", {0}, "12345+", {5}},      {"Insert", {1}, "1+2345+", {1}},
+                                  {"Up", {3}, "1+3245+", {2}},      {"Down", {0}, "+13245+", {1}},
+                                  {"Up", {0}, "+13245+", {0}},      {"Down", {6}, "+13245+", {6}},
+                                  {"Remove", {1, 3}, "+345+", {0}}, {"Remove", {4}, "+345", {3}},
+                                  {"Remove", {1}, "+45", {1}},      {"Up", {0, 2}, "+45", {0, 2}}};
     Edit(OfPrompts() ? 6 : 10, [&] {
-        Strings expected = Targets(names.list);
-        ASSERT_EQ(expected.size(), 5U);
-        Person::Press(names.add);
-        expected.push_back("MSG 1");
-        EXPECT_EQ(Targets(names.list), expected);
-        EXPECT_EQ(Person::Row(names.list, 5),
-                  OfPrompts() ? "6|6|MSG 1||MSG|0|1" : "6|6-6|MSG 1||MSG|0|1|6|6");
-        EXPECT_EQ(Selected(names.list), std::vector{5});
-        EXPECT_TRUE(Person::Dirty());
-
-        MarkUnchanged();
-        Click(names.list, 1);
-        Person::Press(names.insert);
-        expected.insert(expected.begin() + 1, "MSG 1");
-        EXPECT_EQ(Targets(names.list), expected);
-        EXPECT_EQ(Person::Row(names.list, 1),
-                  OfPrompts() ? "2|2|MSG 1||MSG|0|1" : "2|2-2|MSG 1||MSG|0|1|2|2");
-        EXPECT_EQ(Selected(names.list), std::vector{1});
-        EXPECT_FALSE(Shown(names.node) || Shown(names.number));
-        EXPECT_TRUE(Person::Dirty());
-        // Only an action keeps what stands in its first column.
-        EXPECT_EQ(Person::Cell(names.list, 2, 1), OfPrompts() ? "3" : "2-2");
-
-        // With two rows or none selected, prompts stay as they are and an action is appended.
-        for (const bool two : {true, false}) {
-            MarkUnchanged();
-            Click(names.list, 0);
-            Click(names.list, two ? 2 : 0, Qt::ControlModifier);
-            ASSERT_EQ(Selected(names.list).size(), two ? 2U : 0U);
-            Person::Press(names.insert);
-            if (!OfPrompts()) {
-                expected.push_back("MSG 1");
+        const Strings own = Targets(list_);
+        const auto rows = [&] {
+            std::string order;
+            for (const std::string& target : Targets(list_)) {
+                const auto found = std::ranges::find(own, target);
+                order += found == own.end() ? '+' : static_cast<char>('1' + (found - own.begin()));
             }
-            EXPECT_EQ(Targets(names.list), expected);
-            EXPECT_EQ(Person::Dirty(), !OfPrompts());
-        }
-    });
-}
-
-TEST_P(RowLists, RemoveRenumbersAndSelectsWhatFollows) {
-    const Names& names = GetParam();
-    Edit(OfPrompts() ? 6 : 10, [&] {
-        Strings expected = Targets(names.list);
-        Click(names.list, 1);
-        Click(names.list, 3, Qt::ControlModifier);
-        Person::Press(names.remove);
-        expected.erase(expected.begin() + 3);
-        expected.erase(expected.begin() + 1);
-        EXPECT_EQ(Targets(names.list), expected);
-        EXPECT_EQ(Selected(names.list), std::vector{0});
-        EXPECT_TRUE(Person::Dirty());
-
-        Click(names.list, 1);
-        Person::Press(names.remove);
-        expected.erase(expected.begin() + 1);
-        EXPECT_EQ(Targets(names.list), expected);
-        EXPECT_EQ(Selected(names.list), std::vector{1});
-        Person::Press(names.remove);
-        expected.pop_back();
-        EXPECT_EQ(Targets(names.list), expected);
-        EXPECT_EQ(Selected(names.list), std::vector{0});
-    });
-    // From the keyboard, everything at once.
-    Edit(4, [&] {
-        Person::List(names.list)->setFocus();
-        Key(Qt::Key_A, Qt::ControlModifier);
-        EXPECT_EQ(Selected(names.list).size(), OfPrompts() ? 30U : 60U);
-        EXPECT_FALSE(Person::Dirty());
-        Key(Qt::Key_Delete);
-        EXPECT_TRUE(Person::Dirty());
-        EXPECT_EQ(Targets(names.list), OfPrompts() ? Strings{"EMPTY"} : Strings());
-        if (OfPrompts()) {
-            EXPECT_EQ(Person::Row(names.list, 0), "1|1|EMPTY||EMPTY|999|1");
-            EXPECT_EQ(Selected(names.list), std::vector{0});
-            EXPECT_EQ(Control(names.node)->width(), LoneNodeWidth);
-        }
-    });
-}
-
-TEST_P(RowLists, UpAndDownMoveOneRowAndAlwaysMark) {
-    const Names& names = GetParam();
-    Edit(OfPrompts() ? 6 : 10, [&] {
-        Strings expected = Targets(names.list);
-        const int last = Person::Count(names.list) - 1;
-        struct Move {
-            const char* button;
-            int row;
-            int to;
+            return order;
         };
-        for (const Move& move : {Move{names.up, 2, 1}, Move{names.down, 0, 1}, Move{names.up, last, last - 1},
-                                 Move{names.up, 0, 0}, Move{names.down, last, last}}) {
-            MarkUnchanged();
-            Click(names.list, move.row);
-            std::string moved = Person::Row(names.list, move.row);
-            Person::Press(move.button);
-            std::swap(expected[static_cast<std::size_t>(move.row)],
-                      expected[static_cast<std::size_t>(move.to)]);
-            EXPECT_EQ(Targets(names.list), expected);
-            EXPECT_EQ(Selected(names.list), std::vector{move.to});
+        // A moved row leaves behind its position only.
+        const auto content = [&](int row) { return Person::Row(list_, row).substr(OfPrompts() ? 4 : 2); };
+        const std::string fifth = content(4);
+        for (const Deed& deed : deeds) {
+            Person::MarkUnchanged();
+            Person::ClickRow(list_, deed.rows.front());
+            if (deed.rows.size() > 1) {
+                Person::ClickRow(list_, deed.rows.back(), Qt::ControlModifier);
+            }
+            Press(deed.action);
+            EXPECT_EQ(rows(), deed.left) << deed.action;
+            EXPECT_EQ(Person::SelectedRows(list_), deed.selected) << deed.action << " to " << deed.left;
             EXPECT_TRUE(Person::Dirty());
-            // All of the row but its position has moved.
-            const std::string now = Person::Row(names.list, move.to);
-            const auto content = [&](const std::string& row) {
-                const std::size_t first = row.find('|') + 1;
-                return row.substr(OfPrompts() ? row.find('|', first) : first);
-            };
-            EXPECT_EQ(content(now), content(moved));
         }
-        MarkUnchanged();
-        Click(names.list, 1);
-        Click(names.list, 2, Qt::ControlModifier);
-        Person::Press(names.down);
-        EXPECT_EQ(Targets(names.list), expected);
-        EXPECT_TRUE(Person::Dirty());
+        EXPECT_EQ(content(2), fifth);
+        EXPECT_EQ(Person::Row(list_, 0), OfPrompts() ? "1|1|MSG 1||MSG|0|1" : "1|2-2|MSG 1||MSG|0|1|2|2");
+        // Of two selected rows, prompts choose none to insert before, and actions append.
+        Person::MarkUnchanged();
+        Press("Insert");
+        EXPECT_EQ(rows(), OfPrompts() ? "+45" : "+45+");
+        EXPECT_EQ(Person::Dirty(), !OfPrompts());
     });
 }
 
 TEST_P(RowLists, ATypeWithFewerNumbersStartsAgainAtOne) {
-    const Names& names = GetParam();
-    SetMax("2", 9);
+    SetMax(2, 9);
     Edit(1, [&] {
-        const int row = 2;
-        const std::string lead = Person::Cell(names.list, row, 1);
-        EXPECT_EQ(Person::Cell(names.list, row, 3), OfPrompts() ? "Today's specials" : "Opening hours");
-        Person::Press(names.edit);
-        Click(names.list, row);
-        MarkUnchanged();
-        EXPECT_EQ(Person::Cell(names.list, row, 3), "");
-        Person::Choose(names.number, "12");
-        EXPECT_EQ(Person::Cell(names.list, row, 2), "MSG 12");
-        Person::Choose(names.node, "LIST");
-        EXPECT_EQ(Person::Cell(names.list, row, 2), "LIST 12");
-        EXPECT_EQ(Person::Text(names.number), "12");
-        Person::Choose(names.node, "TIME");
-        EXPECT_EQ(Person::Combo(names.number)->count(), 9);
-        EXPECT_EQ(Person::Text(names.number), "1");
-        EXPECT_EQ(Person::Row(names.list, row),
-                  "3|" + lead + "|TIME 1||TIME|2|1" + (OfPrompts() ? "" : "|3|3"));
-        EXPECT_FALSE(Person::Dirty());
-        // Typed numbers stay among those offered.
-        for (const auto& [typed, left] :
-             {std::pair{"25", "2"}, {"0", "1"}, {"x", "1"}, {"7a", "7"}, {"9", "9"}}) {
-            TypeOver(names.number, typed);
-            EXPECT_EQ(Person::Text(names.number), left) << typed;
-            EXPECT_EQ(Person::Cell(names.list, row, 2), std::string("TIME ") + left);
-            EXPECT_EQ(Person::Cell(names.list, row, 6), left);
+        Person::Press(names_.edit);
+        Person::ClickRow(list_, 2);
+        Person::Choose(names_.number, "12");
+        Person::Choose(names_.node, "TIME");
+        EXPECT_EQ(Person::Row(list_, 2), OfPrompts() ? "3|3|TIME 1||TIME|2|1" : "3|3-3|TIME 1||TIME|2|1|3|3");
+        for (const auto& [typed, left] : {std::pair{"25", "2"}, {"0", "1"}, {"7a", "7"}, {"x", "1"}}) {
+            Person::TypeOver(names_.number, typed);
+            EXPECT_EQ(Person::Text(names_.number), left) << typed;
+            EXPECT_EQ(Person::Cell(list_, 2, 2), std::string("TIME ") + left);
         }
-        // A pasted text comes as a whole; the 0 ends it.
-        QApplication::clipboard()->setText("05");
-        TypeOver(names.number, "");
-        QTest::keyClick(Control(names.number), Qt::Key_V, Qt::ControlModifier);
-        EXPECT_EQ(Person::Cell(names.list, row, 2), "TIME 1");
     });
-}
-
-TEST_F(Lists, AddOnAnEmptyList) {
-    Edit(2, [] {
-        for (const Names& names : {Prompts, Actions}) {
-            EXPECT_EQ(Person::Count(names.list), 0);
-            Person::Press(names.add);
-            EXPECT_EQ(Targets(names.list), Strings{"MSG 1"});
-        }
-        EXPECT_EQ(Person::Row("LVActions", 0), "1|1-1|MSG 1||MSG|0|1|1|1");
-    });
-    // The placeholder gives way to the first prompt.
-    for (const char* button : {"cmdPromptsAdd", "cmdPromptsInsert"}) {
-        Edit(7, [&] {
-            EXPECT_EQ(Targets("LVPrompts"), Strings{"EMPTY"});
-            Click("LVPrompts", 0);
-            Person::Press(button);
-            EXPECT_EQ(Targets("LVPrompts"), Strings{"MSG 1"}) << button;
-            EXPECT_EQ(Selected("LVPrompts"), std::vector{0});
-        });
-    }
 }
 
 TEST_F(Lists, OnlyOneIsEditedAtATimeAndEachToggleMarks) {
     Edit(1, [] {
-        const std::vector<Names> lists{Prompts, Actions, Timeout};
-        for (const Names& names : lists) {
-            Click(names.list, 0);
-        }
-        for (const auto& [from, to] : {std::pair{0, 1}, {1, 2}, {2, 0}, {0, 2}, {2, 1}, {1, 0}}) {
-            const Names& first = lists[static_cast<std::size_t>(from)];
-            const Names& second = lists[static_cast<std::size_t>(to)];
+        for (const auto& [first, second] :
+             {std::pair{Prompts, Actions}, {Actions, Timeout}, {Timeout, Prompts}}) {
+            SCOPED_TRACE(first.kind + ", then " + second.kind);
+            Person::ClickRow(second.list, 0);
+            Person::ClickRow(first.list, 0);
             Person::Press(first.edit);
-            EXPECT_TRUE(Shown(first.node) && Shown(first.number)) << first.list;
-            MarkUnchanged();
-            Person::Press(second.edit);
-            EXPECT_EQ(Caption(first.edit) + Caption(second.edit), "EditEdit Off");
-            EXPECT_TRUE(Shown(second.node) && Shown(second.number)) << second.list;
-            EXPECT_FALSE(Shown(first.node) || Shown(first.number)) << first.list;
-            EXPECT_EQ(Focused(), to == 1 ? LowBox : second.node);
+            ExpectEditorsOver(first, 0);
+            Person::MarkUnchanged();
+            // As assistive technology presses a button: the focus is where it was, in an editor.
+            Person::Button(second.edit)->click();
+            EXPECT_EQ(Person::Caption(first.edit) + Person::Caption(second.edit), "EditEdit Off");
+            ExpectEditorsOver(second, 0);
+            EXPECT_EQ(Person::Focused(), second.kind == Actions.kind ? LowBox : second.node);
             EXPECT_TRUE(Person::Dirty());
-            MarkUnchanged();
-            Person::Press(second.edit);
-            EXPECT_EQ(Caption(second.edit), "Edit");
-            EXPECT_FALSE(Shown(second.node) || Shown(second.number)) << second.list;
+            Person::MarkUnchanged();
+            Person::Button(second.edit)->click();
+            EXPECT_EQ(Person::Caption(second.edit), "Edit");
+            EXPECT_EQ(Person::OpenEditors(), NoEditors);
+            EXPECT_EQ(Person::Focused(), second.edit);
             EXPECT_TRUE(Person::Dirty());
-        }
-        for (const Names& names : {Prompts, Actions}) {
-            for (const bool editing : {true, false}) {
-                Person::Press(names.edit);
-                for (const char* button :
-                     {names.add, names.insert, names.remove, names.up, names.down, names.quick}) {
-                    EXPECT_EQ(Person::Button(button)->isEnabled(), !editing) << button;
-                }
-            }
         }
     });
 }
 
-// A person who works with assistive technology presses a button without moving the focus there.
-TEST_F(Lists, EditModeBeginsWhereTheFocusIsInAnotherListsEditor) {
-    Edit(2, [] {
-        Person::Press("cmdActionsAdd");
-        Person::Press("cmdActionsEdit");
-        ASSERT_EQ(Focused(), LowBox);
-        Person::Button("cmdPromptsEdit")->click();
-        EXPECT_EQ(Caption("cmdPromptsEdit") + Caption("cmdActionsEdit"), "Edit OffEdit");
-    });
-}
-
-TEST_F(Lists, EditorsSitOverTheirRowWhereverItMoves) {
+TEST_F(Lists, EditorsFollowTheirRow) {
     Edit(4, [] {
-        Person::Press("cmdActionsEdit");
-        Click("LVActions", 2);
-        ExpectPickersOver(Actions, 2);
-        ExpectRangeBoxesOver(2);
+        Person::Press(Actions.edit);
+        Person::ClickRow(Actions.list, 2);
+        ExpectEditorsOver(Actions, 2);
         Person::Window("GUI")->resize(1250, 800);
         QCoreApplication::processEvents();
-        ExpectPickersOver(Actions, 2);
-        ExpectRangeBoxesOver(2);
-        Person::List("LVActions")->header()->resizeSection(1, 150);
-        ExpectPickersOver(Actions, 2);
-        ExpectRangeBoxesOver(2);
+        ExpectEditorsOver(Actions, 2);
+        Person::List(Actions.list)->header()->resizeSection(1, 150);
+        ExpectEditorsOver(Actions, 2);
         // A click gives the columns their widths back.
-        Click("LVActions", 3);
-        EXPECT_EQ(Person::List("LVActions")->columnWidth(1), 106);
-        ExpectPickersOver(Actions, 3);
-
-        Click("LVActions", 50);
-        ExpectPickersOver(Actions, 50);
-        ExpectRangeBoxesOver(50);
-        QWidget* viewport = Person::List("LVActions")->viewport();
-        const QPointF at(20, 20);
-        QWheelEvent wheel(at, viewport->mapToGlobal(at), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
-                          Qt::NoScrollPhase, false);
-        QApplication::sendEvent(viewport, &wheel);
-        for (const char* editor : {LowBox, Dash, HighBox, Actions.node, Actions.number}) {
-            EXPECT_FALSE(Shown(editor)) << editor;
-        }
-        EXPECT_EQ(Caption("cmdActionsEdit"), "Edit Off");
-
-        Person::Press("cmdPromptsEdit");
-        Click("LVPrompts", 29);
-        ExpectPickersOver(Prompts, 29);
-        Person::Window("GUI")->resize(1000, 700);
+        Person::ClickRow(Actions.list, 50);
+        EXPECT_EQ(Person::List(Actions.list)->columnWidth(1), 106);
+        ExpectEditorsOver(Actions, 50);
+        // Those of a row that is no longer in sight would float over something else.
+        Person::Window("GUI")->resize(1250, Person::Window("GUI")->minimumSizeHint().height());
         QCoreApplication::processEvents();
-        if (Shown(Prompts.node)) {
-            ExpectPickersOver(Prompts, 29);
-        }
-        Person::Press("cmdExceptionsEdit");
-        Click("LVExceptions", 0);
-        ExpectPickersOver(Timeout, 0);
-        Person::Window("GUI")->resize(1100, 800);
-        QCoreApplication::processEvents();
-        ExpectPickersOver(Timeout, 0);
+        EXPECT_EQ(Person::OpenEditors(), NoEditors);
     });
 }
 
 // What is chosen must never land in another row than the one under the editors.
-TEST_F(Lists, ARowThatOnlyGetsSelectedTakesNothingFromTheEditors) {
-    for (const Names& names : {Prompts, Actions, Timeout}) {
-        for (const std::string way : {"right click", "drag", "keyboard"}) {
-            SCOPED_TRACE(std::string(names.list) + ", " + way);
-            Edit(1, [&] {
-                Person::Press(names.edit);
-                Click(names.list, 0);
-                QTreeView* view = Person::List(names.list);
-                if (way == "right click") {
-                    QTest::mouseClick(view->viewport(), Qt::RightButton, {}, Label(names.list, 2));
-                } else if (way == "drag") {
-                    QTest::mousePress(view->viewport(), Qt::LeftButton, {}, Label(names.list, 1));
-                    QTest::mouseRelease(view->viewport(), Qt::LeftButton, {}, Label(names.list, 2));
-                } else {
-                    QTest::keyClick(view, Qt::Key_Down, Qt::ShiftModifier);
-                }
-                const QWidget* editor = Control(names.node);
-                if (editor->isVisible()) {
-                    const QPoint middle = editor->mapToGlobal(editor->rect().center());
-                    EXPECT_EQ(view->indexAt(view->viewport()->mapFromGlobal(middle)).row(),
-                              view->currentIndex().row());
-                }
-            });
+TEST_F(Lists, EditorsHideWhereAnotherRowIsSelectedWithoutAClick) {
+    Edit(1, [] {
+        for (const Names& names : {Prompts, Actions, Timeout}) {
+            Person::Press(names.edit);
+            Person::ClickRow(names.list, 0);
+            ExpectEditorsOver(names, 0);
+            Person::ClickRow(names.list, 2, {}, Qt::RightButton);
+            EXPECT_EQ(Person::OpenEditors(), NoEditors) << names.list;
+            Person::ClickRow(names.list, 0);
+            Person::DragRow(names.list, 1, 2);
+            EXPECT_EQ(Person::OpenEditors(), NoEditors) << names.list;
         }
-    }
+    });
 }
 
 TEST_F(Lists, VacatingAsksFirst) {
     person_.WillAnswer({QMessageBox::No, QMessageBox::Yes});
+    const Box question{"Confirmation", "Do you want to vacate Prompts Table?", QMessageBox::Question,
+                       QMessageBox::Yes | QMessageBox::No};
     Edit(1,
          [] {
-             Person::Press("cmdPromptsEdit");
-             Click("LVPrompts", 1);
-             MarkUnchanged();
-             Person::Choose("cmbPromptsNode", "EMPTY");
-             EXPECT_EQ(Targets("LVPrompts"), (Strings{"TIME 1", "MSG 2", "MSG 3"}));
-             EXPECT_EQ(Person::Text("cmbPromptsNode"), "MSG");
-             EXPECT_EQ(Person::Text("cmbPromptsNumber"), "2");
-             ExpectPickersOver(Prompts, 1);
+             Person::Press(Prompts.edit);
+             Person::ClickRow(Prompts.list, 1);
+             Person::Choose(Prompts.node, "EMPTY");
+             EXPECT_EQ(Targets(Prompts.list), (Strings{"TIME 1", "MSG 2", "MSG 3"}));
+             EXPECT_EQ(Person::Text(Prompts.node) + Person::Text(Prompts.number), "MSG2");
+             ExpectEditorsOver(Prompts, 1);
 
-             Person::Choose("cmbPromptsNode", "EMPTY");
-             EXPECT_EQ(Targets("LVPrompts"), Strings{"EMPTY"});
-             EXPECT_EQ(Person::Row("LVPrompts", 0), "1|1|EMPTY||EMPTY|999|1");
-             EXPECT_FALSE(Shown("cmbPromptsNode") || Shown("cmbPromptsNumber"));
-             EXPECT_EQ(Caption("cmdPromptsEdit"), "Edit Off");
-             EXPECT_FALSE(Person::Dirty());
-
-             // The placeholder itself is edited without a question, alone over both places.
-             Click("LVPrompts", 0);
-             ExpectOver("cmbPromptsNode", "LVPrompts", 0, 2, 0, LoneNodeWidth);
-             EXPECT_FALSE(Shown("cmbPromptsNumber"));
-             Person::Choose("cmbPromptsNode", "TIME");
-             EXPECT_EQ(Targets("LVPrompts"), Strings{"TIME 1"});
-             ExpectPickersOver(Prompts, 0);
+             Person::Choose(Prompts.node, "EMPTY");
+             EXPECT_EQ(Targets(Prompts.list), Strings{"EMPTY"});
+             EXPECT_EQ(Person::Row(Prompts.list, 0), "1|1|EMPTY||EMPTY|999|1");
+             EXPECT_EQ(Person::OpenEditors(), NoEditors);
+             // The placeholder itself is edited without a question.
+             Person::ClickRow(Prompts.list, 0);
+             ExpectEditorsOver(Prompts, 0, false);
          },
-         {VacateQuestion(), VacateQuestion()});
-}
-
-TEST_F(Lists, AnActionWithoutANumber) {
-    Edit(14,
-         [] {
-             Person::Press("cmdActionsEdit");
-             Click("LVActions", 0);
-             Person::Choose("cmbActionsNode", "EMPTY");
-             EXPECT_EQ(Person::Row("LVActions", 0), "1|1-1|EMPTY||EMPTY|999|1|1|1");
-             ExpectOver("cmbActionsNode", "LVActions", 0, 2, 0, LoneNodeWidth);
-             EXPECT_FALSE(Shown("cmbActionsNumber"));
-             Person::Choose("cmbActionsNode", "SPEAK");
-             EXPECT_EQ(Person::Row("LVActions", 0), "1|1-1|SPEAK 1||SPEAK|816|1|1|1");
-             ExpectPickersOver(Actions, 0);
-             // Its number is above those of its type, of which there are none.
-             Click("LVActions", 2);
-             EXPECT_EQ(Person::Row("LVActions", 2), "3|3-3|EMPTY||EMPTY|999|1|3|3");
-             EXPECT_FALSE(Shown("cmbActionsNode") || Shown(LowBox) || Shown(Dash) || Shown(HighBox));
-         },
-         {Unavailable("EMPTY")});
+         {question, question});
 }
 
 TEST_F(Lists, RangeBoxesTakeDigitsOnly) {
     Edit(1, [] {
-        Person::Press("cmdActionsEdit");
-        Click("LVActions", 5);
-        EXPECT_EQ(Person::TextBox(LowBox)->text(), "601");
-        EXPECT_EQ(Person::TextBox(HighBox)->text(), "660");
-        EXPECT_EQ(Person::TextBox(Dash)->text(), "-");
-        TypeOver(LowBox, "1*2");
-        EXPECT_EQ(Person::Row("LVActions", 5), "6|12-660|CMD 1||CMD|1|1|12|660");
+        Person::Press(Actions.edit);
+        Person::ClickRow(Actions.list, 5);
+        Person::TypeOver(LowBox, "1*2");
+        EXPECT_EQ(Person::Row(Actions.list, 5), "6|12-660|CMD 1||CMD|1|1|12|660");
         // Low may exceed high, and leading zeros count.
-        TypeOver(HighBox, "a0 0#7");
-        EXPECT_EQ(Person::TextBox(HighBox)->text(), "007");
-        EXPECT_EQ(Person::Row("LVActions", 5), "6|12-007|CMD 1||CMD|1|1|12|007");
+        Person::TypeOver(HighBox, "a0 0#7");
+        EXPECT_EQ(Person::Row(Actions.list, 5), "6|12-007|CMD 1||CMD|1|1|12|007");
         for (const auto& [box, other, stored] :
              {std::tuple{LowBox, HighBox, "12"}, {HighBox, LowBox, "007"}}) {
-            TypeOver(box, "*");
+            Person::TypeOver(box, "*");
             EXPECT_EQ(Person::TextBox(box)->text(), "");
-            EXPECT_EQ(Person::Cell("LVActions", 5, 1), "12-007");
+            EXPECT_EQ(Person::Cell(Actions.list, 5, 1), "12-007");
             Person::TextBox(other)->setFocus();
             EXPECT_EQ(Person::TextBox(box)->text(), stored);
             EXPECT_EQ(Person::TextBox(other)->selectedText(), Person::TextBox(other)->text());
         }
         // Emptied and left for another row: neither row changes.
-        TypeOver(LowBox, "*");
-        Click("LVActions", 0);
-        EXPECT_EQ(Person::Row("LVActions", 5), "6|12-007|CMD 1||CMD|1|1|12|007");
-        EXPECT_EQ(Person::Row("LVActions", 0), "1|1-1|AUTO 8||AUTO|9|8|1|1");
-        TypeOver(HighBox, "77");
-        Key(Qt::Key_Escape);
-        EXPECT_EQ(Person::Row("LVActions", 0), "1|1-1|AUTO 8|Sales|AUTO|9|8|1|1");
+        Person::TypeOver(LowBox, "*");
+        Person::ClickRow(Actions.list, 0);
+        EXPECT_EQ(Person::Row(Actions.list, 5), "6|12-007|CMD 1||CMD|1|1|12|007");
+        EXPECT_EQ(Person::Row(Actions.list, 0), "1|1-1|AUTO 8||AUTO|9|8|1|1");
     });
 }
 
 TEST_F(Lists, ATypeWithoutNumbersIsNotEdited) {
-    Edit(5,
-         [] {
-             Person::Press("cmdActionsEdit");
-             const std::string action = Person::Row("LVActions", 0);
-             Click("LVActions", 0);
-             EXPECT_EQ(Person::Row("LVActions", 0), action);
-             EXPECT_FALSE(Shown("cmbActionsNode") || Shown("cmbActionsNumber") || Shown(LowBox) ||
-                          Shown(Dash) || Shown(HighBox));
-             EXPECT_EQ(Caption("cmdActionsEdit"), "Edit Off");
-
-             Person::Press("cmdExceptionsEdit");
-             const std::string invalid = Person::Row("LVExceptions", 1);
-             Click("LVExceptions", 1);
-             EXPECT_EQ(Person::Row("LVExceptions", 1), invalid);
-             EXPECT_FALSE(Shown("cmbExceptionsInvalidNode") || Shown("cmbExceptionsInvalidNumber"));
-         },
-         {Unavailable("TABLE"), Unavailable("TABLE")});
-
-    // Without messages their other two types are told under the name of the message type where it is looked
-    // up so. There a prompt of such a type is rewritten before its number turns out to be none.
-    SetMax("0", 0);
+    // Without messages an action of their two other types is told under the name of the message type. A
+    // prompt of such a type is rewritten before its number turns out to be none.
+    SetMax(0, 0);
     Edit(12,
          [] {
-             Person::Press("cmdActionsEdit");
+             Person::Press(Actions.edit);
              for (const int row : {0, 3, 4}) {
-                 const std::string before = Person::Row("LVActions", row);
-                 Click("LVActions", row);
-                 EXPECT_EQ(Person::Row("LVActions", row), before);
+                 const std::string before = Person::Row(Actions.list, row);
+                 Person::ClickRow(Actions.list, row);
+                 EXPECT_EQ(Person::Row(Actions.list, row), before);
+                 EXPECT_EQ(Person::OpenEditors(), NoEditors);
              }
-             Person::Press("cmdPromptsEdit");
-             Click("LVPrompts", 0);
-             EXPECT_EQ(Person::Row("LVPrompts", 0), "1|1|M_ON 1||M_ON|817|1");
-             Click("LVPrompts", 1);
-             EXPECT_EQ(Person::Row("LVPrompts", 1), "2|2|MSG 41|Voice of Müller, menu|MSG|0|41");
-             EXPECT_FALSE(Shown("cmbPromptsNode") || Shown("cmbPromptsNumber"));
+             Person::Press(Prompts.edit);
+             Person::ClickRow(Prompts.list, 0);
+             EXPECT_EQ(Person::Row(Prompts.list, 0), "1|1|M_ON 1||M_ON|817|1");
+             EXPECT_EQ(Person::OpenEditors(), NoEditors);
          },
-         {Unavailable("MSG"), Unavailable("MSG"), Unavailable("MSG"), Unavailable("M_ON"),
-          Unavailable("MSG")});
+         {Unavailable("MSG"), Unavailable("MSG"), Unavailable("MSG"), Unavailable("M_ON")});
 
     store_.Execute("DELETE FROM SR_Node_Type_can_contain_Node_Type WHERE Set_ID = 6");
     const Box noTypes = Information("Please check the \"Max Number of each Node\" in Partition Settings.");
@@ -604,166 +301,78 @@ TEST_F(Lists, ATypeWithoutNumbersIsNotEdited) {
          [] {
              Person::Press("cmdActionsAdd");
              Person::Press("cmdActionsInsert");
-             EXPECT_EQ(Person::Count("LVActions"), 9);
+             EXPECT_EQ(Person::Count(Actions.list), 9);
              EXPECT_FALSE(Person::Dirty());
          },
          {noTypes, noTypes});
 }
 
 TEST_F(Lists, ExceptionsHaveEditorsEach) {
-    SetMax("1", 9);
     Edit(11, [] {
-        Person::Press("cmdExceptionsEdit");
+        // Without a selected row only the mode changes.
+        Person::Press(Timeout.edit);
+        EXPECT_EQ(Person::OpenEditors(), NoEditors);
         EXPECT_FALSE(Person::Button("cmdExceptionsDefault")->isEnabled());
-        const std::vector<std::pair<std::string, std::string>> rows{{"Timeout", "CMD 2"},
-                                                                    {"Invalid", "CMD 2"},
-                                                                    {"Abort", "MSG 1"},
-                                                                    {"Star", "NONE"},
-                                                                    {"Pound", "NONE"}};
-        for (int row = 0; row < 5; ++row) {
-            Click("LVExceptions", row);
-            for (int other = 0; other < 5; ++other) {
-                const std::string name = "cmbExceptions" + rows[static_cast<std::size_t>(other)].first;
-                EXPECT_EQ(Shown((name + "Node").c_str()), other == row) << name;
-                EXPECT_EQ(Shown((name + "Number").c_str()), other == row && row < 3) << name;
-            }
-            const auto& [slot, target] = rows[static_cast<std::size_t>(row)];
-            EXPECT_EQ(Person::Cell("LVExceptions", row, 2), target);
-            EXPECT_EQ(Person::Cell("LVExceptions", row, 3), "");
-            ExpectOver(("cmbExceptions" + slot + "Node").c_str(), "LVExceptions", row, 2, 0,
-                       row < 3 ? NodeWidth : LoneNodeWidth);
+        int row = 0;
+        for (const std::string slot : {"Timeout", "Invalid", "Abort", "Star", "Pound"}) {
+            Person::ClickRow(Timeout.list, row);
+            ExpectEditorsOver({"Exceptions", "Exceptions" + slot}, row, row < 3);
+            EXPECT_EQ(Person::Cell(Timeout.list, row, 3), "");
+            ++row;
         }
         // Opened, a default row gets the number that a chosen one has.
-        EXPECT_EQ(Person::Row("LVExceptions", 4), "5|#|NONE||NONE|814|1");
-
-        Click("LVExceptions", 0);
-        TypeOver("cmbExceptionsTimeoutNumber", "25");
-        EXPECT_EQ(Person::Row("LVExceptions", 0), "1|Timeout|CMD 2||CMD|1|2");
-        Person::Choose("cmbExceptionsTimeoutNode", "NONE");
-        EXPECT_EQ(Person::Row("LVExceptions", 0), "1|Timeout|NONE||NONE|814|1");
-        ExpectOver("cmbExceptionsTimeoutNode", "LVExceptions", 0, 2, 0, LoneNodeWidth);
-        EXPECT_FALSE(Shown("cmbExceptionsTimeoutNumber"));
-
-        Person::Press("cmdExceptionsEdit");
-        MarkUnchanged();
-        Person::Press("cmdExceptionsDefault");
-        EXPECT_EQ(Targets("LVExceptions"), (Strings{"MSG 1", "MSG 1", "MSG 1", "NONE", "NONE"}));
-        EXPECT_EQ(Person::Row("LVExceptions", 1), "2|Invalid|MSG 1||MSG|0|1");
-        EXPECT_EQ(Person::Row("LVExceptions", 3), "4|*|NONE||NONE|814|0");
-        EXPECT_TRUE(Selected("LVExceptions").empty());
-        EXPECT_TRUE(Person::Dirty());
-        // Without a selected row only the mode changes.
-        Person::Press("cmdExceptionsEdit");
-        EXPECT_EQ(Caption("cmdExceptionsEdit"), "Edit Off");
-        EXPECT_FALSE(Shown("cmbExceptionsTimeoutNode"));
+        EXPECT_EQ(Person::Row(Timeout.list, 4), "5|#|NONE||NONE|814|1");
+        Person::ClickRow(Timeout.list, 0);
+        Person::TypeOver(Timeout.number, "405");
+        EXPECT_EQ(Person::Row(Timeout.list, 0), "1|Timeout|CMD 40||CMD|1|40");
+        // A row that is not highlighted takes no number.
+        Person::ClickRow(Timeout.list, 0, Qt::ControlModifier);
+        Person::Choose(Timeout.number, "7");
+        EXPECT_EQ(Person::Cell(Timeout.list, 0, 2), "CMD 40");
     });
 }
 
-TEST_F(Lists, EscapeTakesTheRowBackAndEnterAcceptsIt) {
+TEST_F(Lists, AreEditedFromTheKeyboardAlone) {
     Edit(1, [] {
-        for (const Names& names : {Prompts, Actions, Timeout}) {
-            SCOPED_TRACE(names.list);
-            const std::string before = Person::Row(names.list, 2);
-            const bool exceptions = names.list == std::string("LVExceptions");
-            const char* node = exceptions ? "cmbExceptionsAbortNode" : names.node;
-            const char* number = exceptions ? "cmbExceptionsAbortNumber" : names.number;
-            Person::Press(names.edit);
-            for (const char* leftFrom : {node, number}) {
-                Click(names.list, 2);
-                Person::Choose(node, "TIME");
-                Person::Choose(number, "7");
-                EXPECT_EQ(Person::Cell(names.list, 2, 2), "TIME 7");
-                Control(leftFrom)->setFocus();
-                Key(Qt::Key_Escape);
-                EXPECT_EQ(Person::Row(names.list, 2), before);
-                EXPECT_FALSE(Shown(node) || Shown(number));
-                EXPECT_EQ(Caption(names.edit), "Edit Off");
-                EXPECT_EQ(Focused(), names.list);
-            }
-            // From the list, Enter opens the row again.
-            Key(Qt::Key_Return);
-            Person::Choose(node, "LIST");
-            Control(number)->setFocus();
-            Key(Qt::Key_Enter);
-            EXPECT_EQ(Person::Cell(names.list, 2, 4), "LIST");
-            EXPECT_FALSE(Shown(node) || Shown(number));
-            EXPECT_EQ(Caption(names.edit), "Edit Off");
-            EXPECT_EQ(Focused(), names.list);
-            Key(Qt::Key_Escape);
-            EXPECT_EQ(Caption(names.edit), "Edit");
-        }
-        // With the focus on the button that ends edit mode, Enter must not press another.
-        Click("LVActions", 0);
-        Person::Press("cmdActionsEdit");
-        Person::Button("cmdActionsEdit")->setFocus();
-        Key(Qt::Key_Return);
-        ASSERT_TRUE(Person::Window("GUI")->isVisible());
-    });
-}
-
-TEST_F(Lists, ARowIsEditedFromTheKeyboardAlone) {
-    Edit(1, [] {
-        Person::List("LVActions")->setFocus();
-        Key(Qt::Key_Home);
-        Key(Qt::Key_Down);
-        EXPECT_EQ(Selected("LVActions"), std::vector{1});
-        for (int presses = 0; presses < 40 && Focused() != "cmdActionsEdit"; ++presses) {
+        Person::ClickRow(Actions.list, 1);
+        for (int presses = 0; presses < 40 && Person::Focused() != Actions.edit; ++presses) {
             Key(Qt::Key_Tab);
         }
         Key(Qt::Key_Space);
         Strings stops;
         for (int stop = 0; stop < 4; ++stop) {
-            stops.push_back(Focused());
+            stops.push_back(Person::Focused());
             Key(Qt::Key_Tab);
         }
-        EXPECT_EQ(stops, (Strings{LowBox, HighBox, "cmbActionsNode", "cmbActionsNumber"}));
+        EXPECT_EQ(stops, (Strings{LowBox, HighBox, Actions.node, Actions.number}));
         Key(Qt::Key_Tab, Qt::ShiftModifier);
-        EXPECT_EQ(Focused(), "cmbActionsNumber");
         QTest::keyClicks(QApplication::focusWidget(), "4");
         Key(Qt::Key_Tab, Qt::ShiftModifier);
         // A letter chooses a type.
         Key(Qt::Key_X);
         Key(Qt::Key_Tab, Qt::ShiftModifier);
         QTest::keyClicks(QApplication::focusWidget(), "29");
+        // Enter accepts a row, Escape takes it back: both close its editors, not the window.
         Key(Qt::Key_Return);
-        EXPECT_EQ(Person::Row("LVActions", 1), "2|2-29|XFER 4||XFER|4|4|2|29");
+        EXPECT_EQ(Person::Row(Actions.list, 1), "2|2-29|XFER 4||XFER|4|4|2|29");
+        EXPECT_EQ(Person::Focused(), Actions.list);
         Key(Qt::Key_Down);
-        EXPECT_EQ(Focused(), LowBox);
-        ExpectRangeBoxesOver(2);
+        ExpectEditorsOver(Actions, 2);
+        QTest::keyClicks(QApplication::focusWidget(), "5");
         Key(Qt::Key_Escape);
+        EXPECT_EQ(Person::Row(Actions.list, 2), "3|3-3|MSG 10|Opening hours|MSG|0|10|3|3");
+        EXPECT_EQ(Person::Focused(), Actions.list);
+        EXPECT_EQ(Person::OpenEditors(), NoEditors);
+        Key(Qt::Key_Enter);
+        ExpectEditorsOver(Actions, 2);
+        // While a row is edited, Enter presses no other button than the one with the focus.
+        Person::Button(Actions.edit)->setFocus();
+        Key(Qt::Key_Return);
+        ASSERT_TRUE(Person::Window("GUI")->isVisible());
+        Person::List(Actions.list)->setFocus();
         Key(Qt::Key_Escape);
-        EXPECT_EQ(Caption("cmdActionsEdit"), "Edit");
-        EXPECT_TRUE(Person::Window("GUI")->isVisible());
+        EXPECT_EQ(Person::Caption(Actions.edit), "Edit");
     });
-}
-
-// No store leads there: what a type without a stored limit gets depends on the type alone, and this one gets
-// numbers.
-TEST(ListsWithoutStore, OnlyAnInvalidEntryShowsANumberOfACommandThatHasNone) {
-    const ComponentFactory components;
-    EditorWindow window(components);
-    GUI& gui = window.Form();
-    gui.CreateNodeLists();
-    gui.Lists().NodeNameCollection.Add("MSG", "0");
-    gui.Lists().NodeNameCollection.Add("SPEAK", "816");
-    gui.Lists().MaxNodeNumberCollection.Add(9, "0");
-    gui.Lists().MaxNodeNumberCollection.Add(0, "816");
-    gui.ResetExceptionsListView();
-    for (const ExceptionRule& exception : ExceptionRules) {
-        gui.NodePicker(exception.slot)->AddItems({{"MSG", 0}, {"SPEAK", 816}});
-        gui.LVExceptions->Append(
-            {RowAt(gui.LVExceptions->Count() + 1, exception.label, "MSG 2", {"MSG", "0", "2"})});
-    }
-    gui.show();
-    Person::Press("cmdExceptionsEdit");
-    for (int row = 0; row < 5; ++row) {
-        Click("LVExceptions", row);
-        const std::string slot = RuleOf(ExceptionRules.at(static_cast<std::size_t>(row)).slot).nodePicker;
-        Person::Choose(slot.c_str(), "SPEAK");
-        EXPECT_EQ(Person::Cell("LVExceptions", row, 2), "SPEAK 1");
-        EXPECT_EQ(Person::Text((slot.substr(0, slot.size() - 4) + "Number").c_str()), row == 1 ? "1" : "")
-            << slot;
-    }
 }
 
 } // namespace

@@ -1,23 +1,35 @@
 #pragma once
 
 #include "KAL_AUTO_Node/Business_Rules.h"
+#include "TestStore.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
+#include <QCursor>
+#include <QDate>
+#include <QEvent>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QMessageBox>
+#include <QMouseEvent>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QStatusBar>
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
+#include <QWheelEvent>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <deque>
 #include <exception>
 #include <functional>
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -42,9 +54,17 @@ inline Box Information(const std::string& text) {
     return {"Information", text, QMessageBox::Information, QMessageBox::Ok};
 }
 
+inline Box ErrorBox(const std::string& text) {
+    return {"Error", text, QMessageBox::Warning, QMessageBox::Ok};
+}
+
 inline Box SaveQuestion() {
     return {"Confirmation", "Do you want to save changes?", QMessageBox::Question,
             QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel};
+}
+
+inline std::string ShortDateOfToday() {
+    return QLocale::system().toString(QDate::currentDate(), QLocale::ShortFormat).toStdString();
 }
 
 // A person before the screen: answers the message boxes that appear, in order, by pressing their buttons, and
@@ -56,6 +76,12 @@ class Person {
         QObject::connect(&watch_, &QTimer::timeout, [this] { AnswerBox(); });
         watch_.start(1);
     }
+
+    // No box passes unseen.
+    ~Person() { EXPECT_EQ(boxes_, std::vector<Box>{}); }
+
+    Person(const Person&) = delete;
+    Person& operator=(const Person&) = delete;
 
     void WillAnswer(std::initializer_list<QMessageBox::StandardButton> answers) {
         answers_.insert(answers_.end(), answers.begin(), answers.end());
@@ -101,7 +127,7 @@ class Person {
 
     // Opens Quick Assign with the button, and does things in it; it is closed afterwards where it is still
     // open.
-    void InQuickAssign(const char* button, const std::function<void()>& deeds) {
+    void InQuickAssign(const std::string& button, const std::function<void()>& deeds) {
         QTimer start;
         QObject::connect(&start, &QTimer::timeout, [&] {
             QWidget* window = Window("frmQuickAssign");
@@ -129,39 +155,61 @@ class Person {
 
     // A control of the editor or of Quick Assign.
     template <class Control>
-    static Control* Find(const char* name) {
+    static Control* Find(const std::string& name) {
         for (const char* window : {"GUI", "frmQuickAssign"}) {
             if (QWidget* found = Window(window)) {
-                if (auto* control = found->findChild<Control*>(QString::fromLatin1(name))) {
+                if (auto* control = found->findChild<Control*>(QString::fromStdString(name))) {
                     return control;
                 }
             }
         }
-        throw std::runtime_error(std::string("no control ") + name);
+        throw std::runtime_error("no control " + name);
     }
 
-    static QPushButton* Button(const char* name) { return Find<QPushButton>(name); }
+    static QPushButton* Button(const std::string& name) { return Find<QPushButton>(name); }
 
-    static QComboBox* Combo(const char* name) { return Find<QComboBox>(name); }
+    static QComboBox* Combo(const std::string& name) { return Find<QComboBox>(name); }
 
-    static QLineEdit* TextBox(const char* name) { return Find<QLineEdit>(name); }
+    static QLineEdit* TextBox(const std::string& name) { return Find<QLineEdit>(name); }
 
-    static QTreeView* List(const char* name) { return Find<QTreeView>(name); }
+    static QTreeView* List(const std::string& name) { return Find<QTreeView>(name); }
 
-    static std::string Text(const char* combo) { return Combo(combo)->currentText().toStdString(); }
+    static std::string Text(const std::string& combo) { return Combo(combo)->currentText().toStdString(); }
+
+    static std::string Caption(const std::string& button) { return Button(button)->text().toStdString(); }
+
+    // The name of what has the focus.
+    static std::string Focused() {
+        const QWidget* focused = QApplication::focusWidget();
+        return focused == nullptr ? "nothing" : focused->objectName().toStdString();
+    }
 
     static bool Dirty() { return Button("cmdApply")->isEnabled(); }
 
-    static void Press(const char* button) { QTest::mouseClick(Button(button), Qt::LeftButton); }
+    static void MarkUnchanged() { Button("cmdApply")->setEnabled(false); }
+
+    // The shape of the mouse pointer.
+    static Qt::CursorShape Pointer() {
+        const QCursor* everywhere = QGuiApplication::overrideCursor();
+        return everywhere != nullptr ? everywhere->shape() : Qt::ArrowCursor;
+    }
+
+    static void Press(const std::string& button) { QTest::mouseClick(Button(button), Qt::LeftButton); }
 
     // Chooses an entry as a person does from the open list: the index becomes current and the choice is
     // announced.
-    static void Choose(const char* combo, const char* text) {
+    static void Choose(const std::string& combo, const std::string& text) {
         QComboBox* box = Combo(combo);
-        const int index = box->findText(QString::fromUtf8(text), Qt::MatchExactly);
+        const int index = box->findText(QString::fromStdString(text), Qt::MatchExactly);
         ASSERT_GE(index, 0) << combo << " does not offer " << text;
         box->setCurrentIndex(index);
         emit box->activated(index);
+    }
+
+    static void ExpectIdle() {
+        EXPECT_TRUE(Find<QFrame>("Frame1")->isEnabled());
+        EXPECT_FALSE(Find<QStatusBar>("StatusBar1")->isVisible());
+        EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
     }
 
     // Replaces the text of a box, key by key.
@@ -172,25 +220,101 @@ class Person {
         QTest::keyClicks(box, QString::fromUtf8(text));
     }
 
-    static void ClickRow(const char* list, int row, Qt::KeyboardModifiers modifiers = {}) {
-        QTreeView* view = List(list);
-        const QModelIndex cell = view->model()->index(row, 1);
-        view->scrollTo(cell);
-        QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, view->visualRect(cell).center());
+    // The node's label.
+    static std::string Label() { return TextBox("txtDescription")->text().toStdString(); }
+
+    static void TypeLabel(const char* label) { Type(TextBox("txtDescription"), label); }
+
+    // Types over the text of a box, which is not emptied before.
+    static void TypeOver(const std::string& box, const std::string& text) {
+        auto* control = Find<QWidget>(box);
+        control->setFocus();
+        QTest::keyClick(control, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(control, QString::fromStdString(text));
     }
 
-    static int Count(const char* list) { return List(list)->model()->rowCount(); }
+    // Replaces the text of a box at once.
+    static void Paste(QWidget* box, const std::string& text) {
+        box->setFocus();
+        QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
+        QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+        QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
+    }
 
-    static std::string Cell(const char* list, int row, int column) {
+    // The window system activates windows in its own time, and the focus takes effect in active ones only.
+    static void WaitForFocus() { ASSERT_TRUE(QTest::qWaitForWindowActive(Window("GUI"))); }
+
+    // On the label of a row, which no editor covers.
+    static QPoint InRow(const std::string& list, int row) {
+        QTreeView* view = List(list);
+        const QModelIndex cell = view->model()->index(row, 3);
+        view->scrollTo(cell);
+        return view->visualRect(cell).center();
+    }
+
+    static void ClickRow(const std::string& list, int row, Qt::KeyboardModifiers modifiers = {},
+                         Qt::MouseButton button = Qt::LeftButton) {
+        const QPoint place = InRow(list, row);
+        QTest::mouseClick(List(list)->viewport(), button, modifiers, place);
+    }
+
+    // Presses the button of the mouse on one row and releases it on another.
+    static void DragRow(const std::string& list, int from, int to) {
+        QWidget* viewport = List(list)->viewport();
+        QTest::mousePress(viewport, Qt::LeftButton, {}, InRow(list, from));
+        const QPoint there = InRow(list, to);
+        QMouseEvent move(QEvent::MouseMove, there, viewport->mapToGlobal(there), Qt::NoButton, Qt::LeftButton,
+                         {});
+        QApplication::sendEvent(viewport, &move);
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, there);
+    }
+
+    // Turns the wheel of the mouse over a list by one notch.
+    static void Scroll(const std::string& list) {
+        QWidget* rows = List(list)->viewport();
+        const QPointF place = rows->rect().center();
+        QWheelEvent wheel(place, rows->mapToGlobal(place), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(rows, &wheel);
+    }
+
+    static void PressHeader(const std::string& list) {
+        QTest::mouseClick(List(list)->header()->viewport(), Qt::LeftButton, {}, {40, 5});
+    }
+
+    static std::vector<int> SelectedRows(const std::string& list) {
+        std::vector<int> rows;
+        for (const QModelIndex& index : List(list)->selectionModel()->selectedRows(1)) {
+            rows.push_back(index.row());
+        }
+        std::ranges::sort(rows);
+        return rows;
+    }
+
+    // The boxes on screen in which rows are edited.
+    static std::set<std::string> OpenEditors() {
+        static const QRegularExpression names("^(cmb(Prompts|Actions|Exceptions)|txtActions)");
+        std::set<std::string> open;
+        for (const QWidget* editor : Window("GUI")->findChildren<QWidget*>(names)) {
+            if (editor->isVisible()) {
+                open.insert(editor->objectName().toStdString());
+            }
+        }
+        return open;
+    }
+
+    static int Count(const std::string& list) { return List(list)->model()->rowCount(); }
+
+    static std::string Cell(const std::string& list, int row, int column) {
         return List(list)->model()->index(row, column).data().toString().toStdString();
     }
 
-    static std::string Key(const char* list, int row) {
+    static std::string Key(const std::string& list, int row) {
         return List(list)->model()->index(row, 0).data(Qt::UserRole).toString().toStdString();
     }
 
     // The cells of a row, joined by '|'.
-    static std::string Row(const char* list, int row) {
+    static std::string Row(const std::string& list, int row) {
         std::string cells;
         for (int column = 0; column < List(list)->model()->columnCount(); ++column) {
             cells += (column > 0 ? "|" : "") + Cell(list, row, column);
@@ -225,6 +349,44 @@ class Person {
     QTimer watch_;
     std::deque<QMessageBox::StandardButton> answers_;
     std::vector<Box> boxes_;
+};
+
+// What the status bar tells meanwhile, text by text as it gets on screen.
+class ToldInStatusBar : public QObject {
+  public:
+    explicit ToldInStatusBar(std::function<void(const std::string& text)> look) : look_(std::move(look)) {
+        qApp->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const auto* label = qobject_cast<QLabel*>(watched);
+        if (event->type() == QEvent::Paint && label != nullptr &&
+            label->parent() == Person::Find<QStatusBar>("StatusBar1") &&
+            std::exchange(last_, label->text().toStdString()) != label->text().toStdString()) {
+            look_(last_);
+        }
+        return false;
+    }
+
+  private:
+    std::function<void(const std::string& text)> look_;
+    std::string last_;
+};
+
+// Someone before the editor, with a store of their own.
+class EditorTest : public testing::Test {
+  protected:
+    // Opens a node, does things and expects the boxes given, no others.
+    void Edit(int node, const std::function<void()>& deeds, const std::vector<Box>& boxes = {}) {
+        EXPECT_TRUE(person_.Edit(node, [&] {
+            Person::WaitForFocus();
+            deeds();
+        }));
+        EXPECT_EQ(person_.Boxes(), boxes);
+    }
+
+    TestStore store_;
+    Person person_;
 };
 
 } // namespace KAL_AUTO_Node

@@ -49,6 +49,7 @@ class Photographer {
         store_.Execute("DROP TABLE Detail_AUTO_Action");
         nextBox_ = "message-error";
         person_.Edit(1, [] {});
+        person_.Boxes(); // all are in the pictures
     }
 
   private:

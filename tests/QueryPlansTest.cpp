@@ -6,7 +6,8 @@
 namespace KAL_AUTO_Node {
 namespace {
 
-// Every command finds its rows in the key of its table, in the order asked for, however large the store grows.
+// Every command finds its rows in the key of its table, in the order asked for, however large the store
+// grows.
 TEST(QueryPlans, SearchTheKeysAndSortNothing) {
     const TestStore store(StoreContent::Empty);
     for (std::size_t i = 0; i < CommandCount; ++i) {

@@ -9,8 +9,9 @@
 
 namespace KAL_AUTO_Node {
 
-// A list box that nobody sees: texts in the order in which they were added, searched without regard to case. What a
-// kind of search needs is built by the first search of that kind, so that a list which is only read costs no more.
+// A list box that nobody sees: texts in the order in which they were added, searched without regard to case.
+// What a kind of search needs is built by the first search of that kind, so that a list which is only read
+// costs no more.
 class ScratchList : public QObject {
   public:
     using QObject::QObject;

@@ -221,11 +221,20 @@ void EditorWindow::cmbNode_Click() {
         if (chosen == gui_.nodeNumber) {
             return;
         }
-        if (AskToSaveChanges() == QMessageBox::Cancel) {
+        const auto putBack = [&] {
             if (const int shown = selector.IndexOfData(gui_.nodeNumber); shown >= 0) {
                 selector.SetListIndex(shown);
             }
-            return;
+        };
+        try {
+            if (AskToSaveChanges() == QMessageBox::Cancel) {
+                putBack();
+                return;
+            }
+        } catch (...) {
+            // The node is still the one shown.
+            putBack();
+            throw;
         }
         rules_->LoadData(gui_, chosen);
         gui_.cmdApply->setEnabled(false);
