@@ -46,9 +46,6 @@ class Photographer {
         });
         nextBox_ = "message-no-node";
         person_.Edit(25, [] {});
-        store_.Execute("DROP TABLE Detail_AUTO_Action");
-        nextBox_ = "message-error";
-        person_.Edit(1, [] {});
         person_.Boxes(); // all are in the pictures
     }
 
