@@ -44,7 +44,7 @@ ReferenceList::ReferenceList(GUI& gui, Controls controls, Rules rules, std::vect
 void ReferenceList::Edit_Click() {
     Handle(*controls_.edit, "Click", [this] {
         const bool editing = !Editing();
-        gui_.SetEditing(*controls_.edit, editing);
+        GUI::ShowEditing(*controls_.edit, editing);
         for (QPushButton* button : controls_.browsing) {
             button->setEnabled(!editing);
         }

@@ -9,6 +9,7 @@
 
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QVBoxLayout>
 
@@ -297,11 +298,8 @@ bool GUI::IsEditing(const QPushButton& editButton) {
     return editButton.text() == QLatin1String(EditOffCaption);
 }
 
-void GUI::SetEditing(QPushButton& editButton, bool editing) {
+void GUI::ShowEditing(QPushButton& editButton, bool editing) {
     editButton.setText(QString::fromLatin1(editing ? EditOffCaption : EditCaption));
-    // Enter must not save and close while a row is edited.
-    cmdOK->setDefault(!IsEditing(*cmdPromptsEdit) && !IsEditing(*cmdActionsEdit) &&
-                      !IsEditing(*cmdExceptionsEdit));
 }
 
 void GUI::ResetListView(const char* procedure, ListView* list, std::span<const ListColumn> columns,
@@ -346,6 +344,16 @@ std::vector<QWidget*> GUI::InPlaceEditors() const {
         std::ranges::copy(Pickers(exception.slot), std::back_inserter(editors));
     }
     return editors;
+}
+
+void GUI::keyPressEvent(QKeyEvent* event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool editing =
+        IsEditing(*cmdPromptsEdit) || IsEditing(*cmdActionsEdit) || IsEditing(*cmdExceptionsEdit);
+    // The default button must not save and close while a row is edited.
+    if (!enter || !editing) {
+        QDialog::keyPressEvent(event);
+    }
 }
 
 void GUI::reject() {

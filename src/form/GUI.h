@@ -59,7 +59,7 @@ class GUI : public QDialog {
 
     // A list is in edit mode as long as its Edit button says so.
     [[nodiscard]] static bool IsEditing(const QPushButton& editButton);
-    void SetEditing(QPushButton& editButton, bool editing);
+    static void ShowEditing(QPushButton& editButton, bool editing);
 
     [[nodiscard]] PickList* NodePicker(Slot slot) const { return Editors(slot).node; }
 
@@ -140,6 +140,9 @@ class GUI : public QDialog {
   public slots:
     // Escape and the close box.
     void reject() override;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     struct ReferenceEditors {

@@ -16,8 +16,6 @@ Control* Named(Control* control, const char* name) {
 
 inline QPushButton* Button(QWidget* parent, const char* name, const char* caption, const char* hint) {
     auto* button = Named(new QPushButton(QString::fromLatin1(caption), parent), name);
-    // In a dialog every focused button would otherwise take the Enter key for itself.
-    button->setAutoDefault(false);
     button->setToolTip(QString::fromLatin1(hint));
     return button;
 }
