@@ -121,7 +121,7 @@ void ListRows::Remove(std::span<const int> rows) {
         beginResetModel();
     }
     auto next = rows.begin();
-    std::size_t kept = static_cast<std::size_t>(rows.front());
+    auto kept = static_cast<std::size_t>(rows.front());
     for (std::size_t row = kept; row < rows_.size(); ++row) {
         if (next != rows.end() && static_cast<std::size_t>(*next) == row) {
             keys_.remove(rows_[row].key);

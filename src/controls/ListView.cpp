@@ -117,8 +117,7 @@ std::vector<int> ListView::SelectedRows() const {
         }
     }
     std::ranges::sort(rows);
-    const auto repeated = std::ranges::unique(rows);
-    rows.erase(repeated.begin(), repeated.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     return rows;
 }
 

@@ -71,7 +71,7 @@ class NodeRules {
 
     // The highest number of a type in the partition, or nothing where no limit is stored.
     std::optional<int> MaxNodeNumber(const GUI& gui, int nodeTypeID);
-    void LoadSettings(GUI& gui, const ResultSet& node);
+    static void LoadSettings(GUI& gui, const ResultSet& node);
     void LoadPrompts(GUI& gui, std::int16_t nodeNumber);
     void LoadActions(GUI& gui, std::int16_t nodeNumber);
     void LoadExceptions(GUI& gui, const ResultSet& node);

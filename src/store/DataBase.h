@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace KAL_AUTO_Node {
@@ -37,7 +38,7 @@ class Parameter {
   public:
     Parameter(std::string_view text) : text_(text) {}
 
-    Parameter(const std::string& text) : text_(text) {}
+    Parameter(std::string text) : text_(std::move(text)) {}
 
     Parameter(const char* text) : text_(text) {}
 
