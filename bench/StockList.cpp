@@ -37,7 +37,8 @@ void StockList::Fill(const std::vector<ListRow>& rows) {
 
 void StockList::Select(int row) {
     QTreeWidgetItem* item = tree_.topLevelItem(row);
-    tree_.setCurrentItem(item);
+    // By itself the toolkit would look at the keys that are held.
+    tree_.setCurrentItem(item, 0, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     tree_.scrollToItem(item);
 }
 
