@@ -93,7 +93,13 @@ void ReferenceList::ItemClick(int row) {
         (gui_.*rules_.resetColumns)();
         if (Editing()) {
             List().EnsureVisible(row);
-            OpenEditors(row);
+            try {
+                OpenEditors(row);
+            } catch (...) {
+                // They may show another reference than the row's.
+                HideEditors();
+                throw;
+            }
         }
     });
 }
