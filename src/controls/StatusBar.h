@@ -19,8 +19,6 @@ class StatusBar : public QStatusBar {
         setSizePolicy(policy);
     }
 
-    [[nodiscard]] QString PanelText() const { return panel_->text(); }
-
     void SetPanelText(const QString& text) { panel_->setText(text); }
 
     // The width in pixels that the panel takes at most.

@@ -11,7 +11,6 @@ enum class ErrorNumber : int {
     Overflow = 6,
     SubscriptOutOfRange = 9,
     InvalidUseOfNull = 94,
-    InvalidPropertyValue = 380,
     NoSuchEntry = 383,
     CannotCreateComponent = 429,
     DuplicateCollectionKey = 457,

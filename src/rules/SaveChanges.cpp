@@ -1,6 +1,5 @@
 #include "form/GUI.h"
 #include "form/LongOperation.h"
-#include "form/ValueBoxes.h"
 #include "platform/ErrorReport.h"
 #include "platform/MousePointer.h"
 #include "platform/RuntimeError.h"
