@@ -91,6 +91,7 @@ void ListRows::Insert(int row, ListRow content) {
 }
 
 void ListRows::Append(std::vector<ListRow> rows) {
+    keys_.reserve(keys_.size() + static_cast<qsizetype>(rows.size()));
     auto accepted = rows.begin();
     for (; accepted != rows.end() && !keys_.contains(accepted->key); ++accepted) {
         keys_.insert(accepted->key);

@@ -20,8 +20,11 @@ struct ListRow {
     QList<QString> cells; // one text per column; the first is the row's own text
 };
 
+// What stands behind a row's position in its key.
+inline constexpr char KeySuffix = 'a';
+
 // The key of the row at a position.
-[[nodiscard]] inline QString RowKey(int row) { return QString::number(row + 1) + 'a'; }
+[[nodiscard]] inline QString RowKey(int row) { return QString::number(row + 1) + KeySuffix; }
 
 // Messages that a list view's own window procedure sees before the list view acts on them.
 enum class WindowMessage {

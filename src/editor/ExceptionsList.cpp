@@ -36,8 +36,8 @@ void ExceptionsList::Default_Click() {
             const Reference target{Form().NodeName(exception.defaultType),
                                    QString::number(exception.defaultType),
                                    QString::fromLatin1(exception.defaultNumber)};
-            List().Append({RowAt(List().Count() + 1, QString::fromLatin1(exception.label),
-                                 DisplayText(target, NumberlessExceptionType), target)});
+            List().Append({ExceptionRowAt(List().Count() + 1, QString::fromLatin1(exception.label),
+                                          DisplayText(target, NumberlessExceptionType), target)});
         }
         MarkChanged();
     });

@@ -49,7 +49,7 @@ void PromptsList::ChooseDefaultType() {
 }
 
 ListRow PromptsList::MakeRow(int position, const QString& display, const Reference& reference) const {
-    return RowAt(position, QString::number(position), display, reference);
+    return PromptRowAt(position, display, reference);
 }
 
 void PromptsList::AfterEmptied() {

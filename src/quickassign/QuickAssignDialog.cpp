@@ -94,7 +94,7 @@ void QuickAssignDialog::AddPromptsRange() {
         gui_.LVPrompts->Renumber(0, LeadColumn);
     }
     AddRange(*gui_.LVPrompts, [](int position, const QString& display, const Reference& reference) {
-        return RowAt(position, QString::number(position), display, reference);
+        return PromptRowAt(position, display, reference);
     });
 }
 

@@ -96,14 +96,16 @@ NodeRules::StoredReference NodeRules::ReadReference(const GUI& gui, const Result
 }
 
 void NodeRules::LoadPrompts(GUI& gui, std::int16_t nodeNumber) {
-    const ReferenceColumns columns;
     GUI::ClearListView(*gui.LVPrompts);
+    ResultSet prompts =
+        dataBase_.Query(Command::Get_AUTO_PromptsNode, {gui.ConfigID, gui.PartitionID, nodeNumber});
+    const ReferenceColumns columns(prompts);
+    const std::size_t sequence = prompts.Column("SequenceNo");
     ReadRows(
-        dataBase_.Query(Command::Get_AUTO_PromptsNode, {gui.ConfigID, gui.PartitionID, nodeNumber}),
+        std::move(prompts),
         [&](const ResultSet& stored) {
-            const int sequence = stored.Number("SequenceNo");
             const StoredReference prompt = ReadReference(gui, stored, columns, NumberlessType);
-            ListRow row = RowAt(sequence, QString::number(sequence), prompt.display, prompt.reference);
+            ListRow row = PromptRowAt(stored.Number(sequence), prompt.display, prompt.reference);
             row.cells[LabelColumn] = prompt.label;
             return row;
         },
@@ -111,17 +113,22 @@ void NodeRules::LoadPrompts(GUI& gui, std::int16_t nodeNumber) {
 }
 
 void NodeRules::LoadActions(GUI& gui, std::int16_t nodeNumber) {
-    const ReferenceColumns columns;
     GUI::ClearListView(*gui.LVActions);
+    ResultSet actions =
+        dataBase_.Query(Command::Get_AUTO_ActionsNode, {gui.ConfigID, gui.PartitionID, nodeNumber});
+    const ReferenceColumns columns(actions);
+    const std::size_t sequence = actions.Column("SequenceNo");
+    const std::size_t rangeLow = actions.Column("DTMFRangeLow");
+    const std::size_t rangeHigh = actions.Column("DTMFRangeHigh");
     ReadRows(
-        dataBase_.Query(Command::Get_AUTO_ActionsNode, {gui.ConfigID, gui.PartitionID, nodeNumber}),
+        std::move(actions),
         [&](const ResultSet& stored) {
             const StoredReference action = ReadReference(gui, stored, columns, NumberlessType);
-            const auto low = stored.Field("DTMFRangeLow");
-            const auto high = stored.Field("DTMFRangeHigh");
+            const auto low = stored.Field(rangeLow);
+            const auto high = stored.Field(rangeHigh);
             const bool ranged = low && high;
             ListRow row =
-                ActionRowAt(stored.Number("SequenceNo"), ranged ? FromUtf8(*low) : QStringLiteral("0"),
+                ActionRowAt(stored.Number(sequence), ranged ? FromUtf8(*low) : QStringLiteral("0"),
                             ranged ? FromUtf8(*high) : QStringLiteral("0"), action.display, action.reference);
             row.cells[LabelColumn] = action.label;
             return row;
@@ -132,12 +139,10 @@ void NodeRules::LoadActions(GUI& gui, std::int16_t nodeNumber) {
 void NodeRules::LoadExceptions(GUI& gui, const ResultSet& node) {
     GUI::ClearListView(*gui.LVExceptions);
     for (const ExceptionRule& exception : ExceptionRules) {
-        const std::string name = exception.column;
         const StoredReference target =
-            ReadReference(gui, node, {name + "NodeTypeID", name + "NodeType", name + "NodeNumber"},
-                          NumberlessExceptionType);
-        ListRow row = RowAt(gui.LVExceptions->Count() + 1, QString::fromLatin1(exception.label),
-                            target.display, target.reference);
+            ReadReference(gui, node, ReferenceColumns(node, exception.column), NumberlessExceptionType);
+        ListRow row = ExceptionRowAt(gui.LVExceptions->Count() + 1, QString::fromLatin1(exception.label),
+                                     target.display, target.reference);
         row.cells[LabelColumn] = target.label;
         gui.LVExceptions->Append({std::move(row)});
     }

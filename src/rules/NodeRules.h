@@ -83,11 +83,15 @@ class NodeRules {
         Reference reference;
     };
 
-    // The columns that a reference is stored in.
+    // The columns that a reference is stored in; an exception branch's have its name before their own.
     struct ReferenceColumns {
-        std::string nodeTypeID = "NodeTypeID";
-        std::string nodeType = "NodeType";
-        std::string nodeNumber = "NodeNumber";
+        explicit ReferenceColumns(const ResultSet& rows, const std::string& branch = "")
+            : nodeTypeID(rows.Column(branch + "NodeTypeID")), nodeType(rows.Column(branch + "NodeType")),
+              nodeNumber(rows.Column(branch + "NodeNumber")) {}
+
+        std::size_t nodeTypeID;
+        std::size_t nodeType;
+        std::size_t nodeNumber;
     };
 
     StoredReference ReadReference(const GUI& gui, const ResultSet& row, const ReferenceColumns& columns,

@@ -13,16 +13,15 @@ struct Reference {
 };
 
 // How a reference is shown: the type's name and the number, or the name alone where the type has no numbers.
-[[nodiscard]] inline QString DisplayText(const Reference& reference, int numberlessType) {
-    return reference.nodeTypeID.toInt() == numberlessType ? reference.nodeName
-                                                          : reference.nodeName + ' ' + reference.nodeNumber;
-}
+[[nodiscard]] QString DisplayText(const Reference& reference, int numberlessType);
 
-// A row at its position from 1: key, lead cell and what it refers to; without a label.
-[[nodiscard]] ListRow RowAt(int position, const QString& lead, const QString& display,
-                            const Reference& reference);
+// The rows of the three lists at their position from 1: key, lead cell and what they refer to; without a
+// label. A prompt is led by its position, an exception by its name, an action by its range of digits.
+[[nodiscard]] ListRow PromptRowAt(int position, const QString& display, const Reference& reference);
 
-// The same, as an action for a range of digits.
+[[nodiscard]] ListRow ExceptionRowAt(int position, const QString& name, const QString& display,
+                                     const Reference& reference);
+
 [[nodiscard]] ListRow ActionRowAt(int position, const QString& low, const QString& high,
                                   const QString& display, const Reference& reference);
 

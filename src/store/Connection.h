@@ -26,6 +26,7 @@ class Statement {
     // rows. The texts have to stay as they are until Close.
     virtual void Run(std::span<const std::string> parameters) = 0;
     [[nodiscard]] virtual bool AtEnd() const = 0;
+    // Only while not at the end.
     virtual void MoveNext() = 0;
     // A field of the row reached, or nothing for Null; valid until the next move.
     [[nodiscard]] virtual std::optional<std::string_view> Field(std::size_t column) const = 0;

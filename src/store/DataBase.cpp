@@ -31,6 +31,9 @@ const NamedCommand& CommandOf(Command command) {
 }
 
 bool SameName(std::string_view a, std::string_view b) {
+    if (a == b) {
+        return true;
+    }
     const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
     return std::ranges::equal(a, b, {}, lower, lower);
 }
@@ -43,21 +46,22 @@ const std::string& CommandText(Command command) { return CommandOf(command).sql;
 
 // The engine's message tells what went wrong; where it did is known here.
 template <class Use>
-decltype(auto) DataBase::Describing(std::string_view work, Use&& use) const {
+decltype(auto) DataBase::Describing(std::string_view work, std::string_view command, Use&& use) const {
     try {
         return use();
     } catch (const RuntimeError& error) {
         std::string description = error.what();
         const std::string file = File().string();
         const bool namesFile = description.find(file) != std::string::npos;
-        description += " (" + std::string(work) + (namesFile ? ")" : ", file '" + file + "')");
+        description +=
+            " (" + std::string(work) + std::string(command) + (namesFile ? ")" : ", file '" + file + "')");
         throw RuntimeError(error.Number(), description, error.Source());
     }
 }
 
 template <class Use>
 decltype(auto) DataBase::Describing(Command command, Use&& use) const {
-    return Describing("command " + std::string(CommandName(command)), std::forward<Use>(use));
+    return Describing("command ", CommandName(command), std::forward<Use>(use));
 }
 
 ResultSet::ResultSet(ResultSet&& other) noexcept
@@ -73,34 +77,39 @@ Statement& ResultSet::Rows() const {
 bool ResultSet::AtEnd() const { return Rows().AtEnd(); }
 
 void ResultSet::MoveNext() {
+    assert(!AtEnd());
     owner_->Describing(command_, [this] { Rows().MoveNext(); });
 }
 
-std::optional<std::string_view> ResultSet::Field(std::string_view column) const {
+std::size_t ResultSet::Column(std::string_view name) const {
     const auto columns = Rows().Columns();
     const auto found =
-        std::ranges::find_if(columns, [=](const auto& name) { return SameName(name, column); });
+        std::ranges::find_if(columns, [=](const auto& column) { return SameName(column, name); });
     if (found == columns.end()) {
         throw RuntimeError(ErrorNumber::ColumnNotFound, "The rows of " + std::string(CommandName(command_)) +
-                                                            " have no column " + std::string(column));
+                                                            " have no column " + std::string(name));
     }
-    return Rows().Field(static_cast<std::size_t>(found - columns.begin()));
+    return static_cast<std::size_t>(found - columns.begin());
 }
 
-std::string_view ResultSet::Text(std::string_view column) const {
+std::optional<std::string_view> ResultSet::Field(std::size_t column) const { return Rows().Field(column); }
+
+void ResultSet::Fail(ErrorNumber number, const std::string& what, std::size_t column) const {
+    throw RuntimeError(number, what + ": " + Rows().Columns()[column] + " in the rows of " +
+                                   std::string(CommandName(command_)));
+}
+
+std::string_view ResultSet::Text(std::size_t column) const {
     if (const auto text = Field(column)) {
         return *text;
     }
-    throw RuntimeError(ErrorNumber::InvalidUseOfNull, "Invalid use of Null: " + std::string(column) +
-                                                          " in the rows of " +
-                                                          std::string(CommandName(command_)));
+    Fail(ErrorNumber::InvalidUseOfNull, "Invalid use of Null", column);
 }
 
-int ResultSet::Number(std::string_view column) const {
+int ResultSet::Number(std::size_t column) const {
     const auto value = NumericValue(Text(column));
     if (!std::in_range<int>(value)) {
-        throw RuntimeError(ErrorNumber::Overflow, "Overflow: " + std::string(column) + " in the rows of " +
-                                                      std::string(CommandName(command_)));
+        Fail(ErrorNumber::Overflow, "Overflow", column);
     }
     return static_cast<int>(value);
 }
@@ -165,7 +174,7 @@ ResultSet DataBase::Query(Command command, Parameters parameters) {
 
 void DataBase::Flush() {
     if (connection_) {
-        Describing("making the changes last", [this] { connection_->Flush(); });
+        Describing("making the changes last", "", [this] { connection_->Flush(); });
     }
 }
 

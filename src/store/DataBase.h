@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/RuntimeError.h"
+
 #include <array>
 #include <concepts>
 #include <filesystem>
@@ -53,7 +55,8 @@ class Parameter {
 using Parameters = std::initializer_list<Parameter>;
 
 // The rows of a command's latest run, read forward from the first; closed at the end of its life at the
-// latest. Columns are found by name, whatever their case; an unknown name raises ColumnNotFound.
+// latest. A field is asked for by its column's name or, where many rows are read, by the position looked up
+// once.
 class ResultSet {
   public:
     ResultSet(ResultSet&& other) noexcept;
@@ -61,14 +64,24 @@ class ResultSet {
     ~ResultSet();
 
     [[nodiscard]] bool AtEnd() const;
+    // Only while not at the end.
     void MoveNext();
 
+    // The position of the column of that name, whatever its case. Raises ColumnNotFound.
+    [[nodiscard]] std::size_t Column(std::string_view name) const;
+
     // The field's text, or nothing for Null; valid until the next move.
-    [[nodiscard]] std::optional<std::string_view> Field(std::string_view column) const;
+    [[nodiscard]] std::optional<std::string_view> Field(std::size_t column) const;
     // The field's text. Raises InvalidUseOfNull.
-    [[nodiscard]] std::string_view Text(std::string_view column) const;
+    [[nodiscard]] std::string_view Text(std::size_t column) const;
     // The field's numeric value. Raises InvalidUseOfNull, and Overflow beyond 32 bits.
-    [[nodiscard]] int Number(std::string_view column) const;
+    [[nodiscard]] int Number(std::size_t column) const;
+
+    [[nodiscard]] auto Field(std::string_view column) const { return Field(Column(column)); }
+
+    [[nodiscard]] auto Text(std::string_view column) const { return Text(Column(column)); }
+
+    [[nodiscard]] auto Number(std::string_view column) const { return Number(Column(column)); }
 
     void Close() noexcept;
 
@@ -78,6 +91,7 @@ class ResultSet {
     ResultSet(DataBase& owner, Command command) : owner_(&owner), command_(command) {}
 
     [[nodiscard]] Statement& Rows() const;
+    [[noreturn]] void Fail(ErrorNumber number, const std::string& what, std::size_t column) const;
 
     DataBase* owner_; // none once closed
     Command command_;
@@ -123,7 +137,7 @@ class DataBase {
 
     Statement& Run(Command command, Parameters parameters);
     template <class Use>
-    decltype(auto) Describing(std::string_view work, Use&& use) const;
+    decltype(auto) Describing(std::string_view work, std::string_view command, Use&& use) const;
     template <class Use>
     decltype(auto) Describing(Command command, Use&& use) const;
 

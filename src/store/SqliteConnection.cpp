@@ -3,7 +3,6 @@
 #include "platform/RuntimeError.h"
 
 #include <SQLiteCpp/Exception.h>
-#include <SQLiteCpp/Statement.h>
 #include <sqlite3.h>
 
 #include <vector>
@@ -28,48 +27,70 @@ decltype(auto) Engine(Use&& use) {
     }
 }
 
+// Over the engine's own interface: rows are read value by value, and the wrapper around it makes an object
+// that is shared, and counted, for each.
 class SqliteStatement : public Statement {
   public:
-    SqliteStatement(SQLite::Database& database, const std::string& sql) : statement_(database, sql) {
-        for (int column = 0; column < statement_.getColumnCount(); ++column) {
-            columns_.emplace_back(statement_.getColumnName(column));
+    SqliteStatement(sqlite3* database, const std::string& sql) : database_(database) {
+        sqlite3_stmt* statement = nullptr;
+        Require(sqlite3_prepare_v2(database, sql.c_str(), static_cast<int>(sql.size()), &statement, nullptr));
+        statement_.reset(statement);
+        for (int column = 0; column < sqlite3_column_count(statement); ++column) {
+            columns_.emplace_back(sqlite3_column_name(statement, column));
         }
     }
 
     [[nodiscard]] std::size_t ParameterCount() const override {
-        return static_cast<std::size_t>(statement_.getBindParameterCount());
+        return static_cast<std::size_t>(sqlite3_bind_parameter_count(statement_.get()));
     }
 
     [[nodiscard]] std::span<const std::string> Columns() const override { return columns_; }
 
     void Run(std::span<const std::string> parameters) override {
-        Engine([&] {
-            for (std::size_t i = 0; i < parameters.size(); ++i) {
-                statement_.bindNoCopy(static_cast<int>(i + 1), parameters[i]);
-            }
-            statement_.executeStep();
-        });
+        int position = 0;
+        for (const std::string& parameter : parameters) {
+            Require(sqlite3_bind_text(statement_.get(), ++position, parameter.data(),
+                                      static_cast<int>(parameter.size()), SQLITE_STATIC));
+        }
+        MoveNext();
     }
 
-    [[nodiscard]] bool AtEnd() const override { return !statement_.hasRow(); }
+    [[nodiscard]] bool AtEnd() const override { return !onRow_; }
 
     void MoveNext() override {
-        Engine([&] { statement_.executeStep(); });
+        const int result = sqlite3_step(statement_.get());
+        onRow_ = result == SQLITE_ROW;
+        if (!onRow_ && result != SQLITE_DONE) {
+            Require(result);
+        }
     }
 
     [[nodiscard]] std::optional<std::string_view> Field(std::size_t column) const override {
-        const SQLite::Column field = statement_.getColumn(static_cast<int>(column));
-        if (field.isNull()) {
+        const auto position = static_cast<int>(column);
+        const void* text = sqlite3_column_text(statement_.get(), position);
+        if (text == nullptr) {
             return std::nullopt;
         }
-        const char* text = field.getText();
-        return std::string_view(text, static_cast<std::size_t>(field.getBytes()));
+        return std::string_view(static_cast<const char*>(text),
+                                static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), position)));
     }
 
-    void Close() noexcept override { static_cast<void>(statement_.tryReset()); }
+    void Close() noexcept override { sqlite3_reset(statement_.get()); }
 
   private:
-    mutable SQLite::Statement statement_;
+    struct Finalize {
+        void operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
+    };
+
+    void Require(int result) const {
+        if (result != SQLITE_OK) {
+            throw RuntimeError(ErrorNumber::StoreFailure, sqlite3_errmsg(database_), "SQLite");
+        }
+    }
+
+    sqlite3* database_;
+    std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+    bool onRow_ = false;
     std::vector<std::string> columns_;
 };
 
@@ -101,7 +122,7 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file)
 }
 
 std::unique_ptr<Statement> SqliteConnection::Prepare(const std::string& sql) {
-    return Engine([&] { return std::make_unique<SqliteStatement>(database_, sql); });
+    return std::make_unique<SqliteStatement>(database_.getHandle(), sql);
 }
 
 void SqliteConnection::Flush() {
