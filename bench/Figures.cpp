@@ -2,7 +2,7 @@
 
 #include "bench/Benches.h"
 #include "bench/Desk.h"
-#include "bench/FileSyncs.h"
+#include "tests/FileSyncs.h"
 
 #include <QApplication>
 #include <QDialog>

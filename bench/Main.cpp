@@ -1,6 +1,6 @@
 #include "bench/Benches.h"
 #include "bench/Figures.h"
-#include "bench/FileSyncs.h"
+#include "tests/FileSyncs.h"
 
 #include <QApplication>
 #include <QMessageBox>

@@ -1,4 +1,4 @@
-#include "bench/FileSyncs.h"
+#include "FileSyncs.h"
 
 #include <sqlite3.h>
 

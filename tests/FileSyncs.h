@@ -9,6 +9,8 @@ struct FileSyncs {
     int log = 0;      // the write-ahead log
     int database = 0; // the store's file itself
     int other = 0;
+
+    bool operator==(const FileSyncs&) const = default;
 };
 
 // From now on the engine's syncs are counted, on connections opened from now on.

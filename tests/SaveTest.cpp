@@ -1,3 +1,4 @@
+#include "FileSyncs.h"
 #include "Person.h"
 #include "TestStore.h"
 
@@ -183,6 +184,28 @@ TEST(Saving, ThatFailsHalfWayKeepsWhatWasWrittenAndTheWindowUsable) {
         Person::Press("cmdOK");
         EXPECT_EQ(person.Boxes().size(), 1U);
         EXPECT_FALSE(Person::Window("GUI")->isVisible());
+    }));
+}
+
+// The store syncs the head of a log that was empty by itself, so the first save is not looked at.
+TEST(Saving, ReachesTheDiskInOneSyncAlsoWhereItFails) {
+    StartCountingSyncs();
+    const TestStore store;
+    Person person;
+    EXPECT_TRUE(person.Edit(8, [&] {
+        const auto syncsOfSaving = [](const char* label) {
+            Person::TypeLabel(label);
+            return SyncsOf([] { Person::Press("cmdApply"); });
+        };
+        EXPECT_GT(syncsOfSaving("First").log, 0);
+        EXPECT_EQ(syncsOfSaving("Second"), FileSyncs{.log = 1});
+        EXPECT_EQ(Labels(store), "Second|Second");
+
+        store.Execute("CREATE TRIGGER failing BEFORE INSERT ON Detail_AUTO_Action"
+                      " BEGIN SELECT RAISE(ABORT, 'the disk is on fire'); END");
+        EXPECT_EQ(syncsOfSaving("Third"), FileSyncs{.log = 1});
+        EXPECT_EQ(person.Boxes().size(), 1U);
+        EXPECT_EQ(Labels(store), "Third|Third");
     }));
 }
 
