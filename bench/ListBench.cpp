@@ -25,8 +25,13 @@ class OurList {
     [[nodiscard]] const std::vector<ListRow>& Rows() const { return rows_; }
 
     void Restore() {
+        // Rows that share their cells with those kept here would be copied when they are written to.
+        std::vector<ListRow> own = rows_;
+        for (ListRow& row : own) {
+            row.cells.detach();
+        }
         List().Clear();
-        List().Append(rows_);
+        List().Append(std::move(own));
     }
 
     void SelectEverySecond() {
