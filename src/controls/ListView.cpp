@@ -134,6 +134,14 @@ void ListView::Select(int row) {
     scrollTo(index);
 }
 
+void ListView::selectAll() {
+    if (Count() > 0) {
+        // As one range; the toolkit's own goes through the rows.
+        const QItemSelection all(rows_->index(0, 0), rows_->index(Count() - 1, rows_->columnCount() - 1));
+        selectionModel()->select(all, QItemSelectionModel::ClearAndSelect);
+    }
+}
+
 void ListView::ClearSelection() { selectionModel()->clear(); }
 
 QRect ListView::CellRect(int row, int column) const {

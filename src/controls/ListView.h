@@ -79,6 +79,8 @@ class ListView : public QTreeView {
 
     void EnsureVisible(int row) { scrollTo(VisibleCell(row)); }
 
+    // The selected item stays the same.
+    void selectAll() override;
     // Leaves neither a selected row nor a selected item.
     void ClearSelection();
 
