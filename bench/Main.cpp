@@ -15,14 +15,27 @@ using namespace KAL_AUTO_Node;
 
 namespace {
 
-// Both sides of every pair take turns, so that what else the machine does falls on both. Options of the
-// caller come last, so that they win.
+// Repetitions of all benchmarks in random order, so that a slow spell of the machine meets no work alone.
+// Options of the caller come last, so that they win.
 std::vector<std::string> Options(int count, char** arguments) {
     std::vector<std::string> options = {arguments[0], "--benchmark_enable_random_interleaving=true",
                                         "--benchmark_repetitions=9", "--benchmark_min_time=0.05"};
     options.insert(options.end(), arguments + 1, arguments + count);
     return options;
 }
+
+// Tells on standard error which benchmark has run; the table is printed at the end by whoever knows the
+// pairs.
+class Progress : public benchmark::BenchmarkReporter {
+  public:
+    bool ReportContext(const Context& /*context*/) override { return true; }
+
+    void ReportRuns(const std::vector<Run>& runs) override {
+        if (!runs.empty()) {
+            std::cerr << runs.front().run_name.function_name << '\n';
+        }
+    }
+};
 
 // A message box would wait for a person for ever; here it only can tell that something is wrong.
 void RefuseMessages() {
@@ -60,13 +73,11 @@ int Measure(int argc, char** argv) {
     AddCheckPairs(pairs, store);
     AddListPairs(pairs);
     AddPickerPairs(pairs);
-    Collector collector;
-    benchmark::RunSpecifiedBenchmarks(&collector);
-    // The scenes are windows, which end before the application does.
-    benchmark::ClearRegisteredBenchmarks();
+    Progress progress;
+    benchmark::RunSpecifiedBenchmarks(&progress);
 
     PrintMachine(std::cout);
-    pairs.PrintTable(std::cout, collector.Measured());
+    pairs.PrintTable(std::cout);
     PrintSyncs(std::cout, store);
     PrintMemory(std::cout);
     PrintStatements(std::cout, store);

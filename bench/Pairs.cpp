@@ -1,27 +1,15 @@
 #include "bench/Pairs.h"
 
+#include <benchmark/benchmark.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <iostream>
+#include <ostream>
 
 namespace KAL_AUTO_Node {
 
 namespace {
-
-void Register(const std::string& name, MakePass make) {
-    // The scene is set when its turn comes; a run of only some benchmarks sets only theirs.
-    auto run = [make = std::move(make), pass = Pass()](benchmark::State& state) mutable {
-        if (!pass) {
-            pass = make();
-            pass();
-        }
-        for ([[maybe_unused]] auto iteration : state) {
-            state.SetIterationTime(pass());
-        }
-    };
-    benchmark::RegisterBenchmark(name.c_str(), std::move(run))->UseManualTime();
-}
 
 double Median(std::vector<double> values) {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
@@ -45,45 +33,42 @@ std::string Times(double factor) { return Format(factor < 10 ? "%.2fx" : "%.0fx"
 } // namespace
 
 void Pairs::Add(const std::string& work, const std::string& size, MakePass ours, MakePass floor) {
-    const Pair& pair = pairs_.emplace_back(Pair{work, size});
-    Register(pair.Name("ours"), std::move(ours));
-    Register(pair.Name("floor"), std::move(floor));
+    Pair& pair = pairs_.emplace_back(Pair{work, size, {}, {}});
+    // A scene lives for one repetition, so that no work is measured in a process full of others' windows.
+    auto run = [&pair, makeOurs = std::move(ours), makeFloor = std::move(floor)](benchmark::State& state) {
+        const Pass mine = makeOurs();
+        const Pass least = makeFloor();
+        // Of two passes the second is taken: the first brings back the caches that the other side has used.
+        const auto take = [](const Pass& pass) {
+            pass();
+            return pass();
+        };
+        for ([[maybe_unused]] auto turn : state) {
+            pair.ours.push_back(take(mine));
+            pair.floor.push_back(take(least));
+            state.SetIterationTime(pair.ours.back() + pair.floor.back());
+        }
+    };
+    benchmark::RegisterBenchmark((work + '/' + size).c_str(), std::move(run))->UseManualTime();
 }
 
-void Pairs::PrintTable(std::ostream& out, const Measured& measured) const {
+void Pairs::PrintTable(std::ostream& out) const {
     out << "| ours / floor | work | size | ours | floor | growth of ours |\n"
            "| ---: | --- | --- | ---: | ---: | ---: |\n";
     std::string work;
     double smaller = 0;
     for (const Pair& pair : pairs_) {
-        const auto ours = measured.find(pair.Name("ours"));
-        const auto floor = measured.find(pair.Name("floor"));
-        if (ours == measured.end() || floor == measured.end()) {
+        if (pair.ours.empty()) {
             continue;
         }
-        const double mine = Median(ours->second);
-        const double least = Median(floor->second);
-        const bool grows = work == pair.work;
-        out << "| " << Times(mine / least) << " | " << pair.work << " | " << pair.size << " | " << Time(mine)
-            << " | " << Time(least) << " | " << (grows ? Times(mine / smaller) : "") << " |\n";
+        std::vector<double> ratios(pair.ours.size());
+        std::ranges::transform(pair.ours, pair.floor, ratios.begin(), std::divides());
+        const double ours = Median(pair.ours);
+        out << "| " << Times(Median(ratios)) << " | " << pair.work << " | " << pair.size << " | "
+            << Time(ours) << " | " << Time(Median(pair.floor)) << " | "
+            << (work == pair.work ? Times(ours / smaller) : "") << " |\n";
         work = pair.work;
-        smaller = mine;
-    }
-}
-
-bool Collector::ReportContext(const Context& /*context*/) { return true; }
-
-void Collector::ReportRuns(const std::vector<Run>& runs) {
-    for (const Run& run : runs) {
-        if (run.error_occurred) {
-            std::cerr << run.run_name.function_name << ": " << run.error_message << '\n';
-        } else if (run.run_type == Run::RT_Iteration) {
-            measured_[run.run_name.function_name].push_back(run.real_accumulated_time /
-                                                            static_cast<double>(run.iterations));
-        }
-    }
-    if (!runs.empty()) {
-        std::cerr << runs.front().run_name.function_name << '\n';
+        smaller = ours;
     }
 }
 
