@@ -130,7 +130,9 @@ class RandomPerson {
             ASSERT_EQ(Current(editing_), open_) << "the editors would write to another row";
             ASSERT_EQ(node->width(), row.Numberless() ? 111 : 65);
             ASSERT_EQ(Person::Text(Editor("Node")), row.name);
-            ASSERT_TRUE(!TakesNumbers() || Person::Text(Editor("Number")) == row.number);
+            if (Types.at(row.name).last > 0) {
+                ASSERT_EQ(Person::Text(Editor("Number")), refused_.empty() ? row.number : refused_);
+            }
             open.insert(Editor("Node"));
             if (!row.Numberless()) {
                 open.insert(Editor("Number"));
@@ -143,14 +145,13 @@ class RandomPerson {
     }
 
     // Prompts and exceptions take a number only while the row is highlighted, too.
-    bool TakesNumbers() {
-        const std::vector<int> selected = Person::SelectedRows(List(editing_));
-        return Types.at(At(editing_, open_).name).last > 0 &&
-               (editing_ == A || std::ranges::count(selected, open_) > 0);
+    bool TakesNumber() {
+        return editing_ == A || std::ranges::count(Person::SelectedRows(List(editing_)), open_) > 0;
     }
 
     void TakeType(const std::string& name) {
         Row& row = At(editing_, open_);
+        refused_.clear();
         row.name = name;
         if (row.Numberless() || std::stoi(row.number) > Types.at(name).last) {
             row.number = "1";
@@ -162,6 +163,7 @@ class RandomPerson {
 
     void Open(int row) {
         open_ = row;
+        refused_.clear();
         before_ = At(editing_, row);
         const bool available = before_.name != "TABLE" && before_.name != "LIST";
         if (available && (editing_ != P || before_.name != "EMPTY")) {
@@ -186,7 +188,8 @@ class RandomPerson {
         if (const int last = Types.at(row.name).last; last > 0) {
             const std::string number = std::to_string(Below(last) + 1);
             Person::Choose(Editor("Number"), number);
-            row.number = TakesNumbers() ? number : row.number;
+            refused_ = TakesNumber() ? "" : number;
+            row.number = TakesNumber() ? number : row.number;
         }
     }
 
@@ -220,7 +223,12 @@ class RandomPerson {
         }
         if (!selected.empty()) {
             changed_ = true;
-            open_ = -1;
+            // The editors stay on a row that is left and is the selected item afterwards.
+            const bool run = selected.back() - selected.front() == static_cast<int>(selected.size()) - 1;
+            const bool left = run && (open_ < selected.front() || open_ > selected.back());
+            const int place = open_ > selected.back() ? open_ - static_cast<int>(selected.size()) : open_;
+            const int next = selected.size() == 1 ? selected.front() : 0;
+            open_ = left && place == std::min(next, Size(list) - 1) ? place : -1;
         }
     }
 
@@ -296,6 +304,7 @@ class RandomPerson {
     std::array<std::vector<Row>, 3> rows_;
     Kind editing_ = None;
     int open_ = -1;        // the row under the editors
+    std::string refused_;  // the number in their box, where the row did not take it
     Row before_;           // as it was when they were opened
     bool changed_ = false; // by the last operation
     std::vector<Box> boxes_;
