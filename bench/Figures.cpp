@@ -63,17 +63,19 @@ class Recording {
     static inline std::vector<std::string> statements_;
 };
 
-void Compare(std::ostream& out, const char* work, const std::vector<std::string>& ours,
+bool Compare(std::ostream& out, const char* work, const std::vector<std::string>& ours,
              const std::vector<std::string>& floor) {
     const auto [mine, other] = std::ranges::mismatch(ours, floor);
     out << "| " << work << " | " << ours.size() << " | " << floor.size() << " | ";
-    if (mine == ours.end() && other == floor.end()) {
+    const bool same = mine == ours.end() && other == floor.end();
+    if (same) {
         out << "yes |\n";
     } else {
         out << "no, from statement " << mine - ours.begin() + 1
             << " on: " << (mine == ours.end() ? "none" : *mine) << " / "
             << (other == floor.end() ? "none" : *other) << " |\n";
     }
+    return same;
 }
 
 void PrintSyncsOf(std::ostream& out, const char* size, const char* side, const TestStore& store,
@@ -145,7 +147,7 @@ int PrintOwnMemory(Place place) {
     return 0;
 }
 
-void PrintStatements(std::ostream& out, const TestStore& store) {
+bool PrintStatements(std::ostream& out, const TestStore& store) {
     out << "\n### Statements, including those of the settings\n\n"
            "| work | ours | floor | the same |\n| --- | ---: | ---: | --- |\n";
     const Place place = LargeNodes[1].place;
@@ -155,7 +157,7 @@ void PrintStatements(std::ostream& out, const TestStore& store) {
     const auto openOurs = Recording::Take();
     RawStore raw(store.File());
     raw.Open(place);
-    Compare(out, "open", openOurs, Recording::Take());
+    bool same = Compare(out, "open", openOurs, Recording::Take());
 
     const auto compare = [&](const char* work, const auto& ours, const auto& floor) {
         // Equally long logs, so that both or neither carry theirs over.
@@ -166,7 +168,7 @@ void PrintStatements(std::ostream& out, const TestStore& store) {
         EmptyLog(store);
         Recording::Take();
         floor();
-        Compare(out, work, statements, Recording::Take());
+        same = Compare(out, work, statements, Recording::Take()) && same;
     };
     GUI& gui = desk.Form();
     const RawStore::Node node = desk.Content();
@@ -176,6 +178,7 @@ void PrintStatements(std::ostream& out, const TestStore& store) {
         "missing-node check", [&] { desk.Rules().CheckForUnReferencedNodes(gui); }, [&] { raw.Check(node); });
     compare(
         "SaveChanges", [&] { desk.Rules().SaveChanges(gui, number); }, [&] { raw.Save(node); });
+    return same;
 }
 
 } // namespace KAL_AUTO_Node

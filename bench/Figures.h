@@ -14,8 +14,9 @@ void PrintMachine(std::ostream& out);
 void PrintSyncs(std::ostream& out, const TestStore& store);
 // Peak memory of a fresh process of this program that opens the editor, per size.
 void PrintMemory(std::ostream& out);
-// Whether the floors run the statements that the editor runs, with the same values in the same order.
-void PrintStatements(std::ostream& out, const TestStore& store);
+// Whether the floors run the statements that the editor runs, with the same values in the same order. Returns
+// it, too.
+bool PrintStatements(std::ostream& out, const TestStore& store);
 
 inline constexpr const char* MemoryFlag = "--memory";
 

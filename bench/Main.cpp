@@ -80,7 +80,10 @@ int Measure(int argc, char** argv) {
     pairs.PrintTable(std::cout);
     PrintSyncs(std::cout, store);
     PrintMemory(std::cout);
-    PrintStatements(std::cout, store);
+    if (!PrintStatements(std::cout, store)) {
+        std::cerr << "benchmarks: the floors do not run the editor's statements\n";
+        return 1;
+    }
     return 0;
 }
 
