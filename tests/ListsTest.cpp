@@ -162,6 +162,25 @@ TEST_P(RowLists, ATypeWithFewerNumbersStartsAgainAtOne) {
     });
 }
 
+TEST_F(Lists, EscapeTakesBackWhatWasChosenWhereverTheRowStandsByThen) {
+    Edit(6, [] {
+        const std::string third = Targets(Prompts.list).at(2);
+        Person::Press(Prompts.edit);
+        Person::ClickRow(Prompts.list, 0);
+        for (const int row : {1, 2, 2}) {
+            Person::ClickRow(Prompts.list, row, Qt::ControlModifier);
+        }
+        Person::List(Prompts.list)->setFocus();
+        Key(Qt::Key_Delete);
+        ExpectEditorsOver(Prompts, 0);
+        Person::Choose(Prompts.number, "1");
+        EXPECT_NE(Targets(Prompts.list).front(), third);
+        Person::Combo(Prompts.node)->setFocus();
+        Key(Qt::Key_Escape);
+        EXPECT_EQ(Targets(Prompts.list).front(), third);
+    });
+}
+
 TEST_F(Lists, OnlyOneIsEditedAtATimeAndEachToggleMarks) {
     Edit(1, [] {
         for (const auto& [first, second] :

@@ -28,12 +28,11 @@ ActionsList::ActionsList(GUI& gui, const ComponentFactory& components)
               {.numberlessType = NumberlessType,
                .numberlessOpens = false,
                .numberNeedsHighlight = false,
+               .firstOwnColumn = LeadColumn,
                .browsingSelection = QAbstractItemView::ExtendedSelection,
                .resetColumns = &GUI::ResetActionsListView},
               {.slot = Slot::Actions,
                .positionColumn = PositionColumn,
-               .firstMovedColumn = LeadColumn,
-               .lastMovedColumn = DTMFRangeHighColumn,
                .quickList = QuickAssignDialog::List::Actions,
                .prepareQuick = &QuickAssignDialog::PrepareActionsTypes,
                .quickCaption = "Quick Actions Editor for "}) {

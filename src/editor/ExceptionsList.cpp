@@ -23,6 +23,7 @@ ExceptionsList::ExceptionsList(GUI& gui)
                     {.numberlessType = NumberlessExceptionType,
                      .numberlessOpens = true,
                      .numberNeedsHighlight = true,
+                     .firstOwnColumn = CommandNodeColumn,
                      .browsingSelection = QAbstractItemView::SingleSelection,
                      .resetColumns = &GUI::ResetExceptionsListView},
                     Slots()) {

@@ -13,12 +13,11 @@ PromptsList::PromptsList(GUI& gui, const ComponentFactory& components)
               {.numberlessType = NumberlessType,
                .numberlessOpens = true,
                .numberNeedsHighlight = true,
+               .firstOwnColumn = CommandNodeColumn,
                .browsingSelection = QAbstractItemView::ExtendedSelection,
                .resetColumns = &GUI::ResetPromptsListView},
               {.slot = Slot::Prompts,
                .positionColumn = LeadColumn,
-               .firstMovedColumn = CommandNodeColumn,
-               .lastMovedColumn = NodeNumberColumn,
                .quickList = QuickAssignDialog::List::Prompts,
                .prepareQuick = &QuickAssignDialog::PreparePromptsTypes,
                .quickCaption = "Quick Prompts Editor for "}) {}

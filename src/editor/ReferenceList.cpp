@@ -255,7 +255,7 @@ void ReferenceList::LeaveEditors() {
 
 void ReferenceList::RestoreRow() {
     if (open_.isValid()) {
-        for (int column = LeadColumn; column < static_cast<int>(before_.size()); ++column) {
+        for (int column = rules_.firstOwnColumn; column < static_cast<int>(before_.size()); ++column) {
             List().SetCell(open_.row(), column, before_[column]);
         }
     }

@@ -27,6 +27,8 @@ class ReferenceList : public QObject {
         bool numberlessOpens;
         // A chosen number is written only while the row is highlighted, too.
         bool numberNeedsHighlight;
+        // From here on cells belong to the row; those before it tell its position or its exception.
+        Column firstOwnColumn;
         QAbstractItemView::SelectionMode browsingSelection;
         void (GUI::*resetColumns)();
     };

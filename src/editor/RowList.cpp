@@ -113,7 +113,8 @@ void RowList::Remove_Click() {
 }
 
 void RowList::SwapRows(int row, int other) {
-    List().SwapCells(row, other, rowRules_.firstMovedColumn, rowRules_.lastMovedColumn);
+    const auto last = static_cast<int>(List().Row(row).cells.size()) - 1;
+    List().SwapCells(row, other, RulesOfList().firstOwnColumn, last);
 }
 
 void RowList::Move_Click(const QPushButton& button, int distance) {

@@ -21,9 +21,7 @@ class RowList : public ReferenceList {
 
     struct RowRules {
         Slot slot;
-        int positionColumn;   // a column that shows the row's position, besides its own text
-        int firstMovedColumn; // what moves with a row; the rest stays with the position
-        int lastMovedColumn;
+        int positionColumn; // a column that shows the row's position, besides its own text
         QuickAssignDialog::List quickList;
         void (QuickAssignDialog::*prepareQuick)();
         const char* quickCaption;
