@@ -100,15 +100,12 @@ std::optional<std::string> Content(const std::filesystem::path& file) {
     return content;
 }
 
-std::string Decoded(std::string content) {
-    std::string_view text = content;
+std::string Decoded(std::string_view text) {
     if (TakePrefix(text, "\xFF\xFE")) {
         return FromUtf16(text);
     }
-    if (TakePrefix(text, "\xEF\xBB\xBF")) {
-        return std::string(text);
-    }
-    return content;
+    TakePrefix(text, "\xEF\xBB\xBF");
+    return std::string(text);
 }
 
 // The lines of a text, read one after the other, without their ends and outer blanks.
@@ -383,13 +380,13 @@ class ExportReader {
 
 std::optional<RegistryKey> RegistryKey::Open(RegistryHive hive, std::string_view keyPath) {
     const auto file = ExportFile();
-    auto content = file ? Content(*file) : std::nullopt;
+    const auto content = file ? Content(*file) : std::nullopt;
     if (!content) {
         return std::nullopt;
     }
     ExportReader reader(ComparablePath(std::string(Hives.at(static_cast<std::size_t>(hive)).name) + '\\' +
                                        std::string(keyPath)));
-    auto values = reader.Read(Decoded(std::move(*content)));
+    auto values = reader.Read(Decoded(*content));
     return values ? std::optional(RegistryKey(std::move(*values))) : std::nullopt;
 }
 
