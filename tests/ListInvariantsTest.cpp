@@ -60,6 +60,7 @@ class RandomPerson {
                                                &This::CloseEditors};
         Person::MarkUnchanged();
         changed_ = false;
+        selected_.reset();
         const auto list = editing_ != None && Below(2) == 0 ? editing_ : static_cast<Kind>(Below(3));
         (this->*OneOf(open_ >= 0 && Below(2) == 0 ? editing : browsing))(list);
     }
@@ -81,6 +82,9 @@ class RandomPerson {
             ASSERT_EQ(Person::Caption(Button(list, "Edit")), editing_ == list ? "Edit Off" : "Edit");
             ASSERT_TRUE(list == E ||
                         Person::Button("cmdQuick" + Kinds[list])->isEnabled() != (editing_ == list));
+        }
+        if (selected_) {
+            ASSERT_EQ(Person::SelectedRows(List(selected_->first)), selected_->second);
         }
         ASSERT_EQ(Person::Dirty(), changed_);
         ASSERT_EQ(person_.Boxes(), std::exchange(boxes_, {}));
@@ -203,6 +207,8 @@ class RandomPerson {
         open_ = -1;
     }
 
+    void Selected(Kind list, int row) { selected_ = {list, {row}}; }
+
     // A new message before a row, or at the end.
     void Make(Kind list, int row) {
         if (list == P && rows_[P].front().name == "EMPTY") {
@@ -212,6 +218,7 @@ class RandomPerson {
         const std::string digits = std::to_string(row + 1);
         rows_[list].insert(rows_[list].begin() + row,
                            {"MSG", "1", "", list == A ? digits + "-" + digits : ""});
+        Selected(list, row);
     }
 
     void Remove(Kind list, const std::vector<int>& selected) {
@@ -229,6 +236,9 @@ class RandomPerson {
             const int place = open_ > selected.back() ? open_ - static_cast<int>(selected.size()) : open_;
             const int next = selected.size() == 1 ? selected.front() : 0;
             open_ = left && place == std::min(next, Size(list) - 1) ? place : -1;
+            if (Size(list) > 0) {
+                Selected(list, std::min(next, Size(list) - 1));
+            }
         }
     }
 
@@ -261,6 +271,7 @@ class RandomPerson {
         } else if (one && action != "Insert") {
             const int to = selected.front() + (action == "Up" ? -1 : 1);
             std::swap(At(list, selected.front()), At(list, std::clamp(to, 0, Size(list) - 1)));
+            Selected(list, std::clamp(to, 0, Size(list) - 1));
         }
     }
 
@@ -307,6 +318,7 @@ class RandomPerson {
     std::string refused_;  // the number in their box, where the row did not take it
     Row before_;           // as it was when they were opened
     bool changed_ = false; // by the last operation
+    std::optional<std::pair<Kind, std::vector<int>>> selected_; // by it, and that alone
     std::vector<Box> boxes_;
 };
 

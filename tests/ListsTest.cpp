@@ -84,84 +84,6 @@ class Lists : public EditorTest {
     }
 };
 
-// Prompts and actions where they behave alike.
-class RowLists : public Lists, public testing::WithParamInterface<std::string> {
-  protected:
-    static void Press(const std::string& action) { Person::Press("cmd" + GetParam() + action); }
-
-    static bool OfPrompts() { return GetParam() == Prompts.kind; }
-
-    const Names names_{GetParam()};
-    const std::string& list_ = names_.list;
-};
-
-INSTANTIATE_TEST_SUITE_P(, RowLists, testing::Values("Prompts", "Actions"),
-                         [](const auto& test) { return test.param; });
-
-TEST_P(RowLists, AddInsertMoveAndRemoveRows) {
-    // The rows are the node's own, 1 to 5, and those made here, "+".
-    struct Deed {
-        const char* action;
-        std::vector<int> rows;
-        std::string left;
-        std::vector<int> selected;
-    };
-
-    const std::vector<Deed> deeds{{"Add", {0}, "12345+", {5}},      {"Insert", {1}, "1+2345+", {1}},
-                                  {"Up", {3}, "1+3245+", {2}},      {"Down", {0}, "+13245+", {1}},
-                                  {"Up", {0}, "+13245+", {0}},      {"Down", {6}, "+13245+", {6}},
-                                  {"Remove", {1, 3}, "+345+", {0}}, {"Remove", {4}, "+345", {3}},
-                                  {"Remove", {1}, "+45", {1}},      {"Up", {0, 2}, "+45", {0, 2}}};
-    Edit(OfPrompts() ? 6 : 10, [&] {
-        const Strings own = Targets(list_);
-        const auto rows = [&] {
-            std::string order;
-            for (const std::string& target : Targets(list_)) {
-                const auto found = std::ranges::find(own, target);
-                order += found == own.end() ? '+' : static_cast<char>('1' + (found - own.begin()));
-            }
-            return order;
-        };
-        // A moved row leaves behind its position only.
-        const auto content = [&](int row) { return Person::Row(list_, row).substr(OfPrompts() ? 4 : 2); };
-        const std::string fifth = content(4);
-        for (const Deed& deed : deeds) {
-            Person::MarkUnchanged();
-            Person::ClickRow(list_, deed.rows.front());
-            if (deed.rows.size() > 1) {
-                Person::ClickRow(list_, deed.rows.back(), Qt::ControlModifier);
-            }
-            Press(deed.action);
-            EXPECT_EQ(rows(), deed.left) << deed.action;
-            EXPECT_EQ(Person::SelectedRows(list_), deed.selected) << deed.action << " to " << deed.left;
-            EXPECT_TRUE(Person::Dirty());
-        }
-        EXPECT_EQ(content(2), fifth);
-        EXPECT_EQ(Person::Row(list_, 0), OfPrompts() ? "1|1|MSG 1||MSG|0|1" : "1|2-2|MSG 1||MSG|0|1|2|2");
-        // Of two selected rows, prompts choose none to insert before, and actions append.
-        Person::MarkUnchanged();
-        Press("Insert");
-        EXPECT_EQ(rows(), OfPrompts() ? "+45" : "+45+");
-        EXPECT_EQ(Person::Dirty(), !OfPrompts());
-    });
-}
-
-TEST_P(RowLists, ATypeWithFewerNumbersStartsAgainAtOne) {
-    SetMax(2, 9);
-    Edit(1, [&] {
-        Person::Press(names_.edit);
-        Person::ClickRow(list_, 2);
-        Person::Choose(names_.number, "12");
-        Person::Choose(names_.node, "TIME");
-        EXPECT_EQ(Person::Row(list_, 2), OfPrompts() ? "3|3|TIME 1||TIME|2|1" : "3|3-3|TIME 1||TIME|2|1|3|3");
-        for (const auto& [typed, left] : {std::pair{"25", "2"}, {"0", "1"}, {"7a", "7"}, {"x", "1"}}) {
-            Person::TypeOver(names_.number, typed);
-            EXPECT_EQ(Person::Text(names_.number), left) << typed;
-            EXPECT_EQ(Person::Cell(list_, 2, 2), std::string("TIME ") + left);
-        }
-    });
-}
-
 TEST_F(Lists, EscapeTakesBackWhatWasChosenWhereverTheRowStandsByThen) {
     Edit(6, [] {
         const std::string third = Targets(Prompts.list).at(2);
@@ -225,22 +147,6 @@ TEST_F(Lists, EditorsFollowTheirRow) {
         Person::Window("GUI")->resize(1250, Person::Window("GUI")->minimumSizeHint().height());
         QCoreApplication::processEvents();
         EXPECT_EQ(Person::OpenEditors(), NoEditors);
-    });
-}
-
-// What is chosen must never land in another row than the one under the editors.
-TEST_F(Lists, EditorsHideWhereAnotherRowIsSelectedWithoutAClick) {
-    Edit(1, [] {
-        for (const Names& names : {Prompts, Actions, Timeout}) {
-            Person::Press(names.edit);
-            Person::ClickRow(names.list, 0);
-            ExpectEditorsOver(names, 0);
-            Person::ClickRow(names.list, 2, {}, Qt::RightButton);
-            EXPECT_EQ(Person::OpenEditors(), NoEditors) << names.list;
-            Person::ClickRow(names.list, 0);
-            Person::DragRow(names.list, 1, 2);
-            EXPECT_EQ(Person::OpenEditors(), NoEditors) << names.list;
-        }
     });
 }
 
@@ -344,10 +250,6 @@ TEST_F(Lists, ExceptionsHaveEditorsEach) {
         Person::ClickRow(Timeout.list, 0);
         Person::TypeOver(Timeout.number, "405");
         EXPECT_EQ(Person::Row(Timeout.list, 0), "1|Timeout|CMD 40||CMD|1|40");
-        // A row that is not highlighted takes no number.
-        Person::ClickRow(Timeout.list, 0, Qt::ControlModifier);
-        Person::Choose(Timeout.number, "7");
-        EXPECT_EQ(Person::Cell(Timeout.list, 0, 2), "CMD 40");
     });
 }
 
