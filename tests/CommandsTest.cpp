@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <set>
+#include <unistd.h>
 #include <utility>
 
 namespace KAL_AUTO_Node {
@@ -255,6 +256,12 @@ TEST(Commands, TellWhatTheStoreRefuses) {
     const TestStore store;
     DataBase dataBase;
     const std::string file = store.File().string();
+    {
+        SQLite::Database owner(file, SQLite::OPEN_READWRITE);
+        owner.exec("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE; DELETE FROM Node_Type_Max");
+        ExpectRaised(StoreFailure, {"database is locked", "Get_Node_Names", file},
+                     [&] { Perform(dataBase, Get_Node_Names, {}); });
+    }
     const auto add = [&](const char* sequence) {
         dataBase.Execute(Add_AUTO_PromptsNode, {1, 2, sequence, 0, 1, 1, "MSG"});
     };
@@ -272,6 +279,39 @@ TEST(Commands, TellWhatTheStoreRefuses) {
         EXPECT_EQ(Perform(dataBase, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number"), Texts{"250"});
     }
     EXPECT_NO_THROW(add("5"));
+}
+
+// From the store's folder up to the temporary one that holds it all.
+void SetFolders(const TestStore& store, std::filesystem::perms permissions) {
+    auto folder = store.File().parent_path();
+    for (int level = 0; level < 4; ++level, folder = folder.parent_path()) {
+        std::filesystem::permissions(folder, permissions);
+    }
+}
+
+TEST(Commands, ReadAReadOnlyStoreAndTellWhereTheyWouldWrite) {
+    const TestStore store;
+    // A store with a rollback journal needs no files beside it to be read.
+    static_cast<void>(store.Rows("PRAGMA journal_mode = DELETE"));
+    SetFolders(store, std::filesystem::perms(0555));
+    std::filesystem::permissions(store.File(), std::filesystem::perms(0444));
+    // Nothing is read-only to root.
+    constexpr uid_t nobody = 65534;
+    const uid_t self = geteuid();
+    if (self == 0 && seteuid(nobody) != 0) {
+        GTEST_SKIP() << "root cannot become somebody else here";
+    }
+    {
+        DataBase dataBase;
+        EXPECT_EQ(Perform(dataBase, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number"), Texts{"250"});
+        ExpectRaised(StoreFailure, {"attempt to write a readonly database", store.File().string()}, [&] {
+            Perform(dataBase, Delete_AUTO_PromptsNode, {"1", "2", "1"});
+        });
+    }
+    ASSERT_EQ(seteuid(self), 0);
+    SetFolders(store, std::filesystem::perms(0755));
+    EXPECT_FALSE(
+        store.Rows("SELECT 1 FROM Detail_AUTO_Prompts WHERE PartID = 2 AND NodeMasterID = 1").empty());
 }
 
 TEST(Commands, NeitherFindNorMakeAStoreThatIsNotThere) {

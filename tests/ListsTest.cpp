@@ -250,6 +250,10 @@ TEST_F(Lists, ExceptionsHaveEditorsEach) {
         Person::ClickRow(Timeout.list, 0);
         Person::TypeOver(Timeout.number, "405");
         EXPECT_EQ(Person::Row(Timeout.list, 0), "1|Timeout|CMD 40||CMD|1|40");
+        // A row that is not highlighted takes no number.
+        Person::ClickRow(Timeout.list, 0, Qt::ControlModifier);
+        Person::Choose(Timeout.number, "7");
+        EXPECT_EQ(Person::Cell(Timeout.list, 0, 2), "CMD 40");
     });
 }
 
