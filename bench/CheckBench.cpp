@@ -14,10 +14,10 @@ class Skipping : public ConfirmationDialog {
     }
 };
 
-std::shared_ptr<Desk> MakeDesk(Place place) {
+ComponentFactory Components() {
     ComponentFactory components;
     components.Register(ConfirmationDialog::Identifier, [] { return std::make_unique<Skipping>(); });
-    return std::make_shared<Desk>(place, std::move(components));
+    return components;
 }
 
 } // namespace
@@ -27,15 +27,16 @@ void AddCheckPairs(Pairs& pairs, const TestStore& store) {
         pairs.Add(
             work, sized.size,
             [place = sized.place] {
-                return [desk = MakeDesk(place)] {
+                return [desk = std::make_shared<Desk>(place, Components())] {
                     Settle();
-                    return Seconds([&] { desk->Rules().CheckForUnReferencedNodes(desk->Form()); });
+                    return Seconds([&] { CheckNode(*desk); });
                 };
             },
             [place = sized.place, file = store.File()] {
-                return
-                    [node = std::make_shared<RawStore::Node>(MakeDesk(place)->Content()),
-                     raw = std::make_shared<RawStore>(file)] { return Seconds([&] { raw->Check(*node); }); };
+                return [commands = CommandsOf(place, &CheckNode, Components()),
+                        raw = std::make_shared<RawStore>(file)] {
+                    return Seconds([&] { raw->Perform(commands); });
+                };
             });
     };
     for (const SizedPlace& sized : Referring) {

@@ -3,6 +3,8 @@
 #include "bench/RawStore.h"
 #include "editor/EditorWindow.h"
 
+#include <functional>
+
 namespace KAL_AUTO_Node {
 
 // The editor's window on screen with a node in it, as ShowNodeEditor leaves it to the person, and the rules
@@ -15,14 +17,19 @@ class Desk {
 
     [[nodiscard]] NodeRules& Rules() { return rules_; }
 
-    // What saving the node as it is in the window looks up and writes.
-    [[nodiscard]] RawStore::Node Content();
-
   private:
     ComponentFactory components_;
     EditorWindow window_;
     NodeRules rules_;
 };
+
+// The commands that a work on a node runs, beginning with the node on screen.
+[[nodiscard]] std::vector<Performed> CommandsOf(Place place, const std::function<void(Desk&)>& work,
+                                                ComponentFactory components = {});
+
+inline void CheckNode(Desk& desk) { desk.Rules().CheckForUnReferencedNodes(desk.Form()); }
+
+inline void SaveNode(Desk& desk) { desk.Rules().SaveChanges(desk.Form(), desk.Form().nodeNumber); }
 
 // Lets every window paint what it still has to, before a clock runs.
 void Settle();

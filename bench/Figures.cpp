@@ -34,35 +34,6 @@ std::string ValueIn(const char* file, const std::string& name) {
     return "?";
 }
 
-// Statements as the engine runs them, with their values, while it lives, on connections opened meanwhile.
-class Recording {
-  public:
-    Recording() { sqlite3_auto_extension(Entry()); }
-
-    ~Recording() { sqlite3_cancel_auto_extension(Entry()); }
-
-    Recording(const Recording&) = delete;
-    Recording& operator=(const Recording&) = delete;
-
-    static std::vector<std::string> Take() { return std::exchange(statements_, {}); }
-
-  private:
-    static void (*Entry())() { return reinterpret_cast<void (*)()>(&Attach); }
-
-    static int Attach(sqlite3* database, char** /*error*/, const sqlite3_api_routines* /*api*/) {
-        return sqlite3_trace_v2(database, SQLITE_TRACE_STMT, &Note, nullptr);
-    }
-
-    static int Note(unsigned /*event*/, void* /*context*/, void* statement, void* /*sql*/) {
-        char* text = sqlite3_expanded_sql(static_cast<sqlite3_stmt*>(statement));
-        statements_.emplace_back(text == nullptr ? "" : text);
-        sqlite3_free(text);
-        return 0;
-    }
-
-    static inline std::vector<std::string> statements_;
-};
-
 bool Compare(std::ostream& out, const char* work, const std::vector<std::string>& ours,
              const std::vector<std::string>& floor) {
     const auto [mine, other] = std::ranges::mismatch(ours, floor);
@@ -115,11 +86,10 @@ void PrintSyncs(std::ostream& out, const TestStore& store) {
            "| --- | --- | --- | ---: | ---: | ---: | ---: |\n";
     for (const SizedPlace& sized : LargeNodes) {
         Desk desk(sized.place);
-        const RawStore::Node node = desk.Content();
+        const auto commands = CommandsOf(sized.place, &SaveNode);
         RawStore raw(store.File());
-        PrintSyncsOf(out, sized.size, "ours", store,
-                     [&] { desk.Rules().SaveChanges(desk.Form(), desk.Form().nodeNumber); });
-        PrintSyncsOf(out, sized.size, "floor", store, [&] { raw.Save(node); });
+        PrintSyncsOf(out, sized.size, "ours", store, [&] { SaveNode(desk); });
+        PrintSyncsOf(out, sized.size, "floor", store, [&] { raw.Save(commands); });
     }
 }
 
@@ -152,32 +122,33 @@ bool PrintStatements(std::ostream& out, const TestStore& store) {
            "| work | ours | floor | the same |\n| --- | ---: | ---: | --- |\n";
     const Place place = LargeNodes[1].place;
     const auto number = static_cast<std::int16_t>(place.node);
+    const auto checking = CommandsOf(place, &CheckNode);
+    const auto saving = CommandsOf(place, &SaveNode);
     const Recording recording;
     Desk desk(place);
-    const auto openOurs = Recording::Take();
+    const auto openOurs = Recording::Statements();
     RawStore raw(store.File());
     raw.Open(place);
-    bool same = Compare(out, "open", openOurs, Recording::Take());
+    bool same = Compare(out, "open", openOurs, Recording::Statements());
 
     const auto compare = [&](const char* work, const auto& ours, const auto& floor) {
         // Equally long logs, so that both or neither carry theirs over.
         EmptyLog(store);
-        Recording::Take();
+        Recording::Statements();
         ours();
-        const auto statements = Recording::Take();
+        const auto statements = Recording::Statements();
         EmptyLog(store);
-        Recording::Take();
+        Recording::Statements();
         floor();
-        same = Compare(out, work, statements, Recording::Take()) && same;
+        same = Compare(out, work, statements, Recording::Statements()) && same;
     };
     GUI& gui = desk.Form();
-    const RawStore::Node node = desk.Content();
     compare(
         "LoadData", [&] { desk.Rules().LoadData(gui, number); }, [&] { raw.Load(place); });
     compare(
-        "missing-node check", [&] { desk.Rules().CheckForUnReferencedNodes(gui); }, [&] { raw.Check(node); });
+        "missing-node check", [&] { CheckNode(desk); }, [&] { raw.Perform(checking); });
     compare(
-        "SaveChanges", [&] { desk.Rules().SaveChanges(gui, number); }, [&] { raw.Save(node); });
+        "SaveChanges", [&] { SaveNode(desk); }, [&] { raw.Save(saving); });
     return same;
 }
 

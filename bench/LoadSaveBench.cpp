@@ -31,19 +31,17 @@ void AddLoadSavePairs(Pairs& pairs, const TestStore& store) {
         pairs.Add(
             "SaveChanges", sized.size,
             [place = sized.place, &store] {
-                return [place, &store, desk = std::make_shared<Desk>(place)] {
+                return [&store, desk = std::make_shared<Desk>(place)] {
                     Settle();
                     EmptyLog(store);
-                    return Seconds([&] {
-                        desk->Rules().SaveChanges(desk->Form(), static_cast<std::int16_t>(place.node));
-                    });
+                    return Seconds([&] { SaveNode(*desk); });
                 };
             },
             [place = sized.place, &store] {
-                return [&store, node = std::make_shared<RawStore::Node>(Desk(place).Content()),
+                return [&store, commands = CommandsOf(place, &SaveNode),
                         raw = std::make_shared<RawStore>(store.File())] {
                     EmptyLog(store);
-                    return Seconds([&] { raw->Save(*node); });
+                    return Seconds([&] { raw->Save(commands); });
                 };
             });
     }

@@ -91,8 +91,8 @@ void RawStore::Run(Command command, const Values& values) {
     sqlite3_reset(statement);
 }
 
-template <class Use>
-void RawStore::Read(Command command, Texts values, Use&& use) {
+template <class Values, class Use>
+void RawStore::Read(Command command, const Values& values, Use&& use) {
     sqlite3_stmt* statement = Bound(command, values);
     int result = sqlite3_step(statement);
     for (; result == SQLITE_ROW; result = sqlite3_step(statement)) {
@@ -103,7 +103,8 @@ void RawStore::Read(Command command, Texts values, Use&& use) {
     sqlite3_reset(statement);
 }
 
-void RawStore::Read(Command command, Texts values) {
+template <class Values>
+void RawStore::Read(Command command, const Values& values) {
     Read(command, values, [](sqlite3_stmt*) {});
 }
 
@@ -115,13 +116,13 @@ void RawStore::CopyRow(sqlite3_stmt* row) {
 
 void RawStore::ReadReference(const Key& key, sqlite3_stmt* row, int typeColumn, int numberColumn) {
     Read(Command::Get_Description,
-         {key.config, key.partition, Text(row, typeColumn), Text(row, numberColumn)});
+         Texts{key.config, key.partition, Text(row, typeColumn), Text(row, numberColumn)});
 }
 
 void RawStore::ReadTypes(const Key& key, std::string_view set) {
     const int child = Column(Prepared(Command::Get_Node_Type_can_contain_nodes), "Child_Node_Type_ID");
-    Read(Command::Get_Node_Type_can_contain_nodes, {AutoTypeText, set}, [&](sqlite3_stmt* type) {
-        Read(Command::Get_Max_NodeNumber, {key.config, key.partition, Text(type, child)});
+    Read(Command::Get_Node_Type_can_contain_nodes, Texts{AutoTypeText, set}, [&](sqlite3_stmt* type) {
+        Read(Command::Get_Max_NodeNumber, Texts{key.config, key.partition, Text(type, child)});
     });
 }
 
@@ -129,13 +130,13 @@ void RawStore::Open(Place place) {
     const Key key(place);
     copied_.clear();
     const int id = Column(Prepared(Command::Get_Node_Names), "ID");
-    Read(Command::Get_Node_Names, {}, [&](sqlite3_stmt* type) {
-        Read(Command::Get_Max_NodeNumber, {key.config, key.partition, Text(type, id)});
+    Read(Command::Get_Node_Names, Texts{}, [&](sqlite3_stmt* type) {
+        Read(Command::Get_Max_NodeNumber, Texts{key.config, key.partition, Text(type, id)});
     });
     for (const std::string_view set : {"7", "6", "1", "3", "5", "8", "9"}) {
         ReadTypes(key, set);
     }
-    Read(Command::Get_All_AUTO_Nodes, {key.config, key.partition, AutoTypeText});
+    Read(Command::Get_All_AUTO_Nodes, Texts{key.config, key.partition, AutoTypeText});
     benchmark::DoNotOptimize(copied_.data());
     Load(place);
 }
@@ -150,7 +151,7 @@ void RawStore::Load(Place place) {
     for (const Command rows : {Command::Get_AUTO_PromptsNode, Command::Get_AUTO_ActionsNode}) {
         const int type = Column(Prepared(rows), "NodeTypeID");
         const int number = Column(Prepared(rows), "NodeNumber");
-        Read(rows, {key.config, key.partition, key.node},
+        Read(rows, Texts{key.config, key.partition, key.node},
              [&](sqlite3_stmt* row) { ReadReference(key, row, type, number); });
     }
     for (const char* branch : {"Timeout", "Invalid", "Abort", "Star", "Pound"}) {
@@ -161,26 +162,20 @@ void RawStore::Load(Place place) {
     benchmark::DoNotOptimize(copied_.data());
 }
 
-void RawStore::Check(const Node& node) {
+void RawStore::Perform(const std::vector<Performed>& commands) {
     copied_.clear();
-    for (const auto& [type, number] : node.references) {
-        Read(Command::Get_Description, {node.owner[0], node.owner[1], type, number});
+    for (const auto& [command, values] : commands) {
+        if (sqlite3_column_count(Prepared(command)) > 0) {
+            Read(command, values);
+        } else {
+            Run(command, values);
+        }
     }
     benchmark::DoNotOptimize(copied_.data());
 }
 
-void RawStore::Save(const Node& node) {
-    Check(node);
-    Run(Command::Delete_AUTO_PromptsNode, node.owner);
-    Run(Command::Delete_AUTO_ActionsNode, node.owner);
-    Run(Command::Update_AUTO_Node, node.record);
-    Run(Command::Update_Node_General_Pool, node.registerRow);
-    for (const Node::Texts& row : node.prompts) {
-        Run(Command::Add_AUTO_PromptsNode, row);
-    }
-    for (const Node::Texts& row : node.actions) {
-        Run(Command::Add_AUTO_ActionsNode, row);
-    }
+void RawStore::Save(const std::vector<Performed>& commands) {
+    Perform(commands);
     // As many statements as the editor needs to have the whole save on disk.
     Pragma("PRAGMA user_version");
     Pragma("PRAGMA synchronous = FULL");

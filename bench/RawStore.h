@@ -1,13 +1,12 @@
 #pragma once
 
 #include "bench/Content.h"
-#include "store/DataBase.h"
+#include "bench/Recording.h"
 
 #include <array>
 #include <initializer_list>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 struct sqlite3;
@@ -20,18 +19,6 @@ namespace KAL_AUTO_Node {
 // of every row copied out, one behind the other.
 class RawStore {
   public:
-    // What is written and looked up for a node, as texts.
-    struct Node {
-        using Texts = std::vector<std::string>;
-
-        std::vector<std::pair<std::string, std::string>> references; // type and number
-        Texts owner;                                                 // configuration, partition, number
-        Texts record;
-        Texts registerRow;
-        std::vector<Texts> prompts;
-        std::vector<Texts> actions;
-    };
-
     explicit RawStore(const std::filesystem::path& file);
     ~RawStore();
 
@@ -41,8 +28,10 @@ class RawStore {
     // All that opening the editor reads, Load included.
     void Open(Place place);
     void Load(Place place);
-    void Check(const Node& node);
-    void Save(const Node& node);
+    // Commands as the editor ran them.
+    void Perform(const std::vector<Performed>& commands);
+    // The same, and the sync that ends a save.
+    void Save(const std::vector<Performed>& commands);
 
   private:
     using Texts = std::initializer_list<std::string_view>;
@@ -62,9 +51,10 @@ class RawStore {
     sqlite3_stmt* Bound(Command command, const Values& values);
     template <class Values>
     void Run(Command command, const Values& values);
-    template <class Use>
-    void Read(Command command, Texts values, Use&& use);
-    void Read(Command command, Texts values);
+    template <class Values, class Use>
+    void Read(Command command, const Values& values, Use&& use);
+    template <class Values>
+    void Read(Command command, const Values& values);
     void ReadReference(const Key& key, sqlite3_stmt* row, int typeColumn, int numberColumn);
     void ReadTypes(const Key& key, std::string_view set);
     void CopyRow(sqlite3_stmt* row);
