@@ -1,7 +1,7 @@
 // Takes pictures of the windows on the demo store. Call: Pictures FOLDER [dark]
 
-#include "Person.h"
-#include "TestStore.h"
+#include "tests/Person.h"
+#include "tests/TestStore.h"
 
 #include <QPalette>
 #include <QStyle>
