@@ -1,6 +1,6 @@
 #include "bench/StockList.h"
 
-#include "form/References.h"
+#include "nodes/Places.h"
 
 #include <algorithm>
 

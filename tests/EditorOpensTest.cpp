@@ -244,8 +244,8 @@ std::unique_ptr<GUI> Loaded(const std::string& sql) {
 // What a picker offers, and what it leaves out for want of numbers.
 std::string Types(const GUI& gui, Slot slot) {
     std::string types = Entries(gui.NodePicker(slot));
-    for (const QString& name : gui.Lists().*RuleOf(slot).notAvailable) {
-        types += '-' + name.toStdString() + ' ';
+    for (const std::string& name : gui.Lists().*RuleOf(slot).notAvailable) {
+        types += '-' + name + ' ';
     }
     return types;
 }
@@ -253,8 +253,7 @@ std::string Types(const GUI& gui, Slot slot) {
 TEST(ReferenceLists, TakeLimitsFromTheStoreOrTheirRules) {
     const auto gui = Loaded("DELETE FROM Node_Type_Max WHERE NodeType_ID = 5;"
                             "INSERT INTO Node_Type_Max VALUES (1, 2, 818, 7)");
-    for (const auto& [type, limit] :
-         {std::pair{"0", 250}, {"5", 0}, {"9", 40}, {"816", 999}, {"817", 250}, {"818", 7}}) {
+    for (const auto& [type, limit] : {std::pair{0, 250}, {5, 0}, {9, 40}, {816, 999}, {817, 250}, {818, 7}}) {
         EXPECT_EQ(gui->Lists().MaxNodeNumberCollection[type], limit) << type;
     }
 }

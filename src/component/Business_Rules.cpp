@@ -1,7 +1,7 @@
 #include "KAL_AUTO_Node/Business_Rules.h"
 
+#include "desktop/ErrorReport.h"
 #include "editor/EditorWindow.h"
-#include "platform/ErrorReport.h"
 #include "rules/NodeRules.h"
 
 #include <QApplication>

@@ -2,8 +2,8 @@
 
 #include "controls/Twips.h"
 #include "controls/Visibility.h"
+#include "desktop/MessageBox.h"
 #include "editor/Handler.h"
-#include "platform/MessageBox.h"
 #include "platform/NumericValue.h"
 
 #include <QEvent>
@@ -59,9 +59,9 @@ void ActionsList::ChooseDefaultType() {
     NodePicker().SetListIndex(std::max(0, NodePicker().IndexOf(QStringLiteral("MSG"))));
 }
 
-ListRow ActionsList::MakeRow(int position, const QString& display, const Reference& reference) const {
+ListRow ActionsList::MakeRow(int position, const Reference& target) const {
     const QString digits = QString::number(position);
-    return ActionRowAt(position, digits, digits, display, reference);
+    return ActionRowAt(position, digits, digits, target);
 }
 
 void ActionsList::ChooseNumberless(Slot /*slot*/) {

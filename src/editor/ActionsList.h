@@ -13,8 +13,7 @@ class ActionsList : public RowList {
     bool MayMakeRows() override;
     bool InsertsOtherwise(bool oneSelected) override;
     void ChooseDefaultType() override;
-    [[nodiscard]] ListRow MakeRow(int position, const QString& display,
-                                  const Reference& reference) const override;
+    [[nodiscard]] ListRow MakeRow(int position, const Reference& target) const override;
     void ChooseNumberless(Slot slot) override;
     [[nodiscard]] QString UnavailableName(int row) const override;
     [[nodiscard]] bool IsNodeTypeAvailable(Slot slot, const QString& name) const override;

@@ -1,9 +1,9 @@
 #include "editor/EditorWindow.h"
 
 #include "controls/Twips.h"
+#include "desktop/MessageBox.h"
 #include "editor/Handler.h"
 #include "form/ValueBoxes.h"
-#include "platform/MessageBox.h"
 #include "rules/DuplicateRanges.h"
 
 #include <QFocusEvent>
@@ -154,7 +154,9 @@ bool EditorWindow::Save() {
             QStringLiteral("Double quotes and continuous single quotes are not allowed in the Label field"));
         return false;
     }
-    rules_->SaveChanges(gui_, gui_.nodeNumber);
+    if (!rules_->SaveChanges(gui_, gui_.nodeNumber)) {
+        return false;
+    }
     gui_.cmdApply->setEnabled(false);
     return true;
 }

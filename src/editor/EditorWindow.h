@@ -46,8 +46,8 @@ class EditorWindow : public QObject {
 
     // Yes and No let the caller go on, Cancel doesn't: the person chose so, or saving was refused.
     QMessageBox::StandardButton AskToSaveChanges();
-    // Saves unless an action range stands twice or the label is refused; tells the person. Returns whether it
-    // saved.
+    // Saves unless an action range stands twice, the label is refused, or the node is not the one that is
+    // shown or is gone; tells the person. Returns whether it went ahead.
     bool Save();
     void ShowDuplicate(const QString& key);
 

@@ -12,7 +12,7 @@ namespace {
 
 std::vector<Slot> Slots() {
     std::vector<Slot> used;
-    std::ranges::transform(ExceptionRules, std::back_inserter(used), &ExceptionRule::slot);
+    std::ranges::transform(BranchRules, std::back_inserter(used), &BranchRule::slot);
     return used;
 }
 
@@ -33,19 +33,16 @@ ExceptionsList::ExceptionsList(GUI& gui)
 void ExceptionsList::Default_Click() {
     Handle(*Form().cmdExceptionsDefault, "Click", [this] {
         GUI::ClearListView(List());
-        for (const ExceptionRule& exception : ExceptionRules) {
-            const Reference target{Form().NodeName(exception.defaultType),
-                                   QString::number(exception.defaultType),
-                                   QString::fromLatin1(exception.defaultNumber)};
-            List().Append({ExceptionRowAt(List().Count() + 1, QString::fromLatin1(exception.label),
-                                          DisplayText(target, NumberlessExceptionType), target)});
+        for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
+            const auto& [slot, label, column, type, number] = BranchRules[branch];
+            List().Append({ExceptionRowAt(branch, {type, Form().NodeName(type).toStdString(), number, {}})});
         }
         MarkChanged();
     });
 }
 
 Slot ExceptionsList::SlotOf(int row) const {
-    return ExceptionRules.at(std::min(static_cast<std::size_t>(row), ExceptionRules.size() - 1)).slot;
+    return BranchRules.at(std::min(static_cast<std::size_t>(row), BranchRules.size() - 1)).slot;
 }
 
 void ExceptionsList::ChooseNumberless(Slot /*slot*/) {
@@ -63,7 +60,7 @@ void ExceptionsList::ShowNoNumber(Slot slot, int type) {
 }
 
 void ExceptionsList::MouseUp() {
-    for (const ExceptionRule& exception : ExceptionRules) {
+    for (const BranchRule& exception : BranchRules) {
         if (PickList* picker = Form().NodePicker(exception.slot); !IsHiddenByCode(*picker)) {
             picker->setFocus(Qt::MouseFocusReason);
             return;

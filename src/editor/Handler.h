@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/ErrorReport.h"
+#include "desktop/ErrorReport.h"
 
 #include <QObject>
 

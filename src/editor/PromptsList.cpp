@@ -1,7 +1,7 @@
 #include "editor/PromptsList.h"
 
 #include "controls/Visibility.h"
-#include "platform/MessageBox.h"
+#include "desktop/MessageBox.h"
 #include "platform/NumericValue.h"
 
 namespace KAL_AUTO_Node {
@@ -47,8 +47,8 @@ void PromptsList::ChooseDefaultType() {
     }
 }
 
-ListRow PromptsList::MakeRow(int position, const QString& display, const Reference& reference) const {
-    return PromptRowAt(position, display, reference);
+ListRow PromptsList::MakeRow(int position, const Reference& target) const {
+    return PromptRowAt(position, target);
 }
 
 void PromptsList::AfterEmptied() {

@@ -13,8 +13,7 @@ class PromptsList : public RowList {
     bool InsertsOtherwise(bool oneSelected) override;
     void BeforeAppending() override;
     void ChooseDefaultType() override;
-    [[nodiscard]] ListRow MakeRow(int position, const QString& display,
-                                  const Reference& reference) const override;
+    [[nodiscard]] ListRow MakeRow(int position, const Reference& target) const override;
     void AfterEmptied() override;
     void ChooseNumberless(Slot slot) override;
     void MouseUp() override;

@@ -2,8 +2,8 @@
 
 #include "controls/Twips.h"
 #include "controls/Visibility.h"
+#include "desktop/MessageBox.h"
 #include "editor/Handler.h"
-#include "platform/MessageBox.h"
 #include "platform/NumericValue.h"
 
 #include <QKeyEvent>
@@ -148,8 +148,8 @@ void ReferenceList::RefuseNodeType(int row) {
 QString ReferenceList::UnavailableName(int row) const { return List().Cell(row, NodeNameColumn); }
 
 bool ReferenceList::IsNodeTypeAvailable(Slot slot, const QString& name) const {
-    return std::ranges::none_of(gui_.Lists().*RuleOf(slot).notAvailable, [&](const QString& unavailable) {
-        return unavailable.toUpper() == name.toUpper();
+    return std::ranges::none_of(gui_.Lists().*RuleOf(slot).notAvailable, [&](const std::string& unavailable) {
+        return QString::fromStdString(unavailable).toUpper() == name.toUpper();
     });
 }
 
@@ -194,7 +194,7 @@ void ReferenceList::NodeClick(Slot slot) {
     Handle(node, "Click", [&] {
         const int type = node.SelectedData();
         const QString typeID = QString::number(type);
-        number.SetNumbers(1, gui_.Lists().MaxNodeNumberCollection[typeID]);
+        number.SetNumbers(1, gui_.Lists().MaxNodeNumberCollection[type]);
         if (type == rules_.numberlessType) {
             number.hide();
             gui_.SetNodePickerWidth(slot, GUI::WidePicker);
@@ -228,7 +228,7 @@ void ReferenceList::NodeClick(Slot slot) {
 }
 
 void ReferenceList::WriteNumberless(int row) {
-    const QString& name = gui_.NodeName(rules_.numberlessType);
+    const QString name = gui_.NodeName(rules_.numberlessType);
     List().SetCell(row, NodeTypeIDColumn, QString::number(rules_.numberlessType));
     List().SetCell(row, CommandNodeColumn, name);
     List().SetCell(row, NodeNameColumn, name);
@@ -242,7 +242,7 @@ void ReferenceList::NumberClick(Slot slot) {
         if (row < 0 || (rules_.numberNeedsHighlight && !List().IsSelected(row))) {
             return;
         }
-        const QString& name = gui_.Lists().NodeNameCollection[List().Cell(row, NodeTypeIDColumn)];
+        const QString name = gui_.NodeName(List().Cell(row, NodeTypeIDColumn).toInt());
         List().SetCell(row, CommandNodeColumn, name + ' ' + number.Text());
         List().SetCell(row, NodeNumberColumn, number.Text());
     });

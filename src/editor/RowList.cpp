@@ -1,8 +1,8 @@
 #include "editor/RowList.h"
 
+#include "desktop/MessageBox.h"
+#include "desktop/MousePointer.h"
 #include "editor/Handler.h"
-#include "platform/MessageBox.h"
-#include "platform/MousePointer.h"
 #include "platform/NumericValue.h"
 
 namespace KAL_AUTO_Node {
@@ -44,10 +44,9 @@ ListRow RowList::NewRow(int position) {
     }
     // A type that offers no number leaves the box empty, and a reference without a number could not be
     // stored.
-    const QString number = NumberPicker().Text().isEmpty() ? QStringLiteral("1") : NumberPicker().Text();
-    const QString typeID = QString::number(NodePicker().SelectedData());
-    const QString display = DisplayText({NodePicker().Text(), typeID, number}, RulesOfList().numberlessType);
-    return MakeRow(position, display, {Form().Lists().NodeNameCollection[typeID], typeID, number});
+    const int number = NumberPicker().Text().isEmpty() ? 1 : NumberPicker().Text().toInt();
+    const int type = NodePicker().SelectedData();
+    return MakeRow(position, {type, Form().NodeName(type).toStdString(), number, {}});
 }
 
 void RowList::ShowNewRow(int row) {

@@ -43,8 +43,7 @@ class RowList : public ReferenceList {
 
     // Chooses the type of a new row in the type picker.
     virtual void ChooseDefaultType() = 0;
-    [[nodiscard]] virtual ListRow MakeRow(int position, const QString& display,
-                                          const Reference& reference) const = 0;
+    [[nodiscard]] virtual ListRow MakeRow(int position, const Reference& target) const = 0;
 
     virtual void AfterEmptied() {}
 

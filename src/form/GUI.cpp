@@ -3,8 +3,8 @@
 #include "controls/ArrowIcon.h"
 #include "controls/CompactStyle.h"
 #include "controls/Twips.h"
+#include "desktop/ErrorReport.h"
 #include "form/Making.h"
-#include "platform/ErrorReport.h"
 #include "platform/RuntimeError.h"
 
 #include <QGridLayout>
@@ -46,6 +46,23 @@ constexpr std::array<ListColumn, 7> ExceptionsColumns = {{{"#", 0},
                                                           {"NodeName", 0},
                                                           {"NodeTypeID", 0},
                                                           {"NodeNumber", 0}}};
+
+// The pickers that float over the rows of a slot, in the order of the slots.
+struct PickerNames {
+    const char* node;
+    const char* number;
+    const char* spoken; // for assistive technology
+};
+
+constexpr std::array<PickerNames, SlotRules.size()> PickerNamesOf = {{
+    {"cmbPromptsNode", "cmbPromptsNumber", "Prompt"},
+    {"cmbActionsNode", "cmbActionsNumber", "Action"},
+    {"cmbExceptionsTimeoutNode", "cmbExceptionsTimeoutNumber", "Timeout exception"},
+    {"cmbExceptionsInvalidNode", "cmbExceptionsInvalidNumber", "Invalid exception"},
+    {"cmbExceptionsAbortNode", "cmbExceptionsAbortNumber", "Abort exception"},
+    {"cmbExceptionsStarNode", "cmbExceptionsStarNumber", "Star exception"},
+    {"cmbExceptionsPoundNode", "cmbExceptionsPoundNumber", "Pound exception"},
+}};
 
 constexpr const char* EditCaption = "Edit";
 constexpr const char* EditOffCaption = "Edit Off";
@@ -159,10 +176,6 @@ void GUI::CreateControls() {
     cmdApply->setEnabled(false);
     StatusBar1 = Named(new StatusBar(this), "StatusBar1");
 
-    lstRange = Named(new ScratchList(this), "lstRange");
-    lstNodeTypeName = Named(new ScratchList(this), "lstNodeTypeName");
-    lstNodeNumber = Named(new ScratchList(this), "lstNodeNumber");
-    lstNodeTypeID = Named(new ScratchList(this), "lstNodeTypeID");
     ImageList1 = Named(new ImageList(this), "ImageList1");
 }
 
@@ -186,15 +199,14 @@ void GUI::CreateInPlaceEditors() {
     auto* compact = new CompactStyle;
     compact->setParent(this);
     for (std::size_t i = 0; i < SlotRules.size(); ++i) {
-        const SlotRule& rule = SlotRules[i];
+        const auto& [nodeName, numberName, spokenName] = PickerNamesOf[i];
         QGroupBox* frame = frameOf(static_cast<Slot>(i));
-        editors_[i] = {Named(new PickList(frame), rule.nodePicker),
-                       Named(new NumberBox(frame), rule.numberPicker)};
+        editors_[i] = {Named(new PickList(frame), nodeName), Named(new NumberBox(frame), numberName)};
         editors_[i].node->setStyle(compact);
         editors_[i].number->setStyle(compact);
         editors_[i].node->resize(Pixels(NarrowPicker), editors_[i].node->height());
-        editors_[i].node->setAccessibleName(QString::fromLatin1(rule.spokenName) + " node type");
-        editors_[i].number->setAccessibleName(QString::fromLatin1(rule.spokenName) + " node number");
+        editors_[i].node->setAccessibleName(QString::fromLatin1(spokenName) + " node type");
+        editors_[i].number->setAccessibleName(QString::fromLatin1(spokenName) + " node number");
     }
 }
 
@@ -272,7 +284,7 @@ void GUI::OrderTabs() {
     append(Pickers(Slot::Actions));
     append(std::initializer_list<QWidget*>{cmdActionsAdd, cmdActionsInsert, cmdActionsRemove, cmdActionsEdit,
                                            cmdActionsUp, cmdActionsDown, cmdQuickActions, LVExceptions});
-    for (const ExceptionRule& exception : ExceptionRules) {
+    for (const BranchRule& exception : BranchRules) {
         append(Pickers(exception.slot));
     }
     append(
@@ -290,8 +302,8 @@ NodeLists& GUI::Lists() {
     return *nodeLists_;
 }
 
-const QString& GUI::NodeName(int nodeTypeID) const {
-    return Lists().NodeNameCollection[QString::number(nodeTypeID)];
+QString GUI::NodeName(int nodeTypeID) const {
+    return QString::fromStdString(Lists().NodeNameCollection[nodeTypeID]);
 }
 
 bool GUI::IsEditing(const QPushButton& editButton) {
@@ -340,7 +352,7 @@ std::vector<QWidget*> GUI::InPlaceEditors() const {
         std::array<QWidget*, 3>{txtActionsDTMFRangeLow, txtActionsDTMFRangeHigh, txtActionsDash},
         std::back_inserter(editors));
     std::ranges::copy(Pickers(Slot::Actions), std::back_inserter(editors));
-    for (const ExceptionRule& exception : ExceptionRules) {
+    for (const BranchRule& exception : BranchRules) {
         std::ranges::copy(Pickers(exception.slot), std::back_inserter(editors));
     }
     return editors;

@@ -4,10 +4,11 @@
 #include "controls/ImageList.h"
 #include "controls/ListView.h"
 #include "controls/NumberBox.h"
-#include "controls/ScratchList.h"
 #include "controls/StatusBar.h"
-#include "form/NodeLists.h"
-#include "form/References.h"
+#include "form/Columns.h"
+#include "nodes/Identity.h"
+#include "nodes/NodeLists.h"
+#include "nodes/Places.h"
 
 #include <QDialog>
 #include <QFrame>
@@ -37,6 +38,10 @@ class GUI : public QDialog {
     std::int16_t PartitionID = 0;
     std::int16_t nodeNumber = 0;
 
+    // The node whose content is shown; none where loading the latest one failed or found none, which leaves
+    // on screen what was there.
+    std::optional<std::int16_t> LoadedNode;
+
     void CreateNodeLists() { nodeLists_.emplace(); }
 
     void ReleaseNodeLists() { nodeLists_.reset(); }
@@ -46,8 +51,8 @@ class GUI : public QDialog {
 
     [[nodiscard]] const NodeLists& Lists() const { return const_cast<GUI*>(this)->Lists(); }
 
-    // The collection's item under a node-type ID.
-    [[nodiscard]] const QString& NodeName(int nodeTypeID) const;
+    // The name of a node type. Raises InvalidProcedureCall for an unknown one.
+    [[nodiscard]] QString NodeName(int nodeTypeID) const;
 
     // Column set-up of the three lists; rows and cells stay as they are. Each reports its own failure.
     void ResetPromptsListView();
@@ -127,10 +132,6 @@ class GUI : public QDialog {
     QPushButton* cmdCancel;
     StatusBar* StatusBar1;
 
-    ScratchList* lstRange;
-    ScratchList* lstNodeTypeName;
-    ScratchList* lstNodeNumber;
-    ScratchList* lstNodeTypeID;
     ImageList* ImageList1;
 
   signals:
@@ -165,5 +166,8 @@ class GUI : public QDialog {
     std::optional<NodeLists> nodeLists_;
     std::array<ReferenceEditors, SlotRules.size()> editors_{};
 };
+
+// The partition of the node shown.
+[[nodiscard]] inline Partition PartitionOf(const GUI& gui) { return {gui.ConfigID, gui.PartitionID}; }
 
 } // namespace KAL_AUTO_Node

@@ -1,26 +1,23 @@
 #pragma once
 
 #include "form/GUI.h"
+#include "nodes/Settings.h"
 
 #include <array>
 
 namespace KAL_AUTO_Node {
 
-// The numeric settings of a node: the box, the stored column, and the whole numbers that the box offers.
+// The boxes of a node's numeric settings, in the settings' order.
 struct ValueBoxRule {
     NumberBox* GUI::*box;
-    const char* column;
-    int first;
-    int last;
+    const SettingRule& setting;
 };
 
 inline constexpr std::array<ValueBoxRule, 4> ValueBoxRules = {{
-    {&GUI::cmbNumDigits, "NumberOfDigits", 1, 7},
-    {&GUI::cmbRetryLimit, "RetryLimit", 0, 5},
-    {&GUI::cmbSelTimeOut, "SelectionTimeout", 1, 60},
-    {&GUI::cmbDigitTimeOut, "DigitTimeout", 1, 15},
+    {&GUI::cmbNumDigits, SettingRules[0]},
+    {&GUI::cmbRetryLimit, SettingRules[1]},
+    {&GUI::cmbSelTimeOut, SettingRules[2]},
+    {&GUI::cmbDigitTimeOut, SettingRules[3]},
 }};
-
-inline constexpr std::array<const char*, 4> TerminatingDigits = {"No", "*", "#", "*/#"};
 
 } // namespace KAL_AUTO_Node

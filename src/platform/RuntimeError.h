@@ -10,6 +10,7 @@ enum class ErrorNumber : int {
     InvalidProcedureCall = 5,
     Overflow = 6,
     SubscriptOutOfRange = 9,
+    TypeMismatch = 13,
     InvalidUseOfNull = 94,
     NoSuchEntry = 383,
     CannotCreateComponent = 429,

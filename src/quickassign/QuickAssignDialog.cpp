@@ -1,6 +1,6 @@
 #include "quickassign/QuickAssignDialog.h"
 
-#include "platform/MousePointer.h"
+#include "desktop/MousePointer.h"
 #include "platform/NumericValue.h"
 #include "rules/Rows.h"
 
@@ -72,14 +72,13 @@ void QuickAssignDialog::Apply(Change prompts, Change actions) {
 
 template <class MakeRow>
 void QuickAssignDialog::AddRange(ListView& list, MakeRow makeRow) {
-    const QString name = form_.cmbNodeTypes->Text();
-    const QString typeID = QString::number(form_.cmbNodeTypes->SelectedData());
+    Reference target{form_.cmbNodeTypes->SelectedData(), form_.cmbNodeTypes->Text().toStdString(), 0, {}};
     const auto [first, last] = ChosenRange();
     std::vector<ListRow> rows;
     int position = list.Count() + 1;
     for (auto number = first; number <= last; ++number) {
-        const QString text = QString::number(number);
-        rows.push_back(makeRow(position++, name + ' ' + text, Reference{name, typeID, text}));
+        target.number = static_cast<int>(number);
+        rows.push_back(makeRow(position++, target));
     }
     list.Append(std::move(rows));
     if (first <= last) {
@@ -93,14 +92,12 @@ void QuickAssignDialog::AddPromptsRange() {
         gui_.LVPrompts->Remove(std::array{0});
         gui_.LVPrompts->Renumber(0, LeadColumn);
     }
-    AddRange(*gui_.LVPrompts, [](int position, const QString& display, const Reference& reference) {
-        return PromptRowAt(position, display, reference);
-    });
+    AddRange(*gui_.LVPrompts, PromptRowAt);
 }
 
 void QuickAssignDialog::AddActionsRange() {
-    AddRange(*gui_.LVActions, [](int position, const QString& display, const Reference& reference) {
-        return ActionRowAt(position, QStringLiteral("0"), QStringLiteral("100"), display, reference);
+    AddRange(*gui_.LVActions, [](int position, const Reference& target) {
+        return ActionRowAt(position, QStringLiteral("0"), QStringLiteral("100"), target);
     });
 }
 

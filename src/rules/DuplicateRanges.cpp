@@ -2,24 +2,22 @@
 
 #include "form/GUI.h"
 #include "form/LongOperation.h"
+#include "nodes/ScratchList.h"
+
+#include <ranges>
 
 namespace KAL_AUTO_Node {
 
 std::optional<QString> CheckForDuplicateRanges(GUI& gui) {
     const LongOperation checking(gui);
     LongOperation::ShowProgress(gui, "Checking for duplicate ranges. Please wait...");
-    gui.lstRange->Clear();
-    std::optional<QString> duplicate;
-    for (int row = 0; row < gui.LVActions->Count() && !duplicate; ++row) {
-        const QString& entry = gui.LVActions->Cell(row, LeadColumn);
-        if (gui.lstRange->FindStringExact(entry) >= 0) {
-            duplicate = gui.LVActions->Row(row).key;
-        } else {
-            gui.lstRange->AddItem(entry);
-        }
-    }
+    const ListView& list = *gui.LVActions;
+    const auto duplicate =
+        FirstDuplicate(std::views::iota(0, list.Count()) | std::views::transform([&](int row) {
+                           return list.Cell(row, LeadColumn).toStdString();
+                       }));
     gui.StatusBar1->SetPanelText(QString());
-    return duplicate;
+    return duplicate ? std::optional(list.Row(static_cast<int>(*duplicate)).key) : std::nullopt;
 }
 
 } // namespace KAL_AUTO_Node

@@ -1,5 +1,5 @@
+#include "desktop/ErrorReport.h"
 #include "form/GUI.h"
-#include "platform/ErrorReport.h"
 #include "rules/NodeRules.h"
 
 namespace KAL_AUTO_Node {

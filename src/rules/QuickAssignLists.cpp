@@ -1,5 +1,6 @@
 #include "form/GUI.h"
 #include "form/QuickAssignForm.h"
+#include "nodes/ReferenceData.h"
 #include "rules/NodeRules.h"
 
 namespace KAL_AUTO_Node {
@@ -32,8 +33,7 @@ void NodeRules::LoadQuickAssignActionsTypes(const GUI& gui, QuickAssignForm& for
 
 void NodeRules::LoadQuickAssignNumbers(const GUI& gui, QuickAssignForm& form) {
     const int type = form.cmbNodeTypes->SelectedData();
-    const std::optional<int> stored = MaxNodeNumber(gui, RefersToMessage(type) ? MessageType : type);
-    const int last = type == UncheckedCommandType ? UncheckedCommandMax : stored.value_or(0);
+    const int last = ReadAssignableNumbers(dataBase_, PartitionOf(gui), type);
     for (NumberBox* box : {form.cmbFrom, form.cmbTo}) {
         box->SetNumbers(1, last);
         if (box->ListCount() > 0) {

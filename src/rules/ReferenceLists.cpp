@@ -1,66 +1,22 @@
+#include "desktop/ErrorReport.h"
 #include "form/GUI.h"
 #include "form/ValueBoxes.h"
-#include "platform/ErrorReport.h"
+#include "nodes/ReferenceData.h"
+#include "platform/RuntimeError.h"
 #include "rules/NodeRules.h"
-#include "rules/ReadRows.h"
 #include "rules/Utf8.h"
 
 namespace KAL_AUTO_Node {
 
-namespace {
-
-// The highest number of a type for which no limit is stored.
-int UnlimitedMax(const NodeLists& lists, int nodeTypeID) {
-    switch (nodeTypeID) {
-    case UncheckedCommandType:
-        return UncheckedCommandMax;
-    case MessageOnType:
-    case MessageOffType:
-        return lists.MaxNodeNumberCollection[QString::number(MessageType)];
-    default:
-        return 0;
-    }
-}
-
-} // namespace
-
-std::optional<int> NodeRules::MaxNodeNumber(const GUI& gui, int nodeTypeID) {
-    const ResultSet limit =
-        dataBase_.Query(Command::Get_Max_NodeNumber, {gui.ConfigID, gui.PartitionID, nodeTypeID});
-    return limit.AtEnd() ? std::nullopt : std::optional(limit.Number("Max_Number"));
-}
-
 bool NodeRules::LoadNodeName(GUI& gui) {
-    return Reporting("LoadNodeName", [&] {
-        NodeLists& lists = gui.Lists();
-        for (ResultSet types = dataBase_.Query(Command::Get_Node_Names, {}); !types.AtEnd();
-             types.MoveNext()) {
-            const int nodeTypeID = types.Number("ID");
-            const QString key = QString::number(nodeTypeID);
-            lists.NodeNameCollection.Add(FromUtf8(types.Text("English_Name")), key);
-            const std::optional<int> limit = MaxNodeNumber(gui, nodeTypeID);
-            lists.MaxNodeNumberCollection.Add(limit ? *limit : UnlimitedMax(lists, nodeTypeID), key);
-        }
-    });
+    return Reporting("LoadNodeName", [&] { ReadNodeNames(dataBase_, PartitionOf(gui), gui.Lists()); });
 }
 
 void NodeRules::LoadContainableTypes(GUI& gui, Slot slot) {
-    const SlotRule& rule = RuleOf(slot);
-    NodeLists& lists = gui.Lists();
-    int messageLimit = 0;
-    for (ResultSet types = dataBase_.Query(Command::Get_Node_Type_can_contain_nodes, {AutoType, rule.setID});
-         !types.AtEnd(); types.MoveNext()) {
-        const int nodeTypeID = types.Number("Child_Node_Type_ID");
-        const std::optional<int> limit = MaxNodeNumber(gui, nodeTypeID);
-        if (nodeTypeID == MessageType) {
-            messageLimit = std::max(0, limit.value_or(0));
-        }
-        if (limit ? *limit > 0 : !rule.unlimitedNeedMessages || messageLimit != 0) {
-            gui.NodePicker(slot)->AddItem(gui.NodeName(nodeTypeID), nodeTypeID);
-        } else if (limit) {
-            (lists.*rule.notAvailable).Add(gui.NodeName(nodeTypeID), QString::number(nodeTypeID));
-        }
-    }
+    ReadContainableTypes(dataBase_, PartitionOf(gui), slot, gui.Lists(),
+                         [picker = gui.NodePicker(slot)](int typeID, const std::string& name) {
+                             picker->AddItem(FromUtf8(name), typeID);
+                         });
 }
 
 bool NodeRules::LoadPromptsNode(GUI& gui) {
@@ -79,11 +35,11 @@ bool NodeRules::LoadActionsNode(GUI& gui) {
 
 bool NodeRules::LoadExceptionsNode(GUI& gui) {
     return Reporting("LoadExceptionsNode", [&] {
-        for (const ExceptionRule& exception : ExceptionRules) {
-            gui.NodePicker(exception.slot)->Clear();
+        for (const BranchRule& branch : BranchRules) {
+            gui.NodePicker(branch.slot)->Clear();
         }
-        for (const ExceptionRule& exception : ExceptionRules) {
-            LoadContainableTypes(gui, exception.slot);
+        for (const BranchRule& branch : BranchRules) {
+            LoadContainableTypes(gui, branch.slot);
         }
     });
 }
@@ -91,7 +47,7 @@ bool NodeRules::LoadExceptionsNode(GUI& gui) {
 bool NodeRules::LoadStaticConstants(GUI& gui) {
     return Reporting("LoadStaticConstants", [&] {
         for (const ValueBoxRule& rule : ValueBoxRules) {
-            (gui.*rule.box)->SetNumbers(rule.first, rule.last);
+            (gui.*rule.box)->SetNumbers(rule.setting.first, rule.setting.last);
         }
         gui.cmbTermDigit->Clear();
         for (const char* digit : TerminatingDigits) {
@@ -103,28 +59,29 @@ bool NodeRules::LoadStaticConstants(GUI& gui) {
 bool NodeRules::LoadExistingNodesInRecordSelector(GUI& gui, std::int16_t nodeNumber) {
     return Reporting("LoadExistingNodesInRecordSelector", [&] {
         int opened = 0;
-        int taken = 0;
+        std::vector<PickList::Entry> entries;
         QString typeName;
-        ReadRows(
-            dataBase_.Query(Command::Get_All_AUTO_Nodes, {gui.ConfigID, gui.PartitionID, AutoType}),
-            [&](const ResultSet& nodes) {
-                const int number = nodes.Number("NodeNumber");
+        std::exception_ptr failure;
+        try {
+            ReadAutoNodes(dataBase_, PartitionOf(gui), [&](std::int16_t number, std::string_view) {
                 if (number <= 0 && !NewNodeFlag) {
-                    return PickList::Entry{};
+                    return;
                 }
                 if (typeName.isEmpty()) {
                     typeName = gui.NodeName(AutoType) + ' ';
                 }
                 if (number == nodeNumber) {
-                    opened = taken;
+                    opened = static_cast<int>(entries.size());
                 }
-                ++taken;
-                return PickList::Entry{typeName + QString::number(number), number};
-            },
-            [&](std::vector<PickList::Entry> entries) {
-                std::erase_if(entries, [](const PickList::Entry& entry) { return entry.text.isEmpty(); });
-                gui.cmbNode->AddItems(std::move(entries));
+                entries.push_back({typeName + QString::number(number), number});
             });
+        } catch (const RuntimeError&) {
+            failure = std::current_exception();
+        }
+        gui.cmbNode->AddItems(std::move(entries));
+        if (failure) {
+            std::rethrow_exception(failure);
+        }
         if (gui.cmbNode->ListCount() > 0) {
             gui.cmbNode->SetListIndex(opened);
         }

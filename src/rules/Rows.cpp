@@ -1,7 +1,7 @@
 #include "rules/Rows.h"
 
-#include "form/NodeTypes.h"
 #include "platform/NumericValue.h"
+#include "rules/Utf8.h"
 
 #include <QStringBuilder>
 
@@ -11,39 +11,30 @@ namespace {
 
 // The number is the position as text.
 template <class... Texts>
-ListRow Row(const QString& number, const QString& lead, const QString& display, const Reference& reference,
+ListRow Row(const QString& number, const QString& lead, Slot slot, const Reference& target,
             const Texts&... more) {
     return {number % QLatin1Char(KeySuffix),
-            {number, lead, display, QString(), reference.nodeName, reference.nodeTypeID, reference.nodeNumber,
-             more...}};
+            {number, lead, FromUtf8(DisplayText(target, slot)), QString(), FromUtf8(target.type),
+             QString::number(target.typeID), QString::number(target.number), more...}};
 }
 
 } // namespace
 
-ListRow PromptRowAt(int position, const QString& display, const Reference& reference) {
+ListRow PromptRowAt(int position, const Reference& target) {
     const QString number = QString::number(position);
-    return Row(number, number, display, reference);
+    return Row(number, number, Slot::Prompts, target);
 }
 
-ListRow ExceptionRowAt(int position, const QString& name, const QString& display,
-                       const Reference& reference) {
-    return Row(QString::number(position), name, display, reference);
+ListRow ActionRowAt(int position, const QString& low, const QString& high, const Reference& target) {
+    return Row(QString::number(position), low % QLatin1Char('-') % high, Slot::Actions, target, low, high);
 }
 
-ListRow ActionRowAt(int position, const QString& low, const QString& high, const QString& display,
-                    const Reference& reference) {
-    return Row(QString::number(position), low % QLatin1Char('-') % high, display, reference, low, high);
+ListRow ExceptionRowAt(std::size_t branch, const Reference& target) {
+    const BranchRule& rule = BranchRules.at(branch);
+    return Row(QString::number(branch + 1), QString::fromLatin1(rule.label), rule.slot, target);
 }
 
-QString DisplayText(const Reference& reference, int numberlessType) {
-    return reference.nodeTypeID.toInt() == numberlessType
-               ? reference.nodeName
-               : QString(reference.nodeName % QLatin1Char(' ') % reference.nodeNumber);
-}
-
-ListRow EmptyRow(const QString& name) {
-    return PromptRowAt(1, name, {name, QString::number(NumberlessType), QStringLiteral("1")});
-}
+ListRow EmptyRow(const QString& name) { return PromptRowAt(1, {NumberlessType, name.toStdString(), 1, {}}); }
 
 bool HoldsEmptyRow(const ListView& prompts) {
     return prompts.Count() > 0 &&

@@ -1,29 +1,22 @@
 #pragma once
 
 #include "controls/ListView.h"
-#include "form/References.h"
+#include "form/Columns.h"
+#include "nodes/AutoNode.h"
+
+#include <cstddef>
 
 namespace KAL_AUTO_Node {
 
-// The node that a row refers to.
-struct Reference {
-    QString nodeName; // the type's
-    QString nodeTypeID;
-    QString nodeNumber;
-};
-
-// How a reference is shown: the type's name and the number, or the name alone where the type has no numbers.
-[[nodiscard]] QString DisplayText(const Reference& reference, int numberlessType);
-
 // The rows of the three lists at their position from 1: key, lead cell and what they refer to; without a
-// label. A prompt is led by its position, an exception by its name, an action by its range of digits.
-[[nodiscard]] ListRow PromptRowAt(int position, const QString& display, const Reference& reference);
-
-[[nodiscard]] ListRow ExceptionRowAt(int position, const QString& name, const QString& display,
-                                     const Reference& reference);
+// label. A prompt is led by its position, an action by its range of digits, an exception, at its branch's
+// position, by its name.
+[[nodiscard]] ListRow PromptRowAt(int position, const Reference& target);
 
 [[nodiscard]] ListRow ActionRowAt(int position, const QString& low, const QString& high,
-                                  const QString& display, const Reference& reference);
+                                  const Reference& target);
+
+[[nodiscard]] ListRow ExceptionRowAt(std::size_t branch, const Reference& target);
 
 // The row that stands in a prompts list without prompts.
 [[nodiscard]] ListRow EmptyRow(const QString& name);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -30,6 +31,8 @@ class Statement {
     virtual void MoveNext() = 0;
     // A field of the row reached, or nothing for Null; valid until the next move.
     [[nodiscard]] virtual std::optional<std::string_view> Field(std::size_t column) const = 0;
+    // How many rows the latest run inserted, updated or deleted; of a statement without result rows.
+    [[nodiscard]] virtual std::int64_t RowsWritten() const = 0;
     // Lets go of the rows and of every lock that reading them holds.
     virtual void Close() noexcept = 0;
 };

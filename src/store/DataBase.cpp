@@ -106,13 +106,18 @@ std::string_view ResultSet::Text(std::size_t column) const {
     Fail(ErrorNumber::InvalidUseOfNull, "Invalid use of Null", column);
 }
 
-int ResultSet::Number(std::size_t column) const {
+template <class Whole>
+Whole ResultSet::Within(std::size_t column) const {
     const auto value = NumericValue(Text(column));
-    if (!std::in_range<int>(value)) {
+    if (!std::in_range<Whole>(value)) {
         Fail(ErrorNumber::Overflow, "Overflow", column);
     }
-    return static_cast<int>(value);
+    return static_cast<Whole>(value);
 }
+
+int ResultSet::Number(std::size_t column) const { return Within<int>(column); }
+
+std::int16_t ResultSet::NodeNumber(std::size_t column) const { return Within<std::int16_t>(column); }
 
 void ResultSet::Close() noexcept {
     if (DataBase* owner = std::exchange(owner_, nullptr)) {
@@ -160,8 +165,13 @@ Statement& DataBase::Run(Command command, Parameters parameters) {
     return statement;
 }
 
-void DataBase::Execute(Command command, Parameters parameters) {
-    Describing(command, [&] { Run(command, parameters).Close(); });
+std::int64_t DataBase::Execute(Command command, Parameters parameters) {
+    return Describing(command, [&] {
+        Statement& statement = Run(command, parameters);
+        const std::int64_t written = statement.RowsWritten();
+        statement.Close();
+        return written;
+    });
 }
 
 ResultSet DataBase::Query(Command command, Parameters parameters) {

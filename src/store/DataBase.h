@@ -4,6 +4,7 @@
 
 #include <array>
 #include <concepts>
+#include <cstdint>
 #include <filesystem>
 #include <initializer_list>
 #include <memory>
@@ -76,6 +77,9 @@ class ResultSet {
     [[nodiscard]] std::string_view Text(std::size_t column) const;
     // The field's numeric value. Raises InvalidUseOfNull, and Overflow beyond 32 bits.
     [[nodiscard]] int Number(std::size_t column) const;
+    // The field's numeric value as the number of a node. Raises InvalidUseOfNull, and Overflow beyond 16
+    // bits: a number that is cut would be another node's.
+    [[nodiscard]] std::int16_t NodeNumber(std::size_t column) const;
 
     [[nodiscard]] auto Field(std::string_view column) const { return Field(Column(column)); }
 
@@ -91,6 +95,8 @@ class ResultSet {
     ResultSet(DataBase& owner, Command command) : owner_(&owner), command_(command) {}
 
     [[nodiscard]] Statement& Rows() const;
+    template <class Whole>
+    [[nodiscard]] Whole Within(std::size_t column) const;
     [[noreturn]] void Fail(ErrorNumber number, const std::string& what, std::size_t column) const;
 
     DataBase* owner_; // none once closed
@@ -117,8 +123,8 @@ class DataBase {
     [[nodiscard]] std::filesystem::path File() const;
 
     // Runs a command. Raises ResultSetOpen while the command's result set of an earlier run is open, and
-    // InvalidProcedureCall for a wrong number of parameters.
-    void Execute(Command command, Parameters parameters);
+    // InvalidProcedureCall for a wrong number of parameters. Execute returns how many rows were written.
+    std::int64_t Execute(Command command, Parameters parameters);
     [[nodiscard]] ResultSet Query(Command command, Parameters parameters);
 
     // Makes all that was written so far outlast a power cut. Call it at the end of a run of statements.

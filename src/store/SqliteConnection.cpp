@@ -75,6 +75,8 @@ class SqliteStatement : public Statement {
                                 static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), position)));
     }
 
+    [[nodiscard]] std::int64_t RowsWritten() const override { return sqlite3_changes64(database_); }
+
     void Close() noexcept override { sqlite3_reset(statement_.get()); }
 
   private:

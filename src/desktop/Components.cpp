@@ -1,6 +1,6 @@
 #include "KAL_AUTO_Node/Components.h"
 
-#include "platform/MessageBox.h"
+#include "desktop/MessageBox.h"
 #include "platform/RuntimeError.h"
 
 namespace KAL_AUTO_Node {

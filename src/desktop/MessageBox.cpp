@@ -1,6 +1,6 @@
-#include "platform/MessageBox.h"
+#include "desktop/MessageBox.h"
 
-#include "platform/MousePointer.h"
+#include "desktop/MousePointer.h"
 
 #include <QApplication>
 

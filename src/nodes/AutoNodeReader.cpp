@@ -1,0 +1,115 @@
+#include "nodes/AutoNodeReader.h"
+
+#include "platform/NumericValue.h"
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+std::optional<std::string> OptionalText(const ResultSet& row, std::string_view column) {
+    const auto field = row.Field(column);
+    return field ? std::optional(std::string(*field)) : std::nullopt;
+}
+
+} // namespace
+
+// Where a reference stands; an exception branch's columns have its name before their own.
+struct AutoNodeReader::Columns {
+    explicit Columns(const ResultSet& rows, const std::string& branch = "")
+        : typeID(rows.Column(branch + "NodeTypeID")), type(rows.Column(branch + "NodeType")),
+          number(rows.Column(branch + "NodeNumber")) {}
+
+    std::size_t typeID;
+    std::size_t type;
+    std::size_t number;
+};
+
+std::string LabelOf(DataBase& dataBase, Partition partition, int typeID, int number) {
+    const ResultSet node =
+        dataBase.Query(Command::Get_Description, {partition.config, partition.number, typeID, number});
+    return node.AtEnd() ? std::string() : std::string(node.Field("NodeDescription").value_or(""));
+}
+
+Reference AutoNodeReader::ReadReference(const ResultSet& row, const Columns& columns) {
+    Reference reference{
+        row.Number(columns.typeID), std::string(row.Text(columns.type)), row.Number(columns.number), {}};
+    if (labels_ == Labels::Read) {
+        reference.label = LabelOf(dataBase_, partition_, reference.typeID, reference.number);
+    }
+    return reference;
+}
+
+bool AutoNodeReader::ReadRecord(AutoNode& node) {
+    record_.reset();
+    record_.emplace(
+        dataBase_.Query(Command::Get_AUTO_Node, {partition_.config, partition_.number, number_, AutoType}));
+    if (record_->AtEnd()) {
+        return false;
+    }
+    node.type = record_->Field("NodeType").value_or("");
+    node.label = OptionalText(*record_, "NodeDescription");
+    node.settings.terminatingDigit = OptionalText(*record_, "TerminatingDigit");
+    for (const SettingRule& rule : SettingRules) {
+        const auto stored = record_->Field(rule.column);
+        node.settings.*rule.value = stored ? std::optional(NumericValue(*stored)) : std::nullopt;
+    }
+    return true;
+}
+
+void AutoNodeReader::ReadPrompts(AutoNode& node) {
+    node.prompts.clear();
+    ResultSet rows =
+        dataBase_.Query(Command::Get_AUTO_PromptsNode, {partition_.config, partition_.number, number_});
+    const Columns columns(rows);
+    const std::size_t sequence = rows.Column("SequenceNo");
+    for (; !rows.AtEnd(); rows.MoveNext()) {
+        Reference target = ReadReference(rows, columns);
+        node.prompts.push_back({rows.Number(sequence), std::move(target)});
+    }
+}
+
+void AutoNodeReader::ReadActions(AutoNode& node) {
+    node.actions.clear();
+    ResultSet rows =
+        dataBase_.Query(Command::Get_AUTO_ActionsNode, {partition_.config, partition_.number, number_});
+    const Columns columns(rows);
+    const std::size_t sequence = rows.Column("SequenceNo");
+    const std::size_t low = rows.Column("DTMFRangeLow");
+    const std::size_t high = rows.Column("DTMFRangeHigh");
+    for (; !rows.AtEnd(); rows.MoveNext()) {
+        Action action{rows.Number(sequence), ReadReference(rows, columns), {}, {}};
+        if (const auto text = rows.Field(low)) {
+            action.low.emplace(*text);
+        }
+        if (const auto text = rows.Field(high)) {
+            action.high.emplace(*text);
+        }
+        node.actions.push_back(std::move(action));
+    }
+}
+
+void AutoNodeReader::ReadBranch(AutoNode& node, std::size_t branch) {
+    node.branches.at(branch) = ReadReference(*record_, Columns(*record_, BranchRules.at(branch).column));
+}
+
+std::optional<AutoNode> ReadAutoNode(DataBase& dataBase, Partition partition, std::int16_t number,
+                                     Labels labels) {
+    AutoNode node;
+    AutoNodeReader reader(dataBase, partition, number, labels);
+    if (!reader.ReadRecord(node)) {
+        return std::nullopt;
+    }
+    reader.ReadPrompts(node);
+    reader.ReadActions(node);
+    for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
+        reader.ReadBranch(node, branch);
+    }
+    return node;
+}
+
+bool AutoNodeExists(DataBase& dataBase, Partition partition, std::int16_t number) {
+    return !dataBase.Query(Command::Get_AUTO_Node, {partition.config, partition.number, number, AutoType})
+                .AtEnd();
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+
+namespace KAL_AUTO_Node {
+
+// Configuration and partition: the part of the store in which nodes refer to one another.
+struct Partition {
+    std::int16_t config = 0;
+    std::int16_t number = 0;
+
+    friend bool operator==(const Partition&, const Partition&) = default;
+};
+
+// Of this number every type has the partition's template, from which new nodes are made.
+inline constexpr int TemplateNumber = 0;
+
+// The highest number that a node can have.
+inline constexpr int HighestNodeNumber = INT16_MAX;
+
+} // namespace KAL_AUTO_Node

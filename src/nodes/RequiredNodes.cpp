@@ -1,0 +1,31 @@
+#include "nodes/RequiredNodes.h"
+
+#include "nodes/NodeTypes.h"
+
+#include <utility>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+bool IsNode(int typeID) {
+    return typeID != NumberlessType && typeID != UncheckedCommandType && typeID != NumberlessExceptionType;
+}
+
+} // namespace
+
+void RequiredNodes::Add(std::string display, int typeID, int number) {
+    if (!IsNode(typeID)) {
+        return;
+    }
+    if (RefersToMessage(typeID)) {
+        display = "MSG " + std::to_string(number);
+        typeID = MessageType;
+    }
+    if (!names_.FindString(display)) {
+        names_.AddItem(display);
+        nodes_.push_back({std::move(display), typeID, number});
+    }
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,98 @@
+#include "nodes/Templates.h"
+
+#include "nodes/NodeTypes.h"
+#include "store/DataBase.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+// How a node of each type is made from the template: its own row first, then its detail rows. All take the
+// new number, the configuration, the partition and the template's number; a message also takes its file name.
+struct CopyRule {
+    int typeID;
+    std::array<Command, 3> commands;
+    std::size_t count;
+
+    [[nodiscard]] std::span<const Command> Commands() const { return std::span(commands).first(count); }
+};
+
+constexpr std::array<CopyRule, 12> CopyRules = {{
+    {0, {Command::Duplicate_MSG_NODE}, 1},
+    {1, {Command::Duplicate_CMD_NODE, Command::Duplicate_Detail_CMD_NODE}, 2},
+    {2, {Command::Duplicate_TIME_Node, Command::Duplicate_Detail_TIME_Node}, 2},
+    {3, {Command::Duplicate_DATE_Node, Command::Duplicate_Detail_DATE_Node}, 2},
+    {4, {Command::Duplicate_XFER_Node}, 1},
+    {6,
+     {Command::Duplicate_DTMF_Node, Command::Duplicate_DetailPrompts_DTMF_Node,
+      Command::Duplicate_DetailActions_DTMF_Node},
+     3},
+    {7,
+     {Command::Duplicate_VOX_Node, Command::Duplicate_DetailPrompts_VOX_Node,
+      Command::Duplicate_DetailActions_VOX_Node},
+     3},
+    {8, {Command::Duplicate_LIST_Node, Command::Duplicate_Detail_LIST_Node}, 2},
+    {9,
+     {Command::Duplicate_AUTO_Node, Command::Duplicate_DetailPrompts_AUTO_Node,
+      Command::Duplicate_DetailActions_AUTO_Node},
+     3},
+    {12, {Command::Duplicate_PAAS_Node}, 1},
+    {13, {Command::Duplicate_TABLE_Node, Command::Duplicate_DetailActions_TABLE_Node}, 2},
+    {15, {Command::Duplicate_DBN_Node, Command::Duplicate_DetailPrompts_DBN_Node}, 2},
+}};
+
+// A number with zeros before it up to a width.
+std::string Padded(int number, std::size_t width) {
+    std::string digits = std::to_string(number);
+    const std::size_t sign = number < 0 ? 1 : 0;
+    if (digits.size() - sign < width) {
+        digits.insert(sign, width - (digits.size() - sign), '0');
+    }
+    return digits;
+}
+
+std::string MessageFileName(int partition, int number) {
+    return "P" + Padded(partition, 2) + "M" + Padded(number, 3) + ".wav";
+}
+
+int NodeTypeOf(int typeID) { return RefersToMessage(typeID) ? MessageType : typeID; }
+
+} // namespace
+
+Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int source, int destination,
+                                int typeID, const std::string& date) {
+    const auto rule = std::ranges::find(CopyRules, NodeTypeOf(typeID), &CopyRule::typeID);
+    if (rule == CopyRules.end()) {
+        return Creation::NoRule;
+    }
+    std::int64_t nodes = 0;
+    std::int64_t details = 0;
+    for (const Command command : rule->Commands()) {
+        const std::int64_t copied =
+            command == Command::Duplicate_MSG_NODE
+                ? dataBase.Execute(command, {destination, MessageFileName(partition.number, destination),
+                                             partition.config, partition.number, source})
+                : dataBase.Execute(command, {destination, partition.config, partition.number, source});
+        (command == rule->commands.front() ? nodes : details) += copied;
+    }
+    const bool registered =
+        dataBase.Execute(Command::Duplicate_Node_In_General_Pool,
+                         {destination, date, partition.config, partition.number, source, rule->typeID}) > 0;
+    if (registered) {
+        return nodes > 0 ? Creation::Created : Creation::Empty;
+    }
+    return nodes + details > 0 ? Creation::Unregistered : Creation::NoTemplate;
+}
+
+bool IsNodeExisted(DataBase& dataBase, Partition partition, int typeID, int number) {
+    return !dataBase
+                .Query(Command::Get_Description,
+                       {partition.config, partition.number, NodeTypeOf(typeID), number})
+                .AtEnd();
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "nodes/Identity.h"
+
+#include <string>
+#include <string_view>
+
+namespace KAL_AUTO_Node {
+
+class DataBase;
+
+// What came of making a node from the template. A node exists for the system when the register has it.
+enum class Creation {
+    Created,
+    NoRule,       // there is no rule for copying nodes of the type; nothing was written
+    NoTemplate,   // nothing was there to be copied
+    Unregistered, // its rows were copied, but the template has no register row
+    Empty,        // it was registered, but the template has no rows of its own
+};
+
+// Copies a node under a new number: its own row, its detail rows, its register row, each statement by itself.
+// A reference to a message stands for the message. The date is today's as dates are stored. Raises
+// StoreFailure where a row of the new number is there already.
+Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int source, int destination,
+                                int typeID, const std::string& date);
+
+// Whether the register has a node; a reference to a message stands for the message.
+[[nodiscard]] bool IsNodeExisted(DataBase& dataBase, Partition partition, int typeID, int number);
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,60 @@
+#include "platform/FoldCase.h"
+
+#include <algorithm>
+#include <cwchar>
+#include <locale>
+#include <wctype.h>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+using Converter = std::codecvt<char32_t, char8_t, std::mbstate_t>;
+
+// Its letters are all of Unicode's, whatever language the process runs in.
+locale_t Letters() {
+    static const locale_t letters = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    return letters;
+}
+
+std::string FoldAscii(std::string_view text) {
+    std::string folded(text);
+    for (char& c : folded) {
+        if (c >= 'A' && c <= 'Z') {
+            c = static_cast<char>(c - 'A' + 'a');
+        }
+    }
+    return folded;
+}
+
+} // namespace
+
+std::string FoldCase(std::string_view text) {
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    if (std::ranges::all_of(text, isAscii) || Letters() == nullptr) {
+        return FoldAscii(text);
+    }
+    const auto& converter = std::use_facet<Converter>(std::locale::classic());
+    const std::u8string bytes(text.begin(), text.end());
+    std::u32string characters(bytes.size(), U'\0');
+    std::mbstate_t state{};
+    const char8_t* read = nullptr;
+    char32_t* decoded = nullptr;
+    if (converter.in(state, bytes.data(), bytes.data() + bytes.size(), read, characters.data(),
+                     characters.data() + characters.size(), decoded) != Converter::ok) {
+        return FoldAscii(text);
+    }
+    characters.resize(static_cast<std::size_t>(decoded - characters.data()));
+    for (char32_t& character : characters) {
+        character = static_cast<char32_t>(towlower_l(static_cast<wint_t>(character), Letters()));
+    }
+    std::u8string folded(characters.size() * 4, u8'\0');
+    state = {};
+    const char32_t* written = nullptr;
+    char8_t* encoded = nullptr;
+    converter.out(state, characters.data(), characters.data() + characters.size(), written, folded.data(),
+                  folded.data() + folded.size(), encoded);
+    return {folded.data(), encoded};
+}
+
+} // namespace KAL_AUTO_Node

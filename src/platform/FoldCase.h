@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace KAL_AUTO_Node {
+
+// The form of a text (UTF-8) in which texts that differ in case alone are equal, in every language. A text
+// that is no UTF-8 is folded as far as its ASCII letters go.
+[[nodiscard]] std::string FoldCase(std::string_view text);
+
+} // namespace KAL_AUTO_Node

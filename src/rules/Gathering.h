@@ -1,0 +1,13 @@
+#pragma once
+
+#include "nodes/AutoNode.h"
+
+namespace KAL_AUTO_Node {
+
+class GUI;
+
+// The node as it stands in the window, rows in their order. Raises SubscriptOutOfRange where a list lacks a
+// row, TypeMismatch for a text that should be a number.
+[[nodiscard]] AutoNode GatherNode(const GUI& gui);
+
+} // namespace KAL_AUTO_Node
