@@ -1,12 +1,9 @@
 #include "Person.h"
 #include "TestStore.h"
-#include "form/GUI.h"
 #include "platform/RuntimeError.h"
-#include "rules/NodeRules.h"
 
 #include <array>
 #include <fstream>
-#include <memory>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -176,13 +173,54 @@ TEST(EditorOpens, NotOnAMissingNode) {
     EXPECT_FALSE(person.Edit(rules, 25, [] {}));
     EXPECT_EQ(Person::Window("GUI"), nullptr);
     EXPECT_EQ(person.Boxes(), std::vector<Box>{Information("AUTO 25 doesn't exist.")});
-    // One that goes while others are edited leaves the window as it was.
-    EXPECT_TRUE(person.Edit(rules, 1, [&] {
-        store.Execute("DELETE FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 2");
+}
+
+// What is on screen after a load that failed, and what has no node any more, is never written.
+TEST(EditorOpens, ForSavingOnlyWhatItLoaded) {
+    const TestStore store;
+    Person person;
+    const std::string notLoaded =
+        "AUTO 2 could not be loaded, and what is shown here is not its content. It is not saved.";
+    const auto content = [&] {
+        return store.Rows(
+            "SELECT NodeNumber, NodeDescription FROM Node_AUTO UNION ALL SELECT NodeMasterID, NodeType"
+            " FROM Detail_AUTO_Prompts");
+    };
+    const auto expectRefusal = [&](const std::string& told) {
+        const Texts before = content();
+        Person::TypeLabel("Of another node");
+        Person::Press("cmdApply");
+        EXPECT_EQ(person.Boxes(), std::vector<Box>{Information(told)});
+        EXPECT_TRUE(Person::Dirty());
+        EXPECT_EQ(content(), before);
+    };
+    EXPECT_TRUE(person.Edit(1, [&] {
+        store.Execute("UPDATE Node_AUTO SET PoundNodeTypeID = 900 WHERE PartID = 2 AND NodeNumber = 2");
         Person::Press("cmdNext");
-        EXPECT_EQ(Place(), "First Previous Next Last 1 of 17, AUTO 2 Main menu");
+        EXPECT_EQ(Reporters(person.Boxes()), "LoadData ");
+        EXPECT_EQ(Place(), "Next Last 1 of 17, AUTO 2 Not built yet") << "as far as it could be read";
+        EXPECT_EQ(Person::Count("LVExceptions"), 4);
+        expectRefusal(notLoaded);
+        store.Execute("UPDATE Node_AUTO SET PoundNodeTypeID = 814 WHERE PartID = 2 AND NodeNumber = 2");
+        expectRefusal(notLoaded);
+        // Loading it ends that.
+        person.WillAnswer({QMessageBox::No});
+        Person::Choose("cmbNode", "AUTO 3");
+        Person::Choose("cmbNode", "AUTO 2");
+        EXPECT_EQ(person.Boxes(), std::vector<Box>{SaveQuestion()});
+        Person::TypeLabel("Its own");
+        Person::Press("cmdApply");
+        EXPECT_FALSE(Person::Dirty());
+
+        store.Execute("DELETE FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 2");
+        expectRefusal("AUTO 2 doesn't exist any more. It is not saved.");
+        Person::MarkUnchanged();
+        Person::Choose("cmbNode", "AUTO 3");
+        Person::Choose("cmbNode", "AUTO 2");
+        EXPECT_EQ(person.Boxes(), std::vector<Box>{Information("AUTO 2 doesn't exist.")});
+        EXPECT_EQ(Person::Text("cmbNode"), "AUTO 2");
+        expectRefusal(notLoaded);
     }));
-    EXPECT_EQ(person.Boxes(), std::vector<Box>{Information("AUTO 2 doesn't exist.")});
 }
 
 TEST(EditorOpens, AsFarAsItsProceduresGet) {
@@ -224,75 +262,6 @@ TEST(EditorOpens, NotWhereTheStoresPlaceCannotBeRead) {
     EXPECT_FALSE(person.Edit(rules, 1, [] {}));
     EXPECT_EQ(person.Boxes(), std::vector{ErrorBox("Source: KAL_AUTO_Node - ShowNodeEditor \r\n"
                                                    "Description: Unsupported value type")});
-}
-
-// The reference lists by themselves, as far as the window does not show them.
-std::unique_ptr<GUI> Loaded(const std::string& sql) {
-    const TestStore store;
-    store.Execute(sql);
-    const ComponentFactory components;
-    NodeRules rules(components);
-    auto gui = std::make_unique<GUI>();
-    gui->CreateNodeLists();
-    gui->ConfigID = 1;
-    gui->PartitionID = 2;
-    EXPECT_TRUE(rules.LoadNodeName(*gui) && rules.LoadPromptsNode(*gui) && rules.LoadActionsNode(*gui) &&
-                rules.LoadExceptionsNode(*gui));
-    return gui;
-}
-
-// What a picker offers, and what it leaves out for want of numbers.
-std::string Types(const GUI& gui, Slot slot) {
-    std::string types = Entries(gui.NodePicker(slot));
-    for (const std::string& name : gui.Lists().*RuleOf(slot).notAvailable) {
-        types += '-' + name + ' ';
-    }
-    return types;
-}
-
-TEST(ReferenceLists, TakeLimitsFromTheStoreOrTheirRules) {
-    const auto gui = Loaded("DELETE FROM Node_Type_Max WHERE NodeType_ID = 5;"
-                            "INSERT INTO Node_Type_Max VALUES (1, 2, 818, 7)");
-    for (const auto& [type, limit] : {std::pair{0, 250}, {5, 0}, {9, 40}, {816, 999}, {817, 250}, {818, 7}}) {
-        EXPECT_EQ(gui->Lists().MaxNodeNumberCollection[type], limit) << type;
-    }
-}
-
-TEST(ReferenceLists, OfferTypesWithNumbers) {
-    // Limits of MSG and XFER, which types prompts and then actions offer and leave out. SPEAK has no limit.
-    constexpr std::array<std::array<const char*, 3>, 5> cases = {{
-        {"(1, 2, 0, 0), (1, 2, 4, -1)", "SPEAK -MSG -XFER ", "-MSG -XFER "},
-        {"(1, 2, 4, 5)", "MSG XFER SPEAK ", "XFER "},
-        {"(1, 2, 0, 1)", "MSG XFER SPEAK ", "MSG XFER SPEAK "},
-        {"(1, 1, 0, 5), (2, 2, 4, 5)", "MSG XFER SPEAK ", ""}, // others' limits
-        {"(1, 2, 0, 9); DELETE FROM SR_Node_Type_can_contain_Node_Type WHERE Set_ID = 6 AND "
-         "Child_Node_Type_ID = 0",
-         "MSG XFER SPEAK ", ""}, // messages that actions do not refer to
-    }};
-    for (const auto& [limits, prompts, actions] : cases) {
-        const auto gui =
-            Loaded("DELETE FROM SR_Node_Type_can_contain_Node_Type; DELETE FROM Node_Type_Max;"
-                   "INSERT INTO SR_Node_Type_can_contain_Node_Type VALUES (9, 7, 0), (9, 7, 4), (9, 7, 816), "
-                   "(9, 6, 0), (9, 6, 4), (9, 6, 816), (8, 6, 7); INSERT INTO Node_Type_Max VALUES " +
-                   std::string(limits));
-        EXPECT_EQ(Types(*gui, Slot::Prompts), prompts) << limits;
-        EXPECT_EQ(Types(*gui, Slot::Actions), actions) << limits;
-    }
-}
-
-TEST(ReferenceLists, ReadASetForEachPicker) {
-    // Types that have the numbers of the sets, first without and then with numbers of nodes.
-    for (const std::string limit : {"0", "1"}) {
-        const auto gui = Loaded("DELETE FROM SR_Node_Type_can_contain_Node_Type; INSERT INTO "
-                                "SR_Node_Type_can_contain_Node_Type SELECT 9, ID, ID FROM SR_Node_Type_Names;"
-                                "UPDATE SR_Node_Type_Names SET English_Name = ID;"
-                                "UPDATE Node_Type_Max SET Max_Number = " +
-                                limit);
-        int slot = 0;
-        for (const std::string set : {"7", "6", "1", "3", "5", "8", "9"}) {
-            EXPECT_EQ(Types(*gui, static_cast<Slot>(slot++)), (limit == "0" ? '-' + set : set) + ' ');
-        }
-    }
 }
 
 } // namespace
