@@ -115,9 +115,9 @@ TEST(MissingNodes, ThatCannotBeCreatedAreNotSaidToBe) {
     ASSERT_EQ(boxes.size(), 2U);
     EXPECT_EQ(boxes[1],
               Information(
-                  "These nodes could not be created: there is no template for them.\r\nLIST 14, HOLD 4"
+                  "These nodes could not be created: there is no template for them.\r\nHOLD 4"
                   "\r\n\r\nThe rows of these nodes were copied, but they are not registered: their template "
-                  "has no row in Node_General_Pool.\r\nTIME 19"));
+                  "has no row in Node_General_Pool.\r\nTIME 19, LIST 14"));
     for (const std::string& node : MissingInAuto6) {
         const bool created = node != "TIME 19" && node != "LIST 14" && node != "HOLD 4";
         EXPECT_EQ(told.contains(node + " is created."), created) << node;

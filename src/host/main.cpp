@@ -1,75 +1,34 @@
-#include "KAL_AUTO_Node/Business_Rules.h"
-#include "platform/NativePath.h"
-#include "store/CreateStore.h"
-#include "store/ParlonPlusFilesAndFolders.h"
+#include "host/Commands.h"
 
-#include <CLI/CLI.hpp>
-
-#include <cstdint>
-#include <cstdlib>
 #include <iostream>
-#include <stdexcept>
 
 namespace {
 
 constexpr int Failed = 1;
 constexpr int UsageError = 2;
 
-// The toolkit ends the process where it finds no display; asking first gives a plain answer.
-bool HasDisplay() {
-    const auto isSet = [](const char* variable) {
-        const char* value = std::getenv(variable);
-        return value != nullptr && *value != '\0';
-    };
-    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app("Edits the AUTO nodes of a telephone call-flow store.", "auto-node");
-    app.require_subcommand(1);
-    app.set_version_flag("--version", KAL_AUTO_NODE_VERSION);
-
-    std::int16_t config = 0;
-    std::int16_t partition = 0;
-    std::int16_t node = 0;
-    CLI::App* edit = app.add_subcommand("edit", "Open the editor on a node");
-    edit->add_option("CONFIG", config, "Configuration number")->required();
-    edit->add_option("PARTITION", partition, "Partition number")->required();
-    edit->add_option("NODE", node, "Number of the AUTO node; 0 for the partition's template")->required();
-
-    bool demo = false;
-    CLI::App* init = app.add_subcommand("init", "Create a store where the editor looks for it");
-    init->add_flag("--demo", demo, "Fill it with reference data and nodes worth looking at");
-
+    using namespace KAL_AUTO_Node;
+    CLI::App program("Edits the AUTO nodes of a telephone call-flow store.", "auto-node");
+    program.require_subcommand(1);
+    program.set_version_flag("--version", KAL_AUTO_NODE_VERSION);
+    const auto commands = {EditCommand(program), InitCommand(program), ListCommand(program),
+                           ShowCommand(program)};
     try {
-        app.parse(argc, argv);
+        program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : UsageError;
+        return program.exit(error) == 0 ? 0 : UsageError;
     }
-
     try {
-        if (init->parsed()) {
-            const auto file = KAL_AUTO_Node::NativePath(KAL_AUTO_Node::GetNewDatabaseFile());
-            KAL_AUTO_Node::CreateStore(file, demo ? KAL_AUTO_Node::StoreContent::Demo
-                                                  : KAL_AUTO_Node::StoreContent::Empty);
-            std::cout << "Created " << file.string() << '\n';
-        } else if (!HasDisplay()) {
-            throw std::runtime_error("there is no display to show the editor on (DISPLAY is not set)");
-        } else {
-            KAL_AUTO_Node::Business_Rules rules;
-            rules.ShowNodeEditor(config, partition, node);
-            if (!rules.Opened()) {
-                std::cerr << "auto-node: AUTO node " << node << " of configuration " << config
-                          << ", partition " << partition
-                          << " could not be opened as it should; see the messages shown\n";
-                return Failed;
+        for (const Subcommand& command : commands) {
+            if (command.options->parsed()) {
+                return command.run();
             }
         }
     } catch (const std::exception& error) {
         std::cerr << "auto-node: " << error.what() << '\n';
-        return Failed;
     }
-    return 0;
+    return Failed;
 }

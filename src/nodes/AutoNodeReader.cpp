@@ -1,17 +1,8 @@
 #include "nodes/AutoNodeReader.h"
 
-#include "platform/NumericValue.h"
+#include "nodes/Record.h"
 
 namespace KAL_AUTO_Node {
-
-namespace {
-
-std::optional<std::string> OptionalText(const ResultSet& row, std::string_view column) {
-    const auto field = row.Field(column);
-    return field ? std::optional(std::string(*field)) : std::nullopt;
-}
-
-} // namespace
 
 // Where a reference stands; an exception branch's columns have its name before their own.
 struct AutoNodeReader::Columns {
@@ -48,11 +39,7 @@ bool AutoNodeReader::ReadRecord(AutoNode& node) {
     }
     node.type = record_->Field("NodeType").value_or("");
     node.label = OptionalText(*record_, "NodeDescription");
-    node.settings.terminatingDigit = OptionalText(*record_, "TerminatingDigit");
-    for (const SettingRule& rule : SettingRules) {
-        const auto stored = record_->Field(rule.column);
-        node.settings.*rule.value = stored ? std::optional(NumericValue(*stored)) : std::nullopt;
-    }
+    node.settings = ReadSettings(*record_);
     return true;
 }
 

@@ -71,7 +71,7 @@ void ReadAutoNodes(DataBase& dataBase, Partition partition,
     const std::size_t number = nodes.Column("NodeNumber");
     const std::size_t label = nodes.Column("NodeDescription");
     for (; !nodes.AtEnd(); nodes.MoveNext()) {
-        take(nodes.NodeNumber(number), nodes.Field(label).value_or(""));
+        take(nodes.Number16(number), nodes.Field(label).value_or(""));
     }
 }
 

@@ -18,20 +18,21 @@ struct Settings {
     friend bool operator==(const Settings&, const Settings&) = default;
 };
 
-// A numeric setting: its stored column, its name for people, and the whole numbers that it may hold.
+// A numeric setting: its stored column, its name and unit for people, and the whole numbers that it may hold.
 struct SettingRule {
     std::optional<std::int64_t> Settings::*value;
     const char* column;
     const char* name;
+    const char* unit;
     int first;
     int last;
 };
 
 inline constexpr std::array<SettingRule, 4> SettingRules = {{
-    {&Settings::numberOfDigits, "NumberOfDigits", "number of digits", 1, 7},
-    {&Settings::retryLimit, "RetryLimit", "retry limit", 0, 5},
-    {&Settings::selectionTimeout, "SelectionTimeout", "selection time-out", 1, 60},
-    {&Settings::digitTimeout, "DigitTimeout", "digit time-out", 1, 15},
+    {&Settings::numberOfDigits, "NumberOfDigits", "number of digits", "", 1, 7},
+    {&Settings::retryLimit, "RetryLimit", "retry limit", "", 0, 5},
+    {&Settings::selectionTimeout, "SelectionTimeout", "selection time-out", " s", 1, 60},
+    {&Settings::digitTimeout, "DigitTimeout", "digit time-out", " s", 1, 15},
 }};
 
 // The value that stands for a stored one: itself where the setting may hold it, else the first that it may.

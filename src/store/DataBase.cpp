@@ -117,7 +117,7 @@ Whole ResultSet::Within(std::size_t column) const {
 
 int ResultSet::Number(std::size_t column) const { return Within<int>(column); }
 
-std::int16_t ResultSet::NodeNumber(std::size_t column) const { return Within<std::int16_t>(column); }
+std::int16_t ResultSet::Number16(std::size_t column) const { return Within<std::int16_t>(column); }
 
 void ResultSet::Close() noexcept {
     if (DataBase* owner = std::exchange(owner_, nullptr)) {

@@ -20,7 +20,7 @@ class Connection;
 class DataBase;
 class Statement;
 
-// The named commands, in the order of commands.sql, where their statements stand.
+// The named commands, in the order of commands.sql and overview.sql, where their statements stand.
 enum class Command {
 #define COMMAND(name, sql) name,
 #include "store/Commands.inc"
@@ -77,15 +77,17 @@ class ResultSet {
     [[nodiscard]] std::string_view Text(std::size_t column) const;
     // The field's numeric value. Raises InvalidUseOfNull, and Overflow beyond 32 bits.
     [[nodiscard]] int Number(std::size_t column) const;
-    // The field's numeric value as the number of a node. Raises InvalidUseOfNull, and Overflow beyond 16
-    // bits: a number that is cut would be another node's.
-    [[nodiscard]] std::int16_t NodeNumber(std::size_t column) const;
+    // The field's numeric value as a number of the identity of nodes. Raises InvalidUseOfNull, and Overflow
+    // beyond 16 bits: a number that is cut would be another node's.
+    [[nodiscard]] std::int16_t Number16(std::size_t column) const;
 
     [[nodiscard]] auto Field(std::string_view column) const { return Field(Column(column)); }
 
     [[nodiscard]] auto Text(std::string_view column) const { return Text(Column(column)); }
 
     [[nodiscard]] auto Number(std::string_view column) const { return Number(Column(column)); }
+
+    [[nodiscard]] auto Number16(std::string_view column) const { return Number16(Column(column)); }
 
     void Close() noexcept;
 

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "nodes/AutoNode.h"
+#include "nodes/Identity.h"
+#include "nodes/Overview.h"
+
+#include <cstdint>
+#include <nlohmann/json.hpp>
+
+namespace KAL_AUTO_Node {
+
+// Nodes as JSON, members in one fixed order; docs/json.md tells the form. What is Null in the store is null.
+[[nodiscard]] nlohmann::ordered_json ToJson(Partition partition, std::int16_t number, const AutoNode& node);
+[[nodiscard]] nlohmann::ordered_json ToJson(const AutoNodeSummary& node);
+[[nodiscard]] nlohmann::ordered_json ToJson(const PartitionCounts& partition);
+
+// The text of a document, lines indented. Bytes that are no UTF-8 become replacement characters.
+[[nodiscard]] std::string JsonText(const nlohmann::ordered_json& document);
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <cstdint>
+
+namespace KAL_AUTO_Node {
+
+// What the commands take alike.
+
+// A whole number of 16 bits, in decimal.
+CLI::Option* AddNumber(CLI::App& command, const char* name, std::int16_t& number, const char* description);
+
+struct NodeArguments {
+    std::int16_t config = 0;
+    std::int16_t partition = 0;
+    std::int16_t node = 0;
+};
+
+// CONFIG PARTITION NODE, all required.
+void AddNode(CLI::App& command, NodeArguments& place);
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,56 @@
+#include "host/Arguments.h"
+#include "host/Commands.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <unistd.h>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+// The toolkit ends the process where it finds no display; asking first gives a plain answer.
+bool HasDisplay() {
+    const auto isSet = [](const char* variable) {
+        const char* value = std::getenv(variable);
+        return value != nullptr && *value != '\0';
+    };
+    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
+
+// The program that shows the window: beside this one where it was built, else where it is installed.
+std::filesystem::path WindowProgram() {
+    const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    const auto built = folder / "auto-node-edit";
+    return exists(built) ? built : (folder / KAL_AUTO_NODE_LIBEXEC / "auto-node-edit").lexically_normal();
+}
+
+} // namespace
+
+Subcommand EditCommand(CLI::App& program) {
+    auto place = std::make_shared<NodeArguments>();
+    CLI::App* edit = program.add_subcommand("edit", "Open the editor on a node");
+    AddNode(*edit, *place);
+    return {
+        edit, [place]() -> int {
+            if (!HasDisplay()) {
+                throw std::runtime_error("there is no display to show the editor on (DISPLAY is not set)");
+            }
+            // The window's program takes the place of this one, so that no other command loads the toolkit.
+            std::string file = WindowProgram().string();
+            std::array<std::string, 3> numbers = {
+                std::to_string(place->config), std::to_string(place->partition), std::to_string(place->node)};
+            std::array<char*, 5> arguments = {file.data(), numbers[0].data(), numbers[1].data(),
+                                              numbers[2].data(), nullptr};
+            execv(file.c_str(), arguments.data());
+            throw std::system_error(errno, std::generic_category(), "cannot start the editor, " + file);
+        }};
+}
+
+} // namespace KAL_AUTO_Node

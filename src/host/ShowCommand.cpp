@@ -1,0 +1,107 @@
+#include "exchange/NodeJson.h"
+#include "host/Arguments.h"
+#include "host/Commands.h"
+#include "host/Table.h"
+#include "nodes/AutoNodeReader.h"
+
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+using enum Table::Align;
+
+constexpr const char* Indent = "  ";
+
+// As it is stored; where a setting may not hold that, with the value that the editor shows for it.
+std::string Shown(const SettingRule& rule, const Settings& settings) {
+    const auto& stored = settings.*rule.value;
+    const int value = ValueOf(rule, settings);
+    const std::string shown = std::to_string(value) + rule.unit;
+    if (stored == value) {
+        return shown;
+    }
+    return (stored ? std::to_string(*stored) + rule.unit : "none") + " (shown as " + shown + ')';
+}
+
+std::string ShownTerminatingDigit(const Settings& settings) {
+    const std::string shown = TerminatingDigits.at(TerminatingDigitOf(settings));
+    return settings.terminatingDigit == shown
+               ? shown
+               : settings.terminatingDigit.value_or("none") + " (shown as " + shown + ')';
+}
+
+void Print(const char* title, const Table& table) {
+    std::cout << '\n' << title << '\n';
+    table.Print(std::cout);
+}
+
+void Print(NodeArguments place, const AutoNode& node) {
+    std::cout << Visible(node.type) << ' ' << place.node << "  " << Visible(node.label.value_or("")) << '\n'
+              << "Configuration " << place.config << ", partition " << place.partition << '\n';
+    Table settings({Left, Left}, Indent);
+    for (const SettingRule& rule : SettingRules) {
+        settings.Add({rule.name, Shown(rule, node.settings)});
+    }
+    settings.Add({"terminating digit", ShownTerminatingDigit(node.settings)});
+    Print("Settings", settings);
+
+    Table prompts({Right, Left, Left}, Indent);
+    int position = 0;
+    for (const Prompt& prompt : node.prompts) {
+        prompts.Add(
+            {std::to_string(++position), DisplayText(prompt.target, Slot::Prompts), prompt.target.label});
+    }
+    Print("Prompts", prompts);
+
+    Table actions({Left, Left, Left}, Indent);
+    for (const Action& action : node.actions) {
+        actions.Add({EntryText(action), DisplayText(action.target, Slot::Actions), action.target.label});
+    }
+    Print("Actions", actions);
+
+    Table branches({Left, Left, Left}, Indent);
+    for (std::size_t i = 0; i < BranchRules.size(); ++i) {
+        const auto& target = node.branches[i];
+        branches.Add({BranchRules[i].label, DisplayText(target, BranchRules[i].slot), target.label});
+    }
+    Print("Exceptions", branches);
+}
+
+} // namespace
+
+Subcommand ShowCommand(CLI::App& program) {
+    struct Options {
+        NodeArguments place;
+        bool json = false;
+    };
+
+    auto options = std::make_shared<Options>();
+    CLI::App* show =
+        program.add_subcommand("show", "Print one AUTO node: settings, prompts, actions, exceptions");
+    AddNode(*show, options->place);
+    show->add_flag("--json", options->json, "Print JSON, for programs");
+    return {show, [options] {
+                const NodeArguments place = options->place;
+                const Partition partition{place.config, place.partition};
+                DataBase dataBase;
+                const auto node = ReadAutoNode(dataBase, partition, place.node, Labels::Read);
+                if (!node) {
+                    throw std::runtime_error("AUTO node " + std::to_string(place.node) +
+                                             " of configuration " + std::to_string(place.config) +
+                                             ", partition " + std::to_string(place.partition) +
+                                             " does not exist");
+                }
+                if (options->json) {
+                    std::cout << JsonText(ToJson(partition, place.node, *node)) << '\n';
+                } else {
+                    Print(place, *node);
+                }
+                return 0;
+            }};
+}
+
+} // namespace KAL_AUTO_Node

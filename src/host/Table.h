@@ -1,0 +1,34 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace KAL_AUTO_Node {
+
+// A text (UTF-8) as a terminal may be given it: what would steer the terminal, or turn the direction of what
+// follows, stands there in the form \x1b or \u202e.
+[[nodiscard]] std::string Visible(std::string_view text);
+
+// Rows of texts, printed in aligned columns. Texts are made visible.
+class Table {
+  public:
+    enum class Align { Left, Right };
+
+    // One entry a column.
+    explicit Table(std::vector<Align> columns, std::string indent = "")
+        : columns_(std::move(columns)), indent_(std::move(indent)) {}
+
+    // As many cells as there are columns.
+    void Add(std::vector<std::string> cells);
+
+    void Print(std::ostream& out) const;
+
+  private:
+    std::vector<Align> columns_;
+    std::string indent_;
+    std::vector<std::vector<std::string>> rows_;
+};
+
+} // namespace KAL_AUTO_Node

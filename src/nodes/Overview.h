@@ -1,0 +1,38 @@
+#pragma once
+
+#include "nodes/Identity.h"
+#include "nodes/Settings.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace KAL_AUTO_Node {
+
+class DataBase;
+
+struct PartitionCounts {
+    Partition partition;
+    std::int64_t autoNodes = 0;       // without templates, as the one below
+    std::int64_t registeredNodes = 0; // of every type
+};
+
+// Every partition that has a node, in order.
+[[nodiscard]] std::vector<PartitionCounts> ReadPartitions(DataBase& dataBase);
+
+// An AUTO node without what it refers to.
+struct AutoNodeSummary {
+    std::int16_t number = 0;
+    std::optional<std::string> label;
+    Settings settings;
+    std::int64_t prompts = 0; // rows
+    std::int64_t actions = 0;
+};
+
+// Hands over the partition's AUTO nodes one by one, in the order of their numbers, the template among them.
+void ReadSummaries(DataBase& dataBase, Partition partition,
+                   const std::function<void(const AutoNodeSummary&)>& take);
+
+} // namespace KAL_AUTO_Node
