@@ -40,8 +40,10 @@ void Print(const char* title, const Table& table) {
 }
 
 void Print(NodeArguments place, const AutoNode& node) {
-    std::cout << Visible(node.type) << ' ' << place.node << "  " << Visible(node.label.value_or("")) << '\n'
-              << "Configuration " << place.config << ", partition " << place.partition << '\n';
+    Table title({Left, Left});
+    title.Add({node.type + ' ' + std::to_string(place.node), node.label.value_or("")});
+    title.Print(std::cout);
+    std::cout << "Configuration " << place.config << ", partition " << place.partition << '\n';
     Table settings({Left, Left}, Indent);
     for (const SettingRule& rule : SettingRules) {
         settings.Add({rule.name, Shown(rule, node.settings)});
