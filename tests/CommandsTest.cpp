@@ -4,10 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <fcntl.h>
 #include <fstream>
 #include <functional>
 #include <map>
 #include <set>
+#include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -248,7 +252,11 @@ TEST(Commands, KeepTheirResultSetUntilItIsClosed) {
     EXPECT_EQ(rows.Text("English_Name"), "CMD");
     ExpectRaised(ColumnNotFound, {"Get_Node_Names", "Name"}, [&] { static_cast<void>(rows.Field("Name")); });
     rows.Close();
+    // Another program puts the columns elsewhere.
+    store.Execute("CREATE TABLE Laid AS SELECT English_Name, 'new' AS Own, ID FROM SR_Node_Type_Names;"
+                  "DROP TABLE SR_Node_Type_Names; ALTER TABLE Laid RENAME TO SR_Node_Type_Names");
     EXPECT_EQ(dataBase.Query(Get_Node_Names, {}).Text("English_Name"), "MSG");
+    EXPECT_EQ(dataBase.Query(Get_Node_Names, {}).Text("Own"), "new");
     EXPECT_EQ(store.Value("PRAGMA wal_checkpoint(TRUNCATE)"), "0|0|0") << "something still reads";
 }
 
@@ -277,8 +285,72 @@ TEST(Commands, TellWhatTheStoreRefuses) {
         other.exec("BEGIN IMMEDIATE");
         ExpectRaised(StoreFailure, {"locked", "Add_AUTO_PromptsNode", file}, [&] { add("5"); });
         EXPECT_EQ(Perform(dataBase, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number"), Texts{"250"});
+        EXPECT_NO_THROW(dataBase.Flush()) << "what was written lasts without a lock";
+        const std::jthread letsGo([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            other.exec("COMMIT");
+        });
+        EXPECT_NO_THROW(add("5")) << "a lock that does not last is waited for";
     }
-    EXPECT_NO_THROW(add("5"));
+    // Another program's views and triggers may never end.
+    const std::string endless = "(WITH RECURSIVE Endless(i) AS (SELECT 1 UNION ALL SELECT i FROM Endless)"
+                                " SELECT MAX(i) FROM Endless)";
+    store.Execute("CREATE TRIGGER Slow BEFORE INSERT ON Detail_AUTO_Prompts BEGIN SELECT " + endless +
+                  "; END");
+    ExpectRaised(StoreFailure, {"Stopped after 10 seconds", "Add_AUTO_PromptsNode", file}, [&] { add("6"); });
+    store.Execute("DROP TRIGGER Slow");
+    EXPECT_NO_THROW(add("6"));
+}
+
+// The locks on the store's file that this process holds, as another process sees them.
+bool LockedForOthers(const std::filesystem::path& file) {
+    const pid_t other = fork();
+    if (other == 0) {
+        struct flock lock {};
+
+        lock.l_type = F_WRLCK;
+        fcntl(open(file.c_str(), O_RDWR), F_GETLK, &lock);
+        _exit(lock.l_type == F_UNLCK ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(other, &status, 0);
+    return status != 0;
+}
+
+TEST(Commands, LeaveTheLocksOfOtherConnectionsAlone) {
+    const TestStore store;
+    DataBase first;
+    Perform(first, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number");
+    EXPECT_TRUE(LockedForOthers(store.File()));
+    {
+        DataBase second;
+        Perform(second, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number");
+    }
+    EXPECT_TRUE(LockedForOthers(store.File()));
+}
+
+TEST(Commands, KeepTheLogShort) {
+    const TestStore store;
+    const std::filesystem::path log = store.File().string() + "-wal";
+    DataBase dataBase;
+    constexpr std::uintmax_t limit = 4096 * 4096;
+    const auto write = [&](int commands) {
+        for (int i = 0; i < commands; ++i) {
+            dataBase.Execute(Update_Node_General_Pool, {i, "", 1, 2, 9, 8});
+        }
+        dataBase.Flush();
+        return std::filesystem::file_size(log);
+    };
+    // One run of commands that is longer than what is kept, and what comes after it.
+    const std::uintmax_t longest = write(5000);
+    EXPECT_GT(longest, limit);
+    for (int saves = 0; saves < 3; ++saves) {
+        EXPECT_LE(write(5000), longest + longest / 50);
+    }
+    EXPECT_LE(write(1), limit);
+    EXPECT_EQ(store.Value("SELECT NodeDescription FROM Node_General_Pool WHERE PartID = 2 AND NodeTypeID = 9"
+                          " AND NodeNumber = 8"),
+              "0");
 }
 
 // From the store's folder up to the temporary one that holds it all.
@@ -333,6 +405,11 @@ TEST(Commands, NeitherFindNorMakeAStoreThatIsNotThere) {
     std::filesystem::remove(store.File());
     // The same connection finds the store once it is there.
     CreateStore(store.File(), StoreContent::Demo);
+    EXPECT_EQ(store.Value("PRAGMA user_version"), "1");
+    store.Execute("PRAGMA user_version = 2");
+    expectNone(StoreNotRecognized);
+    // The number of another program says nothing about the tables.
+    store.Execute("PRAGMA application_id = 0");
     EXPECT_EQ(Perform(patient, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number"), Texts{"250"});
 }
 
