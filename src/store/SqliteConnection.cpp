@@ -37,6 +37,13 @@ decltype(auto) Engine(Use&& use) {
     }
 }
 
+// What readers still need stays in the log until a later time; the log begins anew, and is cut to its usual
+// size, with the first write after all of it was carried over. What it holds is safe there, so that a failure
+// to carry it over is nobody's.
+void CarryLogOver(sqlite3* engine) {
+    sqlite3_wal_checkpoint_v2(engine, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
+}
+
 // Over the engine's own interface: rows are read value by value, and the wrapper around it makes an object
 // that is shared, and counted, for each.
 class SqliteStatement : public Statement {
@@ -62,7 +69,15 @@ class SqliteStatement : public Statement {
                                       static_cast<int>(parameter.size()), SQLITE_STATIC));
         }
         since_.reset();
-        MoveNext();
+        int result = Step();
+        if (result == SQLITE_FULL) {
+            // The engine has taken back the whole statement. Where the log is what fills the disk, it begins
+            // anew once it is carried over.
+            Close();
+            CarryLogOver(database_);
+            result = Step();
+        }
+        Arrive(result);
         // The engine prepares anew by itself where another program has changed the tables, and their columns
         // may then stand in other places.
         if (sqlite3_stmt_status(statement_.get(), SQLITE_STMTSTATUS_REPREPARE, 0) != timesPreparedAnew_) {
@@ -72,15 +87,7 @@ class SqliteStatement : public Statement {
 
     [[nodiscard]] bool AtEnd() const override { return !onRow_; }
 
-    void MoveNext() override {
-        running_ = &since_;
-        const int result = sqlite3_step(statement_.get());
-        running_ = nullptr;
-        onRow_ = result == SQLITE_ROW;
-        if (!onRow_ && result != SQLITE_DONE) {
-            Require(result);
-        }
-    }
+    void MoveNext() override { Arrive(Step()); }
 
     [[nodiscard]] std::optional<std::string_view> Field(std::size_t column) const override {
         const auto position = static_cast<int>(column);
@@ -98,6 +105,20 @@ class SqliteStatement : public Statement {
     struct Finalize {
         void operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
     };
+
+    int Step() {
+        running_ = &since_;
+        const int result = sqlite3_step(statement_.get());
+        running_ = nullptr;
+        return result;
+    }
+
+    void Arrive(int result) {
+        onRow_ = result == SQLITE_ROW;
+        if (!onRow_ && result != SQLITE_DONE) {
+            Require(result);
+        }
+    }
 
     void NameColumns() {
         timesPreparedAnew_ = sqlite3_stmt_status(statement_.get(), SQLITE_STMTSTATUS_REPREPARE, 0);
@@ -222,7 +243,6 @@ void SqliteConnection::Flush() {
         return;
     }
     sqlite3* engine = database_.getHandle();
-    const bool diskFull = sqlite3_errcode(engine) == SQLITE_FULL;
     // Every commit has written its pages into the log by now, and what another program has carried over since
     // it synced first. So this sync completes what was written; it needs no lock and writes nothing.
     sqlite3_file* log = nullptr;
@@ -232,11 +252,8 @@ void SqliteConnection::Flush() {
             throw RuntimeError(ErrorNumber::StoreFailure, sqlite3_errstr(result), "SQLite");
         }
     }
-    if (logPages_ > LogPagesToKeep || diskFull) {
-        // What readers still need stays in the log until a later save; the log begins anew, and is cut to its
-        // usual size, with the first write after all of it was carried over. All is safe in the log already,
-        // so that a failure here is none of the save's.
-        sqlite3_wal_checkpoint_v2(engine, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
+    if (logPages_ > LogPagesToKeep) {
+        CarryLogOver(engine);
     }
 }
 
