@@ -27,7 +27,7 @@ int Column(sqlite3_stmt* statement, std::string_view name) {
 
 constexpr std::string_view AutoTypeText = "9";
 
-constexpr int LogPagesToKeep = 16384; // as the editor's connection
+constexpr int LogPagesToKeep = 4096; // as the editor's connection
 
 } // namespace
 
@@ -176,11 +176,9 @@ void RawStore::Perform(const std::vector<Performed>& commands) {
 
 void RawStore::Save(const std::vector<Performed>& commands) {
     Perform(commands);
-    // As many statements as the editor needs to have the whole save on disk.
-    Pragma("PRAGMA user_version");
-    Pragma("PRAGMA synchronous = FULL");
-    Pragma("PRAGMA user_version = 0");
-    Pragma("PRAGMA synchronous = NORMAL");
+    sqlite3_file* log = nullptr;
+    sqlite3_file_control(database_, nullptr, SQLITE_FCNTL_JOURNAL_POINTER, static_cast<void*>(&log));
+    Require(log->pMethods->xSync(log, SQLITE_SYNC_NORMAL) == SQLITE_OK);
     if (logPages_ > LogPagesToKeep) {
         Pragma("PRAGMA wal_checkpoint(PASSIVE)");
     }

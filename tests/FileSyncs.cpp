@@ -2,52 +2,39 @@
 
 #include <sqlite3.h>
 
-#include <array>
-#include <utility>
+#include <map>
 
 namespace KAL_AUTO_Node {
 
 namespace {
 
-enum Kind : std::size_t { Log, DatabaseFile, Other, KindCount };
+FileSyncs counts;
 
-std::array<int, KindCount> counts{};
+// An open file: the engine's own methods, and the same with an xSync that adds to a count.
+struct Counted {
+    const sqlite3_io_methods* plain;
+    sqlite3_io_methods counting;
+    int* count;
+};
 
-// The engine's own file methods, and the same with a counting xSync, for each kind of file.
-std::array<const sqlite3_io_methods*, KindCount> plain{};
-std::array<sqlite3_io_methods, KindCount> counting{};
-
-template <Kind kind>
-int Sync(sqlite3_file* file, int flags) {
-    ++counts[kind];
-    return plain[kind]->xSync(file, flags);
-}
-
-template <Kind kind>
-void Count(sqlite3_file* file) {
-    if (plain[kind] == nullptr) {
-        plain[kind] = file->pMethods;
-        counting[kind] = *file->pMethods;
-        counting[kind].xSync = &Sync<kind>;
-    }
-    if (file->pMethods == plain[kind]) {
-        file->pMethods = &counting[kind];
-    }
-}
-
-sqlite3_vfs system_{};
+std::map<sqlite3_file*, Counted> files;
 sqlite3_vfs countingSystem{};
 
+int Sync(sqlite3_file* file, int flags) {
+    ++*files.at(file).count;
+    return files.at(file).plain->xSync(file, flags);
+}
+
 int Open(sqlite3_vfs* /*system*/, sqlite3_filename name, sqlite3_file* file, int flags, int* outFlags) {
-    const int result = system_.xOpen(&system_, name, file, flags, outFlags);
+    sqlite3_vfs* const system = sqlite3_vfs_find("unix");
+    const int result = system->xOpen(system, name, file, flags, outFlags);
     if (result == SQLITE_OK) {
-        if (flags & SQLITE_OPEN_WAL) {
-            Count<Log>(file);
-        } else if (flags & SQLITE_OPEN_MAIN_DB) {
-            Count<DatabaseFile>(file);
-        } else {
-            Count<Other>(file);
-        }
+        int& count = flags & SQLITE_OPEN_WAL       ? counts.log
+                     : flags & SQLITE_OPEN_MAIN_DB ? counts.database
+                                                   : counts.other;
+        Counted& counted = files[file] = {file->pMethods, *file->pMethods, &count};
+        counted.counting.xSync = &Sync;
+        file->pMethods = &counted.counting;
     }
     return result;
 }
@@ -55,8 +42,7 @@ int Open(sqlite3_vfs* /*system*/, sqlite3_filename name, sqlite3_file* file, int
 } // namespace
 
 void StartCountingSyncs() {
-    system_ = *sqlite3_vfs_find(nullptr);
-    countingSystem = system_;
+    countingSystem = *sqlite3_vfs_find(nullptr);
     countingSystem.zName = "counting";
     countingSystem.xOpen = &Open;
     sqlite3_vfs_register(&countingSystem, 1);
@@ -65,7 +51,7 @@ void StartCountingSyncs() {
 FileSyncs SyncsOf(const std::function<void()>& work) {
     counts = {};
     work();
-    return {counts[Log], counts[DatabaseFile], counts[Other]};
+    return counts;
 }
 
 } // namespace KAL_AUTO_Node

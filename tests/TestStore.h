@@ -72,12 +72,15 @@ class TemporaryFolder {
 class TestStore {
   public:
     explicit TestStore(StoreContent content = StoreContent::Demo) {
-        programData_.Set(folder_.Path().string());
+        programData_.Set(Folder().string());
         CreateStore(File(), content);
     }
 
+    // Where all of it lies.
+    [[nodiscard]] const std::filesystem::path& Folder() const { return folder_.Path(); }
+
     [[nodiscard]] std::filesystem::path File() const {
-        return folder_.Path() / "Brevank" / "Parlon+" / "Database" / "NewDB.mdb";
+        return Folder() / "Brevank" / "Parlon+" / "Database" / "NewDB.mdb";
     }
 
     void Execute(const std::string& sql) const {

@@ -1,9 +1,21 @@
 #include "host/Arguments.h"
 
+#include <charconv>
+#include <string>
+
 namespace KAL_AUTO_Node {
 
-CLI::Option* AddNumber(CLI::App& command, const char* name, std::int16_t& number, const char* description) {
-    return command.add_option(name, number, description);
+// By itself the parser takes octal numbers and empty texts, too.
+CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::int16_t& number,
+                       const std::string& description) {
+    const auto read = [name, &number](const std::string& text) {
+        const char* const end = text.data() + text.size();
+        const auto [stop, failure] = std::from_chars(text.data(), end, number);
+        if (failure != std::errc() || stop != end) {
+            throw CLI::ValidationError(name, "'" + text + "' is no whole number from -32768 to 32767");
+        }
+    };
+    return command.add_option_function<std::string>(name, read, description)->type_name("");
 }
 
 void AddNode(CLI::App& command, NodeArguments& place) {

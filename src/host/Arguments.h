@@ -3,13 +3,15 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
+#include <string>
 
 namespace KAL_AUTO_Node {
 
 // What the commands take alike.
 
 // A whole number of 16 bits, in decimal.
-CLI::Option* AddNumber(CLI::App& command, const char* name, std::int16_t& number, const char* description);
+CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::int16_t& number,
+                       const std::string& description);
 
 struct NodeArguments {
     std::int16_t config = 0;

@@ -16,6 +16,9 @@ Subcommand InitCommand(CLI::App& program) {
                 const auto file = NativePath(GetNewDatabaseFile());
                 CreateStore(file, *demo ? StoreContent::Demo : StoreContent::Empty);
                 std::cout << "Created " << file.string() << '\n';
+                if (*demo) {
+                    std::cout << "Look at its first node: auto-node edit 1 2 1\n";
+                }
                 return 0;
             }};
 }

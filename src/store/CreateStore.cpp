@@ -1,12 +1,15 @@
 #include "store/CreateStore.h"
 
+#include "platform/NewFile.h"
 #include "platform/RuntimeError.h"
+#include "store/StoreFormat.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <sqlite3.h>
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include <memory>
+#include <new>
+#include <stdexcept>
 #include <string>
 
 namespace KAL_AUTO_Node {
@@ -21,42 +24,56 @@ constexpr const char* Demo =
 #include "store/Demo.inc"
     ;
 
-[[noreturn]] void Fail(const std::filesystem::path& file, const std::string& why) {
-    throw RuntimeError(ErrorNumber::StoreFailure, "Cannot create the store '" + file.string() + "': " + why);
+// The engine would take the journal of a store that is gone for one of the new store's.
+void RequireFree(const std::filesystem::path& file) {
+    for (const char* ending : {"", "-journal", "-wal"}) {
+        const std::filesystem::path other = file.string() + ending;
+        std::error_code ignored;
+        if (std::filesystem::exists(std::filesystem::symlink_status(other, ignored))) {
+            throw std::runtime_error("'" + other.filename().string() + "' exists already");
+        }
+    }
 }
 
-void CreateEmptyFile(const std::filesystem::path& file) {
-    std::error_code failure;
-    std::filesystem::create_directories(file.parent_path(), failure);
-    if (failure) {
-        Fail(file, failure.message());
+// A store as its file holds it, made in memory, so that no half of one ever lies on disk.
+std::string StoreImage(StoreContent content) {
+    SQLite::Database database(":memory:", SQLite::OPEN_READWRITE);
+    SQLite::Transaction all(database);
+    database.exec(Schema);
+    if (content == StoreContent::Demo) {
+        database.exec(Demo);
     }
-    // Exclusive, so that of two programs that start at once only one makes the store.
-    std::FILE* created = std::fopen(file.c_str(), "wbx");
-    if (created == nullptr) {
-        Fail(file, std::strerror(errno));
+    database.exec("PRAGMA application_id = " + std::to_string(StoreApplicationId));
+    database.exec("PRAGMA user_version = " + std::to_string(StoreVersion));
+    all.commit();
+
+    sqlite3_int64 size = 0;
+    const std::unique_ptr<unsigned char, void (*)(void*)> bytes(
+        sqlite3_serialize(database.getHandle(), "main", &size, 0), &sqlite3_free);
+    if (!bytes) {
+        throw std::bad_alloc();
     }
-    std::fclose(created);
+    std::string image(reinterpret_cast<const char*>(bytes.get()), static_cast<std::size_t>(size));
+    // The file format's numbers for who writes and who reads it: a write-ahead log, for readers and one
+    // writer side by side, and a save that reaches the disk in one go.
+    image[18] = image[19] = 2;
+    return image;
 }
 
 } // namespace
 
 void CreateStore(const std::filesystem::path& file, StoreContent content) {
-    CreateEmptyFile(file);
     try {
-        SQLite::Database database(file.string(), SQLite::OPEN_READWRITE);
-        // Readers and one writer side by side, and a save that reaches the disk in one go.
-        database.exec("PRAGMA journal_mode = WAL");
-        SQLite::Transaction all(database);
-        database.exec(Schema);
-        if (content == StoreContent::Demo) {
-            database.exec(Demo);
-        }
-        all.commit();
-    } catch (const SQLite::Exception& error) {
-        std::error_code ignored;
-        std::filesystem::remove(file, ignored);
-        Fail(file, error.what());
+        const std::string image = StoreImage(content);
+        RequireFree(file);
+        NewFolders folders(file.parent_path());
+        NewFile made(file);
+        made.Write(image);
+        made.Place();
+        folders.Keep();
+    } catch (const std::runtime_error& error) {
+        throw RuntimeError(ErrorNumber::StoreFailure,
+                           "Cannot create the store '" + file.string() + "': " + error.what());
     }
 }
 

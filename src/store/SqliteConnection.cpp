@@ -1,10 +1,12 @@
 #include "store/SqliteConnection.h"
 
 #include "platform/RuntimeError.h"
+#include "store/StoreFormat.h"
 
 #include <SQLiteCpp/Exception.h>
 #include <sqlite3.h>
 
+#include <utility>
 #include <vector>
 
 namespace KAL_AUTO_Node {
@@ -14,8 +16,16 @@ namespace {
 // Another program's write takes milliseconds; only a lock that lasts is worth reporting.
 constexpr int LockWaitMilliseconds = 1000;
 
-// Beyond this the log is worth carrying over into the file, 64 MiB with the usual pages.
-constexpr int LogPagesToKeep = 16384;
+// Beyond this the log is carried over into the file at the end of a save, 16 MiB with the usual pages: far
+// above what a save writes as a rule, and so little that nobody minds it.
+constexpr int LogPagesToKeep = 4096;
+constexpr const char* LogBytesToKeep = "PRAGMA journal_size_limit = 16777216";
+
+// A command takes milliseconds. One that works for this long comes to no end: another program can put a view
+// or a trigger into the store that runs for ever.
+constexpr std::chrono::seconds RunLimit(10);
+// How many of the engine's steps pass between two looks at the clock; a few milliseconds.
+constexpr int StepsBetweenLooks = 100'000;
 
 // Runs one use of the engine; its error becomes the component's.
 template <class Use>
@@ -27,17 +37,23 @@ decltype(auto) Engine(Use&& use) {
     }
 }
 
+// What readers still need stays in the log until a later time; the log begins anew, and is cut to its usual
+// size, with the first write after all of it was carried over. What it holds is safe there, so that a failure
+// to carry it over is nobody's.
+void CarryLogOver(sqlite3* engine) {
+    sqlite3_wal_checkpoint_v2(engine, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
+}
+
 // Over the engine's own interface: rows are read value by value, and the wrapper around it makes an object
 // that is shared, and counted, for each.
 class SqliteStatement : public Statement {
   public:
-    SqliteStatement(sqlite3* database, const std::string& sql) : database_(database) {
+    SqliteStatement(sqlite3* database, const std::string& sql, SqliteConnection::Since*& running)
+        : database_(database), running_(running) {
         sqlite3_stmt* statement = nullptr;
         Require(sqlite3_prepare_v2(database, sql.c_str(), static_cast<int>(sql.size()), &statement, nullptr));
         statement_.reset(statement);
-        for (int column = 0; column < sqlite3_column_count(statement); ++column) {
-            columns_.emplace_back(sqlite3_column_name(statement, column));
-        }
+        NameColumns();
     }
 
     [[nodiscard]] std::size_t ParameterCount() const override {
@@ -52,18 +68,26 @@ class SqliteStatement : public Statement {
             Require(sqlite3_bind_text(statement_.get(), ++position, parameter.data(),
                                       static_cast<int>(parameter.size()), SQLITE_STATIC));
         }
-        MoveNext();
+        since_.reset();
+        int result = Step();
+        if (result == SQLITE_FULL) {
+            // The engine has taken back the whole statement. Where the log is what fills the disk, it begins
+            // anew once it is carried over.
+            Close();
+            CarryLogOver(database_);
+            result = Step();
+        }
+        Arrive(result);
+        // The engine prepares anew by itself where another program has changed the tables, and their columns
+        // may then stand in other places.
+        if (sqlite3_stmt_status(statement_.get(), SQLITE_STMTSTATUS_REPREPARE, 0) != timesPreparedAnew_) {
+            NameColumns();
+        }
     }
 
     [[nodiscard]] bool AtEnd() const override { return !onRow_; }
 
-    void MoveNext() override {
-        const int result = sqlite3_step(statement_.get());
-        onRow_ = result == SQLITE_ROW;
-        if (!onRow_ && result != SQLITE_DONE) {
-            Require(result);
-        }
-    }
+    void MoveNext() override { Arrive(Step()); }
 
     [[nodiscard]] std::optional<std::string_view> Field(std::size_t column) const override {
         const auto position = static_cast<int>(column);
@@ -84,7 +108,34 @@ class SqliteStatement : public Statement {
         void operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
     };
 
+    int Step() {
+        running_ = &since_;
+        const int result = sqlite3_step(statement_.get());
+        running_ = nullptr;
+        return result;
+    }
+
+    void Arrive(int result) {
+        onRow_ = result == SQLITE_ROW;
+        if (!onRow_ && result != SQLITE_DONE) {
+            Require(result);
+        }
+    }
+
+    void NameColumns() {
+        timesPreparedAnew_ = sqlite3_stmt_status(statement_.get(), SQLITE_STMTSTATUS_REPREPARE, 0);
+        columns_.clear();
+        for (int column = 0; column < sqlite3_column_count(statement_.get()); ++column) {
+            columns_.emplace_back(sqlite3_column_name(statement_.get(), column));
+        }
+    }
+
     void Require(int result) const {
+        if (result == SQLITE_INTERRUPT) {
+            throw RuntimeError(ErrorNumber::StoreFailure,
+                               "Stopped after " + std::to_string(RunLimit.count()) + " seconds of work",
+                               "SQLite");
+        }
         if (result != SQLITE_OK) {
             throw RuntimeError(ErrorNumber::StoreFailure, sqlite3_errmsg(database_), "SQLite");
         }
@@ -92,7 +143,10 @@ class SqliteStatement : public Statement {
 
     sqlite3* database_;
     std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+    SqliteConnection::Since*& running_;
+    SqliteConnection::Since since_;
     bool onRow_ = false;
+    int timesPreparedAnew_ = 0;
     std::vector<std::string> columns_;
 };
 
@@ -103,45 +157,106 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file)
           return SQLite::Database(file.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX,
                                   LockWaitMilliseconds);
       })) {
-    Engine([this] {
-        writeAhead_ = database_.execAndGet("PRAGMA journal_mode").getString() == "wal";
-        if (writeAhead_) {
-            // A write-ahead log keeps the statements' order by itself, so that one sync, in Flush, covers
-            // them all. In a store with a rollback journal every statement has to sync for itself, as is the
-            // engine's default.
-            database_.exec("PRAGMA synchronous = NORMAL");
-            // The engine would carry the log over, and sync, in the middle of a save; the hook takes that
-            // over.
-            sqlite3_wal_hook(
-                database_.getHandle(),
-                [](void* connection, sqlite3*, const char*, int pages) {
-                    static_cast<SqliteConnection*>(connection)->logPages_ = pages;
-                    return SQLITE_OK;
-                },
-                this);
+    sqlite3* engine = database_.getHandle();
+    // What stands in the file is data, whoever wrote it: its views and triggers call nothing that does more
+    // than compute, and nothing that runs here can damage the file's own structure.
+    sqlite3_db_config(engine, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(engine, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_progress_handler(
+        engine, StepsBetweenLooks,
+        [](void* connection) {
+            Since* since = static_cast<SqliteConnection*>(connection)->running_;
+            if (since == nullptr) {
+                return 0;
+            }
+            const auto now = std::chrono::steady_clock::now();
+            if (!*since) {
+                *since = now;
+            }
+            return now - **since > RunLimit ? 1 : 0;
+        },
+        this);
+}
+
+SqliteConnection::~SqliteConnection() {
+    if (!writeAhead_) {
+        // Takes the journal that Recognizes asked to keep away, unless somebody writes.
+        database_.tryExec("PRAGMA journal_mode = DELETE");
+    }
+}
+
+bool SqliteConnection::Recognizes() {
+    return Engine([this] {
+        try {
+            writeAhead_ = database_.execAndGet("PRAGMA journal_mode").getString() == "wal";
+        } catch (const SQLite::Exception& error) {
+            if (error.getErrorCode() == SQLITE_NOTADB) {
+                return false;
+            }
+            throw;
         }
+        if (database_.execAndGet("PRAGMA application_id").getInt() == StoreApplicationId) {
+            const int version = database_.execAndGet("PRAGMA user_version").getInt();
+            if (version > StoreVersion) {
+                throw RuntimeError(ErrorNumber::StoreNotRecognized,
+                                   "The store is of version " + std::to_string(version) +
+                                       ", made by a newer program; this one knows stores up to version " +
+                                       std::to_string(StoreVersion));
+            }
+        }
+        if (!writeAhead_) {
+            // Every statement has to sync for itself here, as is the engine's default. A journal that stays
+            // between them spares making and removing a file, and syncing its folder, each time.
+            database_.exec("PRAGMA journal_mode = PERSIST");
+            return true;
+        }
+        // A write-ahead log keeps the statements' order by itself, so that one sync, in Flush, covers them
+        // all.
+        database_.exec("PRAGMA synchronous = NORMAL");
+        database_.exec(LogBytesToKeep);
+        // The engine would carry the log over, and sync, in the middle of a save; the hook takes that over.
+        sqlite3_wal_hook(
+            database_.getHandle(),
+            [](void* connection, sqlite3*, const char*, int pages) {
+                static_cast<SqliteConnection*>(connection)->logPages_ = pages;
+                return SQLITE_OK;
+            },
+            this);
+        return true;
     });
 }
 
+std::string SqliteConnection::FirstBytes(std::size_t count) {
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(database_.getHandle(), nullptr, SQLITE_FCNTL_FILE_POINTER,
+                         static_cast<void*>(&file));
+    std::string bytes(count, '\0');
+    // Filled up with NULs where the file is shorter.
+    const int result = file->pMethods->xRead(file, bytes.data(), static_cast<int>(count), 0);
+    return result == SQLITE_OK || result == SQLITE_IOERR_SHORT_READ ? bytes : std::string();
+}
+
 std::unique_ptr<Statement> SqliteConnection::Prepare(const std::string& sql) {
-    return std::make_unique<SqliteStatement>(database_.getHandle(), sql);
+    return std::make_unique<SqliteStatement>(database_.getHandle(), sql, running_);
 }
 
 void SqliteConnection::Flush() {
     if (!writeAhead_) {
         return;
     }
-    Engine([this] {
-        // The log is synced as part of a commit, and with it all that was committed before; the number
-        // written is the one that stands there.
-        const std::string version = database_.execAndGet("PRAGMA user_version").getString();
-        database_.exec("PRAGMA synchronous = FULL");
-        database_.exec("PRAGMA user_version = " + version);
-        database_.exec("PRAGMA synchronous = NORMAL");
-        if (logPages_ > LogPagesToKeep) {
-            database_.exec("PRAGMA wal_checkpoint(PASSIVE)");
+    sqlite3* engine = database_.getHandle();
+    // Every commit has written its pages into the log by now, and what another program has carried over since
+    // it synced first. So this sync completes what was written; it needs no lock and writes nothing.
+    sqlite3_file* log = nullptr;
+    sqlite3_file_control(engine, nullptr, SQLITE_FCNTL_JOURNAL_POINTER, static_cast<void*>(&log));
+    if (log != nullptr && log->pMethods != nullptr) {
+        if (const int result = log->pMethods->xSync(log, SQLITE_SYNC_NORMAL); result != SQLITE_OK) {
+            throw RuntimeError(ErrorNumber::StoreFailure, sqlite3_errstr(result), "SQLite");
         }
-    });
+    }
+    if (logPages_ > LogPagesToKeep) {
+        CarryLogOver(engine);
+    }
 }
 
 } // namespace KAL_AUTO_Node

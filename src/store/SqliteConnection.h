@@ -4,13 +4,26 @@
 
 #include <SQLiteCpp/Database.h>
 
+#include <chrono>
+
 namespace KAL_AUTO_Node {
 
 // The embedded engine: one file, shared with the suite's other programs through the file's own locks.
 class SqliteConnection : public Connection {
   public:
-    // The file must exist.
+    // When a run of a statement was first seen to last; none as long as it did not.
+    using Since = std::optional<std::chrono::steady_clock::time_point>;
+
+    // Opens the file, which must exist, and reads nothing yet.
     explicit SqliteConnection(const std::filesystem::path& file);
+    ~SqliteConnection() override;
+
+    // Whether the file is one of this engine's; only then the connection is ready for use. Raises
+    // StoreNotRecognized for a store of a version that is not known here yet.
+    [[nodiscard]] bool Recognizes();
+    // What a file begins with that is none of this engine's, so far as it goes. Read through the engine's own
+    // handle: to open and close a file beside it would take away every lock that this process has on it.
+    [[nodiscard]] std::string FirstBytes(std::size_t count);
 
     std::unique_ptr<Statement> Prepare(const std::string& sql) override;
     void Flush() override;
@@ -21,7 +34,8 @@ class SqliteConnection : public Connection {
   private:
     SQLite::Database database_;
     bool writeAhead_ = false;
-    int logPages_ = 0; // in the write-ahead log after the latest commit of this connection
+    int logPages_ = 0;         // in the write-ahead log after the latest commit of this connection
+    Since* running_ = nullptr; // of the statement that the engine is working on
 };
 
 } // namespace KAL_AUTO_Node

@@ -2,6 +2,7 @@
 // the numbers.
 
 #include "KAL_AUTO_Node/Business_Rules.h"
+#include "store/DataBase.h"
 
 #include <array>
 #include <cstdint>
@@ -24,7 +25,8 @@ int main(int argc, char** argv) {
         rules.ShowNodeEditor(config, partition, node);
         if (!rules.Opened()) {
             std::cerr << "auto-node: AUTO node " << node << " of configuration " << config << ", partition "
-                      << partition << " could not be opened as it should; see the messages shown\n";
+                      << partition << " could not be opened as it should from "
+                      << KAL_AUTO_Node::DataBase().File().string() << "; see the messages shown\n";
             return 1;
         }
     } catch (const std::exception& error) {

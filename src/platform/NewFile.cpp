@@ -1,0 +1,119 @@
+#include "platform/NewFile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <stdexcept>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+void Require(bool done) {
+    if (!done) {
+        // Without the name of the call that failed, which tells a person nothing.
+        throw std::runtime_error(std::generic_category().message(errno));
+    }
+}
+
+// Not every file system can, nor may everybody read every folder; the entry is there all the same.
+void SyncFolder(const std::filesystem::path& folder) {
+    try {
+        fsync(Descriptor(folder, O_RDONLY | O_DIRECTORY).Number());
+    } catch (const std::runtime_error&) {
+        return;
+    }
+}
+
+bool SameFile(int descriptor, const std::filesystem::path& name) {
+    struct stat one {};
+
+    struct stat other {};
+
+    return fstat(descriptor, &one) == 0 && lstat(name.c_str(), &other) == 0 && one.st_ino == other.st_ino &&
+           one.st_dev == other.st_dev;
+}
+
+} // namespace
+
+Descriptor::Descriptor(const std::filesystem::path& path, int flags)
+    : number_(open(path.c_str(), flags | O_CLOEXEC, 0666)) {
+    Require(number_ >= 0);
+}
+
+Descriptor::~Descriptor() { close(number_); }
+
+NewFolders::NewFolders(const std::filesystem::path& folder) {
+    try {
+        Make(folder);
+    } catch (...) {
+        TakeBack();
+        throw;
+    }
+}
+
+NewFolders::~NewFolders() { TakeBack(); }
+
+void NewFolders::Keep() {
+    for (const std::filesystem::path& folder : made_) {
+        SyncFolder(folder.parent_path());
+    }
+    made_.clear();
+}
+
+void NewFolders::Make(const std::filesystem::path& folder) {
+    std::error_code ignored;
+    if (folder.empty() || std::filesystem::is_directory(folder, ignored)) {
+        return;
+    }
+    Make(folder.parent_path());
+    if (mkdir(folder.c_str(), 0777) == 0) {
+        made_.push_back(folder);
+    } else {
+        // Another program may have made it meanwhile.
+        Require(errno == EEXIST && std::filesystem::is_directory(folder, ignored));
+    }
+}
+
+void NewFolders::TakeBack() {
+    for (; !made_.empty(); made_.pop_back()) {
+        rmdir(made_.back().c_str()); // not where somebody put something into it meanwhile
+    }
+}
+
+NewFile::NewFile(const std::filesystem::path& place)
+    : place_(place), name_(place.string() + ".new"), file_(name_, O_WRONLY | O_CREAT | O_NOFOLLOW) {
+    // The other one may also just have given the file its place.
+    if (flock(file_.Number(), LOCK_EX | LOCK_NB) != 0 || !SameFile(file_.Number(), name_)) {
+        throw std::runtime_error("another program is making it");
+    }
+}
+
+NewFile::~NewFile() {
+    if (!placed_) {
+        unlink(name_.c_str());
+    }
+}
+
+void NewFile::Write(std::string_view content) {
+    Require(ftruncate(file_.Number(), 0) == 0);
+    while (!content.empty()) {
+        const ssize_t written = write(file_.Number(), content.data(), content.size());
+        Require(written >= 0 || errno == EINTR);
+        content.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
+    }
+    Require(fsync(file_.Number()) == 0);
+}
+
+void NewFile::Place() {
+    placed_ = renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, place_.c_str(), RENAME_NOREPLACE) == 0;
+    // Not every file system knows that way.
+    Require(placed_ || (errno == EINVAL && link(name_.c_str(), place_.c_str()) == 0));
+    SyncFolder(place_.parent_path());
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+#include <vector>
+
+namespace KAL_AUTO_Node {
+
+// What goes wrong here is an exception derived from std::runtime_error.
+
+class Descriptor {
+  public:
+    Descriptor(const std::filesystem::path& path, int flags);
+    ~Descriptor();
+
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    [[nodiscard]] int Number() const noexcept { return number_; }
+
+  private:
+    int number_;
+};
+
+// A folder with those above it. Those that had to be made are taken back at the end, unless they are kept.
+class NewFolders {
+  public:
+    explicit NewFolders(const std::filesystem::path& folder);
+    ~NewFolders();
+
+    NewFolders(const NewFolders&) = delete;
+    NewFolders& operator=(const NewFolders&) = delete;
+
+    // From now on they outlast a power cut.
+    void Keep();
+
+  private:
+    void Make(const std::filesystem::path& folder);
+    void TakeBack();
+
+    std::vector<std::filesystem::path> made_;
+};
+
+// A file that is written under a name of its own and gets its place when it is whole. Of two programs that
+// make it at the same time one fails. What a killed one left is taken over by the next.
+class NewFile {
+  public:
+    explicit NewFile(const std::filesystem::path& place);
+    ~NewFile();
+
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    // The whole content; it is on disk when the call returns.
+    void Write(std::string_view content);
+    // Fails where something lies there already.
+    void Place();
+
+  private:
+    std::filesystem::path place_;
+    std::filesystem::path name_;
+    Descriptor file_;
+    bool placed_ = false;
+};
+
+} // namespace KAL_AUTO_Node
