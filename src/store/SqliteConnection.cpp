@@ -177,9 +177,14 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file)
 }
 
 SqliteConnection::~SqliteConnection() {
-    if (!writeAhead_) {
-        // Takes the journal that Recognizes asked to keep away, unless somebody writes.
-        database_.tryExec("PRAGMA journal_mode = DELETE");
+    try {
+        // Takes away the journal that Recognizes asked to keep. Not where the store has a write-ahead log, by
+        // now perhaps: it would lose it.
+        if (database_.execAndGet("PRAGMA journal_mode").getString() == "persist") {
+            database_.exec("PRAGMA journal_mode = DELETE");
+        }
+    } catch (const SQLite::Exception&) {
+        return; // somebody else is at work there
     }
 }
 
