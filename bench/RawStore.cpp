@@ -27,7 +27,7 @@ int Column(sqlite3_stmt* statement, std::string_view name) {
 
 constexpr std::string_view AutoTypeText = "9";
 
-constexpr int LogPagesToKeep = 4096; // as the editor's connection
+constexpr int LogPagesToKeep = 8192; // as the editor's connection
 
 } // namespace
 
@@ -35,8 +35,10 @@ RawStore::RawStore(const std::filesystem::path& file) {
     Require(sqlite3_open_v2(file.c_str(), &database_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) ==
             SQLITE_OK);
     sqlite3_busy_timeout(database_, 1000);
-    Pragma("PRAGMA journal_mode");
-    Pragma("PRAGMA synchronous = NORMAL");
+    for (const char* setting : {"PRAGMA journal_mode", "PRAGMA application_id", "PRAGMA user_version",
+                                "PRAGMA synchronous = NORMAL", "PRAGMA journal_size_limit = 33554432"}) {
+        Pragma(setting);
+    }
     // As the editor's connection, this one carries the log over at the end of a save alone.
     sqlite3_wal_hook(
         database_,

@@ -23,13 +23,9 @@ constexpr std::string_view Key = R"(SOFTWARE\Microsoft\Windows\CurrentVersion\Ex
 const std::string Version5 = "Windows Registry Editor Version 5.00\r\n\r\n";
 const std::string Section = "[HKEY_LOCAL_MACHINE\\" + std::string(Key) + "]\r\n";
 
+// As it lies in memory here, its low bytes first.
 std::string Utf16(std::u16string_view text) {
-    std::string bytes;
-    for (const char16_t unit : text) {
-        bytes += static_cast<char>(unit & 0xFF);
-        bytes += static_cast<char>(unit >> 8);
-    }
-    return bytes;
+    return {reinterpret_cast<const char*>(text.data()), 2 * text.size()};
 }
 
 class StoreLocation : public testing::Test {
@@ -192,16 +188,10 @@ TEST_F(StoreLocation, DamagedLinesCostNoMoreThanTheirOwnValue) {
                 "\"Next\"=\"whole\"\n"
                 "[HKEY_LOCAL_MACHINE\\Broken\n"
                 "\"Next\"=\"of nobody knows which key\"\n");
-    Expect({{"Open", {}},
-            {"Name", {}},
-            {"Number", {}},
-            {"Byte", {}},
-            {"Gap", {}},
-            {"Type", {}},
-            {"Kind", {}},
-            {"After", {}},
-            {"Cut", {}},
-            {"Next", "whole"s}});
+    for (const char* name : {"Open", "Name", "Number", "Byte", "Gap", "Type", "Kind", "After", "Cut"}) {
+        Expect({{name, {}}});
+    }
+    Expect({{"Next", "whole"s}});
 }
 
 TEST_F(StoreLocation, FirstConfigurationFolderThatHasTheFileWins) {

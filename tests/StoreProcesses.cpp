@@ -168,8 +168,9 @@ class Worker {
     }
 
     void Wrong(const std::string& what) {
-        ++figures_.wrong;
-        std::cerr << "process " << config_ - 100 << ": " << what << '\n';
+        if (++figures_.wrong <= 5) {
+            std::cerr << "process " << config_ - 100 << ": " << what << '\n';
+        }
     }
 
     int config_;
@@ -243,11 +244,16 @@ int main(int argc, char** argv) {
         return arguments.size() > at ? arguments[at] : otherwise;
     };
     using namespace KAL_AUTO_Node;
-    if (argument(1, "") == "work") {
-        Worker worker(std::stoi(arguments.at(3)), DataBase().File());
-        worker.Work(Clock::now() + std::chrono::seconds(std::stoi(arguments.at(2))));
-        worker.Tell(arguments.at(4));
-        return 0;
+    try {
+        if (argument(1, "") == "work") {
+            Worker worker(std::stoi(arguments.at(3)), DataBase().File());
+            worker.Work(Clock::now() + std::chrono::seconds(std::stoi(arguments.at(2))));
+            worker.Tell(arguments.at(4));
+            return 0;
+        }
+        return Run(arguments.at(0), argument(1, "3"), std::stoi(argument(2, "2")), argument(3, "WAL"));
+    } catch (const std::exception& error) {
+        std::cerr << arguments.at(0) << ": " << error.what() << '\n';
+        return 1;
     }
-    return Run(arguments.at(0), argument(1, "3"), std::stoi(argument(2, "2")), argument(3, "WAL"));
 }

@@ -16,10 +16,10 @@ namespace {
 // Another program's write takes milliseconds; only a lock that lasts is worth reporting.
 constexpr int LockWaitMilliseconds = 1000;
 
-// Beyond this the log is carried over into the file at the end of a save, 16 MiB with the usual pages: far
-// above what a save writes as a rule, and so little that nobody minds it.
-constexpr int LogPagesToKeep = 4096;
-constexpr const char* LogBytesToKeep = "PRAGMA journal_size_limit = 16777216";
+// Beyond this the log is carried over into the file at the end of a save, 32 MiB with the usual pages: above
+// what the saves of a long session write as a rule, and so little that nobody minds it.
+constexpr int LogPagesToKeep = 8192;
+constexpr const char* LogBytesToKeep = "PRAGMA journal_size_limit = 33554432";
 
 // A command takes milliseconds. One that works for this long comes to no end: another program can put a view
 // or a trigger into the store that runs for ever.
@@ -179,9 +179,14 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file)
 }
 
 SqliteConnection::~SqliteConnection() {
-    if (!writeAhead_) {
-        // Takes the journal that Recognizes asked to keep away, unless somebody writes.
-        database_.tryExec("PRAGMA journal_mode = DELETE");
+    try {
+        // Takes away the journal that Recognizes asked to keep. Not where the store has a write-ahead log, by
+        // now perhaps: it would lose it.
+        if (database_.execAndGet("PRAGMA journal_mode").getString() == "persist") {
+            database_.exec("PRAGMA journal_mode = DELETE");
+        }
+    } catch (const SQLite::Exception&) {
+        return; // somebody else is at work there
     }
 }
 
