@@ -19,7 +19,7 @@ EditorWindow::EditorWindow(const ComponentFactory& components)
 }
 
 void EditorWindow::ConnectHandlers() {
-    connect(&gui_, &GUI::Unload, this, &EditorWindow::Form_Unload, Qt::DirectConnection);
+    gui_.Unload = [this](bool& cancel) { Form_Unload(cancel); };
     connect(gui_.cmdApply, &QPushButton::clicked, this, &EditorWindow::cmdApply_Click);
     connect(gui_.cmdOK, &QPushButton::clicked, this, &EditorWindow::cmdOK_Click);
     connect(gui_.cmdCancel, &QPushButton::clicked, this, &EditorWindow::cmdCancel_Click);
@@ -168,18 +168,31 @@ void EditorWindow::ShowDuplicate(const QString& key) {
     }
 }
 
+template <class Body>
+void EditorWindow::Act(const QObject& control, Body&& body) {
+    const GUI::Acting acting(gui_);
+    Handle(control, "Click", std::forward<Body>(body));
+}
+
+template <class Body>
+void EditorWindow::Press(const QPushButton& button, Body&& body) {
+    if (!gui_.IsActing()) {
+        Act(button, std::forward<Body>(body));
+    }
+}
+
 void EditorWindow::cmdApply_Click() {
-    Handle(*gui_.cmdApply, "Click", [this] {
+    Press(*gui_.cmdApply, [this] {
         EndEditing();
         Save();
     });
 }
 
 void EditorWindow::cmdOK_Click() {
-    Handle(*gui_.cmdOK, "Click", [this] {
+    Press(*gui_.cmdOK, [this] {
         EndEditing();
         if (gui_.cmdApply->isEnabled()) {
-            cmdApply_Click();
+            Act(*gui_.cmdApply, [this] { Save(); });
         }
         if (!gui_.cmdApply->isEnabled()) {
             gui_.UnloadWindow();
@@ -188,7 +201,7 @@ void EditorWindow::cmdOK_Click() {
 }
 
 void EditorWindow::cmdCancel_Click() {
-    Handle(*gui_.cmdCancel, "Click", [this] {
+    Press(*gui_.cmdCancel, [this] {
         EndEditing();
         if (AskToSaveChanges() != QMessageBox::Cancel) {
             gui_.cmdApply->setEnabled(false);
@@ -198,7 +211,7 @@ void EditorWindow::cmdCancel_Click() {
 }
 
 void EditorWindow::Navigate(const QPushButton& button, int (*target)(int index, int last)) {
-    Handle(button, "Click", [&] {
+    Press(button, [&] {
         EndEditing();
         if (AskToSaveChanges() == QMessageBox::Cancel) {
             return;
@@ -214,7 +227,7 @@ void EditorWindow::Navigate(const QPushButton& button, int (*target)(int index, 
 }
 
 void EditorWindow::cmbNode_Click() {
-    Handle(*gui_.cmbNode, "Click", [this] {
+    Act(*gui_.cmbNode, [this] {
         EndEditing();
         PickList& selector = *gui_.cmbNode;
         const auto chosen = static_cast<std::int16_t>(selector.SelectedData());

@@ -51,6 +51,14 @@ class EditorWindow : public QObject {
     bool Save();
     void ShowDuplicate(const QString& key);
 
+    // Runs a handler that the window outlasts.
+    template <class Body>
+    void Act(const QObject& control, Body&& body);
+    // The same for a button, which does nothing while another handler or a long operation has not ended:
+    // assistive technology and a component's own event loop reach it also then.
+    template <class Body>
+    void Press(const QPushButton& button, Body&& body);
+
     void cmdApply_Click();
     void cmdOK_Click();
     void cmdCancel_Click();

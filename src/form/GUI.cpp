@@ -7,6 +7,7 @@
 #include "platform/ErrorReport.h"
 #include "platform/RuntimeError.h"
 
+#include <QApplication>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -357,12 +358,18 @@ void GUI::keyPressEvent(QKeyEvent* event) {
 }
 
 void GUI::reject() {
-    Reporting("ShowNodeEditor", [this] { UnloadWindow(); });
+    const QWidget* modal = QApplication::activeModalWidget();
+    if (!IsActing() && (modal == nullptr || modal == this)) {
+        Reporting("ShowNodeEditor", [this] { UnloadWindow(); });
+    }
 }
 
 bool GUI::UnloadWindow() {
     bool cancel = false;
-    emit Unload(cancel);
+    if (Unload) {
+        const Acting unloading(*this);
+        Unload(cancel);
+    }
     if (!cancel) {
         done(QDialog::Accepted);
     }

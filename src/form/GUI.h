@@ -18,6 +18,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -133,9 +134,26 @@ class GUI : public QDialog {
     ScratchList* lstNodeTypeID;
     ImageList* ImageList1;
 
-  signals:
-    // The window is about to close; a handler that sets cancel keeps it open as it is.
-    void Unload(bool& cancel);
+    // The window is about to close: sets cancel to keep it open as it is. No signal: it may fail, and an
+    // exception must not pass through the toolkit.
+    std::function<void(bool& cancel)> Unload;
+
+    // While one lives, something is under way that the window has to outlast: Escape, the close box and a
+    // host that closes all windows leave it open.
+    class Acting {
+      public:
+        explicit Acting(GUI& gui) : gui_(gui) { ++gui_.acting_; }
+
+        ~Acting() { --gui_.acting_; }
+
+        Acting(const Acting&) = delete;
+        Acting& operator=(const Acting&) = delete;
+
+      private:
+        GUI& gui_;
+    };
+
+    [[nodiscard]] bool IsActing() const noexcept { return acting_ > 0; }
 
   public slots:
     // Escape and the close box.
@@ -162,6 +180,7 @@ class GUI : public QDialog {
     void OrderTabs();
     [[nodiscard]] std::array<QWidget*, 2> Pickers(Slot slot) const;
 
+    int acting_ = 0;
     std::optional<NodeLists> nodeLists_;
     std::array<ReferenceEditors, SlotRules.size()> editors_{};
 };
