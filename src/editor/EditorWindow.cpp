@@ -1,5 +1,6 @@
 #include "editor/EditorWindow.h"
 
+#include "controls/LabelledPopup.h"
 #include "controls/Twips.h"
 #include "editor/Handler.h"
 #include "form/ValueBoxes.h"
@@ -16,6 +17,20 @@ EditorWindow::EditorWindow(const ComponentFactory& components)
     : components_(components), prompts_(gui_, components), actions_(gui_, components), exceptions_(gui_) {
     ConnectHandlers();
     WatchFocus();
+    LabelPopups();
+}
+
+void EditorWindow::LabelPopups() {
+    new LabelledPopup(*gui_.cmbNode, [this](int number) {
+        return rules_ ? rules_->LabelOfNode(gui_, AutoType, number) : QString();
+    });
+    for (std::size_t i = 0; i < SlotRules.size(); ++i) {
+        const auto slot = static_cast<Slot>(i);
+        new LabelledPopup(*gui_.NumberPicker(slot), [this, slot](int number) {
+            return rules_ ? rules_->LabelOfNode(gui_, gui_.NodePicker(slot)->SelectedData(), number)
+                          : QString();
+        });
+    }
 }
 
 void EditorWindow::ConnectHandlers() {

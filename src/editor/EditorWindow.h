@@ -40,6 +40,8 @@ class EditorWindow : public QObject {
 
     void ConnectHandlers();
     void WatchFocus();
+    // The pop-ups of nodes show what the nodes are called.
+    void LabelPopups();
 
     void Form_Unload(bool& cancel);
     long ListViewWindowProc(ListView& list, WindowMessage message);

@@ -14,7 +14,9 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
+#include <QScrollArea>
 
 #include <array>
 #include <cstdint>
@@ -32,6 +34,7 @@ class GUI : public QDialog {
 
   public:
     GUI();
+    ~GUI() override;
 
     // The node shown.
     std::int16_t ConfigID = 0;
@@ -161,6 +164,10 @@ class GUI : public QDialog {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    // Also how the toolkit takes the focus from a control that gets disabled.
+    bool focusNextPrevChild(bool next) override;
 
   private:
     struct ReferenceEditors {
@@ -178,9 +185,19 @@ class GUI : public QDialog {
     void CreateInPlaceEditors();
     void LayOut();
     void OrderTabs();
+    void MakeShortcuts();
+    // Notes where the focus was, for what comes back to it.
+    void FocusMoved(QWidget* from, QWidget* to);
+    // Gives the window and its exceptions list the sizes that the screen and the fonts ask for.
+    void FitScreen();
+    // The control that gets the focus of one that cannot keep it.
+    [[nodiscard]] QWidget* HeirOf(QWidget* control) const;
     [[nodiscard]] std::array<QWidget*, 2> Pickers(Slot slot) const;
 
     int acting_ = 0;
+    QScrollArea* upper_ = nullptr;
+    ListView* latestList_ = nullptr; // that had the focus, or one of its buttons
+    QPointer<QWidget> beforeApply_;  // what had the focus before Apply
     std::optional<NodeLists> nodeLists_;
     std::array<ReferenceEditors, SlotRules.size()> editors_{};
 };

@@ -8,8 +8,8 @@
 namespace KAL_AUTO_Node {
 
 // While a long operation runs: the upper part of the window takes no input and the status bar is there to
-// tell how far it is, and it cannot be closed. All are restored at its end, and the focus goes back to where the disabled frame took
-// it from.
+// tell how far it is, and it cannot be closed. All are restored at its end, and the focus goes back to where
+// the disabled frame took it from.
 class LongOperation {
   public:
     explicit LongOperation(GUI& gui) : gui_(gui), acting_(gui), focus_(gui.focusWidget()) {

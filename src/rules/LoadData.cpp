@@ -83,6 +83,11 @@ QString NodeRules::Label(const GUI& gui, std::string_view nodeTypeID, std::strin
     return node.AtEnd() ? QString() : FromUtf8(node.Field("NodeDescription").value_or(""));
 }
 
+QString NodeRules::LabelOfNode(const GUI& gui, int nodeTypeID, int nodeNumber) {
+    return Label(gui, std::to_string(RefersToMessage(nodeTypeID) ? MessageType : nodeTypeID),
+                 std::to_string(nodeNumber));
+}
+
 NodeRules::StoredReference NodeRules::ReadReference(const GUI& gui, const ResultSet& row,
                                                     const ReferenceColumns& columns, int numberlessType) {
     const std::string_view typeID = row.Text(columns.nodeTypeID);
