@@ -74,6 +74,7 @@ ListView* List(QWidget* parent, const char* name, const char* spokenName) {
 } // namespace
 
 GUI::GUI() {
+    OfferAccessibleInterfaces();
     setObjectName(QStringLiteral("GUI"));
     setWindowTitle(QStringLiteral("AUTO Node Editor"));
     setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint |
@@ -85,7 +86,6 @@ GUI::GUI() {
     LayOut();
     OrderTabs();
     MakeShortcuts();
-    OfferAccessibleInterfaces();
     connect(qApp, &QApplication::focusChanged, this, &GUI::FocusMoved);
 }
 
@@ -168,6 +168,7 @@ void GUI::CreateInPlaceEditors() {
     const auto rangeBox = [this](const char* name, const char* spokenName) {
         auto* box = Named(new QLineEdit(fraActions), name);
         box->setAccessibleName(QString::fromLatin1(spokenName));
+        connect(box, &QLineEdit::textChanged, this, [this, box] { ShowWhole(*box); });
         return box;
     };
     txtActionsDTMFRangeLow = rangeBox("txtActionsDTMFRangeLow", "First digits of the range");

@@ -190,6 +190,8 @@ class GUI : public QDialog {
     void FocusMoved(QWidget* from, QWidget* to);
     // Gives the window and its exceptions list the sizes that the screen and the fonts ask for.
     void FitScreen();
+    // Makes the digits of a box of fixed width as small as it takes to see all of them.
+    void ShowWhole(QLineEdit& box) const;
     // The control that gets the focus of one that cannot keep it.
     [[nodiscard]] QWidget* HeirOf(QWidget* control) const;
     [[nodiscard]] std::array<QWidget*, 2> Pickers(Slot slot) const;

@@ -110,7 +110,11 @@ void GUI::LayOut() {
     window->addWidget(upper_, 1);
     window->addLayout(buttons);
     FitScreen();
-    resize(QSize(1040, 700).expandedTo(minimumSize()).boundedTo(RoomOnScreen(*this)));
+    // The toolkit centres a dialog a little too high, before it knows the frame; the title must stay in
+    // sight.
+    constexpr int tooHigh = 40;
+    const QSize room = RoomOnScreen(*this);
+    resize(QSize(1040, 700).boundedTo({room.width(), room.height() - 2 * tooHigh}).expandedTo(minimumSize()));
 }
 
 void GUI::FitScreen() {
@@ -132,6 +136,22 @@ void GUI::FitScreen() {
         list->setMinimumWidth(ListWidth - given);
     }
     setMinimumSize((Frame1->minimumSizeHint() + beside).boundedTo(room));
+}
+
+void GUI::ShowWhole(QLineEdit& box) const {
+    constexpr int frameAndMargins = 10;
+    QFont digits = font();
+    const int needed = QFontMetrics(digits).horizontalAdvance(box.text());
+    const int room = box.width() - frameAndMargins;
+    if (needed > room && room > 0) {
+        const qreal shown = static_cast<qreal>(room) / needed;
+        if (digits.pixelSize() > 0) {
+            digits.setPixelSize(std::max(1, static_cast<int>(digits.pixelSize() * shown)));
+        } else {
+            digits.setPointSizeF(digits.pointSizeF() * shown);
+        }
+    }
+    box.setFont(digits);
 }
 
 void GUI::changeEvent(QEvent* event) {
