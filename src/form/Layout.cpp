@@ -129,13 +129,19 @@ void GUI::FitScreen() {
     for (ListView* list : {LVPrompts, LVActions, LVExceptions}) {
         list->setMinimumWidth(ListWidth);
     }
+    // The layouts learn of a changed size only when events are handled.
+    const auto content = [this] {
+        Frame1->layout()->invalidate();
+        Frame1->layout()->activate();
+        return Frame1->minimumSizeHint();
+    };
     // The label columns give what a narrow screen lacks.
-    const int lacking = Frame1->minimumSizeHint().width() + beside.width() - room.width();
+    const int lacking = content().width() + beside.width() - room.width();
     const int given = std::clamp((lacking + 1) / 2, 0, Pixels(1600 - 900));
     for (ListView* list : {LVPrompts, LVActions, LVExceptions}) {
         list->setMinimumWidth(ListWidth - given);
     }
-    setMinimumSize((Frame1->minimumSizeHint() + beside).boundedTo(room));
+    setMinimumSize((content() + beside).boundedTo(room));
 }
 
 void GUI::ShowWhole(QLineEdit& box) const {
