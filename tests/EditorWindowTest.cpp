@@ -1,10 +1,16 @@
 #include "Person.h"
 #include "TestStore.h"
 
+#include <QAccessible>
+
 namespace KAL_AUTO_Node {
 namespace {
 
 using enum QMessageBox::StandardButton;
+
+constexpr std::array Lists = {"Prompts", "Actions", "Exceptions"};
+
+std::string EditButton(const std::string& list) { return "cmd" + list + "Edit"; }
 
 bool IsOpen() { return Person::Window("GUI")->isVisible(); }
 
@@ -193,9 +199,138 @@ TEST_F(Editor, KeepsValueBoxesAtNumbersTheyMayHold) {
     }));
 }
 
-constexpr std::array Lists = {"Prompts", "Actions", "Exceptions"};
+// What a host, its components and its timers do while a call has not returned.
+TEST_F(Editor, OutlastsWhatItsHostDoesMeanwhile) {
+    const auto closeEverything = [] { QApplication::closeAllWindows(); };
+    store_.Execute("DELETE FROM Node_General_Pool WHERE NodeTypeID = 0 AND NodeNumber = 12");
 
-std::string EditButton(const std::string& list) { return "cmd" + list + "Edit"; }
+    struct HostDialog : ConfirmationDialog {
+        std::int32_t Ask(std::int16_t /*kind*/, const std::string& /*message*/, std::int32_t /*icon*/,
+                         std::int32_t /*buttons*/, const std::string& /*title*/) override {
+            for (const char* button : {"cmdCancel", "cmdOK", "cmdApply", "cmdNext"}) {
+                Person::Button(button)->click();
+            }
+            Person::Window("GUI")->close();
+            EXPECT_TRUE(IsOpen());
+            throw 5;
+        }
+    };
+
+    ComponentFactory factory;
+    factory.Register(ConfirmationDialog::Identifier, [] { return std::make_unique<HostDialog>(); });
+    Business_Rules rules(factory);
+    EXPECT_TRUE(person_.Edit(rules, 1, [&] {
+        rules.ShowNodeEditor(1, 2, 2);
+        EXPECT_EQ(Person::Text("cmbNode"), "AUTO 1") << "the call of before goes on";
+        Person::ClickRow("LVPrompts", 0);
+        Person::Press("cmdPromptsRemove");
+        Person::TypeLabel("Edited");
+        person_.LookAtBox = [&](QMessageBox& box) {
+            EXPECT_NE(box.parentWidget(), nullptr);
+            EXPECT_EQ(box.textFormat(), Qt::PlainText);
+            Person::Window("GUI")->close();
+            EXPECT_TRUE(IsOpen() && box.isVisible());
+            if (box.icon() == QMessageBox::Question) {
+                closeEverything();
+            }
+        };
+        Person::Press("cmdNext");
+        EXPECT_EQ(person_.Boxes(), std::vector<Box>{SaveQuestion()});
+        EXPECT_TRUE(IsOpen() && Person::Dirty());
+    }));
+    person_.LookAtBox = nullptr;
+    // A message of the preparation.
+    bool asked = false;
+    person_.LookAtBox = [&](QMessageBox&) {
+        if (!std::exchange(asked, true)) {
+            rules.ShowNodeEditor(1, 2, 2);
+        }
+    };
+    rules.ShowNodeEditor(1, 2, 25);
+    EXPECT_EQ(person_.Boxes(), std::vector<Box>{Information("AUTO 25 doesn't exist.")});
+    // A host deletes the window that a message belongs to.
+    auto* hosts = new QWidget;
+    hosts->show();
+    hosts->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(hosts));
+    person_.LookAtBox = [&](QMessageBox&) { delete std::exchange(hosts, nullptr); };
+    rules.ShowNodeEditor(1, 2, 25);
+    person_.Boxes();
+    EXPECT_FALSE(rules.Opened());
+}
+
+// Keys that the captions don't show act on the list used last.
+TEST_F(Editor, IsUsedWithoutAMouse) {
+    const auto press = [&](int key, Qt::KeyboardModifiers with = Qt::AltModifier) {
+        ASSERT_NE(QApplication::focusWidget(), nullptr);
+        QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(key), with);
+    };
+    EXPECT_TRUE(person_.Edit(8, [&] {
+        Person::WaitForFocus();
+        for (const auto& [key, list] : {std::pair{Qt::Key_1, "Prompts"}, {Qt::Key_2, "Actions"}}) {
+            press(key);
+            const std::string name = std::string("LV") + list;
+            EXPECT_EQ(Person::Focused(), name);
+            const int rows = Person::Count(name);
+            for (const auto& [deed, expected] : {std::pair{Qt::Key_A, rows + 1},
+                                                 {Qt::Key_I, rows + 2},
+                                                 {Qt::Key_R, rows + 1},
+                                                 {Qt::Key_U, rows + 1}}) {
+                press(deed);
+                EXPECT_EQ(Person::Count(name), expected) << list;
+            }
+            press(Qt::Key_E);
+            EXPECT_EQ(Person::Caption(EditButton(list)), "Edit Off");
+            press(Qt::Key_E);
+            EXPECT_EQ(Person::Caption(EditButton(list)), "Edit");
+        }
+    }));
+    EXPECT_TRUE(person_.Edit(8, [&] {
+        Person::WaitForFocus();
+        Person::TypeLabel("Edited");
+        // Apply keeps the focus where it was, also where it had it itself.
+        Person::TextBox("txtDescription")->setFocus();
+        press(Qt::Key_S, Qt::ControlModifier);
+        EXPECT_FALSE(Person::Dirty());
+        EXPECT_EQ(Person::Focused(), "txtDescription");
+        Person::TypeLabel("Again");
+        Person::Button("cmdApply")->setFocus(Qt::TabFocusReason);
+        press(Qt::Key_Space, {});
+        EXPECT_FALSE(Person::Dirty());
+        EXPECT_EQ(Person::Focused(), "txtDescription");
+        // At the last node one press too many changes and closes nothing.
+        press(Qt::Key_PageUp);
+        EXPECT_EQ(Person::Text("cmbNode"), "AUTO 7");
+        Person::Button("cmdLast")->setFocus(Qt::TabFocusReason);
+        for (int i = 0; i < 3; ++i) {
+            press(Qt::Key_Return, {});
+        }
+        EXPECT_TRUE(IsOpen() && !Person::Dirty());
+        EXPECT_EQ(Person::Focused(), "cmbNode");
+        EXPECT_EQ(Person::Text("cmbNode"), "AUTO 40");
+    }));
+}
+
+// What assistive technology hears.
+TEST_F(Editor, NamesItsBoxesAndReadsRowsWhole) {
+    EXPECT_TRUE(person_.Edit(1, [&] {
+        const auto spoken = [](const char* name) {
+            return QAccessible::queryAccessibleInterface(Person::Find<QWidget>(name));
+        };
+        for (const auto& [box, name, value] : {std::array{"cmbNode", "Node", "AUTO 1"},
+                                               {"cmbNumDigits", "Number of Digits", "3"},
+                                               {"cmbPromptsNode", "Prompt node type", ""}}) {
+            EXPECT_EQ(spoken(box)->text(QAccessible::Name), name);
+            EXPECT_EQ(spoken(box)->text(QAccessible::Value), value);
+        }
+        QAccessibleInterface* exceptions = spoken("LVExceptions");
+        ASSERT_EQ(exceptions->childCount(), 5);
+        EXPECT_EQ(exceptions->child(0)->text(QAccessible::Name), "Timeout, XFER 1, Operator");
+        Person::ClickRow("LVExceptions", 0);
+        EXPECT_TRUE(exceptions->child(0)->state().selected);
+        EXPECT_FALSE(exceptions->child(1)->state().selected);
+    }));
+}
 
 void Edit(const std::string& list) {
     Person::ClickRow("LV" + list, 0);

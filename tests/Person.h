@@ -15,6 +15,7 @@
 #include <QLocale>
 #include <QMessageBox>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QStatusBar>
@@ -324,7 +325,7 @@ class Person {
 
   private:
     void AnswerBox() {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        const QPointer<QMessageBox> box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (box == nullptr || !box->isVisible()) {
             return;
         }
@@ -332,6 +333,9 @@ class Person {
                           box->standardButtons()});
         if (LookAtBox) {
             LookAtBox(*box);
+        }
+        if (box == nullptr) {
+            return;
         }
         QAbstractButton* button = nullptr;
         if (!answers_.empty()) {

@@ -25,8 +25,11 @@ class KAL_AUTO_NODE_API Business_Rules {
 
     // Shows the editor on one node of a configuration's partition, modally, and returns when a person has
     // closed it. Node_Number 0 opens the partition's template node. Where the node isn't there, a message
-    // says so and no editor appears. What goes wrong is shown in message boxes; nothing is thrown. Everything
-    // that a person saves is in the store when the call returns.
+    // says so and no editor appears. What goes wrong is shown in message boxes. Everything that a person
+    // saves is in the store when the call returns. A call while the one before has not returned brings that
+    // one's window to the front.
+    // Throws an exception derived from std::runtime_error, and shows nothing, where the process has an
+    // application object that is no QApplication, or on another thread than that object's.
     void ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partition_ID, std::int16_t Node_Number);
 
     // Whether the latest call found all that the editor needs and showed the node.

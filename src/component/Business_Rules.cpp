@@ -2,9 +2,12 @@
 
 #include "desktop/ErrorReport.h"
 #include "editor/EditorWindow.h"
+#include "platform/RuntimeError.h"
 #include "rules/NodeRules.h"
 
 #include <QApplication>
+#include <QPointer>
+#include <QThread>
 
 namespace KAL_AUTO_Node {
 
@@ -14,24 +17,66 @@ namespace {
 // itself. One that is taken down at the process's end would race the host's own clean-up, so it is left
 // standing.
 void RequireApplication() {
-    if (QCoreApplication::instance() == nullptr) {
+    const QCoreApplication* application = QCoreApplication::instance();
+    if (application == nullptr) {
         static int count = 1;
         static char name[] = "KAL_AUTO_Node";
         static char* arguments[] = {name, nullptr};
         new QApplication(count, arguments);
+    } else if (qobject_cast<const QApplication*>(application) == nullptr) {
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                           "The editor needs a QApplication; the process has another application object");
+    } else if (application->thread() != QThread::currentThread()) {
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                           "The editor is shown on the thread of the QApplication only");
     }
 }
+
+// Sets a flag as long as it lives.
+class Flagged {
+  public:
+    explicit Flagged(bool& flag) : flag_(flag) { flag_ = true; }
+
+    ~Flagged() { flag_ = false; }
+
+    Flagged(const Flagged&) = delete;
+    Flagged& operator=(const Flagged&) = delete;
+
+  private:
+    bool& flag_;
+};
 
 } // namespace
 
 struct Business_Rules::Parts {
     explicit Parts(ComponentFactory factory) : components(std::move(factory)), rules(components) {}
 
+    ~Parts() { DropWindow(); }
+
+    Parts(const Parts&) = delete;
+    Parts& operator=(const Parts&) = delete;
+
+    void MakeWindow() {
+        DropWindow();
+        application = QCoreApplication::instance();
+        window = std::make_unique<EditorWindow>(components);
+    }
+
+    void DropWindow() {
+        // A window cannot be taken down any more where its application is gone.
+        if (window && application.isNull()) {
+            static_cast<void>(window.release());
+        }
+        window.reset();
+    }
+
     ComponentFactory components;
     NodeRules rules;
     // A window whose preparation failed stays loaded, unseen, until the next call or the object's end.
     std::unique_ptr<EditorWindow> window;
+    QPointer<QCoreApplication> application; // the window's
     bool opened = false;
+    bool showing = false; // ShowNodeEditor has not returned
 };
 
 Business_Rules::Business_Rules() : Business_Rules(ComponentFactory()) {}
@@ -46,17 +91,22 @@ bool Business_Rules::Opened() const noexcept { return parts_->opened; }
 void Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partition_ID,
                                     std::int16_t Node_Number) {
     RequireApplication();
-    if (parts_->window && parts_->window->Form().isVisible()) {
-        // The host's own events run while the editor is shown, and may ask for it again.
-        parts_->window->Form().activateWindow();
+    if (parts_->showing) {
+        // The host's own events run while the editor or one of its messages is shown, and may ask for it
+        // again.
+        if (QWidget* front = QApplication::activeModalWidget()) {
+            front->raise();
+            front->activateWindow();
+        }
         return;
     }
+    const Flagged showing(parts_->showing);
     parts_->opened = false;
     Reporting("ShowNodeEditor", [&] {
         NodeRules& rules = parts_->rules;
         rules.NewNodeFlag = Node_Number == 0;
 
-        parts_->window = std::make_unique<EditorWindow>(parts_->components);
+        parts_->MakeWindow();
         parts_->window->Form_Load();
         GUI& gui = parts_->window->Form();
         gui.CreateNodeLists();
@@ -86,7 +136,7 @@ void Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partiti
             gui.UnloadWindow();
         }
         gui.ReleaseNodeLists();
-        parts_->window.reset();
+        parts_->DropWindow();
     });
 }
 

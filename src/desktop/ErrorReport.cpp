@@ -3,13 +3,25 @@
 #include "desktop/MessageBox.h"
 #include "platform/RuntimeError.h"
 
+#include <exception>
+
 namespace KAL_AUTO_Node {
 
-void ShowErrorReport(const std::exception& error, const char* procedure) {
-    const auto* own = dynamic_cast<const RuntimeError*>(&error);
-    const QString source = own != nullptr ? QString::fromStdString(own->Source()) : QString(ComponentName);
-    MsgBox("Source: " + source + " - " + procedure + " \r\nDescription: " + QString::fromUtf8(error.what()),
-           QMessageBox::Warning, QMessageBox::Ok, QStringLiteral("Error"));
+void ShowErrorReport(const char* procedure) {
+    QString source(ComponentName);
+    QString description;
+    try {
+        throw;
+    } catch (const RuntimeError& error) {
+        source = QString::fromStdString(error.Source());
+        description = QString::fromUtf8(error.what());
+    } catch (const std::exception& error) {
+        description = QString::fromUtf8(error.what());
+    } catch (...) {
+        description = QStringLiteral("An error that does not say what it is");
+    }
+    MsgBox("Source: " + source + " - " + procedure + " \r\nDescription: " + description, QMessageBox::Warning,
+           QMessageBox::Ok, QStringLiteral("Error"));
 }
 
 } // namespace KAL_AUTO_Node

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <exception>
-
 namespace KAL_AUTO_Node {
 
-// Shows the common error report for an error that ended the procedure of that name.
-void ShowErrorReport(const std::exception& error, const char* procedure);
+// Shows the common error report for the error being handled, which ended the procedure of that name. It may
+// be of any type: a host's own components run inside the procedures.
+void ShowErrorReport(const char* procedure);
 
 // Runs a procedure's body. An error in it is reported and goes no further, so that the caller carries on with
 // its own next step; what the body holds (pointers, frames, result sets) is released before the report
@@ -15,8 +14,8 @@ bool Reporting(const char* procedure, Body&& body) {
     try {
         body();
         return true;
-    } catch (const std::exception& error) {
-        ShowErrorReport(error, procedure);
+    } catch (...) {
+        ShowErrorReport(procedure);
         return false;
     }
 }

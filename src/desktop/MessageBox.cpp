@@ -3,6 +3,7 @@
 #include "desktop/MousePointer.h"
 
 #include <QApplication>
+#include <QPointer>
 
 #include <optional>
 
@@ -15,12 +16,17 @@ QMessageBox::StandardButton MsgBox(const QString& text, QMessageBox::Icon icon,
     if (QGuiApplication::overrideCursor() != nullptr) {
         idle.emplace();
     }
-    QMessageBox box(icon, title, text, buttons, QApplication::activeWindow());
-    box.setTextFormat(Qt::PlainText);
-    box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // No window is active while another program is in front.
+    QWidget* const modal = QApplication::activeModalWidget();
+    // The host may delete the window above which the box stands, and with it the box.
+    const QPointer<QMessageBox> box =
+        new QMessageBox(icon, title, text, buttons, modal != nullptr ? modal : QApplication::activeWindow());
+    box->setTextFormat(Qt::PlainText);
+    box->setTextInteractionFlags(Qt::TextSelectableByMouse);
     // A host whose only visible window this is must not see it as its last one and quit.
-    box.setAttribute(Qt::WA_QuitOnClose, false);
-    const auto pressed = static_cast<QMessageBox::StandardButton>(box.exec());
+    box->setAttribute(Qt::WA_QuitOnClose, false);
+    const auto pressed = static_cast<QMessageBox::StandardButton>(box->exec());
+    delete box;
     if (pressed != QMessageBox::NoButton) {
         return pressed;
     }

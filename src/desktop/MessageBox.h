@@ -5,9 +5,10 @@
 
 namespace KAL_AUTO_Node {
 
-// The message box of the window system: modal above the active window, its text taken as it stands (never as
+// The message box of the window system: modal above the window in use, its text taken as it stands (never as
 // rich text: labels and engine messages may hold anything), under the normal mouse pointer. Returns the
-// button pressed; closing the box answers as its Cancel button or its only button would.
+// button pressed; closing the box, or
+// deleting the window that it belongs to, answers as its Cancel button or its only button would.
 QMessageBox::StandardButton MsgBox(const QString& text, QMessageBox::Icon icon,
                                    QMessageBox::StandardButtons buttons, const QString& title);
 

@@ -1,5 +1,6 @@
 #include "editor/EditorWindow.h"
 
+#include "controls/LabelledPopup.h"
 #include "controls/Twips.h"
 #include "desktop/MessageBox.h"
 #include "editor/Handler.h"
@@ -16,10 +17,24 @@ EditorWindow::EditorWindow(const ComponentFactory& components)
     : components_(components), prompts_(gui_, components), actions_(gui_, components), exceptions_(gui_) {
     ConnectHandlers();
     WatchFocus();
+    LabelPopups();
+}
+
+void EditorWindow::LabelPopups() {
+    new LabelledPopup(*gui_.cmbNode, [this](int number) {
+        return rules_ ? rules_->LabelOfNode(gui_, AutoType, number) : QString();
+    });
+    for (std::size_t i = 0; i < SlotRules.size(); ++i) {
+        const auto slot = static_cast<Slot>(i);
+        new LabelledPopup(*gui_.NumberPicker(slot), [this, slot](int number) {
+            return rules_ ? rules_->LabelOfNode(gui_, gui_.NodePicker(slot)->SelectedData(), number)
+                          : QString();
+        });
+    }
 }
 
 void EditorWindow::ConnectHandlers() {
-    connect(&gui_, &GUI::Unload, this, &EditorWindow::Form_Unload, Qt::DirectConnection);
+    gui_.Unload = [this](bool& cancel) { Form_Unload(cancel); };
     connect(gui_.cmdApply, &QPushButton::clicked, this, &EditorWindow::cmdApply_Click);
     connect(gui_.cmdOK, &QPushButton::clicked, this, &EditorWindow::cmdOK_Click);
     connect(gui_.cmdCancel, &QPushButton::clicked, this, &EditorWindow::cmdCancel_Click);
@@ -170,18 +185,31 @@ void EditorWindow::ShowDuplicate(const QString& key) {
     }
 }
 
+template <class Body>
+void EditorWindow::Act(const QObject& control, Body&& body) {
+    const GUI::Acting acting(gui_);
+    Handle(control, "Click", std::forward<Body>(body));
+}
+
+template <class Body>
+void EditorWindow::Press(const QPushButton& button, Body&& body) {
+    if (!gui_.IsActing()) {
+        Act(button, std::forward<Body>(body));
+    }
+}
+
 void EditorWindow::cmdApply_Click() {
-    Handle(*gui_.cmdApply, "Click", [this] {
+    Press(*gui_.cmdApply, [this] {
         EndEditing();
         Save();
     });
 }
 
 void EditorWindow::cmdOK_Click() {
-    Handle(*gui_.cmdOK, "Click", [this] {
+    Press(*gui_.cmdOK, [this] {
         EndEditing();
         if (gui_.cmdApply->isEnabled()) {
-            cmdApply_Click();
+            Act(*gui_.cmdApply, [this] { Save(); });
         }
         if (!gui_.cmdApply->isEnabled()) {
             gui_.UnloadWindow();
@@ -190,7 +218,7 @@ void EditorWindow::cmdOK_Click() {
 }
 
 void EditorWindow::cmdCancel_Click() {
-    Handle(*gui_.cmdCancel, "Click", [this] {
+    Press(*gui_.cmdCancel, [this] {
         EndEditing();
         if (AskToSaveChanges() != QMessageBox::Cancel) {
             gui_.cmdApply->setEnabled(false);
@@ -200,7 +228,7 @@ void EditorWindow::cmdCancel_Click() {
 }
 
 void EditorWindow::Navigate(const QPushButton& button, int (*target)(int index, int last)) {
-    Handle(button, "Click", [&] {
+    Press(button, [&] {
         EndEditing();
         if (AskToSaveChanges() == QMessageBox::Cancel) {
             return;
@@ -216,7 +244,7 @@ void EditorWindow::Navigate(const QPushButton& button, int (*target)(int index, 
 }
 
 void EditorWindow::cmbNode_Click() {
-    Handle(*gui_.cmbNode, "Click", [this] {
+    Act(*gui_.cmbNode, [this] {
         EndEditing();
         PickList& selector = *gui_.cmbNode;
         const auto chosen = static_cast<std::int16_t>(selector.SelectedData());

@@ -40,6 +40,8 @@ class EditorWindow : public QObject {
 
     void ConnectHandlers();
     void WatchFocus();
+    // The pop-ups of nodes show what the nodes are called.
+    void LabelPopups();
 
     void Form_Unload(bool& cancel);
     long ListViewWindowProc(ListView& list, WindowMessage message);
@@ -50,6 +52,14 @@ class EditorWindow : public QObject {
     // shown or is gone; tells the person. Returns whether it went ahead.
     bool Save();
     void ShowDuplicate(const QString& key);
+
+    // Runs a handler that the window outlasts.
+    template <class Body>
+    void Act(const QObject& control, Body&& body);
+    // The same for a button, which does nothing while another handler or a long operation has not ended:
+    // assistive technology and a component's own event loop reach it also then.
+    template <class Body>
+    void Press(const QPushButton& button, Body&& body);
 
     void cmdApply_Click();
     void cmdOK_Click();

@@ -1,17 +1,17 @@
 #include "form/GUI.h"
 
+#include "controls/Accessibility.h"
 #include "controls/ArrowIcon.h"
 #include "controls/CompactStyle.h"
+#include "controls/LabelledPopup.h"
 #include "controls/Twips.h"
 #include "desktop/ErrorReport.h"
 #include "form/Making.h"
 #include "platform/RuntimeError.h"
 
-#include <QGridLayout>
-#include <QHBoxLayout>
-#include <QKeyEvent>
+#include <QAbstractItemView>
+#include <QApplication>
 #include <QLineEdit>
-#include <QVBoxLayout>
 
 #include <algorithm>
 #include <iterator>
@@ -67,9 +67,6 @@ constexpr std::array<PickerNames, SlotRules.size()> PickerNamesOf = {{
 constexpr const char* EditCaption = "Edit";
 constexpr const char* EditOffCaption = "Edit Off";
 
-// The narrowest list in which every column has its given width.
-constexpr int ListWidth = Pixels(1600 * 3) + 24;
-
 // As wide as its longer caption, so that the list beside it stays as it is.
 QPushButton* EditButton(QWidget* parent, const char* name, const char* hint) {
     QPushButton* button = Button(parent, name, EditOffCaption, hint);
@@ -88,25 +85,13 @@ QPushButton* ArrowButton(QWidget* parent, const char* name, Arrow arrow, const c
 ListView* List(QWidget* parent, const char* name, const char* spokenName) {
     auto* list = Named(new ListView(parent), name);
     list->setAccessibleName(QString::fromLatin1(spokenName));
-    list->setMinimumWidth(ListWidth);
     return list;
-}
-
-// A list with its buttons in a column beside it.
-void LayOutList(QGroupBox* frame, ListView* list, std::initializer_list<QPushButton*> buttons) {
-    auto* row = new QHBoxLayout(frame);
-    row->addWidget(list, 1);
-    auto* column = new QVBoxLayout;
-    for (QPushButton* button : buttons) {
-        column->addWidget(button);
-    }
-    column->addStretch(1);
-    row->addLayout(column);
 }
 
 } // namespace
 
 GUI::GUI() {
+    OfferAccessibleInterfaces();
     setObjectName(QStringLiteral("GUI"));
     setWindowTitle(QStringLiteral("AUTO Node Editor"));
     setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowMinMaxButtonsHint |
@@ -117,7 +102,12 @@ GUI::GUI() {
     CreateInPlaceEditors();
     LayOut();
     OrderTabs();
+    MakeShortcuts();
+    connect(qApp, &QApplication::focusChanged, this, &GUI::FocusMoved);
 }
+
+// The toolkit moves the focus of what it takes down.
+GUI::~GUI() { disconnect(qApp, &QApplication::focusChanged, this, nullptr); }
 
 void GUI::CreateControls() {
     Frame1 = Named(new QFrame(this), "Frame1");
@@ -127,6 +117,11 @@ void GUI::CreateControls() {
     cmbNode = Named(new PickList(Frame1), "cmbNode");
     cmbNode->setAccessibleName(QStringLiteral("Node"));
     cmbNode->setMinimumContentsLength(12);
+    auto* listPopup = new ListPopupStyle;
+    listPopup->setParent(this);
+    cmbNode->setStyle(listPopup);
+    cmbNode->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    cmbNode->setMaxVisibleItems(20);
     cmdNext = ArrowButton(Frame1, "cmdNext", Arrow::Next, "Next node");
     cmdLast = ArrowButton(Frame1, "cmdLast", Arrow::Last, "Last node");
     lblRecordPosition = Named(new QLabel(QStringLiteral("n/m"), Frame1), "lblRecordPosition");
@@ -186,6 +181,7 @@ void GUI::CreateInPlaceEditors() {
     const auto rangeBox = [this](const char* name, const char* spokenName) {
         auto* box = Named(new QLineEdit(fraActions), name);
         box->setAccessibleName(QString::fromLatin1(spokenName));
+        connect(box, &QLineEdit::textChanged, this, [this, box] { ShowWhole(*box); });
         return box;
     };
     txtActionsDTMFRangeLow = rangeBox("txtActionsDTMFRangeLow", "First digits of the range");
@@ -208,91 +204,6 @@ void GUI::CreateInPlaceEditors() {
         editors_[i].node->setAccessibleName(QString::fromLatin1(spokenName) + " node type");
         editors_[i].number->setAccessibleName(QString::fromLatin1(spokenName) + " node number");
     }
-}
-
-void GUI::LayOut() {
-    auto* selector = new QHBoxLayout;
-    for (QWidget* control : {static_cast<QWidget*>(cmdFirst), static_cast<QWidget*>(cmdPrevious),
-                             static_cast<QWidget*>(cmbNode), static_cast<QWidget*>(cmdNext),
-                             static_cast<QWidget*>(cmdLast), static_cast<QWidget*>(lblRecordPosition)}) {
-        selector->addWidget(control);
-    }
-    selector->addStretch(1);
-
-    auto* values = new QGridLayout;
-    values->addWidget(Caption(Frame1, "lblLabel", "Label:", txtDescription), 0, 0);
-    values->addWidget(txtDescription, 0, 1, 1, 5);
-    values->addWidget(Caption(Frame1, "lblNumDigits", "Number of Digits:", cmbNumDigits), 1, 0);
-    values->addWidget(cmbNumDigits, 1, 1);
-    values->addWidget(Caption(Frame1, "lblTermDigit", "Terminating Digit:", cmbTermDigit), 1, 2);
-    values->addWidget(cmbTermDigit, 1, 3);
-    values->addWidget(Caption(Frame1, "lblRetryLimit", "Retry Limit:", cmbRetryLimit), 1, 4);
-    values->addWidget(cmbRetryLimit, 1, 5);
-    values->addWidget(Caption(Frame1, "lblSelTimeOut", "Selection Time Out(sec):", cmbSelTimeOut), 2, 0);
-    values->addWidget(cmbSelTimeOut, 2, 1);
-    values->addWidget(Caption(Frame1, "lblDigitTimeOut", "Digit Time Out(sec):", cmbDigitTimeOut), 2, 2);
-    values->addWidget(cmbDigitTimeOut, 2, 3);
-    for (const int column : {1, 3, 5}) {
-        values->setColumnStretch(column, 1);
-    }
-
-    LayOutList(fraPrompts, LVPrompts,
-               {cmdPromptsAdd, cmdPromptsInsert, cmdPromptsRemove, cmdPromptsEdit, cmdPromptsUp,
-                cmdPromptsDown, cmdQuickPrompts});
-    LayOutList(fraActions, LVActions,
-               {cmdActionsAdd, cmdActionsInsert, cmdActionsRemove, cmdActionsEdit, cmdActionsUp,
-                cmdActionsDown, cmdQuickActions});
-    LayOutList(fraExceptions, LVExceptions, {cmdExceptionsEdit, cmdExceptionsDefault});
-
-    auto* lists = new QGridLayout;
-    lists->addWidget(fraPrompts, 0, 0);
-    lists->addWidget(fraExceptions, 1, 0);
-    lists->addWidget(fraActions, 0, 1, 2, 1);
-    lists->setRowStretch(0, 1);
-
-    auto* upper = new QVBoxLayout(Frame1);
-    upper->setContentsMargins(0, 0, 0, 0);
-    upper->addLayout(selector);
-    upper->addLayout(values);
-    upper->addLayout(lists, 1);
-
-    auto* buttons = new QHBoxLayout;
-    // Beside the buttons, so that nothing moves when it comes and goes.
-    buttons->addWidget(StatusBar1, 1);
-    for (QPushButton* button : {cmdOK, cmdCancel, cmdApply}) {
-        buttons->addWidget(button);
-    }
-    cmdOK->setDefault(true);
-
-    auto* window = new QVBoxLayout(this);
-    window->addWidget(Frame1, 1);
-    window->addLayout(buttons);
-    resize(1040, 700);
-}
-
-void GUI::OrderTabs() {
-    std::vector<QWidget*> order = {cmdFirst,      cmdPrevious,    cmbNode,        cmdNext,
-                                   cmdLast,       txtDescription, cmbNumDigits,   cmbTermDigit,
-                                   cmbRetryLimit, cmbSelTimeOut,  cmbDigitTimeOut};
-    const auto append = [&](const auto& controls) { std::ranges::copy(controls, std::back_inserter(order)); };
-    // Each list is followed by the editors that float over it.
-    order.push_back(LVPrompts);
-    append(Pickers(Slot::Prompts));
-    append(std::initializer_list<QWidget*>{cmdPromptsAdd, cmdPromptsInsert, cmdPromptsRemove, cmdPromptsEdit,
-                                           cmdPromptsUp, cmdPromptsDown, cmdQuickPrompts, LVActions,
-                                           txtActionsDTMFRangeLow, txtActionsDTMFRangeHigh});
-    append(Pickers(Slot::Actions));
-    append(std::initializer_list<QWidget*>{cmdActionsAdd, cmdActionsInsert, cmdActionsRemove, cmdActionsEdit,
-                                           cmdActionsUp, cmdActionsDown, cmdQuickActions, LVExceptions});
-    for (const BranchRule& exception : BranchRules) {
-        append(Pickers(exception.slot));
-    }
-    append(
-        std::initializer_list<QWidget*>{cmdExceptionsEdit, cmdExceptionsDefault, cmdOK, cmdCancel, cmdApply});
-    for (std::size_t i = 1; i < order.size(); ++i) {
-        setTabOrder(order[i - 1], order[i]);
-    }
-    txtDescription->setFocus();
 }
 
 NodeLists& GUI::Lists() {
@@ -358,23 +269,19 @@ std::vector<QWidget*> GUI::InPlaceEditors() const {
     return editors;
 }
 
-void GUI::keyPressEvent(QKeyEvent* event) {
-    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    const bool editing =
-        IsEditing(*cmdPromptsEdit) || IsEditing(*cmdActionsEdit) || IsEditing(*cmdExceptionsEdit);
-    // The default button must not save and close while a row is edited.
-    if (!enter || !editing) {
-        QDialog::keyPressEvent(event);
-    }
-}
-
 void GUI::reject() {
-    Reporting("ShowNodeEditor", [this] { UnloadWindow(); });
+    const QWidget* modal = QApplication::activeModalWidget();
+    if (!IsActing() && (modal == nullptr || modal == this)) {
+        Reporting("ShowNodeEditor", [this] { UnloadWindow(); });
+    }
 }
 
 bool GUI::UnloadWindow() {
     bool cancel = false;
-    emit Unload(cancel);
+    if (Unload) {
+        const Acting unloading(*this);
+        Unload(cancel);
+    }
     if (!cancel) {
         done(QDialog::Accepted);
     }

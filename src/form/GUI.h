@@ -15,10 +15,13 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
+#include <QScrollArea>
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -32,6 +35,7 @@ class GUI : public QDialog {
 
   public:
     GUI();
+    ~GUI() override;
 
     // The node shown.
     std::int16_t ConfigID = 0;
@@ -134,9 +138,26 @@ class GUI : public QDialog {
 
     ImageList* ImageList1;
 
-  signals:
-    // The window is about to close; a handler that sets cancel keeps it open as it is.
-    void Unload(bool& cancel);
+    // The window is about to close: sets cancel to keep it open as it is. No signal: it may fail, and an
+    // exception must not pass through the toolkit.
+    std::function<void(bool& cancel)> Unload;
+
+    // While one lives, something is under way that the window has to outlast: Escape, the close box and a
+    // host that closes all windows leave it open.
+    class Acting {
+      public:
+        explicit Acting(GUI& gui) : gui_(gui) { ++gui_.acting_; }
+
+        ~Acting() { --gui_.acting_; }
+
+        Acting(const Acting&) = delete;
+        Acting& operator=(const Acting&) = delete;
+
+      private:
+        GUI& gui_;
+    };
+
+    [[nodiscard]] bool IsActing() const noexcept { return acting_ > 0; }
 
   public slots:
     // Escape and the close box.
@@ -144,6 +165,10 @@ class GUI : public QDialog {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    // Also how the toolkit takes the focus from a control that gets disabled.
+    bool focusNextPrevChild(bool next) override;
 
   private:
     struct ReferenceEditors {
@@ -161,8 +186,21 @@ class GUI : public QDialog {
     void CreateInPlaceEditors();
     void LayOut();
     void OrderTabs();
+    void MakeShortcuts();
+    // Notes where the focus was, for what comes back to it.
+    void FocusMoved(QWidget* from, QWidget* to);
+    // Gives the window and its exceptions list the sizes that the screen and the fonts ask for.
+    void FitScreen();
+    // Makes the digits of a box of fixed width as small as it takes to see all of them.
+    void ShowWhole(QLineEdit& box) const;
+    // The control that gets the focus of one that cannot keep it.
+    [[nodiscard]] QWidget* HeirOf(QWidget* control) const;
     [[nodiscard]] std::array<QWidget*, 2> Pickers(Slot slot) const;
 
+    int acting_ = 0;
+    QScrollArea* upper_ = nullptr;
+    ListView* latestList_ = nullptr; // that had the focus, or one of its buttons
+    QPointer<QWidget> beforeApply_;  // what had the focus before Apply
     std::optional<NodeLists> nodeLists_;
     std::array<ReferenceEditors, SlotRules.size()> editors_{};
 };

@@ -8,11 +8,11 @@
 namespace KAL_AUTO_Node {
 
 // While a long operation runs: the upper part of the window takes no input and the status bar is there to
-// tell how far it is. Both are restored at its end, and the focus goes back to where the disabled frame took
-// it from.
+// tell how far it is, and it cannot be closed. All are restored at its end, and the focus goes back to where
+// the disabled frame took it from.
 class LongOperation {
   public:
-    explicit LongOperation(GUI& gui) : gui_(gui), focus_(gui.focusWidget()) {
+    explicit LongOperation(GUI& gui) : gui_(gui), acting_(gui), focus_(gui.focusWidget()) {
         gui_.Frame1->setEnabled(false);
         gui_.StatusBar1->show();
     }
@@ -36,6 +36,7 @@ class LongOperation {
 
   private:
     GUI& gui_;
+    GUI::Acting acting_;
     QPointer<QWidget> focus_;
 };
 

@@ -1,6 +1,7 @@
 #include "form/QuickAssignForm.h"
 
 #include "form/Making.h"
+#include "form/Shortcuts.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -26,6 +27,10 @@ QuickAssignForm::QuickAssignForm(QWidget* parent) : QDialog(parent) {
         Button(this, "cmdRemove", "Remove", "Remove the rows of this type whose numbers are in the range");
     cmdClose = Button(this, "cmdClose", "Close", "Close and change nothing");
     cmdAdd->setDefault(true);
+    for (const auto& [button, key] :
+         {std::pair{cmdAdd, "Alt+A"}, {cmdRemove, "Alt+R"}, {cmdClose, "Alt+C"}}) {
+        PressOnKey(*button, key);
+    }
 
     auto* fields = new QGridLayout(fraNode);
     fields->addWidget(Caption(fraNode, "lblNode", "Node", cmbNodeTypes), 0, 0);

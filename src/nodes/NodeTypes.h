@@ -18,4 +18,9 @@ inline constexpr int UncheckedCommandMax = 999; // its numbers, for which the st
     return nodeTypeID == MessageOnType || nodeTypeID == MessageOffType;
 }
 
+// The type of the node that a reference of a type leads to.
+[[nodiscard]] constexpr int NodeTypeOf(int nodeTypeID) {
+    return RefersToMessage(nodeTypeID) ? MessageType : nodeTypeID;
+}
+
 } // namespace KAL_AUTO_Node

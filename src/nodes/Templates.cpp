@@ -59,8 +59,6 @@ std::string MessageFileName(int partition, int number) {
     return "P" + Padded(partition, 2) + "M" + Padded(number, 3) + ".wav";
 }
 
-int NodeTypeOf(int typeID) { return RefersToMessage(typeID) ? MessageType : typeID; }
-
 } // namespace
 
 Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int source, int destination,

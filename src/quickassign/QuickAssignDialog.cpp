@@ -1,5 +1,6 @@
 #include "quickassign/QuickAssignDialog.h"
 
+#include "controls/LabelledPopup.h"
 #include "desktop/MousePointer.h"
 #include "platform/NumericValue.h"
 #include "rules/Rows.h"
@@ -23,6 +24,11 @@ QuickAssignDialog::QuickAssignDialog(GUI& gui, const ComponentFactory& component
     connect(form_.cmdRemove, &QPushButton::clicked, this, [this] {
         Apply(&QuickAssignDialog::RemovePromptsRange, &QuickAssignDialog::RemoveActionsRange);
     });
+    for (NumberBox* box : {form_.cmbFrom, form_.cmbTo}) {
+        new LabelledPopup(*box, [this](int number) {
+            return rules_.LabelOfNode(gui_, form_.cmbNodeTypes->SelectedData(), number);
+        });
+    }
     connect(form_.cmdClose, &QPushButton::clicked, &form_, &QDialog::reject);
 }
 

@@ -121,4 +121,8 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
     return loaded && exists;
 }
 
+QString NodeRules::LabelOfNode(const GUI& gui, int nodeTypeID, int nodeNumber) {
+    return FromUtf8(LabelOf(dataBase_, PartitionOf(gui), NodeTypeOf(nodeTypeID), nodeNumber));
+}
+
 } // namespace KAL_AUTO_Node

@@ -43,6 +43,9 @@ class NodeRules {
     // there and was loaded. Needs the reference lists.
     bool LoadData(GUI& gui, std::int16_t nodeNumber);
 
+    // The label of a node that can be referred to; empty where it has none. Has no report of its own.
+    QString LabelOfNode(const GUI& gui, int nodeTypeID, int nodeNumber);
+
     // The lists of the Quick Assign dialog: the types offered for prompts or for actions, and the numbers of
     // the type chosen. These have no report of their own.
     static void LoadQuickAssignPromptsTypes(const GUI& gui, QuickAssignForm& form);

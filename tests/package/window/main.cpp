@@ -6,6 +6,7 @@
 #include <KAL_AUTO_Node/Business_Rules.h>
 #include <cstdint>
 #include <iostream>
+#include <stdexcept>
 
 // A host that has no QApplication. Qt serves only to look at what the library shows and to close it.
 
@@ -43,11 +44,27 @@ bool Shows(std::int16_t node, const QString& expected, bool opened) {
     return false;
 }
 
+// Where the process has an application without windows, the editor cannot be shown; it says so.
+bool RefusesWithoutWindows() {
+    int count = 1;
+    char name[] = "host";
+    char* arguments[] = {name, nullptr};
+    const QCoreApplication application(count, arguments);
+    KAL_AUTO_Node::Business_Rules rules;
+    try {
+        rules.ShowNodeEditor(1, 2, 1);
+        return false;
+    } catch (const std::runtime_error&) {
+        return true;
+    }
+}
+
 } // namespace
 
 int main() {
+    const bool refused = RefusesWithoutWindows();
     qAddPreRoutine(WatchModalWindows);
     const bool missing = Shows(25, "AUTO 25 doesn't exist.", false);
     const bool present = Shows(1, "AUTO Node Editor", true);
-    return missing && present ? 0 : 1;
+    return refused && missing && present ? 0 : 1;
 }
