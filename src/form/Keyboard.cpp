@@ -43,7 +43,10 @@ void GUI::MakeShortcuts() {
          {std::pair{LVPrompts, "Alt+1"}, {LVActions, "Alt+2"}, {LVExceptions, "Alt+3"}}) {
         list->header()->setToolTip(list->accessibleName());
         NameKey(*list->header(), key);
-        OnKey(*this, key, [list = list] { list->setFocus(Qt::ShortcutFocusReason); });
+        OnKey(*this, key, [this, list = list] {
+            list->setFocus(Qt::ShortcutFocusReason);
+            upper_->ensureWidgetVisible(list);
+        });
     }
     for (const auto& [button, key] : {std::pair{cmdFirst, "Alt+Home"},
                                       {cmdPrevious, "Alt+PgUp"},
