@@ -226,7 +226,15 @@ void ListView::keyPressEvent(QKeyEvent* event) {
 
 void ListView::mouseReleaseEvent(QMouseEvent* event) {
     QTreeView::mouseReleaseEvent(event);
+    if (std::exchange(doubleClicked_, false)) {
+        emit ItemDoubleClick();
+    }
     emit MouseUp();
+}
+
+void ListView::mouseDoubleClickEvent(QMouseEvent* event) {
+    QTreeView::mouseDoubleClickEvent(event);
+    doubleClicked_ = event->button() == Qt::LeftButton && indexAt(event->position().toPoint()).isValid();
 }
 
 void ListView::resizeEvent(QResizeEvent* event) {

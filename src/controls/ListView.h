@@ -94,7 +94,9 @@ class ListView : public QTreeView {
   signals:
     // A person clicked a row or moved to one with the keyboard.
     void ItemClick(int row);
-    // A person released a mouse button; follows the ItemClick of the same click.
+    // A person double-clicked a row; comes with the release of the button, as its press takes the focus.
+    void ItemDoubleClick();
+    // A person released a mouse button; follows the other signals of the same click.
     void MouseUp();
     // A person pressed a key, or typed a character, while the list had the focus. KeyDown comes before the
     // list's own handling.
@@ -110,6 +112,7 @@ class ListView : public QTreeView {
     selectionCommand(const QModelIndex& index, const QEvent* event = nullptr) const override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
@@ -122,6 +125,7 @@ class ListView : public QTreeView {
 
     ListRows* rows_;
     WindowProcedure procedure_;
+    bool doubleClicked_ = false; // the button is still down
 };
 
 } // namespace KAL_AUTO_Node

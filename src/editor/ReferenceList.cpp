@@ -32,7 +32,7 @@ ReferenceList::ReferenceList(GUI& gui, Controls controls, Rules rules, std::vect
     connect(&List(), &ListView::ItemClick, this, &ReferenceList::ItemClick);
     connect(&List(), &ListView::MouseUp, this, [this] { Handle(List(), "MouseUp", [this] { MouseUp(); }); });
     connect(&List(), &ListView::Rearranged, this, &ReferenceList::Follow);
-    connect(&List(), &QAbstractItemView::doubleClicked, this, &ReferenceList::BeginEditing);
+    connect(&List(), &ListView::ItemDoubleClick, this, &ReferenceList::EditSelectedItem);
     List().installEventFilter(this);
     for (const Slot slot : slots_) {
         connect(gui_.NodePicker(slot), &ComboBox::Click, this, [this, slot] { NodeClick(slot); });
@@ -56,7 +56,6 @@ void ReferenceList::Edit_Click() {
             open_ = QPersistentModelIndex();
         } else {
             if (const int row = List().SelectedItem(); row >= 0) {
-                List().Select(row);
                 ItemClick(row);
             }
             emit EditingBegan();
@@ -65,8 +64,11 @@ void ReferenceList::Edit_Click() {
     });
 }
 
-void ReferenceList::BeginEditing() {
-    if (!Editing() && List().SelectedItem() >= 0) {
+void ReferenceList::EditSelectedItem() {
+    const int row = List().SelectedItem();
+    if (row >= 0 && Editing()) {
+        ItemClick(row);
+    } else if (row >= 0) {
         Edit_Click();
     }
 }
@@ -100,7 +102,7 @@ void ReferenceList::ItemClick(int row) {
     Handle(List(), "ItemClick", [&] {
         (gui_.*rules_.resetColumns)();
         if (Editing()) {
-            List().EnsureVisible(row);
+            List().Select(row);
             try {
                 OpenEditors(row);
             } catch (...) {
@@ -285,22 +287,20 @@ bool ReferenceList::eventFilter(QObject* watched, QEvent* event) {
     if (!begins && key != Qt::Key_Escape) {
         return QObject::eventFilter(watched, event);
     }
+    if (onList && begins) {
+        EditSelectedItem();
+        return true;
+    }
     if (!Editing()) {
-        if (onList && begins) {
-            BeginEditing();
-            return true;
-        }
         return QObject::eventFilter(watched, event);
     }
-    if (!onList) {
+    if (onList) {
+        Edit_Click();
+    } else {
         if (key == Qt::Key_Escape) {
             RestoreRow();
         }
         LeaveEditors();
-    } else if (key == Qt::Key_Escape) {
-        Edit_Click();
-    } else if (const int row = List().SelectedItem(); row >= 0) {
-        ItemClick(row);
     }
     return true;
 }

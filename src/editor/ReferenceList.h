@@ -93,8 +93,8 @@ class ReferenceList : public QObject {
     // may end edit mode.
     void HideEditors(QWidget& heir);
     void ItemClick(int row);
-    // Switches edit mode on, where a row is there to edit.
-    void BeginEditing();
+    // Opens the editors on the selected item; switches edit mode on for that.
+    void EditSelectedItem();
     void OpenEditors(int row);
     void NumberClick(Slot slot);
     void RefuseNodeType(int row);
