@@ -41,11 +41,12 @@ TEST_F(QuickAssign, OffersTypesOfTheListWithTheirNumbers) {
             EXPECT_EQ(Person::Combo("cmbFrom")->count(), 250);
         });
         // The numbers are those of the store at that time.
-        store_.Execute("UPDATE Node_Type_Max SET Max_Number = 300 WHERE PartitionID = 2 AND NodeType_ID = 0");
+        store_.Execute(
+            "UPDATE Node_Type_Max SET Max_Number = 2147483647 WHERE PartitionID = 2 AND NodeType_ID = 0");
         person_.InQuickAssign("cmdQuickActions", [] {
             EXPECT_EQ(Person::Window("frmQuickAssign")->windowTitle(), "Quick Actions Editor for AUTO 12");
             EXPECT_EQ(Person::Combo("cmbNodeTypes")->count(), Person::Combo("cmbActionsNode")->count());
-            for (const auto& [type, last] : {std::pair{"M_ON", 300}, {"SPEAK", 999}, {"DTMF", 30}}) {
+            for (const auto& [type, last] : {std::pair{"M_ON", 32767}, {"SPEAK", 999}, {"DTMF", 30}}) {
                 Person::Choose("cmbNodeTypes", type);
                 EXPECT_EQ(Person::Combo("cmbFrom")->count(), last) << type;
                 EXPECT_EQ(Person::Combo("cmbTo")->count(), last) << type;
