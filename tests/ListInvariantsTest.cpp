@@ -16,6 +16,7 @@ using Strings = std::vector<std::string>;
 enum Kind { P, A, E, None };
 
 const Strings Kinds{"Prompts", "Actions", "Exceptions"};
+const std::string LowBox = "txtActionsDTMFRangeLow";
 const Strings Exceptions{"Timeout", "Invalid", "Abort", "Star", "Pound"};
 
 // Of the types used here, as the test limits them.
@@ -61,9 +62,14 @@ class RandomPerson {
         Person::MarkUnchanged();
         changed_ = false;
         selected_.reset();
+        focus_.clear();
+        marked_.reset();
         const auto list = editing_ != None && Below(2) == 0 ? editing_ : static_cast<Kind>(Below(3));
         (this->*OneOf(open_ >= 0 && Below(2) == 0 ? editing : browsing))(list);
     }
+
+    // What the last operation was.
+    [[nodiscard]] const std::string& Last() const { return last_; }
 
     void Check() {
         for (const Kind list : {P, A, E}) {
@@ -87,6 +93,14 @@ class RandomPerson {
             ASSERT_EQ(Person::SelectedRows(List(selected_->first)), selected_->second);
         }
         ASSERT_EQ(Person::Dirty(), changed_);
+        if (boxes_.empty() && !focus_.empty()) {
+            ASSERT_EQ(Person::Focused(), focus_);
+        }
+        if (open_ >= 0 && editing_ == A && marked_) {
+            const QLineEdit* low = Person::TextBox(LowBox);
+            ASSERT_EQ(low->selectedText(), *marked_ ? low->text() : "");
+            ASSERT_EQ(low->cursorPosition(), low->text().size());
+        }
         ASSERT_EQ(person_.Boxes(), std::exchange(boxes_, {}));
         CheckEditors();
     }
@@ -113,7 +127,7 @@ class RandomPerson {
     void Focus(Kind list) {
         if (editing_ != None && editing_ != list) {
             editing_ = None;
-            open_ = -1;
+            open_ = begun_ = -1;
             changed_ = true;
         }
     }
@@ -132,30 +146,25 @@ class RandomPerson {
             const QPoint place = node->mapToGlobal(node->rect().center());
             ASSERT_EQ(view->indexAt(view->viewport()->mapFromGlobal(place)).row(), open_);
             ASSERT_EQ(Current(editing_), open_) << "the editors would write to another row";
+            ASSERT_EQ(Person::SelectedRows(List(editing_)), std::vector{open_});
             ASSERT_EQ(node->width(), row.Numberless() ? 111 : 65);
             ASSERT_EQ(Person::Text(Editor("Node")), row.name);
             if (Types.at(row.name).last > 0) {
-                ASSERT_EQ(Person::Text(Editor("Number")), refused_.empty() ? row.number : refused_);
+                ASSERT_EQ(Person::Text(Editor("Number")), row.number);
             }
             open.insert(Editor("Node"));
             if (!row.Numberless()) {
                 open.insert(Editor("Number"));
             }
             if (editing_ == A) {
-                open.insert({"txtActionsDTMFRangeLow", "txtActionsDash", "txtActionsDTMFRangeHigh"});
+                open.insert({LowBox, "txtActionsDash", "txtActionsDTMFRangeHigh"});
             }
         }
         ASSERT_EQ(Person::OpenEditors(), open);
     }
 
-    // Prompts and exceptions take a number only while the row is highlighted, too.
-    bool TakesNumber() {
-        return editing_ == A || std::ranges::count(Person::SelectedRows(List(editing_)), open_) > 0;
-    }
-
     void TakeType(const std::string& name) {
         Row& row = At(editing_, open_);
-        refused_.clear();
         row.name = name;
         if (row.Numberless() || std::stoi(row.number) > Types.at(name).last) {
             row.number = "1";
@@ -167,16 +176,20 @@ class RandomPerson {
 
     void Open(int row) {
         open_ = row;
-        refused_.clear();
-        before_ = At(editing_, row);
-        const bool available = before_.name != "TABLE" && before_.name != "LIST";
-        if (available && (editing_ != P || before_.name != "EMPTY")) {
-            TakeType(before_.name);
+        if (begun_ != row) {
+            begun_ = row;
+            before_ = At(editing_, row);
         }
-        const bool numbered = std::stoi(At(editing_, row).number) <= Types.at(before_.name).last;
-        if (!available || (!numbered && (editing_ == A || !before_.Numberless()))) {
+        const Row was = At(editing_, row);
+        const bool available = was.name != "TABLE" && was.name != "LIST";
+        if (available && (editing_ != P || was.name != "EMPTY")) {
+            TakeType(was.name);
+        }
+        const bool numbered = std::stoi(At(editing_, row).number) <= Types.at(was.name).last;
+        focus_ = editing_ == A ? LowBox : Editor("Node");
+        if (!available || (!numbered && (editing_ == A || !was.Numberless()))) {
             boxes_.push_back(Information("Please check the \"Max Number of each Node\" Section for " +
-                                         before_.name + " Node in Partition Settings."));
+                                         was.name + " Node in Partition Settings."));
             open_ = -1;
         }
     }
@@ -191,9 +204,13 @@ class RandomPerson {
         Row& row = At(editing_, open_);
         if (const int last = Types.at(row.name).last; last > 0) {
             const std::string number = std::to_string(Below(last) + 1);
-            Person::Choose(Editor("Number"), number);
-            refused_ = TakesNumber() ? "" : number;
-            row.number = TakesNumber() ? number : row.number;
+            if (Below(2) == 0) {
+                Person::Choose(Editor("Number"), number);
+            } else {
+                // As assistive technology does; what is not offered is corrected.
+                Person::Combo(Editor("Number"))->lineEdit()->setText(QString::fromStdString(number + "x"));
+            }
+            row.number = number;
         }
     }
 
@@ -204,7 +221,8 @@ class RandomPerson {
         if (key == Qt::Key_Escape) {
             At(editing_, open_) = before_;
         }
-        open_ = -1;
+        open_ = begun_ = -1;
+        focus_ = List(editing_);
     }
 
     void Selected(Kind list, int row) { selected_ = {list, {row}}; }
@@ -230,12 +248,12 @@ class RandomPerson {
         }
         if (!selected.empty()) {
             changed_ = true;
-            // The editors stay on a row that is left and is the selected item afterwards.
-            const bool run = selected.back() - selected.front() == static_cast<int>(selected.size()) - 1;
-            const bool left = run && (open_ < selected.front() || open_ > selected.back());
-            const int place = open_ > selected.back() ? open_ - static_cast<int>(selected.size()) : open_;
+            // In edit mode it is one row, and the one under the editors where they are open.
+            if (editing_ == list) {
+                open_ = -1;
+                begun_ = begun_ == selected.front() ? -1 : begun_ - (begun_ > selected.front() ? 1 : 0);
+            }
             const int next = selected.size() == 1 ? selected.front() : 0;
-            open_ = left && place == std::min(next, Size(list) - 1) ? place : -1;
             if (Size(list) > 0) {
                 Selected(list, std::min(next, Size(list) - 1));
             }
@@ -248,17 +266,20 @@ class RandomPerson {
                             : Strings{"Edit", "Add", "Insert", "Remove", "Up", "Down"});
         const std::vector<int> selected = Person::SelectedRows(List(list));
         const bool one = selected.size() == 1;
-        Person::Press(Button(list, action));
+        last_ = Button(list, action);
+        Person::Press(last_);
         if (editing_ == list && action != "Edit") {
             return;
         }
         Focus(list);
         changed_ = changed_ || (action != "Remove" && (action != "Insert" || list == A || one));
         if (action == "Edit") {
-            editing_ = editing_ == list ? None : list;
-            open_ = -1;
-            if (const int row = Current(list); editing_ == list && row >= 0) {
-                Open(row);
+            if (editing_ == list) {
+                editing_ = None;
+                open_ = begun_ = -1;
+                focus_ = Button(list, action);
+            } else {
+                BeginEditing(list);
             }
         } else if (action == "Default") {
             for (Row& row : rows_[E]) {
@@ -275,17 +296,34 @@ class RandomPerson {
         }
     }
 
+    void BeginEditing(Kind list) {
+        editing_ = list;
+        if (const int row = Current(list); row >= 0) {
+            Open(row);
+            marked_ = true;
+        }
+    }
+
     void PressKey(Kind list) {
-        const Qt::Key key = OneOf(std::vector{Qt::Key_A, Qt::Key_Delete});
+        const Qt::Key key =
+            OneOf(std::vector{Qt::Key_A, Qt::Key_Delete, Qt::Key_Return, Qt::Key_Enter, Qt::Key_F2});
         const std::vector<int> selected = Person::SelectedRows(List(list));
+        last_ = List(list) + QKeySequence(key).toString().toStdString();
         Person::List(List(list))->setFocus();
         QTest::keyClick(Person::List(List(list)), key,
                         key == Qt::Key_A ? Qt::ControlModifier : Qt::NoModifier);
         Focus(list);
-        if (list != E && key == Qt::Key_Delete) {
-            Remove(list, selected);
-        } else if (list != E && editing_ != list) {
-            EXPECT_EQ(static_cast<int>(Person::SelectedRows(List(list)).size()), Size(list));
+        if (key == Qt::Key_Delete) {
+            if (list != E) {
+                Remove(list, selected);
+            }
+        } else if (key == Qt::Key_A) {
+            const bool all = list != E && editing_ != list;
+            EXPECT_EQ(Person::SelectedRows(List(list)).size(),
+                      all ? static_cast<std::size_t>(Size(list)) : selected.size());
+        } else if (Current(list) >= 0) {
+            changed_ = changed_ || editing_ != list;
+            BeginEditing(list);
         }
     }
 
@@ -295,7 +333,18 @@ class RandomPerson {
             return;
         }
         const int row = Below(Size(list));
-        const std::string way = OneOf(Strings{"click", "click", "control", "right", "drag"});
+        const std::string way =
+            OneOf(Strings{"click", "click", "double", "beside", "control", "right", "drag"});
+        last_ = List(list) + " " + way + " " + std::to_string(row);
+        if (way == "beside") {
+            QWidget* rows = Person::List(List(list))->viewport();
+            const QPoint place(5, rows->height() - 2);
+            if (!Person::List(List(list))->indexAt(place).isValid()) {
+                QTest::mouseClick(rows, Qt::LeftButton, {}, place);
+                Focus(list);
+            }
+            return;
+        }
         if (way == "drag") {
             Person::DragRow(List(list), row > 0 ? row - 1 : 1, row);
         } else {
@@ -303,8 +352,20 @@ class RandomPerson {
                              way == "right" ? Qt::RightButton : Qt::LeftButton);
         }
         Focus(list);
-        if (editing_ == list && (way == "click" || way == "control")) {
+        if (way == "double") {
+            if (editing_ == list) {
+                Open(row); // by its first click
+            }
+            QWidget* rows = Person::List(List(list))->viewport();
+            QTest::mouseDClick(rows, Qt::LeftButton, {}, Person::InRow(List(list), row));
+            QTest::mouseRelease(rows, Qt::LeftButton, {}, Person::InRow(List(list), row));
+            changed_ = changed_ || editing_ != list;
+            editing_ = list;
             Open(row);
+            marked_ = false;
+        } else if (editing_ == list && (way == "click" || way == "control")) {
+            Open(row);
+            marked_ = false;
         } else if (editing_ == list && (way == "drag" || row != open_)) {
             open_ = -1;
         }
@@ -314,12 +375,15 @@ class RandomPerson {
     std::mt19937 random_;
     std::array<std::vector<Row>, 3> rows_;
     Kind editing_ = None;
-    int open_ = -1;        // the row under the editors
-    std::string refused_;  // the number in their box, where the row did not take it
-    Row before_;           // as it was when they were opened
-    bool changed_ = false; // by the last operation
+    int open_ = -1;                                             // the row under the editors
+    int begun_ = -1;                                            // the row that Escape takes back,
+    Row before_;                                                // and as what
+    std::string focus_;                                         // where the last operation put it
+    std::optional<bool> marked_;                                // whether it selected the low box's text
+    bool changed_ = false;                                      // by the last operation
     std::optional<std::pair<Kind, std::vector<int>>> selected_; // by it, and that alone
     std::vector<Box> boxes_;
+    std::string last_;
 };
 
 TEST(ListInvariants, HoldInAnyOrderOfOperations) {
@@ -341,7 +405,8 @@ TEST(ListInvariants, HoldInAnyOrderOfOperations) {
             Person::Window("GUI")->activateWindow();
             Person::WaitForFocus();
             random.Step();
-            SCOPED_TRACE("KAL_TEST_SEED=" + std::to_string(seed) + ", deed " + std::to_string(deed));
+            SCOPED_TRACE("KAL_TEST_SEED=" + std::to_string(seed) + ", deed " + std::to_string(deed) +
+                         ", last " + random.Last());
             random.Check();
         }
     }));

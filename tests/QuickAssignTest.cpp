@@ -41,11 +41,12 @@ TEST_F(QuickAssign, OffersTypesOfTheListWithTheirNumbers) {
             EXPECT_EQ(Person::Combo("cmbFrom")->count(), 250);
         });
         // The numbers are those of the store at that time.
-        store_.Execute("UPDATE Node_Type_Max SET Max_Number = 300 WHERE PartitionID = 2 AND NodeType_ID = 0");
+        store_.Execute(
+            "UPDATE Node_Type_Max SET Max_Number = 2147483647 WHERE PartitionID = 2 AND NodeType_ID = 0");
         person_.InQuickAssign("cmdQuickActions", [] {
             EXPECT_EQ(Person::Window("frmQuickAssign")->windowTitle(), "Quick Actions Editor for AUTO 12");
             EXPECT_EQ(Person::Combo("cmbNodeTypes")->count(), Person::Combo("cmbActionsNode")->count());
-            for (const auto& [type, last] : {std::pair{"M_ON", 300}, {"SPEAK", 999}, {"DTMF", 30}}) {
+            for (const auto& [type, last] : {std::pair{"M_ON", 32767}, {"SPEAK", 999}, {"DTMF", 30}}) {
                 Person::Choose("cmbNodeTypes", type);
                 EXPECT_EQ(Person::Combo("cmbFrom")->count(), last) << type;
                 EXPECT_EQ(Person::Combo("cmbTo")->count(), last) << type;
@@ -54,12 +55,49 @@ TEST_F(QuickAssign, OffersTypesOfTheListWithTheirNumbers) {
                  {std::tuple{"cmbFrom", "250", "25"}, {"cmbFrom", "x", "1"}, {"cmbTo", "31", "3"}}) {
                 Person::TypeOver(box, typed);
                 EXPECT_EQ(Person::Text(box), left) << typed;
+                Person::Choose(box, "7");
+                Person::Combo(box)->lineEdit()->setText(typed);
+                EXPECT_EQ(Person::Text(box), left) << typed << " by assistive technology";
             }
         });
     });
 }
 
+TEST_F(QuickAssign, AnInputMethodComposesNumbers) {
+    Edit(7, [&] {
+        person_.InQuickAssign("cmdQuickActions", [] {
+            QComboBox* from = Person::Combo("cmbFrom");
+            Person::Type(from, "1");
+            from->lineEdit()->selectAll();
+            for (const auto& [composed, finished, left] : {std::tuple{"3", "", ""},
+                                                           {"30", "", ""},
+                                                           {"", "30", "30"},
+                                                           {"x", "", "30"},
+                                                           {"", "", "30"}}) {
+                QInputMethodEvent event(composed, {});
+                event.setCommitString(finished);
+                QApplication::sendEvent(from, &event);
+                EXPECT_EQ(from->currentText(), left) << composed;
+            }
+            EXPECT_TRUE(from->lineEdit()->inputMethodHints().testFlag(Qt::ImhDigitsOnly));
+        });
+    });
+}
+
 TEST_F(QuickAssign, AddsARowForEachNumber) {
+    // Another program left the placeholder before a prompt.
+    store_.Execute("UPDATE Detail_AUTO_Prompts SET NodeTypeID = 999, NodeType = 'EMPTY', NodeNumber = 1"
+                   " WHERE PartID = 2 AND NodeMasterID = 5 AND SequenceNo = 1;"
+                   "INSERT INTO Detail_AUTO_Prompts (ConfigID, PartID, NodeMasterID, SequenceNo, NodeTypeID,"
+                   " NodeType, NodeNumber) VALUES (1, 2, 5, 2, 0, 'MSG', 9)");
+    Edit(5, [&] {
+        ASSERT_EQ(Person::Cell("LVPrompts", 0, 2), "EMPTY");
+        Person::Press("cmdPromptsAdd");
+        Assign("Prompts", "MSG", 3, 3, "cmdAdd");
+        EXPECT_EQ(Rows("LVPrompts").size(), 3U);
+        EXPECT_EQ(Person::Key("LVPrompts", 0) + Person::Row("LVPrompts", 0).substr(0, 9), "1a1|1|MSG 9");
+        EXPECT_EQ(Person::Key("LVPrompts", 2) + Person::Row("LVPrompts", 2), "3a3|3|MSG 3||MSG|0|3");
+    });
     Edit(7, [&] {
         Assign("Prompts", "MSG", 5, 3, "cmdAdd");
         EXPECT_EQ(Rows("LVPrompts"), Strings{"1a 1|1|EMPTY||EMPTY|999|1"});
@@ -82,7 +120,11 @@ TEST_F(QuickAssign, RemovesByNameAndNumber) {
         " (1, 2, 2, 3, 0, 'MSG', 2), (1, 2, 2, 4, 0, 'MSG', 1)");
     Edit(2, [&] {
         Assign("Prompts", "MSG", 10, 2, "cmdRemove");
+        Person::ClickRow("LVPrompts", 1);
+        Person::ClickRow("LVPrompts", 3, Qt::ControlModifier);
         Assign("Prompts", "MSG", 2, 10, "cmdRemove");
+        EXPECT_EQ(Person::SelectedRows("LVPrompts"), (std::vector{0, 1}));
+        EXPECT_EQ(Person::List("LVPrompts")->currentIndex().row(), 1);
         EXPECT_EQ(Rows("LVPrompts"), (Strings{"1a 1|1|msg 4||msg|817|4", "2a 2|2|MSG 1|Goodbye|MSG|0|1"}));
         Person::ClickRow("LVPrompts", 0);
         Person::Press("cmdPromptsRemove");

@@ -3,8 +3,11 @@
 #include "platform/RuntimeError.h"
 
 #include <QAbstractListModel>
+#include <QApplication>
+#include <QKeyEvent>
 #include <QListView>
 #include <QSignalBlocker>
+#include <QTimer>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -88,6 +91,56 @@ void ComboBox::wheelEvent(QWheelEvent* event) {
     } else {
         event->ignore();
     }
+}
+
+void ComboBox::keyPressEvent(QKeyEvent* event) {
+    if (!event->isAutoRepeat()) {
+        held_ = event->key();
+    } else if (event->key() != held_) {
+        return;
+    }
+    QComboBox::keyPressEvent(event);
+}
+
+void ComboBox::keyReleaseEvent(QKeyEvent* event) {
+    if (!event->isAutoRepeat()) {
+        held_ = 0;
+    }
+    QComboBox::keyReleaseEvent(event);
+}
+
+void ComboBox::focusOutEvent(QFocusEvent* event) {
+    held_ = 0;
+    QComboBox::focusOutEvent(event);
+}
+
+void ComboBox::showPopup() {
+    qApp->installEventFilter(this);
+    QComboBox::showPopup();
+}
+
+void ComboBox::hidePopup() {
+    QComboBox::hidePopup();
+    // Not before the key that closed it has come everywhere.
+    QTimer::singleShot(0, this, [this] {
+        if (!view()->isVisible()) {
+            qApp->removeEventFilter(this);
+        }
+    });
+}
+
+bool ComboBox::eventFilter(QObject* watched, QEvent* event) {
+    const auto* receiver = qobject_cast<QWidget*>(watched);
+    if (receiver != nullptr &&
+        (event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride) &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape && receiver->window() != view()->window()) {
+        if (view()->isVisible()) {
+            hidePopup();
+        }
+        event->accept();
+        return true;
+    }
+    return QComboBox::eventFilter(watched, event);
 }
 
 PickList::PickList(QWidget* parent) : ComboBox(parent), entries_(new EntryModel(this)) {

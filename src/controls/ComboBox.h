@@ -33,8 +33,20 @@ class ComboBox : public QComboBox {
 
     void RequireEntry(int index) const;
 
-    // A wheel that passes over the box while the person scrolls something else must not change a value.
+    // A wheel that passes over the box while the person scrolls something else must not change a value, and
+    // neither must a key that was pressed elsewhere and is still held down when the box gets the focus.
     void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+    // Some window systems give the Escape that closes the pop-up to the window, too; it ends there.
+    void showPopup() override;
+    void hidePopup() override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    int held_ = 0; // the key pressed here and not released yet
 };
 
 class EntryModel;

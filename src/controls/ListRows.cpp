@@ -115,11 +115,12 @@ void ListRows::Remove(std::span<const int> rows) {
         static_cast<void>(At(row));
     }
     const bool contiguous = rows.back() - rows.front() == static_cast<int>(rows.size()) - 1;
-    // Views keep their place over one run of rows; over many they are faster told to look again.
+    // One run after the other would take a time that grows with the square of their number. Of a change of
+    // layout that is none of the columns', their header keeps out.
     if (contiguous) {
         beginRemoveRows({}, rows.front(), rows.back());
     } else {
-        beginResetModel();
+        emit layoutAboutToBeChanged({}, VerticalSortHint);
     }
     auto next = rows.begin();
     auto kept = static_cast<std::size_t>(rows.front());
@@ -134,9 +135,19 @@ void ListRows::Remove(std::span<const int> rows) {
     rows_.resize(kept);
     if (contiguous) {
         endRemoveRows();
-    } else {
-        endResetModel();
+        return;
     }
+    const QModelIndexList before = persistentIndexList();
+    QModelIndexList after;
+    for (const QModelIndex& index : before) {
+        const auto removed = std::ranges::lower_bound(rows, index.row());
+        const bool gone = removed != rows.end() && *removed == index.row();
+        after.append(
+            gone ? QModelIndex()
+                 : this->index(index.row() - static_cast<int>(removed - rows.begin()), index.column()));
+    }
+    changePersistentIndexList(before, after);
+    emit layoutChanged({}, VerticalSortHint);
 }
 
 void ListRows::Renumber(int from, int alsoColumn) {

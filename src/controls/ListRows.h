@@ -22,7 +22,8 @@ class ListRows : public QAbstractTableModel {
     void SetCell(int row, int column, const QString& text);
     void Insert(int row, ListRow content);
     void Append(std::vector<ListRow> rows);
-    // Takes out rows given in ascending order, in one step.
+    // Takes out rows given in ascending order, in one step. Over more than one run of rows the views see a
+    // change of layout.
     void Remove(std::span<const int> rows);
     void Renumber(int from, int alsoColumn);
     void SwapCells(int row, int other, int firstColumn, int lastColumn);

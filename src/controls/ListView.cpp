@@ -56,8 +56,12 @@ ListView::ListView(QWidget* parent) : QTreeView(parent), rows_(new ListRows(this
 
     connect(this, &QAbstractItemView::clicked, this,
             [this](const QModelIndex& index) { emit ItemClick(index.row()); });
-    connect(verticalScrollBar(), &QAbstractSlider::actionTriggered, this,
-            [this] { Send(WindowMessage::VScroll); });
+    connect(verticalScrollBar(), &QAbstractSlider::actionTriggered, this, [this] {
+        // A notch of the wheel at the end acts, too, but scrolls nothing.
+        if (verticalScrollBar()->sliderPosition() != verticalScrollBar()->value()) {
+            Send(WindowMessage::VScroll);
+        }
+    });
     connect(header(), &QHeaderView::sectionResized, this, &ListView::Rearranged);
     for (const QScrollBar* bar : {verticalScrollBar(), horizontalScrollBar()}) {
         connect(bar, &QScrollBar::valueChanged, this, &ListView::Rearranged);
@@ -102,7 +106,39 @@ void ListView::SwapCells(int row, int other, int firstColumn, int lastColumn) {
     rows_->SwapCells(row, other, firstColumn, lastColumn);
 }
 
-void ListView::Remove(std::span<const int> rows) { rows_->Remove(rows); }
+void ListView::Remove(std::span<const int> rows) {
+    if (rows.empty() || rows.back() - rows.front() == static_cast<int>(rows.size()) - 1) {
+        rows_->Remove(rows);
+        return;
+    }
+    // The selection would be split range by range; it is made anew instead.
+    const auto removedBefore = [rows](int row) {
+        return static_cast<int>(std::ranges::lower_bound(rows, row) - rows.begin());
+    };
+    const auto isRemoved = [rows](int row) { return std::ranges::binary_search(rows, row); };
+    std::vector<int> selected = SelectedRows();
+    std::erase_if(selected, isRemoved);
+    std::ranges::for_each(selected, [&](int& row) { row -= removedBefore(row); });
+    const int item = SelectedItem();
+    const int itemAfter = item - removedBefore(item) - (isRemoved(item) ? 1 : 0);
+    {
+        // The view looks at all of it again when its rows have changed.
+        const QSignalBlocker silent(selectionModel());
+        selectionModel()->clear();
+        rows_->Remove(rows);
+        QItemSelection again;
+        for (const int row : selected) {
+            again.append({rows_->index(row, 0), rows_->index(row, rows_->columnCount() - 1)});
+        }
+        selectionModel()->select(again, QItemSelectionModel::ClearAndSelect);
+        if (item >= 0 && Count() > 0) {
+            selectionModel()->setCurrentIndex(VisibleCell(std::max(0, itemAfter)),
+                                              QItemSelectionModel::NoUpdate);
+        }
+    }
+    viewport()->update();
+    emit Rearranged();
+}
 
 void ListView::Renumber(int from, int alsoColumn) { rows_->Renumber(from, alsoColumn); }
 
@@ -136,7 +172,7 @@ void ListView::Select(int row) {
 }
 
 void ListView::selectAll() {
-    if (Count() > 0) {
+    if (Count() > 0 && selectionMode() != QAbstractItemView::SingleSelection) {
         // As one range; the toolkit's own goes through the rows.
         const QItemSelection all(rows_->index(0, 0), rows_->index(Count() - 1, rows_->columnCount() - 1));
         selectionModel()->select(all, QItemSelectionModel::ClearAndSelect);
@@ -160,6 +196,17 @@ void ListView::Send(WindowMessage message) {
     }
 }
 
+QItemSelectionModel::SelectionFlags ListView::selectionCommand(const QModelIndex& index,
+                                                               const QEvent* event) const {
+    const QItemSelectionModel::SelectionFlags command = QTreeView::selectionCommand(index, event);
+    if (selectionMode() != QAbstractItemView::SingleSelection ||
+        (index.isValid() &&
+         !command.testAnyFlags(QItemSelectionModel::Deselect | QItemSelectionModel::Toggle))) {
+        return command;
+    }
+    return QItemSelectionModel::NoUpdate;
+}
+
 void ListView::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::SelectAll)) {
         emit KeyPress(SelectAllCharacter);
@@ -180,6 +227,9 @@ void ListView::keyPressEvent(QKeyEvent* event) {
 
 void ListView::mouseReleaseEvent(QMouseEvent* event) {
     QTreeView::mouseReleaseEvent(event);
+    if (std::exchange(doubleClicked_, false)) {
+        emit ItemDoubleClick();
+    }
     emit MouseUp();
 }
 
@@ -199,6 +249,11 @@ void ListView::selectionChanged(const QItemSelection& selected, const QItemSelec
         QAccessibleEvent event(this, QAccessible::SelectionWithin);
         QAccessible::updateAccessibility(&event);
     }
+}
+
+void ListView::mouseDoubleClickEvent(QMouseEvent* event) {
+    QTreeView::mouseDoubleClickEvent(event);
+    doubleClicked_ = event->button() == Qt::LeftButton && indexAt(event->position().toPoint()).isValid();
 }
 
 void ListView::resizeEvent(QResizeEvent* event) {

@@ -59,7 +59,8 @@ class ListView : public QTreeView {
     void Insert(int row, ListRow content);
     // Adds rows at the end in one step; those before a row with a taken key are added.
     void Append(std::vector<ListRow> rows);
-    // Takes out rows given in ascending order.
+    // Takes out rows given in ascending order. Those left stay selected; where the selected item goes, the
+    // row before it becomes it.
     void Remove(std::span<const int> rows);
     // Gives every row from one on the text and the key of its position, and the position to one more column
     // (which may be the text's own).
@@ -79,7 +80,7 @@ class ListView : public QTreeView {
 
     void EnsureVisible(int row) { scrollTo(VisibleCell(row)); }
 
-    // The selected item stays the same.
+    // The selected item stays the same. Nothing where only one row may be selected.
     void selectAll() override;
     // Leaves neither a selected row nor a selected item.
     void ClearSelection();
@@ -93,7 +94,9 @@ class ListView : public QTreeView {
   signals:
     // A person clicked a row or moved to one with the keyboard.
     void ItemClick(int row);
-    // A person released a mouse button; follows the ItemClick of the same click.
+    // A person double-clicked a row; comes with the release of the button, as its press takes the focus.
+    void ItemDoubleClick();
+    // A person released a mouse button; follows the other signals of the same click.
     void MouseUp();
     // A person pressed a key, or typed a character, while the list had the focus. KeyDown comes before the
     // list's own handling.
@@ -104,8 +107,12 @@ class ListView : public QTreeView {
     void Rearranged();
 
   protected:
+    // Where one row is to be selected, a person can select another but not none.
+    [[nodiscard]] QItemSelectionModel::SelectionFlags
+    selectionCommand(const QModelIndex& index, const QEvent* event = nullptr) const override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     // Tell assistive technology by rows; the toolkit's own count cells.
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
@@ -121,6 +128,7 @@ class ListView : public QTreeView {
 
     ListRows* rows_;
     WindowProcedure procedure_;
+    bool doubleClicked_ = false; // the button is still down
 };
 
 } // namespace KAL_AUTO_Node

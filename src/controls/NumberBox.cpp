@@ -3,13 +3,16 @@
 #include "controls/Visibility.h"
 
 #include <QAbstractListModel>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QStyleOptionComboBox>
 
 #include <algorithm>
+#include <cstdint>
 
 namespace KAL_AUTO_Node {
 
@@ -70,11 +73,11 @@ int TypedNumber(QStringView text, int first, int last) noexcept {
         if (character < u'0' || character > u'9') {
             break;
         }
-        const int next = value * 10 + (character.unicode() - u'0');
+        const std::int64_t next = value * std::int64_t{10} + (character.unicode() - u'0');
         if (next < first || next > last) {
             break;
         }
-        value = next;
+        value = static_cast<int>(next);
     }
     return value == 0 ? first : value;
 }
@@ -89,11 +92,14 @@ NumberBox::NumberBox(QWidget* parent) : ComboBox(parent), numbers_(new NumberMod
         list->setUniformItemSizes(true);
         list->setLayoutMode(QListView::Batched);
     }
-    connect(lineEdit(), &QLineEdit::textEdited, this, &NumberBox::Change);
+    setInputMethodHints(Qt::ImhDigitsOnly);
+    lineEdit()->setInputMethodHints(Qt::ImhDigitsOnly);
+    connect(lineEdit(), &QLineEdit::textChanged, this, &NumberBox::Change);
 }
 
 void NumberBox::SetNumbers(int first, int last) {
-    numbers_->SetRange(first, last);
+    const QScopedValueRollback keepsEmpty(changing_, true);
+    numbers_->SetRange(first, last < first ? last : std::min(last, first + (MostNumbers - 1)));
     setCurrentIndex(-1);
     lineEdit()->clear();
 }
@@ -107,14 +113,6 @@ int NumberBox::NumbersWidth() const {
            box.rect.width() - text.width();
 }
 
-void NumberBox::SetText(const QString& text) {
-    if (text == Text()) {
-        return;
-    }
-    setEditText(text);
-    Change();
-}
-
 void NumberBox::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         event->ignore();
@@ -123,17 +121,34 @@ void NumberBox::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-void NumberBox::Change() {
-    const bool corrects = !numbers_->Empty() && !IsHiddenByCode(*this);
-    if (corrects) {
-        lineEdit()->setText(QString::number(TypedNumber(Text(), numbers_->First(), numbers_->Last())));
-        lineEdit()->end(false);
+void NumberBox::inputMethodEvent(QInputMethodEvent* event) {
+    composing_ = !event->preeditString().isEmpty();
+    ComboBox::inputMethodEvent(event);
+    // What was composed over may be gone without anything having taken its place.
+    if (!composing_ && !Offers(Text())) {
+        Change();
     }
-    // Keeps the chosen entry in step with the text: the toolkit would otherwise choose it, and run Click,
-    // when the focus leaves.
-    if (const int row = numbers_->RowOf(Text()); row >= 0) {
-        const QSignalBlocker silent(this);
-        setCurrentIndex(row);
+}
+
+bool NumberBox::Offers(const QString& text) const { return numbers_->RowOf(text) >= 0; }
+
+void NumberBox::Change() {
+    if (changing_ || composing_) {
+        return;
+    }
+    const bool corrects = !numbers_->Empty() && !IsHiddenByCode(*this);
+    {
+        const QScopedValueRollback once(changing_, true);
+        if (corrects) {
+            lineEdit()->setText(QString::number(TypedNumber(Text(), numbers_->First(), numbers_->Last())));
+            lineEdit()->end(false);
+        }
+        // Keeps the chosen entry in step with the text: the toolkit would otherwise choose it, and run Click,
+        // when the focus leaves.
+        if (const int row = numbers_->RowOf(Text()); row >= 0) {
+            const QSignalBlocker silent(this);
+            setCurrentIndex(row);
+        }
     }
     if (corrects) {
         emit Click();

@@ -1,5 +1,6 @@
 #include "editor/ActionsList.h"
 
+#include "controls/FocusReason.h"
 #include "controls/Twips.h"
 #include "controls/Visibility.h"
 #include "desktop/MessageBox.h"
@@ -110,9 +111,14 @@ void ActionsList::PlaceRangeEditors(const QRect& row) {
 void ActionsList::FillRangeEditors(int row) {
     Form().txtActionsDTMFRangeLow->setText(List().Cell(row, DTMFRangeLowColumn));
     Form().txtActionsDTMFRangeHigh->setText(List().Cell(row, DTMFRangeHighColumn));
+    // It got the focus, and with it the selection, before it got its text.
+    if (QLineEdit* low = Form().txtActionsDTMFRangeLow; low->hasFocus()) {
+        low->selectAll();
+    }
 }
 
 void ActionsList::ConnectRangeBox(QLineEdit* box, int column) {
+    box->setInputMethodHints(Qt::ImhDigitsOnly);
     connect(box, &QLineEdit::textChanged, this, [this, box, column] { RangeChange(*box, column); });
     box->installEventFilter(this);
 }
@@ -122,9 +128,9 @@ void ActionsList::RangeChange(QLineEdit& box, int column) {
         const QString text = box.text();
         QString digits;
         std::ranges::copy_if(text, std::back_inserter(digits), IsDigit);
-        if (digits != text || text.isEmpty()) {
+        if (digits != text) {
             box.setText(digits);
-        } else if (const int row = List().SelectedItem(); row >= 0) {
+        } else if (const int row = List().SelectedItem(); row >= 0 && !text.isEmpty()) {
             List().SetCell(row, column, digits);
             List().SetCell(row, LeadColumn,
                            List().Cell(row, DTMFRangeLowColumn) + '-' +
@@ -143,11 +149,11 @@ void ActionsList::RangeLostFocus(QLineEdit& box, int column) {
 
 bool ActionsList::eventFilter(QObject* watched, QEvent* event) {
     const bool low = watched == Form().txtActionsDTMFRangeLow;
-    if (low || watched == Form().txtActionsDTMFRangeHigh) {
+    if ((low || watched == Form().txtActionsDTMFRangeHigh) && MovesFocus(*event)) {
         QLineEdit& box = low ? *Form().txtActionsDTMFRangeLow : *Form().txtActionsDTMFRangeHigh;
         if (event->type() == QEvent::FocusIn) {
             Handle(box, "GotFocus", [&] { box.selectAll(); });
-        } else if (event->type() == QEvent::FocusOut) {
+        } else {
             RangeLostFocus(box, low ? DTMFRangeLowColumn : DTMFRangeHighColumn);
         }
     }

@@ -1,13 +1,12 @@
 #include "editor/EditorWindow.h"
 
+#include "controls/FocusReason.h"
 #include "controls/LabelledPopup.h"
 #include "controls/Twips.h"
 #include "desktop/MessageBox.h"
 #include "editor/Handler.h"
 #include "form/ValueBoxes.h"
 #include "rules/DuplicateRanges.h"
-
-#include <QFocusEvent>
 
 #include <algorithm>
 
@@ -80,13 +79,8 @@ void EditorWindow::WatchFocus() {
 }
 
 bool EditorWindow::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::FocusIn) {
-        // A window or a pop-up that comes back to the front brings the focus back to where it was; nobody
-        // moved it.
-        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-        const auto ended = endedByFocus_.find(watched);
-        if (ended != endedByFocus_.end() && reason != Qt::ActiveWindowFocusReason &&
-            reason != Qt::PopupFocusReason) {
+    if (event->type() == QEvent::FocusIn && MovesFocus(*event)) {
+        if (const auto ended = endedByFocus_.find(watched); ended != endedByFocus_.end()) {
             TurnOffEditMode(ended->second[0], ended->second[1], ended->second[2]);
         }
     }

@@ -33,11 +33,7 @@ bool PromptsList::InsertsOtherwise(bool oneSelected) {
     return false;
 }
 
-void PromptsList::BeforeAppending() {
-    if (HoldsEmptyRow(List())) {
-        List().Remove(std::array{0});
-    }
-}
+void PromptsList::BeforeAppending() { RemoveEmptyRow(List()); }
 
 void PromptsList::ChooseDefaultType() {
     if (Form().Lists().NotAvailablePromptsNode.Count() > 0) {

@@ -32,6 +32,7 @@ ReferenceList::ReferenceList(GUI& gui, Controls controls, Rules rules, std::vect
     connect(&List(), &ListView::ItemClick, this, &ReferenceList::ItemClick);
     connect(&List(), &ListView::MouseUp, this, [this] { Handle(List(), "MouseUp", [this] { MouseUp(); }); });
     connect(&List(), &ListView::Rearranged, this, &ReferenceList::Follow);
+    connect(&List(), &ListView::ItemDoubleClick, this, &ReferenceList::EditSelectedItem);
     List().installEventFilter(this);
     for (const Slot slot : slots_) {
         connect(gui_.NodePicker(slot), &ComboBox::Click, this, [this, slot] { NodeClick(slot); });
@@ -52,15 +53,24 @@ void ReferenceList::Edit_Click() {
         if (!editing) {
             // Not the list itself: its getting the focus ends the edit mode of the list that takes over.
             HideEditors(*controls_.edit);
+            open_ = QPersistentModelIndex();
         } else {
             if (const int row = List().SelectedItem(); row >= 0) {
-                List().Select(row);
                 ItemClick(row);
             }
             emit EditingBegan();
         }
         MarkChanged();
     });
+}
+
+void ReferenceList::EditSelectedItem() {
+    const int row = List().SelectedItem();
+    if (row >= 0 && Editing()) {
+        ItemClick(row);
+    } else if (row >= 0) {
+        Edit_Click();
+    }
 }
 
 std::vector<QWidget*> ReferenceList::Editors(Slot slot) const {
@@ -92,7 +102,7 @@ void ReferenceList::ItemClick(int row) {
     Handle(List(), "ItemClick", [&] {
         (gui_.*rules_.resetColumns)();
         if (Editing()) {
-            List().EnsureVisible(row);
+            List().Select(row);
             try {
                 OpenEditors(row);
             } catch (...) {
@@ -105,8 +115,11 @@ void ReferenceList::ItemClick(int row) {
 }
 
 void ReferenceList::OpenEditors(int row) {
-    open_ = List().model()->index(row, 0);
-    before_ = List().Row(row).cells;
+    // A further click on the row goes on with it.
+    if (open_ != List().model()->index(row, 0)) {
+        open_ = List().model()->index(row, 0);
+        before_ = List().Row(row).cells;
+    }
     const Slot slot = SlotOf(row);
     PickList& node = *gui_.NodePicker(slot);
     NumberBox& number = *gui_.NumberPicker(slot);
@@ -251,6 +264,7 @@ void ReferenceList::NumberClick(Slot slot) {
 void ReferenceList::LeaveEditors() {
     List().setFocus(Qt::OtherFocusReason);
     HideEditors();
+    open_ = QPersistentModelIndex();
 }
 
 void ReferenceList::RestoreRow() {
@@ -262,24 +276,31 @@ void ReferenceList::RestoreRow() {
 }
 
 // While a row is edited, Enter accepts it and Escape takes it back: both close its editors, not the window.
-// From the list, Enter opens the editors again and Escape ends edit mode.
+// From the list, Enter and F2 begin edit mode or open the editors again, and Escape ends it.
 bool ReferenceList::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::KeyPress || !Editing()) {
+    if (event->type() != QEvent::KeyPress) {
         return QObject::eventFilter(watched, event);
     }
+    const bool onList = watched == &List();
     const int key = static_cast<QKeyEvent*>(event)->key();
-    if (!IsEnter(key) && key != Qt::Key_Escape) {
+    const bool begins = IsEnter(key) || (onList && key == Qt::Key_F2);
+    if (!begins && key != Qt::Key_Escape) {
         return QObject::eventFilter(watched, event);
     }
-    if (watched != &List()) {
+    if (onList && begins) {
+        EditSelectedItem();
+        return true;
+    }
+    if (!Editing()) {
+        return QObject::eventFilter(watched, event);
+    }
+    if (onList) {
+        Edit_Click();
+    } else {
         if (key == Qt::Key_Escape) {
             RestoreRow();
         }
         LeaveEditors();
-    } else if (key == Qt::Key_Escape) {
-        Edit_Click();
-    } else if (const int row = List().SelectedItem(); row >= 0) {
-        ItemClick(row);
     }
     return true;
 }

@@ -93,6 +93,8 @@ class ReferenceList : public QObject {
     // may end edit mode.
     void HideEditors(QWidget& heir);
     void ItemClick(int row);
+    // Opens the editors on the selected item; switches edit mode on for that.
+    void EditSelectedItem();
     void OpenEditors(int row);
     void NumberClick(Slot slot);
     void RefuseNodeType(int row);
@@ -112,8 +114,9 @@ class ReferenceList : public QObject {
     Controls controls_;
     Rules rules_;
     std::vector<Slot> slots_;
-    QPersistentModelIndex open_; // the row that the editors were opened on
-    QList<QString> before_;      // its cells before that
+    // The row that the editors were opened on, until it is accepted or taken back.
+    QPersistentModelIndex open_;
+    QList<QString> before_; // its cells when they were first
 };
 
 } // namespace KAL_AUTO_Node

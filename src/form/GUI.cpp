@@ -235,7 +235,9 @@ void GUI::ResetListView(const char* procedure, ListView* list, std::span<const L
 }
 
 void GUI::ResetPromptsListView() {
-    ResetListView("ResetPromptsListView", LVPrompts, PromptsColumns, QAbstractItemView::ExtendedSelection);
+    ResetListView("ResetPromptsListView", LVPrompts, PromptsColumns,
+                  IsEditing(*cmdPromptsEdit) ? QAbstractItemView::SingleSelection
+                                             : QAbstractItemView::ExtendedSelection);
 }
 
 void GUI::ResetActionsListView() {

@@ -64,6 +64,9 @@ void QuickAssignDialog::ShowModal() {
 }
 
 QuickAssignDialog::Range QuickAssignDialog::ChosenRange() const {
+    if (!form_.cmbFrom->Offers(form_.cmbFrom->Text()) || !form_.cmbTo->Offers(form_.cmbTo->Text())) {
+        return {1, 0};
+    }
     return {NumericValue(form_.cmbFrom->Text().toStdString()),
             NumericValue(form_.cmbTo->Text().toStdString())};
 }
@@ -94,9 +97,8 @@ void QuickAssignDialog::AddRange(ListView& list, MakeRow makeRow) {
 
 void QuickAssignDialog::AddPromptsRange() {
     const auto [first, last] = ChosenRange();
-    if (first <= last && HoldsEmptyRow(*gui_.LVPrompts)) {
-        gui_.LVPrompts->Remove(std::array{0});
-        gui_.LVPrompts->Renumber(0, LeadColumn);
+    if (first <= last) {
+        RemoveEmptyRow(*gui_.LVPrompts);
     }
     AddRange(*gui_.LVPrompts, PromptRowAt);
 }

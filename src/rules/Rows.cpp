@@ -5,6 +5,8 @@
 
 #include <QStringBuilder>
 
+#include <array>
+
 namespace KAL_AUTO_Node {
 
 namespace {
@@ -39,6 +41,13 @@ ListRow EmptyRow(const QString& name) { return PromptRowAt(1, {NumberlessType, n
 bool HoldsEmptyRow(const ListView& prompts) {
     return prompts.Count() > 0 &&
            NumericValue(prompts.Cell(0, NodeTypeIDColumn).toStdString()) == NumberlessType;
+}
+
+void RemoveEmptyRow(ListView& prompts) {
+    if (HoldsEmptyRow(prompts)) {
+        prompts.Remove(std::array{0});
+        prompts.Renumber(0, LeadColumn);
+    }
 }
 
 } // namespace KAL_AUTO_Node

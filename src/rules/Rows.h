@@ -21,7 +21,11 @@ namespace KAL_AUTO_Node {
 // The row that stands in a prompts list without prompts.
 [[nodiscard]] ListRow EmptyRow(const QString& name);
 
-// Whether the prompts list holds the row above instead of prompts.
+// Whether the prompts list starts with the row above, as it does where it holds no prompts.
 [[nodiscard]] bool HoldsEmptyRow(const ListView& prompts);
+
+// Takes that row out, where it is there, before prompts are added; rows that another program put behind it
+// are numbered from 1 then.
+void RemoveEmptyRow(ListView& prompts);
 
 } // namespace KAL_AUTO_Node
