@@ -25,6 +25,9 @@ class ComboBox : public QComboBox {
 
     [[nodiscard]] QString Text() const { return currentText(); }
 
+    void showPopup() override;
+    void hidePopup() override;
+
   signals:
     void Click();
 
@@ -41,8 +44,6 @@ class ComboBox : public QComboBox {
     void focusOutEvent(QFocusEvent* event) override;
 
     // Some window systems give the Escape that closes the pop-up to the window, too; it ends there.
-    void showPopup() override;
-    void hidePopup() override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
