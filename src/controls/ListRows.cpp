@@ -38,6 +38,11 @@ const ListRow& ListRows::At(int row) const {
     return rows_[static_cast<std::size_t>(row)];
 }
 
+const QString& ListRows::Cell(int row, int column) const {
+    RequireColumn(column);
+    return At(row).cells[column];
+}
+
 int ListRows::RowOfKey(const QString& key) const {
     if (keys_.contains(key)) {
         // Keys start with the row's position almost always.

@@ -17,6 +17,7 @@ class ListRows : public QAbstractTableModel {
     [[nodiscard]] int Count() const { return static_cast<int>(rows_.size()); }
 
     [[nodiscard]] const ListRow& At(int row) const;
+    [[nodiscard]] const QString& Cell(int row, int column) const;
     [[nodiscard]] int RowOfKey(const QString& key) const;
 
     void SetCell(int row, int column, const QString& text);

@@ -94,7 +94,7 @@ const ListRow& ListView::Row(int row) const { return rows_->At(row); }
 
 int ListView::RowOfKey(const QString& key) const { return rows_->RowOfKey(key); }
 
-const QString& ListView::Cell(int row, int column) const { return rows_->At(row).cells[column]; }
+const QString& ListView::Cell(int row, int column) const { return rows_->Cell(row, column); }
 
 void ListView::SetCell(int row, int column, const QString& text) { rows_->SetCell(row, column, text); }
 
