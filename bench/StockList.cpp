@@ -1,6 +1,6 @@
 #include "bench/StockList.h"
 
-#include "nodes/Places.h"
+#include "form/Columns.h"
 
 #include <algorithm>
 

@@ -56,12 +56,13 @@ TEST_F(Nodes, ComeBackAsTheyWereWritten) {
               Texts{*node.label + "|today"});
     EXPECT_EQ(store_.Rows("SELECT * FROM Detail_AUTO_Action WHERE NodeMasterID <> 15"), others);
 
-    // A value that is not there is told before anything goes.
-    node.settings.retryLimit.reset();
-    node.actions.clear();
-    EXPECT_EQ(Raised([&] { WriteAutoNode(dataBase_, Demo, 15, node, "today"); }),
-              ErrorNumber::InvalidUseOfNull);
-    EXPECT_EQ(Read(15).actions.size(), 2U);
+    // What is Null, and the places in the order, are part of it.
+    node.label.reset();
+    node.settings = {};
+    node.prompts[1].sequence = 7;
+    node.actions[0].low.reset();
+    WriteAutoNode(dataBase_, Demo, 15, node, "today");
+    EXPECT_EQ(Read(15), node);
     EXPECT_FALSE(AutoNodeExists(dataBase_, Demo, 25) || ReadAutoNode(dataBase_, Demo, 25));
     EXPECT_FALSE(AutoNodeExists(dataBase_, {2, 2}, 15) || AutoNodeExists(dataBase_, {1, 1}, 15));
 }
@@ -190,7 +191,7 @@ TEST_F(Nodes, AreMadeFromTheirTemplateAndToldPartByPart) {
         EXPECT_EQ(IsNodeExisted(dataBase_, Demo, type, 991), outcome == Creation::Empty) << type;
     }
     EXPECT_EQ(Raised([&] { CreateNodeFromTemplate(dataBase_, Demo, 0, 991, 2, "today"); }),
-              ErrorNumber::StoreFailure);
+              ErrorNumber::DuplicateKey);
 }
 
 // What a place offers, and what it leaves out for want of numbers.

@@ -6,6 +6,7 @@
 #include "controls/NumberBox.h"
 #include "controls/StatusBar.h"
 #include "form/Columns.h"
+#include "nodes/AutoNode.h"
 #include "nodes/Identity.h"
 #include "nodes/NodeLists.h"
 #include "nodes/Places.h"
@@ -42,9 +43,15 @@ class GUI : public QDialog {
     std::int16_t PartitionID = 0;
     std::int16_t nodeNumber = 0;
 
-    // The node whose content is shown; none where loading the latest one failed or found none, which leaves
-    // on screen what was there.
-    std::optional<std::int16_t> LoadedNode;
+    // The node as it is stored, as far as the window knows: as it was loaded or saved latest. None where
+    // loading the latest one failed or found none, which leaves on screen what was there.
+    struct Stored {
+        std::int16_t number;
+        int version; // of its history; 0 where there is none
+        AutoNode node;
+    };
+
+    std::optional<Stored> StoredNode;
 
     void CreateNodeLists() { nodeLists_.emplace(); }
 

@@ -1,7 +1,7 @@
-#include "exchange/NodeJson.h"
 #include "host/Arguments.h"
 #include "host/Commands.h"
 #include "host/Table.h"
+#include "nodes/NodeJson.h"
 #include "nodes/Overview.h"
 #include "store/DataBase.h"
 

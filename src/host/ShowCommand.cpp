@@ -1,8 +1,8 @@
-#include "exchange/NodeJson.h"
 #include "host/Arguments.h"
 #include "host/Commands.h"
 #include "host/Table.h"
 #include "nodes/AutoNodeReader.h"
+#include "nodes/NodeJson.h"
 
 #include <iostream>
 #include <memory>
@@ -98,7 +98,7 @@ Subcommand ShowCommand(CLI::App& program) {
                                              " does not exist");
                 }
                 if (options->json) {
-                    std::cout << JsonText(ToJson(partition, place.node, *node)) << '\n';
+                    std::cout << JsonText(ToJson(partition, place.node, *node, Labels::Read)) << '\n';
                 } else {
                     Print(place, *node);
                 }

@@ -1,97 +1,10 @@
 #include "host/Table.h"
 
+#include "platform/VisibleText.h"
+
 #include <algorithm>
-#include <array>
-#include <clocale>
-#include <cstdio>
-#include <cwchar>
-#include <locale.h>
 
 namespace KAL_AUTO_Node {
-
-namespace {
-
-// The letters of all languages, for as long as it lives, whatever the process's own locale is.
-class Utf8Letters {
-  public:
-    Utf8Letters()
-        : letters_(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)),
-          before_(letters_ != nullptr ? uselocale(letters_) : nullptr) {}
-
-    ~Utf8Letters() {
-        if (letters_ != nullptr) {
-            uselocale(before_);
-            freelocale(letters_);
-        }
-    }
-
-    Utf8Letters(const Utf8Letters&) = delete;
-    Utf8Letters& operator=(const Utf8Letters&) = delete;
-
-  private:
-    locale_t letters_;
-    locale_t before_;
-};
-
-// Calls with each character's bytes and its code; a byte that begins no character is one by itself, with
-// the code WEOF.
-template <class Take>
-void ForEachCharacter(std::string_view text, Take take) {
-    const Utf8Letters letters;
-    std::mbstate_t state{};
-    while (!text.empty()) {
-        wchar_t character = 0;
-        const std::size_t length = std::mbrtowc(&character, text.data(), text.size(), &state);
-        if (length == 0 || length > text.size()) {
-            state = {};
-            take(text.substr(0, 1), length == 0 ? wint_t{0} : WEOF);
-            text.remove_prefix(1);
-        } else {
-            take(text.substr(0, length), static_cast<wint_t>(character));
-            text.remove_prefix(length);
-        }
-    }
-}
-
-bool TurnsDirection(wint_t character) {
-    return (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069) ||
-           character == 0x200E || character == 0x200F || character == 0x061C;
-}
-
-bool SteersTerminal(wint_t character) {
-    return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x2028 ||
-           character == 0x2029;
-}
-
-std::string Escaped(const char* format, unsigned code) {
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), format, code);
-    return text.data();
-}
-
-std::size_t Width(std::string_view text) {
-    std::size_t width = 0;
-    ForEachCharacter(text, [&](std::string_view, wint_t character) {
-        width += static_cast<std::size_t>(std::max(0, wcwidth(static_cast<wchar_t>(character))));
-    });
-    return width;
-}
-
-} // namespace
-
-std::string Visible(std::string_view text) {
-    std::string visible;
-    ForEachCharacter(text, [&](std::string_view bytes, wint_t character) {
-        if (character == WEOF) {
-            visible += Escaped("\\x%02x", static_cast<unsigned char>(bytes.front()));
-        } else if (SteersTerminal(character) || TurnsDirection(character)) {
-            visible += Escaped(character < 0x100 ? "\\x%02x" : "\\u%04x", character);
-        } else {
-            visible += bytes;
-        }
-    });
-    return visible;
-}
 
 void Table::Add(std::vector<std::string> cells) {
     std::ranges::transform(cells, cells.begin(), Visible);
@@ -103,13 +16,13 @@ void Table::Print(std::ostream& out) const {
     std::vector<std::size_t> widths(columns_.size());
     for (const auto& row : rows_) {
         for (std::size_t column = 0; column < widths.size(); ++column) {
-            widths[column] = std::max(widths[column], Width(row[column]));
+            widths[column] = std::max(widths[column], DisplayWidth(row[column]));
         }
     }
     for (const auto& row : rows_) {
         std::string line = indent_;
         for (std::size_t column = 0; column < widths.size(); ++column) {
-            const std::string room(widths[column] - Width(row[column]), ' ');
+            const std::string room(widths[column] - DisplayWidth(row[column]), ' ');
             line += columns_[column] == Align::Right ? room + row[column] : row[column] + room;
             line += "  ";
         }

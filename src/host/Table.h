@@ -2,14 +2,10 @@
 
 #include <ostream>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace KAL_AUTO_Node {
-
-// A text (UTF-8) as a terminal may be given it: what would steer the terminal, or turn the direction of what
-// follows, stands there in the form \x1b or \u202e.
-[[nodiscard]] std::string Visible(std::string_view text);
 
 // Rows of texts, printed in aligned columns. Texts are made visible.
 class Table {

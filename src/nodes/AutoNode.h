@@ -11,6 +11,9 @@
 
 namespace KAL_AUTO_Node {
 
+// Whether the labels of the nodes that a node refers to are read with it.
+enum class Labels { Read, Leave };
+
 // The node that an AUTO node refers to.
 struct Reference {
     int typeID = 0;

@@ -9,8 +9,6 @@
 
 namespace KAL_AUTO_Node {
 
-enum class Labels { Read, Leave };
-
 // Reads one AUTO node, step by step in this order. Each step fills its part of the node row by row, so that
 // what was read before an error is there.
 class AutoNodeReader {

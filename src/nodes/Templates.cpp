@@ -1,10 +1,12 @@
 #include "nodes/Templates.h"
 
 #include "nodes/NodeTypes.h"
+#include "platform/RuntimeError.h"
 #include "store/DataBase.h"
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <span>
 
 namespace KAL_AUTO_Node {
@@ -45,41 +47,43 @@ constexpr std::array<CopyRule, 12> CopyRules = {{
     {15, {Command::Duplicate_DBN_Node, Command::Duplicate_DetailPrompts_DBN_Node}, 2},
 }};
 
-// A number with zeros before it up to a width.
-std::string Padded(int number, std::size_t width) {
-    std::string digits = std::to_string(number);
-    const std::size_t sign = number < 0 ? 1 : 0;
-    if (digits.size() - sign < width) {
-        digits.insert(sign, width - (digits.size() - sign), '0');
-    }
-    return digits;
-}
-
 std::string MessageFileName(int partition, int number) {
-    return "P" + Padded(partition, 2) + "M" + Padded(number, 3) + ".wav";
+    std::array<char, 40> name{};
+    std::snprintf(name.data(), name.size(), "P%02dM%03d.wav", partition, number);
+    return name.data();
 }
 
 } // namespace
 
 Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int source, int destination,
-                                int typeID, const std::string& date) {
+                                int typeID, const std::string& date, Existing existing) {
     const auto rule = std::ranges::find(CopyRules, NodeTypeOf(typeID), &CopyRule::typeID);
     if (rule == CopyRules.end()) {
         return Creation::NoRule;
     }
+    const auto copy = [&](Command command, Parameters parameters) -> std::int64_t {
+        try {
+            return dataBase.Execute(command, parameters);
+        } catch (const RuntimeError& error) {
+            if (existing == Existing::Keep && error.Number() == ErrorNumber::DuplicateKey) {
+                return 1;
+            }
+            throw;
+        }
+    };
     std::int64_t nodes = 0;
     std::int64_t details = 0;
     for (const Command command : rule->Commands()) {
         const std::int64_t copied =
             command == Command::Duplicate_MSG_NODE
-                ? dataBase.Execute(command, {destination, MessageFileName(partition.number, destination),
-                                             partition.config, partition.number, source})
-                : dataBase.Execute(command, {destination, partition.config, partition.number, source});
+                ? copy(command, {destination, MessageFileName(partition.number, destination),
+                                 partition.config, partition.number, source})
+                : copy(command, {destination, partition.config, partition.number, source});
         (command == rule->commands.front() ? nodes : details) += copied;
     }
     const bool registered =
-        dataBase.Execute(Command::Duplicate_Node_In_General_Pool,
-                         {destination, date, partition.config, partition.number, source, rule->typeID}) > 0;
+        copy(Command::Duplicate_Node_In_General_Pool,
+             {destination, date, partition.config, partition.number, source, rule->typeID}) > 0;
     if (registered) {
         return nodes > 0 ? Creation::Created : Creation::Empty;
     }

@@ -3,7 +3,6 @@
 #include "nodes/Identity.h"
 
 #include <string>
-#include <string_view>
 
 namespace KAL_AUTO_Node {
 
@@ -18,11 +17,16 @@ enum class Creation {
     Empty,        // it was registered, but the template has no rows of its own
 };
 
+// What is done about rows of the new number that are there already.
+enum class Existing {
+    Refuse, // DuplicateKey is raised
+    Keep,   // they are taken as copied before
+};
+
 // Copies a node under a new number: its own row, its detail rows, its register row, each statement by itself.
-// A reference to a message stands for the message. The date is today's as dates are stored. Raises
-// StoreFailure where a row of the new number is there already.
+// A reference to a message stands for the message. The date is today's as dates are stored.
 Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int source, int destination,
-                                int typeID, const std::string& date);
+                                int typeID, const std::string& date, Existing existing = Existing::Refuse);
 
 // Whether the register has a node; a reference to a message stands for the message.
 [[nodiscard]] bool IsNodeExisted(DataBase& dataBase, Partition partition, int typeID, int number);

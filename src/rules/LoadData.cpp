@@ -90,9 +90,11 @@ void Show(ListView& list, Read read, const std::vector<Item>& items, MakeRow mak
 
 bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
     bool exists = false;
-    gui.LoadedNode.reset();
+    gui.StoredNode.reset();
     const bool loaded = Reporting("LoadData", [&] {
         const Hourglass busy;
+        // Where that fails, the node is shown as it stands.
+        Reporting("LoadData", [&] { OfferToPutBack(gui, nodeNumber); });
         AutoNode node;
         AutoNodeReader reader(dataBase_, PartitionOf(gui), nodeNumber, Labels::Read);
         exists = reader.ReadRecord(node);
@@ -110,7 +112,7 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
                 const Reference& target = node.branches[branch];
                 gui.LVExceptions->Append({WithTarget(ExceptionRowAt(branch, target), gui, target)});
             }
-            gui.LoadedNode = nodeNumber;
+            gui.StoredNode.emplace(nodeNumber, LatestVersion(gui, nodeNumber), std::move(node));
             gui.lblRecordPosition->setText(QString::number(gui.cmbNode->ListIndex() + 1) + " of " +
                                            QString::number(gui.cmbNode->ListCount()));
         } else {

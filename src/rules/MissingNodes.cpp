@@ -3,6 +3,7 @@
 #include "desktop/MousePointer.h"
 #include "form/GUI.h"
 #include "form/LongOperation.h"
+#include "history/NodeSave.h"
 #include "nodes/RequiredNodes.h"
 #include "nodes/Templates.h"
 #include "platform/NumericValue.h"
@@ -54,7 +55,7 @@ void TellNotCreated(const std::map<Creation, QStringList>& nodesByOutcome) {
 
 } // namespace
 
-void NodeRules::CheckForUnReferencedNodes(GUI& gui) {
+void NodeRules::CheckForUnReferencedNodes(GUI& gui, NodeSave& save) {
     Reporting("CheckForUnReferencedNodes", [&] {
         LongOperation::ShowProgress(gui, "Checking for non-existing nodes. Please wait...");
         const auto dialog = components_.Create<ConfirmationDialog>();
@@ -80,8 +81,7 @@ void NodeRules::CheckForUnReferencedNodes(GUI& gui) {
                                      1, 7, "Confirmation");
             }
             if (answer == ConfirmationDialog::Create || answer == ConfirmationDialog::CreateAll) {
-                const Creation outcome = CreateNodeFromTemplate(dataBase_, PartitionOf(gui), TemplateNumber,
-                                                                node.number, node.typeID, Today());
+                const Creation outcome = save.Create(node.typeID, node.number, Today());
                 // The register has it.
                 const bool created = outcome == Creation::Created || outcome == Creation::Empty;
                 const QString name = FromUtf8(node.name);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "KAL_AUTO_Node/Components.h"
+#include "history/History.h"
 #include "nodes/Places.h"
 #include "store/DataBase.h"
 
@@ -11,6 +12,7 @@
 namespace KAL_AUTO_Node {
 
 class GUI;
+class NodeSave;
 class QuickAssignForm;
 class RequiredNodes;
 struct RequiredNode;
@@ -39,8 +41,9 @@ class NodeRules {
     static bool LoadStaticConstants(GUI& gui);
     bool LoadExistingNodesInRecordSelector(GUI& gui, std::int16_t nodeNumber);
 
-    // Shows the stored node in the window; tells a person when there is none. Returns whether the node was
-    // there and was loaded. Needs the reference lists.
+    // Shows the stored node in the window; tells a person when there is none, and offers to put it back first
+    // when its last save did not finish. Returns whether the node was there and was loaded. Needs the
+    // reference lists.
     bool LoadData(GUI& gui, std::int16_t nodeNumber);
 
     // The label of a node that can be referred to; empty where it has none. Has no report of its own.
@@ -53,13 +56,15 @@ class NodeRules {
     void LoadQuickAssignNumbers(const GUI& gui, QuickAssignForm& form);
 
     // Writes the window's content to the node's record, register row and detail rows, after the check for
-    // missing nodes. Each statement stands for itself: after a failure those before it stay done. Returns
-    // false where it was refused, which the person is told: what the window shows was not loaded from that
-    // node, or the node is gone. Nothing is written then.
+    // missing nodes. Each statement stands for itself: after a failure those before it stay done, until the
+    // person wants the node put back. Returns false where it was refused: what the window shows was not
+    // loaded from that node, the node is gone, somebody else is saving it, or the person does not want to go
+    // over what somebody else changed. Nothing is written then.
     bool SaveChanges(GUI& gui, std::int16_t nodeNumber);
 
-    // Looks up every node that the window's lists refer to, and offers to create each that is missing.
-    void CheckForUnReferencedNodes(GUI& gui);
+    // Looks up every node that the window's lists refer to, and offers to create each that is missing, as
+    // part of a save.
+    void CheckForUnReferencedNodes(GUI& gui, NodeSave& save);
     // Notes the node that a row refers to unless it refers to none or is there already.
     static void AddNodeTolstRequired(RequiredNodes& required, const QString& display,
                                      const QString& nodeTypeID, const QString& nodeNumber);
@@ -68,13 +73,22 @@ class NodeRules {
     // Offers the types that a slot may refer to, and notes those that have no numbers.
     void LoadContainableTypes(GUI& gui, Slot slot);
 
-    bool RefusesToSave(const GUI& gui, std::int16_t nodeNumber);
+    // Whether the save may go on: nothing stands in its way, or the person goes over it.
+    bool MayBegin(GUI& gui, NodeSave& save);
+    // When the node's last save did not finish, offers to put the node back as it was; returns whether it
+    // was.
+    bool OfferToPutBack(const GUI& gui, std::int16_t nodeNumber);
+    // What is stored is no longer what was loaded.
+    void AfterFailedSave(GUI& gui, std::int16_t nodeNumber, bool half);
+    int LatestVersion(const GUI& gui, std::int16_t nodeNumber);
 
     // Whether the register holds the node; not where it cannot be looked up, which is reported.
     bool NodeExists(const GUI& gui, const RequiredNode& node);
 
     const ComponentFactory& components_;
     DataBase dataBase_;
+    History history_{dataBase_};
+    bool toldUnguarded_ = false;
 };
 
 } // namespace KAL_AUTO_Node

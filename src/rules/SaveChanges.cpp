@@ -3,9 +3,11 @@
 #include "desktop/MousePointer.h"
 #include "form/GUI.h"
 #include "form/LongOperation.h"
+#include "history/NodeSave.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
 #include "platform/RuntimeError.h"
+#include "rules/Conflicts.h"
 #include "rules/Gathering.h"
 #include "rules/NodeRules.h"
 #include "rules/Today.h"
@@ -16,65 +18,92 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-// What was written is made to last also where a save fails half-way.
-class LastingWrites {
-  public:
-    explicit LastingWrites(DataBase& dataBase) : dataBase_(dataBase) {}
-
-    ~LastingWrites() {
-        try {
-            Finish();
-        } catch (const RuntimeError&) {
-            // The failure that ended the save is the one to report.
-        }
-    }
-
-    LastingWrites(const LastingWrites&) = delete;
-    LastingWrites& operator=(const LastingWrites&) = delete;
-
-    void Finish() {
-        if (!std::exchange(finished_, true)) {
-            dataBase_.Flush();
-        }
-    }
-
-  private:
-    DataBase& dataBase_;
-    bool finished_ = false;
-};
+QString NameOf(const GUI& gui, std::int16_t nodeNumber) {
+    return gui.NodeName(AutoType) + ' ' + QString::number(nodeNumber);
+}
 
 } // namespace
 
-bool NodeRules::RefusesToSave(const GUI& gui, std::int16_t nodeNumber) {
-    const QString name = gui.NodeName(AutoType) + ' ' + QString::number(nodeNumber);
-    if (gui.LoadedNode != nodeNumber) {
-        Inform(name + " could not be loaded, and what is shown here is not its content. It is not saved.");
-        return true;
+bool NodeRules::MayBegin(GUI& gui, NodeSave& save) {
+    auto& [number, version, loaded] = *gui.StoredNode;
+    while (const auto obstacle = save.Begin(loaded, version)) {
+        if (!GoesOver(NameOf(gui, number), loaded, *obstacle)) {
+            return false;
+        }
+        // As far as the person has seen by now.
+        loaded = *obstacle->stored;
+        version = obstacle->by ? obstacle->by->number : version;
     }
-    if (!AutoNodeExists(dataBase_, PartitionOf(gui), nodeNumber)) {
-        Inform(name + " doesn't exist any more. It is not saved.");
-        return true;
+    if (!save.Guarded() && !std::exchange(toldUnguarded_, true)) {
+        Inform(QStringLiteral("This store can keep no history, so what is saved here cannot be taken back."));
     }
-    return false;
+    return true;
+}
+
+bool NodeRules::OfferToPutBack(const GUI& gui, std::int16_t nodeNumber) {
+    const NodePlace place{PartitionOf(gui), nodeNumber};
+    bool putBack = false;
+    while (const auto save = history_.Unfinished(place)) {
+        if (!WantsItPutBack(NameOf(gui, nodeNumber), *save)) {
+            break;
+        }
+        history_.PutBack(place, save->number, "put back");
+        putBack = true;
+    }
+    return putBack;
+}
+
+int NodeRules::LatestVersion(const GUI& gui, std::int16_t nodeNumber) {
+    const auto versions = history_.Versions({PartitionOf(gui), nodeNumber});
+    return versions.empty() ? 0 : versions.front().number;
+}
+
+void NodeRules::AfterFailedSave(GUI& gui, std::int16_t nodeNumber, bool half) {
+    if (half && OfferToPutBack(gui, nodeNumber)) {
+        LoadData(gui, nodeNumber);
+        gui.cmdApply->setEnabled(false);
+    } else if (auto stored = ReadAutoNode(dataBase_, PartitionOf(gui), nodeNumber)) {
+        // What this window itself has left there is nobody else's change.
+        gui.StoredNode.emplace(nodeNumber, LatestVersion(gui, nodeNumber), std::move(*stored));
+    }
 }
 
 bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
     bool refused = false;
-    Reporting("SaveChanges", [&] {
+    bool begun = false;
+    bool half = false;
+    const bool saved = Reporting("SaveChanges", [&] {
         const Hourglass busy;
-        refused = RefusesToSave(gui, nodeNumber);
-        if (refused) {
+        if (!gui.StoredNode || gui.StoredNode->number != nodeNumber) {
+            refused = true;
+            Inform(NameOf(gui, nodeNumber) +
+                   " could not be loaded, and what is shown here is not its content. It is not saved.");
             return;
         }
         const AutoNode node = GatherNode(gui);
+        NodeSave save(dataBase_, history_, {PartitionOf(gui), nodeNumber});
+        refused = !MayBegin(gui, save);
+        if (refused) {
+            return;
+        }
+        begun = true;
         const LongOperation saving(gui);
-        LastingWrites writes(dataBase_);
-        CheckForUnReferencedNodes(gui);
-        LongOperation::ShowProgress(gui, "Saving node information. Please wait...");
-        WriteAutoNode(dataBase_, PartitionOf(gui), nodeNumber, node, Today());
-        writes.Finish();
+        try {
+            CheckForUnReferencedNodes(gui, save);
+            save.Renew();
+            LongOperation::ShowProgress(gui, "Saving node information. Please wait...");
+            WriteAutoNode(dataBase_, PartitionOf(gui), nodeNumber, node, Today());
+            save.Finish();
+        } catch (const RuntimeError&) {
+            half = save.Fail();
+            throw;
+        }
+        gui.StoredNode.emplace(nodeNumber, save.VersionNumber(), node);
         gui.StatusBar1->SetPanelText(QString());
     });
+    if (begun && !saved) {
+        Reporting("SaveChanges", [&] { AfterFailedSave(gui, nodeNumber, half); });
+    }
     return !refused;
 }
 

@@ -23,9 +23,9 @@ class Statement {
     // The names of the result's columns; none for a statement without result rows.
     [[nodiscard]] virtual std::span<const std::string> Columns() const = 0;
 
-    // Takes one text per parameter and runs to the first row, or to the end of a statement without result
-    // rows. The texts have to stay as they are until Close.
-    virtual void Run(std::span<const std::string> parameters) = 0;
+    // Takes one text per parameter, or nothing for Null, and runs to the first row, or to the end of a
+    // statement without result rows. The texts have to stay as they are until Close.
+    virtual void Run(std::span<const std::optional<std::string>> parameters) = 0;
     [[nodiscard]] virtual bool AtEnd() const = 0;
     // Only while not at the end.
     virtual void MoveNext() = 0;
@@ -43,6 +43,16 @@ class Connection {
 
     // The statement's parameters are names after a colon, numbered in the order in which they first occur.
     virtual std::unique_ptr<Statement> Prepare(const std::string& sql) = 0;
+
+    // Until Commit, statements take effect for nobody else; without it, not at all. Begin takes the right to
+    // write, so that what is read after it stays so.
+    virtual void Begin() = 0;
+    virtual void Commit() = 0;
+    virtual void Rollback() noexcept = 0;
+
+    [[nodiscard]] virtual bool HasTable(const std::string& name) = 0;
+    // Several statements without parameters and result rows.
+    virtual void RunScript(const char* sql) = 0;
 
     // Makes every statement that this connection has run so far outlast a power cut. Until then the latest of
     // them may be lost, from some statement on and never in the middle of one.

@@ -20,6 +20,10 @@ constexpr const char* Schema =
 #include "store/Schema.inc"
     ;
 
+constexpr const char* HistoryTables =
+#include "store/HistoryTables.inc"
+    ;
+
 constexpr const char* Demo =
 #include "store/Demo.inc"
     ;
@@ -40,6 +44,7 @@ std::string StoreImage(StoreContent content) {
     SQLite::Database database(":memory:", SQLite::OPEN_READWRITE);
     SQLite::Transaction all(database);
     database.exec(Schema);
+    database.exec(HistoryTables);
     if (content == StoreContent::Demo) {
         database.exec(Demo);
     }

@@ -136,6 +136,13 @@ std::filesystem::path DataBase::File() const {
     return NativePath(std::string_view(connectionString_).substr(connectionString_.find(key) + key.size()));
 }
 
+Connection& DataBase::Open() {
+    if (!connection_) {
+        connection_ = OpenStore(File());
+    }
+    return *connection_;
+}
+
 Statement& DataBase::Run(Command command, Parameters parameters) {
     Prepared& prepared = Of(command);
     if (prepared.open) {
@@ -143,10 +150,7 @@ Statement& DataBase::Run(Command command, Parameters parameters) {
                            "The result set of " + std::string(CommandName(command)) + " is still open");
     }
     if (!prepared.statement) {
-        if (!connection_) {
-            connection_ = OpenStore(File());
-        }
-        prepared.statement = connection_->Prepare(CommandText(command));
+        prepared.statement = Open().Prepare(CommandText(command));
     }
     Statement& statement = *prepared.statement;
     if (parameters.size() != statement.ParameterCount()) {
@@ -155,7 +159,7 @@ Statement& DataBase::Run(Command command, Parameters parameters) {
                                std::to_string(parameters.size()));
     }
     prepared.parameters.resize(parameters.size());
-    std::ranges::transform(parameters, prepared.parameters.begin(), &Parameter::Text);
+    std::ranges::transform(parameters, prepared.parameters.begin(), &Parameter::Value);
     try {
         statement.Run(prepared.parameters);
     } catch (...) {
@@ -186,6 +190,31 @@ void DataBase::Flush() {
     if (connection_) {
         Describing("making the changes last", "", [this] { connection_->Flush(); });
     }
+}
+
+bool DataBase::HasTable(const std::string& name) {
+    return Describing("looking for table ", name, [&] { return Open().HasTable(name); });
+}
+
+void DataBase::MakeTables(const char* script) {
+    Transaction all(*this);
+    Describing("making tables", "", [&] { Open().RunScript(script); });
+    all.Commit();
+}
+
+Transaction::Transaction(DataBase& dataBase) : dataBase_(dataBase) {
+    dataBase_.Describing("beginning a change", "", [this] { dataBase_.Open().Begin(); });
+}
+
+Transaction::~Transaction() {
+    if (open_) {
+        dataBase_.connection_->Rollback();
+    }
+}
+
+void Transaction::Commit() {
+    dataBase_.Describing("ending a change", "", [this] { dataBase_.connection_->Commit(); });
+    open_ = false;
 }
 
 } // namespace KAL_AUTO_Node

@@ -20,7 +20,8 @@ class Connection;
 class DataBase;
 class Statement;
 
-// The named commands, in the order of commands.sql and overview.sql, where their statements stand.
+// The named commands, in the order of the files where their statements stand: commands.sql,
+// overview.sql, history.sql.
 enum class Command {
 #define COMMAND(name, sql) name,
 #include "store/Commands.inc"
@@ -36,21 +37,24 @@ inline constexpr std::size_t CommandCount = 0
 [[nodiscard]] std::string_view CommandName(Command command);
 [[nodiscard]] const std::string& CommandText(Command command);
 
-// A command's parameter. Every value is passed as text; numbers become their decimal text.
+// A command's parameter. Every value is passed as text; numbers become their decimal text. Nothing is Null.
 class Parameter {
   public:
-    Parameter(std::string_view text) : text_(text) {}
+    Parameter(std::string_view text) : value_(text) {}
 
-    Parameter(std::string text) : text_(std::move(text)) {}
+    Parameter(std::string text) : value_(std::move(text)) {}
 
-    Parameter(const char* text) : text_(text) {}
+    Parameter(const char* text) : value_(text) {}
 
-    Parameter(std::integral auto number) : text_(std::to_string(number)) {}
+    Parameter(std::integral auto number) : value_(std::to_string(number)) {}
 
-    [[nodiscard]] std::string_view Text() const noexcept { return text_; }
+    template <class Value>
+    Parameter(const std::optional<Value>& value) : value_(value ? Parameter(*value).value_ : std::nullopt) {}
+
+    [[nodiscard]] const std::optional<std::string>& Value() const noexcept { return value_; }
 
   private:
-    std::string text_;
+    std::optional<std::string> value_;
 };
 
 using Parameters = std::initializer_list<Parameter>;
@@ -132,12 +136,21 @@ class DataBase {
     // Makes all that was written so far outlast a power cut. Call it at the end of a run of statements.
     void Flush();
 
+    // Whether the store has a table of that name.
+    [[nodiscard]] bool HasTable(const std::string& name);
+
+    // Runs statements that make tables, all or none.
+    void MakeTables(const char* script);
+
   private:
     friend class ResultSet;
+    friend class Transaction;
+
+    Connection& Open();
 
     struct Prepared {
         std::unique_ptr<Statement> statement;
-        std::vector<std::string> parameters; // of the latest run
+        std::vector<std::optional<std::string>> parameters; // of the latest run
         bool open = false;
     };
 
@@ -152,6 +165,23 @@ class DataBase {
     std::string connectionString_;
     std::unique_ptr<Connection> connection_;
     std::array<Prepared, CommandCount> prepared_;
+};
+
+// Statements that take effect together, for others as for the disk: with Commit, or not at all. Where another
+// one lasts, it waits as long as a statement does. No two on one data base.
+class Transaction {
+  public:
+    explicit Transaction(DataBase& dataBase);
+    ~Transaction();
+
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    void Commit();
+
+  private:
+    DataBase& dataBase_;
+    bool open_ = true;
 };
 
 } // namespace KAL_AUTO_Node

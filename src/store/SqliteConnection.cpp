@@ -62,11 +62,13 @@ class SqliteStatement : public Statement {
 
     [[nodiscard]] std::span<const std::string> Columns() const override { return columns_; }
 
-    void Run(std::span<const std::string> parameters) override {
+    void Run(std::span<const std::optional<std::string>> parameters) override {
         int position = 0;
-        for (const std::string& parameter : parameters) {
-            Require(sqlite3_bind_text(statement_.get(), ++position, parameter.data(),
-                                      static_cast<int>(parameter.size()), SQLITE_STATIC));
+        for (const auto& parameter : parameters) {
+            ++position;
+            Require(parameter ? sqlite3_bind_text(statement_.get(), position, parameter->data(),
+                                                  static_cast<int>(parameter->size()), SQLITE_STATIC)
+                              : sqlite3_bind_null(statement_.get(), position));
         }
         since_.reset();
         int result = Step();
@@ -137,7 +139,10 @@ class SqliteStatement : public Statement {
                                "SQLite");
         }
         if (result != SQLITE_OK) {
-            throw RuntimeError(ErrorNumber::StoreFailure, sqlite3_errmsg(database_), "SQLite");
+            const int cause = sqlite3_extended_errcode(database_);
+            const bool duplicate = cause == SQLITE_CONSTRAINT_PRIMARYKEY || cause == SQLITE_CONSTRAINT_UNIQUE;
+            throw RuntimeError(duplicate ? ErrorNumber::DuplicateKey : ErrorNumber::StoreFailure,
+                               sqlite3_errmsg(database_), "SQLite");
         }
     }
 
@@ -243,6 +248,20 @@ std::string SqliteConnection::FirstBytes(std::size_t count) {
 
 std::unique_ptr<Statement> SqliteConnection::Prepare(const std::string& sql) {
     return std::make_unique<SqliteStatement>(database_.getHandle(), sql, running_);
+}
+
+void SqliteConnection::Begin() { RunScript("BEGIN IMMEDIATE"); }
+
+void SqliteConnection::Commit() { RunScript("COMMIT"); }
+
+void SqliteConnection::Rollback() noexcept { database_.tryExec("ROLLBACK"); }
+
+bool SqliteConnection::HasTable(const std::string& name) {
+    return Engine([&] { return database_.tableExists(name); });
+}
+
+void SqliteConnection::RunScript(const char* sql) {
+    Engine([&] { database_.exec(sql); });
 }
 
 void SqliteConnection::Flush() {

@@ -26,6 +26,11 @@ class SqliteConnection : public Connection {
     [[nodiscard]] std::string FirstBytes(std::size_t count);
 
     std::unique_ptr<Statement> Prepare(const std::string& sql) override;
+    void Begin() override;
+    void Commit() override;
+    void Rollback() noexcept override;
+    [[nodiscard]] bool HasTable(const std::string& name) override;
+    void RunScript(const char* sql) override;
     void Flush() override;
 
     SqliteConnection(const SqliteConnection&) = delete;

@@ -6,11 +6,17 @@
 
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <string>
 
 namespace KAL_AUTO_Node {
 
 // Nodes as JSON, members in one fixed order; docs/json.md tells the form. What is Null in the store is null.
-[[nodiscard]] nlohmann::ordered_json ToJson(Partition partition, std::int16_t number, const AutoNode& node);
+// Labels of the nodes referred to are given where they were read.
+[[nodiscard]] nlohmann::ordered_json ToJson(Partition partition, std::int16_t number, const AutoNode& node,
+                                            Labels labels);
+// The node of such a document. Throws nlohmann::json::exception for a document of another form.
+[[nodiscard]] AutoNode NodeFromJson(const nlohmann::ordered_json& document);
+
 [[nodiscard]] nlohmann::ordered_json ToJson(const AutoNodeSummary& node);
 [[nodiscard]] nlohmann::ordered_json ToJson(const PartitionCounts& partition);
 

@@ -1,0 +1,189 @@
+#include "history/History.h"
+
+#include "platform/RuntimeError.h"
+#include "store/DataBase.h"
+
+#include <algorithm>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+constexpr const char* Tables =
+#include "store/HistoryTables.inc"
+    ;
+
+constexpr const char* VersionTable = "Node_AUTO_Version";
+
+std::string Named(const NodePlace& place) {
+    return "AUTO node " + std::to_string(place.number) + " of configuration " +
+           std::to_string(place.partition.config) + ", partition " + std::to_string(place.partition.number);
+}
+
+} // namespace
+
+bool History::Exists() {
+    exists_ = exists_ || dataBase_.HasTable(VersionTable);
+    return exists_;
+}
+
+bool History::Prepare() {
+    if (!Exists()) {
+        try {
+            dataBase_.MakeTables(Tables);
+        } catch (const RuntimeError&) {
+            // Another workstation may have made them meanwhile; where they may not be made, saving goes on
+            // without.
+            return Exists();
+        }
+        exists_ = true;
+    }
+    return true;
+}
+
+std::vector<Version> History::Versions(const NodePlace& place) {
+    std::vector<Version> versions;
+    if (!Exists()) {
+        return versions;
+    }
+    for (ResultSet rows = dataBase_.Query(Command::Get_AUTO_Versions,
+                                          {place.partition.config, place.partition.number, place.number});
+         !rows.AtEnd(); rows.MoveNext()) {
+        const auto text = [&](const char* column) { return std::string(rows.Text(column)); };
+        versions.push_back({rows.Number("VersionNo"),
+                            text("Work"),
+                            text("State"),
+                            text("BegunAt"),
+                            {text("UserName"), text("HostName"), text("Program"), rows.Number("ProcessID"),
+                             text("ProcessStart")}});
+    }
+    return versions;
+}
+
+NodeContent History::Before(const NodePlace& place, int version) {
+    const std::string missing = Named(place) + " has no version " + std::to_string(version);
+    if (!Exists()) {
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall, missing);
+    }
+    const ResultSet row =
+        dataBase_.Query(Command::Get_AUTO_Version_Content,
+                        {place.partition.config, place.partition.number, place.number, version});
+    if (row.AtEnd()) {
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall, missing);
+    }
+    return ContentOf(std::string(row.Text("Content")));
+}
+
+std::optional<Version> History::Unfinished(const NodePlace& place) {
+    const auto versions = Versions(place);
+    if (std::ranges::any_of(versions, IsBeingMade)) {
+        return std::nullopt;
+    }
+    for (const Version& version : versions) {
+        if (!IsUnfinished(version)) {
+            continue;
+        }
+        if (ReadContent(dataBase_, place.partition, place.number) != Before(place, version.number)) {
+            return version;
+        }
+        Drop(place, version.number);
+    }
+    return std::nullopt;
+}
+
+void History::Drop(const NodePlace& place, int version) {
+    dataBase_.Execute(Command::Delete_AUTO_Version,
+                      {place.partition.config, place.partition.number, place.number, version});
+}
+
+int History::Add(const NodePlace& place, const char* work, const char* state, const NodeContent& before) {
+    const auto versions = Versions(place);
+    const int number = versions.empty() ? 1 : versions.front().number + 1;
+    const ProcessIdentity author = ThisProcess();
+    const auto& [partition, node] = place;
+    dataBase_.Execute(Command::Add_AUTO_Version,
+                      {partition.config, partition.number, node, number, work, state, TimeStamp(),
+                       author.user, author.host, author.program, author.process, author.start,
+                       TextOf(partition, node, before)});
+    dataBase_.Execute(Command::Prune_AUTO_Versions,
+                      {partition.config, partition.number, node, number - KeptVersions, TimeStamp(KeptDays)});
+    return number;
+}
+
+void History::SetState(const NodePlace& place, int version, const char* state) {
+    dataBase_.Execute(Command::Set_AUTO_Version_State,
+                      {state, place.partition.config, place.partition.number, place.number, version});
+}
+
+void History::PutBack(const NodePlace& place, int version, const char* work) {
+    {
+        Transaction all(dataBase_);
+        const auto versions = Versions(place);
+        if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
+            throw RuntimeError(ErrorNumber::Busy, Named(place) + " is being saved by " + AuthorText(*made) +
+                                                      " since " + LocalTime(made->begunAt));
+        }
+        const NodeContent before = Before(place, version);
+        if (!before.node) {
+            throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                               Named(place) + " did not exist before version " + std::to_string(version));
+        }
+        Add(place, work, VersionState::Finished, ReadContent(dataBase_, place.partition, place.number));
+        WriteContent(dataBase_, place.partition, place.number, before);
+        SetState(place, version, VersionState::PutBack);
+        all.Commit();
+    }
+    dataBase_.Flush();
+    FinishCreations(place, version);
+}
+
+void History::FinishCreations(const NodePlace& place, int version) {
+    struct Begun {
+        int typeID;
+        int number;
+        std::string date;
+    };
+
+    const auto& [partition, node] = place;
+    std::vector<Begun> creations;
+    for (ResultSet rows =
+             dataBase_.Query(Command::Get_Creations, {partition.config, partition.number, node, version});
+         !rows.AtEnd(); rows.MoveNext()) {
+        creations.push_back(
+            {rows.Number("NodeTypeID"), rows.Number("NodeNumber"), std::string(rows.Text("DateModified"))});
+    }
+    for (const auto& [typeID, number, date] : creations) {
+        if (!IsNodeExisted(dataBase_, partition, typeID, number)) {
+            CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, number, typeID, date,
+                                   Existing::Keep);
+        }
+    }
+    dataBase_.Flush();
+}
+
+std::int64_t History::Prune() {
+    struct Kept {
+        NodePlace place;
+        int newest;
+    };
+
+    if (!Exists()) {
+        return 0;
+    }
+    std::vector<Kept> nodes;
+    for (ResultSet rows = dataBase_.Query(Command::Get_AUTO_Nodes_With_Versions, {}); !rows.AtEnd();
+         rows.MoveNext()) {
+        nodes.push_back({{{rows.Number16("ConfigID"), rows.Number16("PartID")}, rows.Number16("NodeNumber")},
+                         rows.Number("VersionNo")});
+    }
+    std::int64_t pruned = 0;
+    for (const auto& [place, newest] : nodes) {
+        pruned += dataBase_.Execute(Command::Prune_AUTO_Versions,
+                                    {place.partition.config, place.partition.number, place.number,
+                                     newest - KeptVersions, TimeStamp(KeptDays)});
+    }
+    dataBase_.Flush();
+    return pruned;
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "history/NodeContent.h"
+#include "history/Version.h"
+#include "nodes/Templates.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace KAL_AUTO_Node {
+
+class DataBase;
+
+// An AUTO node of the store.
+struct NodePlace {
+    Partition partition;
+    std::int16_t number = 0;
+
+    friend bool operator==(const NodePlace&, const NodePlace&) = default;
+};
+
+// The changes of AUTO nodes that a store keeps, with each node as it was before them.
+class History {
+  public:
+    // Of each node the latest versions are kept, and everything younger than that many days.
+    static constexpr int KeptVersions = 20;
+    static constexpr int KeptDays = 90;
+
+    // The data base outlives the history.
+    explicit History(DataBase& dataBase) : dataBase_(dataBase) {}
+
+    // Whether the store keeps a history. A store of another program's has none before the first save.
+    [[nodiscard]] bool Exists();
+    // Makes the store keep one; false where it may not be changed so.
+    [[nodiscard]] bool Prepare();
+
+    // Newest first; none where there is no history.
+    [[nodiscard]] std::vector<Version> Versions(const NodePlace& place);
+    // The node as it was before a change. Raises InvalidProcedureCall where there is no such version.
+    [[nodiscard]] NodeContent Before(const NodePlace& place, int version);
+
+    // The newest change that never got to its end, is not being made now and has left the node another than
+    // it was. One that has not is dropped.
+    [[nodiscard]] std::optional<Version> Unfinished(const NodePlace& place);
+
+    // Adds a version of that work and state for a change that follows, and drops those that are kept no
+    // longer. Part of a transaction.
+    int Add(const NodePlace& place, const char* work, const char* state, const NodeContent& before);
+
+    // Makes the store hold the node as it was before a change, in one step that is itself a version. Raises
+    // Busy while the node is being saved.
+    void PutBack(const NodePlace& place, int version, const char* work);
+
+    // Drops what is kept no longer of all nodes; returns how many versions went.
+    std::int64_t Prune();
+
+  private:
+    void Drop(const NodePlace& place, int version);
+    void SetState(const NodePlace& place, int version, const char* state);
+    // Makes what the change began to make from templates.
+    void FinishCreations(const NodePlace& place, int version);
+
+    DataBase& dataBase_;
+    bool exists_ = false; // known to
+};
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,136 @@
+#include "history/NodeSave.h"
+
+#include "platform/RuntimeError.h"
+#include "store/DataBase.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+// A save takes a fraction of a second; only one that lasts is worth telling.
+constexpr std::chrono::milliseconds LongestWait(2000);
+constexpr std::chrono::milliseconds BetweenLooks(50);
+
+} // namespace
+
+std::optional<Obstacle> NodeSave::Begin(const AutoNode& loaded, int version) {
+    const bool guarded = history_.Prepare();
+    const auto end = std::chrono::steady_clock::now() + LongestWait;
+    while (true) {
+        std::optional<Version> made;
+        {
+            std::optional<Transaction> all;
+            std::vector<Version> versions;
+            if (guarded) {
+                all.emplace(dataBase_);
+                versions = history_.Versions(place_);
+            }
+            if (const auto found = std::ranges::find_if(versions, IsBeingMade); found != versions.end()) {
+                made = *found;
+            } else {
+                NodeContent stored = ReadContent(dataBase_, place_.partition, place_.number);
+                if (!stored.node) {
+                    return Obstacle{Obstacle::Gone, {}, {}};
+                }
+                if (*stored.node != loaded) {
+                    const bool known = !versions.empty() && versions.front().number > version;
+                    return Obstacle{Obstacle::Changed, std::move(stored.node),
+                                    known ? std::optional(versions.front()) : std::nullopt};
+                }
+                if (guarded) {
+                    version_ = history_.Add(place_, "save", VersionState::Begun, stored);
+                    before_ = std::move(stored);
+                    all->Commit();
+                }
+                return std::nullopt;
+            }
+        }
+        if (std::chrono::steady_clock::now() >= end) {
+            return Obstacle{Obstacle::BeingSaved, {}, made};
+        }
+        std::this_thread::sleep_for(BetweenLooks);
+    }
+}
+
+Creation NodeSave::Create(int typeID, int number, const std::string& date) {
+    const auto& [partition, node] = place_;
+    auto existing = Existing::Refuse;
+    if (Guarded()) {
+        const int type = NodeTypeOf(typeID);
+        const bool begun =
+            !dataBase_.Query(Command::Get_Creation, {partition.config, partition.number, type, number})
+                 .AtEnd();
+        if (begun) {
+            existing = Existing::Keep;
+        } else {
+            dataBase_.Execute(Command::Add_Creation,
+                              {partition.config, partition.number, type, number, version_, node, date});
+        }
+    }
+    return CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, number, typeID, date, existing);
+}
+
+void NodeSave::Renew() {
+    if (!Guarded()) {
+        return;
+    }
+    const auto& [partition, node] = place_;
+    if (dataBase_.Execute(Command::Renew_AUTO_Version,
+                          {TimeStamp(), partition.config, partition.number, node, version_}) == 0) {
+        throw RuntimeError(ErrorNumber::Busy, "Somebody else has saved AUTO node " + std::to_string(node) +
+                                                  " meanwhile; nothing of it was written");
+    }
+}
+
+void NodeSave::Finish() {
+    written_ = true;
+    const auto& [partition, node] = place_;
+    try {
+        if (Guarded()) {
+            Transaction all(dataBase_);
+            dataBase_.Execute(Command::Set_AUTO_Version_State,
+                              {VersionState::Finished, partition.config, partition.number, node, version_});
+            dataBase_.Execute(Command::Leave_AUTO_Versions,
+                              {partition.config, partition.number, node, version_});
+            dataBase_.Execute(Command::Delete_Finished_Creations, {partition.config, partition.number, node});
+            all.Commit();
+        }
+        dataBase_.Flush();
+    } catch (const RuntimeError& error) {
+        throw RuntimeError(error.Number(),
+                           std::string("All of the node is written, but not marked so: ") + error.what(),
+                           error.Source());
+    }
+}
+
+bool NodeSave::Fail() noexcept {
+    if (written_) {
+        return false;
+    }
+    bool half = false;
+    try {
+        if (Guarded()) {
+            const auto& [partition, node] = place_;
+            Transaction all(dataBase_);
+            half = ReadContent(dataBase_, partition, node) != *before_;
+            if (half) {
+                dataBase_.Execute(Command::Set_AUTO_Version_State,
+                                  {VersionState::Failed, partition.config, partition.number, node, version_});
+            } else {
+                dataBase_.Execute(Command::Delete_AUTO_Version,
+                                  {partition.config, partition.number, node, version_});
+            }
+            all.Commit();
+        }
+        dataBase_.Flush();
+    } catch (const RuntimeError&) {
+        // The failure that ended the save is the one to report. The mark says that the save did not finish.
+    }
+    return half;
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,69 @@
+#include "history/Version.h"
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <optional>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+using Clock = std::chrono::system_clock;
+using std::chrono::milliseconds;
+
+std::string Written(Clock::time_point time) {
+    const auto sinceEpoch = std::chrono::duration_cast<milliseconds>(time.time_since_epoch());
+    const auto seconds = static_cast<std::time_t>(sinceEpoch.count() / 1000);
+    std::tm parts{};
+    gmtime_r(&seconds, &parts);
+    std::array<char, 64> text{};
+    const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &parts);
+    std::snprintf(text.data() + length, text.size() - length, ".%03dZ",
+                  static_cast<int>(sinceEpoch.count() % 1000));
+    return text.data();
+}
+
+std::optional<std::time_t> Read(const std::string& timeStamp) {
+    std::tm parts{};
+    const char* end = strptime(timeStamp.c_str(), "%Y-%m-%dT%H:%M:%S", &parts);
+    return end != nullptr ? std::optional(timegm(&parts)) : std::nullopt;
+}
+
+} // namespace
+
+bool IsUnfinished(const Version& version) {
+    return version.state == VersionState::Begun || version.state == VersionState::Failed;
+}
+
+bool IsBeingMade(const Version& version) {
+    if (version.state != VersionState::Begun) {
+        return false;
+    }
+    if (version.author.host == HostName()) {
+        return IsRunning(version.author.process, version.author.start);
+    }
+    const auto begun = Read(version.begunAt);
+    return begun && std::time(nullptr) - *begun < OwnerLimitMinutes * 60;
+}
+
+std::string TimeStamp(int daysAgo) { return Written(Clock::now() - std::chrono::hours(24) * daysAgo); }
+
+std::string LocalTime(const std::string& timeStamp) {
+    const auto time = Read(timeStamp);
+    if (!time) {
+        return timeStamp;
+    }
+    std::tm parts{};
+    localtime_r(&*time, &parts);
+    std::array<char, 64> text{};
+    std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &parts);
+    return text.data();
+}
+
+std::string AuthorText(const Version& version) {
+    return version.author.user + " on " + version.author.host + " with " + version.author.program;
+}
+
+} // namespace KAL_AUTO_Node
