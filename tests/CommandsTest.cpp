@@ -297,7 +297,8 @@ TEST(Commands, TellWhatTheStoreRefuses) {
         dataBase.Execute(Add_AUTO_PromptsNode, {1, 2, sequence, 0, 1, 1, "MSG"});
     };
     for (const char* sequence : {"1", "one", ""}) {
-        ExpectRaised(StoreFailure, {"Detail_AUTO_Prompts.SequenceNo", file}, [&] { add(sequence); });
+        ExpectRaised(sequence == std::string("1") ? DuplicateKey : StoreFailure,
+                     {"Detail_AUTO_Prompts.SequenceNo", file}, [&] { add(sequence); });
     }
     EXPECT_NO_THROW(add("4"));
     ExpectRaised(InvalidProcedureCall, {"Delete_AUTO_PromptsNode", "3 parameters"}, [&] {

@@ -143,11 +143,11 @@ TEST(MissingNodes, AreThoseThatCannotBeLookedUpToo) {
     EXPECT_TRUE(check.person.Edit(3, [&] {
         check.store.Execute("ALTER TABLE Node_General_Pool RENAME TO Elsewhere");
         Person::TypeLabel("Saved");
-        check.person.WillAnswer({Ok, Cancel, Ok});
+        check.person.WillAnswer({Ok, Cancel, Ok, No});
         Person::Press("cmdApply");
     }));
     const auto boxes = check.person.Boxes();
-    ASSERT_EQ(boxes.size(), 3U);
+    ASSERT_EQ(boxes.size(), 4U) << "the last offers to put the node back";
     ExpectReport(boxes[0], "IsNodeExisted", "Node_General_Pool");
     EXPECT_EQ(boxes[1], Asked({"MSG 50"}).front());
     ExpectReport(boxes[2], "SaveChanges", "Node_General_Pool");

@@ -137,8 +137,21 @@ TEST(Saving, StoresListsThatHoldNothingAndLabelsThatHoldAnything) {
     }));
 }
 
-// Each statement of a save fails once; what ran before it stays. Left are the labels and how many details.
-TEST(Saving, ThatFailsHalfWayKeepsWhatWasWrittenAndTheWindowUsable) {
+// All that the store holds of a node.
+Rows Content(const TestStore& store, int node) {
+    Rows content;
+    for (const char* rows :
+         {"Node_AUTO WHERE NodeNumber", "Node_General_Pool WHERE NodeTypeID = 9 AND NodeNumber",
+          "Detail_AUTO_Prompts WHERE NodeMasterID", "Detail_AUTO_Action WHERE NodeMasterID"}) {
+        const Rows found = store.Rows(std::string("SELECT * FROM ") + rows + " = " + std::to_string(node));
+        content.insert(content.end(), found.begin(), found.end());
+    }
+    return content;
+}
+
+// Each statement of a save fails once. What ran before it stays, unless the person wants the node put back.
+// Left are the labels and how many details.
+TEST(Saving, ThatFailsHalfWayKeepsWhatWasWrittenOrIsPutBack) {
     constexpr std::array<std::array<const char*, 3>, 6> failures = {{
         {"DELETE ON Detail_AUTO_Prompts", "Delete_AUTO_PromptsNode", "Sales|Sales 10"},
         {"DELETE ON Detail_AUTO_Action", "Delete_AUTO_ActionsNode", "Sales|Sales 8"},
@@ -148,41 +161,73 @@ TEST(Saving, ThatFailsHalfWayKeepsWhatWasWrittenAndTheWindowUsable) {
         {"INSERT ON Detail_AUTO_Action WHEN NEW.SequenceNo = 3", "Add_AUTO_ActionsNode", "New|New 4"},
     }};
     const TestStore store;
+    store.Execute(
+        "UPDATE Detail_AUTO_Action SET SequenceNo = 70, DTMFRangeLow = NULL"
+        " WHERE PartID = 2 AND NodeMasterID = 8 AND SequenceNo = 8;"
+        "UPDATE Node_AUTO SET RetryLimit = NULL, AbortNodeType = 'old' WHERE PartID = 2 AND NodeNumber = 8");
+    const Rows before = Content(store, 8);
     const auto left = [&] { return Labels(store) + ' ' + std::to_string(Details(store, 8).size()); };
     const auto failingAt = [&](const char* statement) {
         store.Execute(std::string("DROP TRIGGER IF EXISTS failing; CREATE TRIGGER failing BEFORE ") +
                       statement + " BEGIN SELECT RAISE(ABORT, 'the disk is on fire'); END");
     };
     Person person;
-    person.LookAtBox = [](QMessageBox&) { Person::ExpectIdle(); };
     EXPECT_TRUE(person.Edit(8, [&] {
         for (const auto& [statement, command, expected] : failures) {
-            SCOPED_TRACE(statement);
-            failingAt(statement);
-            Person::TypeLabel("New");
-            Person::Press("cmdApply");
-            const std::string cause = std::string("the disk is on fire (command ") + command + ", file '" +
-                                      store.File().string() + "')";
-            EXPECT_EQ(person.Boxes(),
-                      std::vector<Box>{ErrorBox("Source: SQLite - SaveChanges \r\nDescription: " + cause)});
-            EXPECT_EQ(left(), expected);
-            EXPECT_FALSE(Person::Dirty()) << "as after a save";
-
-            store.Execute("DROP TRIGGER failing");
-            Person::TypeLabel("Sales");
-            Person::Press("cmdApply");
-            EXPECT_EQ(left(), "Sales|Sales 10");
+            for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+                SCOPED_TRACE(std::string(statement) + ", answer " + std::to_string(answer));
+                const bool half = statement != failures[0][0];
+                failingAt(statement);
+                Person::TypeLabel("New");
+                person.WillAnswer({QMessageBox::Ok});
+                if (half) {
+                    person.WillAnswer({answer});
+                }
+                // Putting back meets the same trouble, unless it is over.
+                person.LookAtBox = [&](const QMessageBox& box) {
+                    if (box.standardButtons() == QMessageBox::Ok) {
+                        Person::ExpectIdle();
+                    } else {
+                        store.Execute("DROP TRIGGER IF EXISTS failing");
+                    }
+                };
+                Person::Press("cmdApply");
+                const auto boxes = person.Boxes();
+                ASSERT_EQ(boxes.size(), half ? 2U : 1U);
+                EXPECT_EQ(boxes[0],
+                          ErrorBox(std::string("Source: SQLite - SaveChanges \r\nDescription: the disk is "
+                                               "on fire (command ") +
+                                   command + ", file '" + store.File().string() + "')"));
+                EXPECT_FALSE(Person::Dirty()) << "as after a save";
+                if (!half || answer == QMessageBox::Yes) {
+                    EXPECT_EQ(Content(store, 8), before);
+                    EXPECT_EQ(Person::Label(), half ? "Sales" : "New");
+                    continue;
+                }
+                EXPECT_EQ(boxes[1].title, "Confirmation");
+                EXPECT_EQ(left(), expected);
+                // Opened again, it is offered once more.
+                person.WillAnswer({QMessageBox::No, QMessageBox::Yes});
+                Person::Press("cmdNext");
+                Person::Press("cmdPrevious");
+                Person::Press("cmdNext");
+                Person::Press("cmdPrevious");
+                EXPECT_EQ(person.Boxes(), (std::vector{boxes[1], boxes[1]}));
+                EXPECT_EQ(Content(store, 8), before);
+                EXPECT_EQ(Person::Label(), "Sales");
+            }
         }
         // Who saves in order to leave is not held up.
         failingAt("UPDATE ON Node_AUTO");
+        person.LookAtBox = nullptr;
         Person::TypeLabel("New");
         person.WillAnswer({QMessageBox::Yes});
         Person::Press("cmdNext");
-        EXPECT_EQ(person.Boxes().size(), 2U) << "question and report";
+        EXPECT_EQ(person.Boxes().size(), 3U) << "question, report and offer";
         EXPECT_EQ(Person::Text("cmbNode"), "AUTO 9");
         Person::TypeLabel("New");
         Person::Press("cmdOK");
-        EXPECT_EQ(person.Boxes().size(), 1U);
+        EXPECT_EQ(person.Boxes().size(), 2U);
         EXPECT_FALSE(Person::Window("GUI")->isVisible());
     }));
 }
@@ -204,7 +249,7 @@ TEST(Saving, ReachesTheDiskInOneSyncAlsoWhereItFails) {
         store.Execute("CREATE TRIGGER failing BEFORE INSERT ON Detail_AUTO_Action"
                       " BEGIN SELECT RAISE(ABORT, 'the disk is on fire'); END");
         EXPECT_EQ(syncsOfSaving("Third"), FileSyncs{.log = 1});
-        EXPECT_EQ(person.Boxes().size(), 1U);
+        EXPECT_EQ(person.Boxes().size(), 2U);
         EXPECT_EQ(Labels(store), "Third|Third");
     }));
 }

@@ -23,7 +23,9 @@ std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, Partition partition, 
     }
     return RegisterEntry{std::string(row.Field("NodeType").value_or("")),
                          OptionalText(row, "NodeDescription"), OptionalText(row, "DateModified")};
+
 } catch (const RuntimeError&) {
+
     return std::nullopt;
 }
 
