@@ -94,7 +94,7 @@ bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
             LongOperation::ShowProgress(gui, "Saving node information. Please wait...");
             WriteAutoNode(dataBase_, PartitionOf(gui), nodeNumber, node, Today());
             save.Finish();
-        } catch (const RuntimeError&) {
+        } catch (...) {
             half = save.Fail();
             throw;
         }
