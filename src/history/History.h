@@ -13,14 +13,6 @@ namespace KAL_AUTO_Node {
 
 class DataBase;
 
-// An AUTO node of the store.
-struct NodePlace {
-    Partition partition;
-    std::int16_t number = 0;
-
-    friend bool operator==(const NodePlace&, const NodePlace&) = default;
-};
-
 // The changes of AUTO nodes that a store keeps, with each node as it was before them.
 class History {
   public:

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "nodes/Identity.h"
+
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
@@ -18,6 +20,10 @@ struct NodeArguments {
     std::int16_t partition = 0;
     std::int16_t node = 0;
 };
+
+[[nodiscard]] inline NodePlace PlaceOf(const NodeArguments& place) {
+    return {{place.config, place.partition}, place.node};
+}
 
 // CONFIG PARTITION NODE, all required.
 void AddNode(CLI::App& command, NodeArguments& place);

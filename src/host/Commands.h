@@ -14,8 +14,12 @@ struct Subcommand {
 };
 
 [[nodiscard]] Subcommand EditCommand(CLI::App& program);
+[[nodiscard]] Subcommand DiffCommand(CLI::App& program);
+[[nodiscard]] Subcommand HistoryCommand(CLI::App& program);
 [[nodiscard]] Subcommand InitCommand(CLI::App& program);
 [[nodiscard]] Subcommand ListCommand(CLI::App& program);
+[[nodiscard]] Subcommand PruneCommand(CLI::App& program);
+[[nodiscard]] Subcommand RestoreCommand(CLI::App& program);
 [[nodiscard]] Subcommand ShowCommand(CLI::App& program);
 
 } // namespace KAL_AUTO_Node

@@ -12,6 +12,14 @@ struct Partition {
     friend bool operator==(const Partition&, const Partition&) = default;
 };
 
+// An AUTO node of the store.
+struct NodePlace {
+    Partition partition;
+    std::int16_t number = 0;
+
+    friend bool operator==(const NodePlace&, const NodePlace&) = default;
+};
+
 // Of this number every type has the partition's template, from which new nodes are made.
 inline constexpr int TemplateNumber = 0;
 

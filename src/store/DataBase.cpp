@@ -129,6 +129,9 @@ void ResultSet::Close() noexcept {
 
 DataBase::DataBase() : connectionString_(GetConnectionString()) {}
 
+DataBase::DataBase(const std::filesystem::path& file)
+    : connectionString_(ConnectionStringOf(file.string())) {}
+
 DataBase::~DataBase() = default;
 
 std::filesystem::path DataBase::File() const {

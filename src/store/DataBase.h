@@ -118,6 +118,8 @@ class DataBase {
     // Finds the store's place anew. Opens nothing. Raises UnsupportedValueType where the configured place is
     // of a kind that no path is made of.
     DataBase();
+    // The store in a file of that path, wherever that is.
+    explicit DataBase(const std::filesystem::path& file);
     ~DataBase();
 
     DataBase(const DataBase&) = delete;

@@ -117,9 +117,10 @@ std::string GetSuiteFolder() {
 
 std::string GetDatabaseFolder() { return DatabaseFolderIn(GetSuiteFolder()); }
 
-std::string GetConnectionString() {
-    return std::string("Provider=Microsoft.Jet.OLEDB.4.0;") + "Data Source=" + GetDatabaseFolder() +
-           DatabaseFileName;
+std::string GetConnectionString() { return ConnectionStringOf(GetDatabaseFolder() + DatabaseFileName); }
+
+std::string ConnectionStringOf(const std::string& file) {
+    return std::string("Provider=Microsoft.Jet.OLEDB.4.0;") + "Data Source=" + file;
 }
 
 std::string GetNewDatabaseFile() {

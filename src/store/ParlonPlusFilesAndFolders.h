@@ -36,6 +36,9 @@ using RegistryValue = std::variant<std::monostate, std::string, std::vector<std:
 [[nodiscard]] std::string GetDatabaseFolder();
 [[nodiscard]] std::string GetConnectionString();
 
+// The string that names a store by its file.
+[[nodiscard]] std::string ConnectionStringOf(const std::string& file);
+
 // Where to make a store so that the connection string names it from then on: where it points to already, or
 // under the machine-wide application-data folder as long as nothing says where the suite lies.
 [[nodiscard]] std::string GetNewDatabaseFile();

@@ -1,0 +1,76 @@
+#include "history/History.h"
+#include "host/Arguments.h"
+#include "host/Changes.h"
+#include "host/Commands.h"
+#include "store/DataBase.h"
+
+#include <memory>
+#include <stdexcept>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+struct Options {
+    NodeArguments place;
+    std::vector<int> versions;
+    std::vector<std::int16_t> other; // node: configuration, partition, number
+    std::string store;
+};
+
+std::optional<AutoNode> NodeBefore(DataBase& dataBase, const NodePlace& place, std::optional<int> version) {
+    return version ? History(dataBase).Before(place, *version).node
+                   : ReadContent(dataBase, place.partition, place.number).node;
+}
+
+int Run(const Options& options) {
+    const NodePlace place = PlaceOf(options.place);
+    const NodePlace otherPlace =
+        options.other.empty() ? place : NodePlace{{options.other[0], options.other[1]}, options.other[2]};
+    const auto version = [&](std::size_t position) {
+        return position < options.versions.size() ? std::optional(options.versions[position]) : std::nullopt;
+    };
+    DataBase dataBase;
+    std::unique_ptr<DataBase> otherStore;
+    if (!options.store.empty()) {
+        otherStore = std::make_unique<DataBase>(options.store);
+    }
+    const auto before = NodeBefore(dataBase, place, version(0));
+    const auto after = NodeBefore(otherStore ? *otherStore : dataBase, otherPlace, version(1));
+    if (!before && !after) {
+        throw std::runtime_error("neither of the two nodes exists");
+    }
+    PrintChanges(ChangesInWords(before, after));
+    return 0;
+}
+
+} // namespace
+
+Subcommand DiffCommand(CLI::App& program) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command = program.add_subcommand(
+        "diff",
+        "Tell what turns an AUTO node into another: an older state of it, another node, another store's");
+    AddNode(*command, options->place);
+    CLI::Option* versions =
+        command
+            ->add_option("--versions", options->versions,
+                         "The node as it was before one change, against before another or as it is now")
+            ->expected(1, 2)
+            ->type_name("OLD [NEW]");
+    command->add_option("--node", options->other, "Another node, by configuration, partition and number")
+        ->expected(3)
+        ->type_name("CONFIG PARTITION NODE")
+        ->excludes(versions);
+    command->add_option("--store", options->store, "The file of another store, in which the other node is")
+        ->type_name("FILE")
+        ->excludes(versions);
+    return {command, [options] {
+                if (options->versions.empty() && options->other.empty() && options->store.empty()) {
+                    throw std::runtime_error("diff takes --versions, --node or --store");
+                }
+                return Run(*options);
+            }};
+}
+
+} // namespace KAL_AUTO_Node

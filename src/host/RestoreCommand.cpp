@@ -1,0 +1,51 @@
+#include "history/History.h"
+#include "host/Arguments.h"
+#include "host/Changes.h"
+#include "host/Commands.h"
+#include "platform/RuntimeError.h"
+#include "store/DataBase.h"
+
+#include <iostream>
+#include <memory>
+
+namespace KAL_AUTO_Node {
+
+Subcommand RestoreCommand(CLI::App& program) {
+    struct Options {
+        NodeArguments place;
+        int version = 0; // the latest
+        bool dryRun = false;
+    };
+
+    auto options = std::make_shared<Options>();
+    CLI::App* command = program.add_subcommand("restore", "Put an AUTO node back as it was before a change");
+    AddNode(*command, options->place);
+    command->add_option("VERSION", options->version, "Number of the change; the latest where none is given")
+        ->check(CLI::PositiveNumber);
+    command->add_flag("--dry-run", options->dryRun, "Only tell what would change");
+    return {command, [options] {
+                const NodePlace place = PlaceOf(options->place);
+                DataBase dataBase;
+                History history(dataBase);
+                int version = options->version;
+                if (version == 0) {
+                    const auto versions = history.Versions(place);
+                    if (versions.empty()) {
+                        throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                                           "No changes of this node are kept");
+                    }
+                    version = versions.front().number;
+                }
+                const auto changes = ChangesInWords(ReadContent(dataBase, place.partition, place.number).node,
+                                                    history.Before(place, version).node);
+                if (!options->dryRun) {
+                    history.PutBack(place, version, "restore");
+                }
+                std::cout << (options->dryRun ? "Would put back" : "Put back") << " AUTO node "
+                          << place.number << " as it was before version " << version << ":\n";
+                PrintChanges(changes);
+                return 0;
+            }};
+}
+
+} // namespace KAL_AUTO_Node
