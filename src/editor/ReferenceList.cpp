@@ -46,6 +46,11 @@ void ReferenceList::Edit_Click() {
     Handle(*controls_.edit, "Click", [this] {
         const bool editing = !Editing();
         GUI::ShowEditing(*controls_.edit, editing);
+        if (editing) {
+            // A button that is disabled with the focus would hand it on, maybe to where edit mode ends; and one
+            // that stays in another list would not end it when the person goes on there.
+            controls_.edit->setFocus(Qt::OtherFocusReason);
+        }
         for (QPushButton* button : controls_.browsing) {
             button->setEnabled(!editing);
         }
