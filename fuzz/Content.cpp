@@ -45,16 +45,19 @@ class Source {
                 node.settings.*bytes_.PickValueInArray(SettingValues) = Setting();
                 break;
             case 3:
-                Change(
-                    node.branches[bytes_.ConsumeIntegralInRange<std::size_t>(0, node.branches.size() - 1)]);
+                node.branches[bytes_.ConsumeIntegralInRange<std::size_t>(0, node.branches.size() - 1)] =
+                    Target();
                 break;
             case 4:
-                ChangeRows(node.prompts, [this](Prompt& prompt) { Change(prompt.target); });
+                ChangeRows(node.prompts, [this](Prompt& prompt) { prompt.target = Target(); });
                 break;
             default:
                 ChangeRows(node.actions, [this](Action& action) {
-                    Change(action.target);
-                    (bytes_.ConsumeBool() ? action.low : action.high) = OptionalText();
+                    if (bytes_.ConsumeBool()) {
+                        (bytes_.ConsumeBool() ? action.low : action.high) = OptionalText();
+                    } else {
+                        action.target = Target();
+                    }
                 });
             }
         }
@@ -65,12 +68,6 @@ class Source {
     static constexpr std::optional<std::int64_t> Settings::*SettingValues[] = {
         &Settings::numberOfDigits, &Settings::retryLimit, &Settings::selectionTimeout,
         &Settings::digitTimeout};
-
-    void Change(Reference& reference) {
-        if (bytes_.ConsumeBool()) {
-            reference = Target();
-        }
-    }
 
     template <class Row, class ChangeRow>
     void ChangeRows(std::vector<Row>& rows, ChangeRow change) {
@@ -117,16 +114,19 @@ class Source {
 
     Reference Target() { return {bytes_.ConsumeIntegral<int>(), Text(), bytes_.ConsumeIntegral<int>(), {}}; }
 
+    // Few, so that input is left for what changes.
+    int Rows() { return bytes_.ConsumeIntegralInRange(0, 3); }
+
     AutoNode Node() {
         AutoNode node{
             Text(), OptionalText(), {Setting(), OptionalText(), Setting(), Setting(), Setting()}, {}, {}, {}};
         for (auto& branch : node.branches) {
             branch = Target();
         }
-        while (bytes_.ConsumeBool()) {
+        for (int rows = Rows(); rows > 0; --rows) {
             node.prompts.push_back({bytes_.ConsumeIntegral<int>(), Target()});
         }
-        while (bytes_.ConsumeBool()) {
+        for (int rows = Rows(); rows > 0; --rows) {
             node.actions.push_back({bytes_.ConsumeIntegral<int>(), Target(), OptionalText(), OptionalText()});
         }
         return node;
