@@ -71,10 +71,11 @@ class SqliteStatement : public Statement {
                               : sqlite3_bind_null(statement_.get(), position));
         }
         since_.reset();
+        const bool alone = sqlite3_get_autocommit(database_) != 0;
         int result = Step();
-        if (result == SQLITE_FULL) {
-            // The engine has taken back the whole statement. Where the log is what fills the disk, it begins
-            // anew once it is carried over.
+        if (result == SQLITE_FULL && alone) {
+            // The engine has taken back the whole statement, and with it all of a transaction that it was
+            // part of. Where the log is what fills the disk, it begins anew once it is carried over.
             Close();
             CarryLogOver(database_);
             result = Step();
