@@ -251,7 +251,17 @@ std::unique_ptr<Statement> SqliteConnection::Prepare(const std::string& sql) {
     return std::make_unique<SqliteStatement>(database_.getHandle(), sql, running_);
 }
 
-void SqliteConnection::Begin() { RunScript("BEGIN IMMEDIATE"); }
+void SqliteConnection::Begin() {
+    int moved = 0;
+    sqlite3_file_control(database_.getHandle(), nullptr, SQLITE_FCNTL_HAS_MOVED, &moved);
+    if (moved != 0) {
+        // The engine would write into the file that is gone, for nobody to see.
+        throw RuntimeError(ErrorNumber::StoreNotFound,
+                           "The store's file was moved, replaced or deleted while it was open here, so that "
+                           "nothing can be saved; close the window and open it anew");
+    }
+    RunScript("BEGIN IMMEDIATE");
+}
 
 void SqliteConnection::Commit() { RunScript("COMMIT"); }
 
