@@ -31,10 +31,13 @@ bool History::Prepare() {
     if (!Exists()) {
         try {
             dataBase_.MakeTables(Tables);
-        } catch (const RuntimeError&) {
+        } catch (const RuntimeError& error) {
             // Another workstation may have made them meanwhile; where they may not be made, saving goes on
             // without.
-            return Exists();
+            if (!Exists() && error.Number() != ErrorNumber::PermissionDenied) {
+                throw;
+            }
+            return exists_;
         }
         exists_ = true;
     }

@@ -272,7 +272,14 @@ bool SqliteConnection::HasTable(const std::string& name) {
 }
 
 void SqliteConnection::RunScript(const char* sql) {
-    Engine([&] { database_.exec(sql); });
+    if (const int result = database_.tryExec(sql); result != SQLITE_OK) {
+        const std::string what = database_.getErrorMsg();
+        // What is not so for a moment only.
+        const bool denied = result == SQLITE_READONLY || result == SQLITE_PERM || result == SQLITE_AUTH ||
+                            result == SQLITE_ERROR;
+        throw RuntimeError(denied ? ErrorNumber::PermissionDenied : ErrorNumber::StoreFailure, what,
+                           "SQLite");
+    }
 }
 
 void SqliteConnection::Flush() {
