@@ -28,6 +28,7 @@ bool History::Exists() {
 }
 
 bool History::Prepare() {
+    TryToMarkEnded();
     if (!Exists()) {
         try {
             dataBase_.MakeTables(Tables);
@@ -60,6 +61,18 @@ std::vector<Version> History::Versions(const NodePlace& place) {
                             {text("UserName"), text("HostName"), text("Program"), rows.Number("ProcessID"),
                              text("ProcessStart")}});
     }
+    for (const auto& [ended, number, state] : ended_) {
+        for (Version& version : versions) {
+            if (ended != place || !IsUnfinished(version)) {
+                continue;
+            }
+            if (version.number == number) {
+                version.state = state;
+            } else if (version.number < number && state == std::string_view(VersionState::Finished)) {
+                version.state = VersionState::Left;
+            }
+        }
+    }
     return versions;
 }
 
@@ -78,6 +91,7 @@ NodeContent History::Before(const NodePlace& place, int version) {
 }
 
 std::optional<Version> History::Unfinished(const NodePlace& place) {
+    TryToMarkEnded();
     const auto versions = Versions(place);
     if (std::ranges::any_of(versions, IsBeingMade)) {
         return std::nullopt;
@@ -89,14 +103,48 @@ std::optional<Version> History::Unfinished(const NodePlace& place) {
         if (ReadContent(dataBase_, place.partition, place.number) != Before(place, version.number)) {
             return version;
         }
-        Drop(place, version.number);
+        // The number of one that is dropped is given anew, and its owner would take the other for its own.
+        if (IsSurelyOver(version)) {
+            Drop(place, version.number);
+        }
     }
     return std::nullopt;
+}
+
+void History::End(const NodePlace& place, int version, const char* state) {
+    ended_.push_back({place, version, state});
+    MarkEnded();
+}
+
+void History::MarkEnded() {
+    while (!ended_.empty()) {
+        const auto& [place, version, state] = ended_.front();
+        const auto& [partition, node] = place;
+        Transaction all(dataBase_);
+        SetState(place, version, state);
+        if (state == std::string_view(VersionState::Finished)) {
+            dataBase_.Execute(Command::Leave_AUTO_Versions,
+                              {partition.config, partition.number, node, version});
+            dataBase_.Execute(Command::Delete_Finished_Creations, {partition.config, partition.number, node});
+        }
+        all.Commit();
+        ended_.erase(ended_.begin());
+    }
+}
+
+void History::TryToMarkEnded() noexcept {
+    try {
+        MarkEnded();
+    } catch (const RuntimeError&) {
+        // Whatever is to be done now tells of it if it cannot be done either.
+    }
 }
 
 void History::Drop(const NodePlace& place, int version) {
     dataBase_.Execute(Command::Delete_AUTO_Version,
                       {place.partition.config, place.partition.number, place.number, version});
+    std::erase_if(ended_,
+                  [&](const Ended& ended) { return ended.place == place && ended.version == version; });
 }
 
 int History::Add(const NodePlace& place, const char* work, const char* state, const NodeContent& before) {
