@@ -93,7 +93,7 @@ TEST_F(Nodes, TellWhatDiffers) {
     };
     const Reference message{0, "MSG", 11, {}};
     expect({}, [](AutoNode& node) { node.prompts[0].target.label = "another"; });
-    expect({"label \"Main menu\" → none", "retry limit 3 → none", "terminating digit # → No"},
+    expect({"label \"Main menu\" → none", "retry limit 3 → none", R"(terminating digit "#" → "No")"},
            [](AutoNode& node) {
                node.label.reset();
                node.settings.retryLimit.reset();

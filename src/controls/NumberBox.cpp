@@ -1,6 +1,7 @@
 #include "controls/NumberBox.h"
 
 #include "controls/Visibility.h"
+#include "platform/TypedNumber.h"
 
 #include <QAbstractListModel>
 #include <QInputMethodEvent>
@@ -12,7 +13,7 @@
 #include <QStyleOptionComboBox>
 
 #include <algorithm>
-#include <cstdint>
+#include <string>
 
 namespace KAL_AUTO_Node {
 
@@ -66,21 +67,6 @@ class NumberModel : public QAbstractListModel {
     int first_ = 1;
     int last_ = 0;
 };
-
-int TypedNumber(QStringView text, int first, int last) noexcept {
-    int value = 0;
-    for (const QChar character : text) {
-        if (character < u'0' || character > u'9') {
-            break;
-        }
-        const std::int64_t next = value * std::int64_t{10} + (character.unicode() - u'0');
-        if (next < first || next > last) {
-            break;
-        }
-        value = static_cast<int>(next);
-    }
-    return value == 0 ? first : value;
-}
 
 NumberBox::NumberBox(QWidget* parent) : ComboBox(parent), numbers_(new NumberModel(this)) {
     setEditable(true);
@@ -140,7 +126,8 @@ void NumberBox::Change() {
     {
         const QScopedValueRollback once(changing_, true);
         if (corrects) {
-            lineEdit()->setText(QString::number(TypedNumber(Text(), numbers_->First(), numbers_->Last())));
+            const std::u16string typed = Text().toStdU16String();
+            lineEdit()->setText(QString::number(TypedNumber(typed, numbers_->First(), numbers_->Last())));
             lineEdit()->end(false);
         }
         // Keeps the chosen entry in step with the text: the toolkit would otherwise choose it, and run Click,

@@ -2,16 +2,9 @@
 
 #include "controls/ComboBox.h"
 
-#include <QStringView>
-
 namespace KAL_AUTO_Node {
 
 class NumberModel;
-
-// What a typed text becomes in a box that offers first to last: its leading digits, as long as the number
-// that they make stays within the two; first where that leaves nothing. A 0 that isn't offered leaves
-// nothing.
-[[nodiscard]] int TypedNumber(QStringView text, int first, int last) noexcept;
 
 // An editable box that offers the whole numbers of one range. Whenever its text becomes another, whoever made
 // it so (a person, code, assistive technology), it is corrected to a number of the range, unless the box is

@@ -1,10 +1,12 @@
 #include "history/Version.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <optional>
+#include <string_view>
 
 namespace KAL_AUTO_Node {
 
@@ -25,7 +27,14 @@ std::string Written(Clock::time_point time) {
     return text.data();
 }
 
+// A time exactly as Written gives it. By itself the library's reader passes over blanks, missing digits and
+// all that follows.
 std::optional<std::time_t> Read(const std::string& timeStamp) {
+    static constexpr std::string_view Form = "0000-00-00T00:00:00.000Z";
+    const auto fits = [](char c, char form) { return form == '0' ? c >= '0' && c <= '9' : c == form; };
+    if (!std::ranges::equal(timeStamp, Form, fits)) {
+        return std::nullopt;
+    }
     std::tm parts{};
     const char* end = strptime(timeStamp.c_str(), "%Y-%m-%dT%H:%M:%S", &parts);
     return end != nullptr ? std::optional(timegm(&parts)) : std::nullopt;

@@ -58,8 +58,7 @@ void CompareSettings(const Settings& before, const Settings& after, Words& words
     for (const SettingRule& rule : SettingRules) {
         words.Change(rule.name, Number(before.*rule.value), Number(after.*rule.value));
     }
-    words.Change("terminating digit", before.terminatingDigit.value_or("none"),
-                 after.terminatingDigit.value_or("none"));
+    words.Change("terminating digit", Quoted(before.terminatingDigit), Quoted(after.terminatingDigit));
 }
 
 // Pairs of equal rows, in order: the longest common subsequence of two lists.

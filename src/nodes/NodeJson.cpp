@@ -1,5 +1,8 @@
 #include "nodes/NodeJson.h"
 
+#include <type_traits>
+#include <utility>
+
 namespace KAL_AUTO_Node {
 
 namespace {
@@ -11,10 +14,38 @@ Json OrNull(const std::optional<Value>& value) {
     return value ? Json(*value) : Json();
 }
 
+[[noreturn]] void Refuse(const char* name, const Json& member) {
+    throw Json::type_error::create(302, std::string("unexpected ") + name + ": " + member.type_name(),
+                                   &member);
+}
+
+// The library would turn another kind of value into a number, and cut one that is too large.
+template <class Value>
+Value MemberOf(const Json& document, const char* name) {
+    const Json& member = document.at(name);
+    if constexpr (std::is_integral_v<Value>) {
+        const bool fits = member.is_number_unsigned() ? std::in_range<Value>(member.get<std::uint64_t>())
+                                                      : member.is_number_integer() &&
+                                                            std::in_range<Value>(member.get<std::int64_t>());
+        if (!fits) {
+            Refuse(name, member);
+        }
+    }
+    return member.get<Value>();
+}
+
 template <class Value>
 void Take(const Json& document, const char* name, std::optional<Value>& value) {
+    value = document.at(name).is_null() ? std::nullopt : std::optional(MemberOf<Value>(document, name));
+}
+
+// Anything can be gone through, as if it were a list.
+const Json& ListIn(const Json& document, const char* name) {
     const Json& member = document.at(name);
-    value = member.is_null() ? std::nullopt : std::optional(member.get<Value>());
+    if (!member.is_array()) {
+        Refuse(name, member);
+    }
+    return member;
 }
 
 struct SettingMember {
@@ -39,8 +70,8 @@ void AddTo(Json& document, const Reference& reference, Labels labels) {
 }
 
 Reference ReferenceFrom(const Json& document) {
-    return {document.at("typeID").get<int>(), document.at("type").get<std::string>(),
-            document.at("number").get<int>(), document.value("label", std::string())};
+    return {MemberOf<int>(document, "typeID"), MemberOf<std::string>(document, "type"),
+            MemberOf<int>(document, "number"), document.value("label", std::string())};
 }
 
 Json ToJson(const Settings& settings) {
@@ -93,14 +124,14 @@ Json ToJson(Partition partition, std::int16_t number, const AutoNode& node, Labe
 
 AutoNode NodeFromJson(const Json& document) {
     AutoNode node;
-    node.type = document.at("type").get<std::string>();
+    node.type = MemberOf<std::string>(document, "type");
     Take(document, "label", node.label);
     node.settings = SettingsFrom(document.at("settings"));
-    for (const Json& row : document.at("prompts")) {
-        node.prompts.push_back({row.at("sequence").get<int>(), ReferenceFrom(row)});
+    for (const Json& row : ListIn(document, "prompts")) {
+        node.prompts.push_back({MemberOf<int>(row, "sequence"), ReferenceFrom(row)});
     }
-    for (const Json& row : document.at("actions")) {
-        Action action{row.at("sequence").get<int>(), ReferenceFrom(row), {}, {}};
+    for (const Json& row : ListIn(document, "actions")) {
+        Action action{MemberOf<int>(row, "sequence"), ReferenceFrom(row), {}, {}};
         Take(row, "low", action.low);
         Take(row, "high", action.high);
         node.actions.push_back(std::move(action));

@@ -17,6 +17,8 @@ locale_t Letters() {
     return letters;
 }
 
+} // namespace
+
 std::string FoldAscii(std::string_view text) {
     std::string folded(text);
     for (char& c : folded) {
@@ -26,8 +28,6 @@ std::string FoldAscii(std::string_view text) {
     }
     return folded;
 }
-
-} // namespace
 
 std::string FoldCase(std::string_view text) {
     const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };

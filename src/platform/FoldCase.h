@@ -9,4 +9,7 @@ namespace KAL_AUTO_Node {
 // that is no UTF-8 is folded as far as its ASCII letters go.
 [[nodiscard]] std::string FoldCase(std::string_view text);
 
+// The form in which texts that differ in the case of ASCII letters alone are equal.
+[[nodiscard]] std::string FoldAscii(std::string_view text);
+
 } // namespace KAL_AUTO_Node

@@ -16,6 +16,9 @@ namespace KAL_AUTO_Node {
     text.remove_prefix(start);
     if (text.starts_with('+')) {
         text.remove_prefix(1);
+        if (text.starts_with('-')) {
+            return 0;
+        }
     }
     std::int64_t value = 0;
     const auto parsed = std::from_chars(text.data(), text.data() + text.size(), value);

@@ -32,6 +32,9 @@ class Utf8Letters {
     locale_t before_;
 };
 
+// Half a surrogate pair, or beyond the last: the C library decodes them, others take their bytes for none.
+bool IsNoCharacter(wchar_t code) { return (code >= 0xD800 && code <= 0xDFFF) || code > 0x10FFFF; }
+
 // Calls with each character's bytes and its code; a byte that begins no character is one by itself, with
 // the code WEOF.
 template <class Take>
@@ -41,7 +44,7 @@ void ForEachCharacter(std::string_view text, Take take) {
     while (!text.empty()) {
         wchar_t character = 0;
         const std::size_t length = std::mbrtowc(&character, text.data(), text.size(), &state);
-        if (length == 0 || length > text.size()) {
+        if (length == 0 || length > text.size() || IsNoCharacter(character)) {
             state = {};
             take(text.substr(0, 1), length == 0 ? wint_t{0} : WEOF);
             text.remove_prefix(1);

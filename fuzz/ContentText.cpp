@@ -1,0 +1,60 @@
+// The text in which the history keeps a node: any text gives the node that it tells of, or a run-time error.
+
+#include "fuzz/Examine.h"
+#include "history/NodeContent.h"
+#include "platform/RuntimeError.h"
+
+#include <nlohmann/json.hpp>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr Partition SomePartition{1, 2};
+constexpr std::int16_t SomeNumber = 3;
+
+std::optional<NodeContent> ContentIn(const std::string& text) try {
+    return ContentOf(text);
+
+} catch (const RuntimeError& error) {
+
+    Require(error.Number() == ErrorNumber::StoreNotRecognized, "a text that is no content is told as such");
+    return std::nullopt;
+}
+
+// Whether a document has all that another has, and there the same; it may have more.
+bool Tells(const Json& document, const Json& part) {
+    if (part.is_object()) {
+        return document.is_object() && std::ranges::all_of(part.items(), [&](const auto& member) {
+                   return document.contains(member.key()) && Tells(document.at(member.key()), member.value());
+               });
+    }
+    if (part.is_array()) {
+        return document.is_array() && std::ranges::equal(document, part, Tells);
+    }
+    return document.type() == part.type() && document == part;
+}
+
+} // namespace
+
+void Examine(std::string_view input) {
+    const std::string text(input);
+    const auto content = ContentIn(text);
+    if (!content) {
+        return;
+    }
+    const std::string written = TextOf(SomePartition, SomeNumber, *content);
+    Require(ContentOf(written) == *content, "a content comes back equal");
+    Json document = Json::parse(written);
+    if (document["node"].is_object()) {
+        // Where the node stands is told beside the text.
+        for (const char* name : {"config", "partition", "number"}) {
+            document["node"].erase(name);
+        }
+    }
+    Require(Tells(Json::parse(text), document), "nothing is read that the text does not say");
+}
+
+} // namespace KAL_AUTO_Node
