@@ -45,6 +45,10 @@ std::string FoldCase(std::string_view text) {
         return FoldAscii(text);
     }
     characters.resize(static_cast<std::size_t>(decoded - characters.data()));
+    // The converter lets halves of surrogate pairs pass.
+    if (std::ranges::any_of(characters, [](char32_t c) { return c >= 0xD800 && c <= 0xDFFF; })) {
+        return FoldAscii(text);
+    }
     for (char32_t& character : characters) {
         character = static_cast<char32_t>(towlower_l(static_cast<wint_t>(character), Letters()));
     }
