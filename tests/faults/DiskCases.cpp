@@ -180,7 +180,7 @@ void LockStores(Extent extent, const Tell& tell) {
         }
         Row row(std::string("locks longer than the wait amid a save, ") + NameOf(journal));
         Scene scene(journal, 1000);
-        for (int write = 25; write <= extent.Of(825, 25); write += 40) {
+        for (int write = 25; write <= extent.Of(825, 25); write += 80) {
             ++row.tries;
             scene.Reset();
             Child window;

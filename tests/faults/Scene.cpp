@@ -29,6 +29,17 @@ const std::array<TypeTables, 12> Tables = {{{0, {"Node_MSG"}},
                                             {13, {"Node_TABLE", "Detail_TABLE_Action"}},
                                             {15, {"Node_DBN", "Detail_DBN_Prompts"}}}};
 
+// What other programs leave in a node, and what has to be put back as it was.
+constexpr const char* Oddities =
+    "UPDATE Node_AUTO SET NodeDescription = CAST(X'436166E9201B5B316D' AS TEXT), DigitTimeout = NULL,"
+    "       TerminatingDigit = NULL, RetryLimit = 99 WHERE ConfigID = 1 AND PartID = 2 AND NodeNumber = 1;"
+    "UPDATE Node_General_Pool SET NodeDescription = NULL, NodeType = 'auto' || char(8238, 10)"
+    " WHERE ConfigID = 1 AND PartID = 2 AND NodeTypeID = 9 AND NodeNumber = 1;"
+    "UPDATE Detail_AUTO_Action SET DTMFRangeLow = NULL, NodeType = ''"
+    " WHERE ConfigID = 1 AND PartID = 2 AND NodeMasterID = 1 AND SequenceNo = 1;"
+    "UPDATE Detail_AUTO_Prompts SET SequenceNo = 1000 + SequenceNo"
+    " WHERE ConfigID = 1 AND PartID = 2 AND NodeMasterID = 1";
+
 constexpr int FurtherSaver = 9;
 
 } // namespace
@@ -68,6 +79,10 @@ Scene::Scene(Journal journal, int rows) : rows_(rows) {
         DataBase dataBase;
         const NodeContent demo = ReadContent(dataBase, Place.partition, Place.number);
         WriteAutoNode(dataBase, Place.partition, Place.number, Intended(*demo.node, 0, rows), "01/02/2003");
+    }
+    store_.Execute(Oddities);
+    {
+        DataBase dataBase;
         before_ = ReadContent(dataBase, Place.partition, Place.number);
     }
     const char* mode = journal == Journal::WriteAhead ? "WAL" : "DELETE";

@@ -136,7 +136,7 @@ void FailWritesOfCreations(Extent extent, const Tell& tell) {
         for (const FaultKind& kind : Kinds) {
             Row row(std::string(kind.name) + " while missing nodes are created, " + NameOf(journal));
             Scene scene(journal, 4);
-            FailEveryWrite(row, extent.Of(3, 211), scene, kind, Order(scene) + " create",
+            FailEveryWrite(row, extent.Of(7, 401), scene, kind, Order(scene) + " create",
                            [&](Child& window, const std::string& answer) {
                                row.told += answer == "saved" ? 0 : 1;
                                if (!answer.starts_with("saved")) {
@@ -161,7 +161,7 @@ void FailFirstSaves(Extent extent, const Tell& tell) {
             scene.Reset();
             scene.Execute("DROP TABLE Node_AUTO_Version; DROP TABLE Node_Creation");
             scene.Keep();
-            FailEveryWrite(row, extent.Of(1, journal == Journal::WriteAhead ? 29 : 131), scene, kind,
+            FailEveryWrite(row, extent.Of(3, journal == Journal::WriteAhead ? 29 : 131), scene, kind,
                            Order(scene), [&](Child& window, const std::string& answer) {
                                if (answer != "saved") {
                                    RequireReport(row, answer);
