@@ -184,8 +184,9 @@ void Scene::JudgeCreations(Row& row, bool puttingBack) {
             JudgeNode(row);
         }
         SaveAnew(row, true);
+        SQLite::Database store(File().string(), SQLite::OPEN_READWRITE, 2000);
         for (const MissingNode& node : MissingNodes) {
-            if (const auto what = Incomplete(node)) {
+            if (const auto what = Incomplete(store, node)) {
                 row.Lost(*what);
             }
         }
@@ -198,24 +199,26 @@ void Scene::JudgeCreations(Row& row, bool puttingBack) {
     }
 }
 
-std::optional<std::string> Scene::Incomplete(const MissingNode& node) const {
+std::optional<std::string> Scene::Incomplete(SQLite::Database& store, const MissingNode& node) {
     const std::string number = std::to_string(node.number);
-    if (store_.Value(
-            "SELECT COUNT(*) FROM Node_General_Pool WHERE ConfigID = 1 AND PartID = 2 AND NodeTypeID = " +
-            std::to_string(node.typeID) + " AND NodeNumber = " + number) != "1") {
+    if (TestStore::Rows(
+            store, "SELECT 1 FROM Node_General_Pool WHERE ConfigID = 1 AND PartID = 2 AND NodeTypeID = " +
+                       std::to_string(node.typeID) + " AND NodeNumber = " + number)
+            .empty()) {
         return "a node of type " + std::to_string(node.typeID) + " is not registered";
     }
     for (const std::string table : std::ranges::find(Tables, node.typeID, &TypeTables::typeID)->names) {
         const std::string key = table.starts_with("Detail_") ? "NodeMasterID" : "NodeNumber";
         std::string columns;
         for (const std::string& column :
-             store_.Rows("SELECT name FROM pragma_table_info('" + table + "') WHERE name NOT IN ('" + key +
-                         "', 'VexoFilename')")) {
+             TestStore::Rows(store, "SELECT name FROM pragma_table_info('" + table +
+                                        "') WHERE name NOT IN ('" + key + "', 'VexoFilename')")) {
             columns += (columns.empty() ? "" : ", ") + column;
         }
         const auto rowsOf = [&](const std::string& owner) {
-            return store_.Rows("SELECT " + columns + " FROM " + table +
-                               " WHERE ConfigID = 1 AND PartID = 2 AND " + key + " = " + owner);
+            return TestStore::Rows(store, "SELECT " + columns + " FROM " + table +
+                                              " WHERE ConfigID = 1 AND PartID = 2 AND " + key + " = " +
+                                              owner);
         };
         const auto made = rowsOf(number);
         const auto templates = rowsOf("0");

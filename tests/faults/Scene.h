@@ -80,7 +80,8 @@ class Scene {
     void RequireSound(Row& row) const;
     void SaveAnew(Row& row, bool creating) const;
     // What the template has and the node has not, or the other way round.
-    [[nodiscard]] std::optional<std::string> Incomplete(const MissingNode& node) const;
+    [[nodiscard]] static std::optional<std::string> Incomplete(SQLite::Database& store,
+                                                               const MissingNode& node);
 
     TestStore store_;
     int rows_;
