@@ -20,6 +20,13 @@ std::string Named(const NodePlace& place) {
            std::to_string(place.partition.config) + ", partition " + std::to_string(place.partition.number);
 }
 
+// A change of this process's. One that ended before it was stored has left its number to others.
+auto FindOwn(std::vector<Version>& versions, int number) {
+    return std::ranges::find_if(versions, [&, self = ThisProcess()](const Version& version) {
+        return version.number == number && version.author == self;
+    });
+}
+
 } // namespace
 
 bool History::Exists() {
@@ -45,7 +52,7 @@ bool History::Prepare() {
     return true;
 }
 
-std::vector<Version> History::Versions(const NodePlace& place) {
+std::vector<Version> History::Stored(const NodePlace& place) {
     std::vector<Version> versions;
     if (!Exists()) {
         return versions;
@@ -61,15 +68,20 @@ std::vector<Version> History::Versions(const NodePlace& place) {
                             {text("UserName"), text("HostName"), text("Program"), rows.Number("ProcessID"),
                              text("ProcessStart")}});
     }
+    return versions;
+}
+
+std::vector<Version> History::Versions(const NodePlace& place) {
+    auto versions = Stored(place);
     for (const auto& [ended, number, state] : ended_) {
-        for (Version& version : versions) {
-            if (ended != place || !IsUnfinished(version)) {
-                continue;
-            }
-            if (version.number == number) {
-                version.state = state;
-            } else if (version.number < number && state == std::string_view(VersionState::Finished)) {
-                version.state = VersionState::Left;
+        const auto own = ended == place ? FindOwn(versions, number) : versions.end();
+        if (own == versions.end()) {
+            continue;
+        }
+        const bool finished = state == std::string_view(VersionState::Finished);
+        for (auto version = own; version != versions.end(); ++version) {
+            if (IsUnfinished(*version) && (version == own || finished)) {
+                version->state = version == own ? state : VersionState::Left;
             }
         }
     }
@@ -121,11 +133,14 @@ void History::MarkEnded() {
         const auto& [place, version, state] = ended_.front();
         const auto& [partition, node] = place;
         Transaction all(dataBase_);
-        SetState(place, version, state);
-        if (state == std::string_view(VersionState::Finished)) {
-            dataBase_.Execute(Command::Leave_AUTO_Versions,
-                              {partition.config, partition.number, node, version});
-            dataBase_.Execute(Command::Delete_Finished_Creations, {partition.config, partition.number, node});
+        if (auto versions = Stored(place); FindOwn(versions, version) != versions.end()) {
+            SetState(place, version, state);
+            if (state == std::string_view(VersionState::Finished)) {
+                dataBase_.Execute(Command::Leave_AUTO_Versions,
+                                  {partition.config, partition.number, node, version});
+                dataBase_.Execute(Command::Delete_Finished_Creations,
+                                  {partition.config, partition.number, node});
+            }
         }
         all.Commit();
         ended_.erase(ended_.begin());
@@ -143,6 +158,10 @@ void History::TryToMarkEnded() noexcept {
 void History::Drop(const NodePlace& place, int version) {
     dataBase_.Execute(Command::Delete_AUTO_Version,
                       {place.partition.config, place.partition.number, place.number, version});
+    Forget(place, version);
+}
+
+void History::Forget(const NodePlace& place, int version) {
     std::erase_if(ended_,
                   [&](const Ended& ended) { return ended.place == place && ended.version == version; });
 }
@@ -150,6 +169,7 @@ void History::Drop(const NodePlace& place, int version) {
 int History::Add(const NodePlace& place, const char* work, const char* state, const NodeContent& before) {
     const auto versions = Versions(place);
     const int number = versions.empty() ? 1 : versions.front().number + 1;
+    Forget(place, number); // it was that of a change that never was
     const ProcessIdentity author = ThisProcess();
     const auto& [partition, node] = place;
     dataBase_.Execute(Command::Add_AUTO_Version,

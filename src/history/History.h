@@ -37,9 +37,9 @@ class History {
     // it was. One that has not is dropped once it is surely over.
     [[nodiscard]] std::optional<Version> Unfinished(const NodePlace& place);
 
-    // Marks a change that is over as finished or failed; one that is finished has gone over those before it.
-    // Where the mark cannot be written, the change is over for this history all the same, and marked with the
-    // next chance.
+    // Marks a change of this process's that is over as finished or failed; one that is finished has gone over
+    // those before it. Where the mark cannot be written, the change is over for this history all the same,
+    // and marked with the next chance.
     void End(const NodePlace& place, int version, const char* state);
 
     // Adds a version of that work and state for a change that follows, and drops those that are kept no
@@ -60,8 +60,10 @@ class History {
         const char* state;
     };
 
+    [[nodiscard]] std::vector<Version> Stored(const NodePlace& place);
     void MarkEnded();
     void TryToMarkEnded() noexcept;
+    void Forget(const NodePlace& place, int version);
     void Drop(const NodePlace& place, int version);
     void SetState(const NodePlace& place, int version, const char* state);
     // Makes what the change began to make from templates.

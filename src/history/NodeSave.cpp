@@ -43,7 +43,15 @@ std::optional<Obstacle> NodeSave::Begin(const AutoNode& loaded, int version) {
                 }
                 if (guarded) {
                     version_ = history_.Add(place_, "save", VersionState::Begun, stored);
-                    all->Commit();
+                    try {
+                        all->Commit();
+                    } catch (const RuntimeError&) {
+                        // It may have failed when it was in place already.
+                        all.reset();
+                        static_cast<void>(Fail());
+                        version_ = 0;
+                        throw;
+                    }
                 }
                 return std::nullopt;
             }
