@@ -250,7 +250,8 @@ TEST(Commands, SearchTheKeysAndSortNothing) {
             steps += row.substr(row.rfind('|') + 1) + '\n';
         }
         SCOPED_TRACE(std::string(CommandName(command)) + ":\n" + steps);
-        // The names are read all, as is what counts or lists nodes; the rows of an insert come from the caller.
+        // The names are read all, as is what counts or lists nodes; the rows of an insert come from the
+        // caller.
         const bool counts = command == Get_Partitions;
         const bool readsAll = command == Get_Node_Names || command == Get_AUTO_Nodes_With_Versions || counts;
         EXPECT_EQ(steps.find("TEMP B-TREE") != std::string::npos, counts);

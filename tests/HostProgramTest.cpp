@@ -1,4 +1,7 @@
 #include "TestStore.h"
+#include "history/NodeSave.h"
+#include "nodes/AutoNodeReader.h"
+#include "nodes/AutoNodeWriter.h"
 
 #include <QProcess>
 #include <gtest/gtest.h>
@@ -15,7 +18,7 @@ struct Outcome {
     std::string errors;
 };
 
-Outcome AutoNode(int status, const QStringList& arguments, const char* program = AUTO_NODE) {
+Outcome Program(int status, const QStringList& arguments, const char* program = AUTO_NODE) {
     SCOPED_TRACE(arguments.join(' ').toStdString());
     QProcess process;
     process.start(QString::fromLatin1(program), arguments);
@@ -46,11 +49,11 @@ TEST(HostProgram, TellsHowToUseIt) {
                                          {"edit", "0x1", "2", "3"},
                                          {"edit", "1", "2", "3", "4"},
                                          {"init", "here"}}) {
-        AutoNode(2, arguments);
+        Program(2, arguments);
     }
-    ExpectTold(AutoNode(0, {"--help"}).output, "edit");
-    ExpectTold(AutoNode(0, {"edit", "--help"}).output, "PARTITION");
-    ExpectTold(AutoNode(0, {"init", "--help"}).output, "--demo");
+    ExpectTold(Program(0, {"--help"}).output, "edit");
+    ExpectTold(Program(0, {"edit", "--help"}).output, "PARTITION");
+    ExpectTold(Program(0, {"init", "--help"}).output, "--demo");
 }
 
 TEST(HostProgram, OpensTheEditorOnTheNodeAskedForAndTellsWhereItIsMissing) {
@@ -60,7 +63,7 @@ TEST(HostProgram, OpensTheEditorOnTheNodeAskedForAndTellsWhereItIsMissing) {
     std::filesystem::copy_file(AUTO_NODE, program);
     std::filesystem::copy_file(HOST_ALONE, program + "-edit");
     const auto edit = [&](int status, const QStringList& numbers) {
-        return AutoNode(status, QStringList("edit") + numbers, program.c_str());
+        return Program(status, QStringList("edit") + numbers, program.c_str());
     };
     EXPECT_EQ(edit(0, {"1", "2", "010"}).output, "1 2 10\n");
     EXPECT_EQ(edit(0, {"32767", "-1", "-32768"}).output, "32767 -1 -32768\n");
@@ -75,14 +78,14 @@ TEST(HostProgram, MakesAStoreOnceWithItsFolders) {
         const std::string file = store.File().string();
         std::filesystem::remove_all(store.File().parent_path().parent_path().parent_path());
         const QStringList arguments = demo ? QStringList{"init", "--demo"} : QStringList{"init"};
-        const std::string output = AutoNode(0, arguments).output;
+        const std::string output = Program(0, arguments).output;
         ExpectTold(output, file);
         EXPECT_EQ(output.find(" edit 1 2 1\n") != std::string::npos, demo) << output;
         EXPECT_EQ(store.Value("PRAGMA journal_mode"), "wal");
         EXPECT_EQ(store.Value("SELECT COUNT(*) > 0 FROM Node_AUTO"), demo ? "1" : "0");
 
         store.Execute("INSERT INTO SR_Node_Type_Names VALUES (77, 'MINE')");
-        ExpectTold(AutoNode(1, arguments).errors, file);
+        ExpectTold(Program(1, arguments).errors, file);
         EXPECT_EQ(store.Value("SELECT English_Name FROM SR_Node_Type_Names WHERE ID = 77"), "MINE");
     }
 }
@@ -95,13 +98,13 @@ TEST(HostProgram, LeavesNoHalfOfAStore) {
     // The journal of a store that is gone would be taken for the new one's.
     for (const char* ending : {"-wal", "-journal"}) {
         std::ofstream(file(ending)) << "of another store";
-        ExpectTold(AutoNode(1, {"init"}).errors, file(ending).substr(folder.string().size() + 1));
+        ExpectTold(Program(1, {"init"}).errors, file(ending).substr(folder.string().size() + 1));
         std::filesystem::remove(file(ending));
         EXPECT_TRUE(std::filesystem::is_empty(folder));
     }
     // What an init left that was killed.
     std::ofstream(file(".new")) << std::string(1'000'000, 'x');
-    AutoNode(0, {"init"});
+    Program(0, {"init"});
     EXPECT_FALSE(std::filesystem::exists(file(".new")));
     EXPECT_EQ(store.Value("PRAGMA integrity_check"), "ok");
 
@@ -113,7 +116,7 @@ TEST(HostProgram, LeavesNoHalfOfAStore) {
         path += '/' + std::string(std::min<std::size_t>(200, 4075 - path.size()), 'x');
     }
     programData.Set(path);
-    ExpectTold(AutoNode(1, {"init"}).errors, "too long");
+    ExpectTold(Program(1, {"init"}).errors, "too long");
     EXPECT_TRUE(std::filesystem::is_empty(place.Path()));
 }
 
@@ -122,7 +125,7 @@ TEST(HostProgram, TellsWhyItCannotStart) {
     const EnvironmentVariable programData("PROGRAMDATA");
     programData.Set((folder.Path() / "data").string());
     std::ofstream(folder.Path() / "data") << "a file where the folder should be";
-    ExpectTold(AutoNode(1, {"init"}).errors, (folder.Path() / "data").string());
+    ExpectTold(Program(1, {"init"}).errors, (folder.Path() / "data").string());
 
     // Without a display the toolkit would end the process by force.
     const EnvironmentVariable platform("QT_QPA_PLATFORM");
@@ -131,7 +134,59 @@ TEST(HostProgram, TellsWhyItCannotStart) {
     for (const EnvironmentVariable* variable : {&platform, &display, &wayland}) {
         variable->Unset();
     }
-    ExpectTold(AutoNode(1, {"edit", "1", "2", "1"}).errors, "display");
+    ExpectTold(Program(1, {"edit", "1", "2", "1"}).errors, "display");
+}
+
+TEST(HostProgram, ListsAndShowsWhatAPersonWouldAskFor) {
+    const TestStore store;
+    store.Execute(
+        "UPDATE Node_AUTO SET NodeDescription = 'Esc \x1b[31m, turn \u202e, two\nlines' WHERE NodeNumber = 9;"
+        "UPDATE Node_AUTO SET RetryLimit = 9 WHERE PartID = 2 AND NodeNumber = 9");
+    ExpectTold(Program(0, {"list"}).output, "            1          2          17        210\n");
+    ExpectTold(Program(0, {"list", "1", "2"}).output,
+               "  15  Réservations, Café Genève                      3");
+    const std::string node = Program(0, {"show", "1", "2", "9"}).output;
+    ExpectTold(node, "AUTO 9  Esc \\x1b[31m, turn \\u202e, two\\x0alines\n");
+    ExpectTold(node, "  retry limit         9 (shown as 0)\n");
+    ExpectTold(node, "Exceptions\n  Timeout  ");
+    ExpectTold(Program(0, {"show", "1", "2", "1", "--json"}).output,
+               "\"prompts\": [\n    {\n      \"sequence\": 1,\n      \"typeID\": 2,");
+    ExpectTold(Program(0, {"list", "1", "2", "--json"}).output, "\"number\": 40,");
+    ExpectTold(Program(1, {"show", "1", "2", "25"}).errors, "AUTO node 25");
+    EXPECT_EQ(Program(0, {"list", "9", "9", "--json"}).output, "[]\n");
+    Program(2, {"list", "1"});
+}
+
+TEST(HostProgram, TellsWhatChangedAndPutsItBack) {
+    const TestStore store;
+    ExpectTold(Program(0, {"history", "1", "2", "8"}).output, "No changes");
+    Program(1, {"restore", "1", "2", "8"});
+    {
+        DataBase dataBase;
+        History history(dataBase);
+        AutoNode node = ReadAutoNode(dataBase, {1, 2}, 8).value();
+        NodeSave save(dataBase, history, {{1, 2}, 8});
+        EXPECT_FALSE(save.Begin(node, 0));
+        node.label = "Changed";
+        WriteAutoNode(dataBase, {1, 2}, 8, node, "today");
+        save.Finish();
+    }
+    const std::string change = "    label \"Sales\" \u2192 \"Changed\"\n";
+    ExpectTold(Program(0, {"history", "1", "2", "8"}).output, "  save\n" + change);
+    ExpectTold(Program(0, {"history", "1", "2", "8", "--json"}).output, "\"state\": \"finished\"");
+    EXPECT_EQ(Program(0, {"diff", "1", "2", "8", "--versions", "1"}).output, change);
+    ExpectTold(Program(0, {"diff", "1", "2", "8", "--node", "1", "2", "8"}).output, "nothing differs");
+    ExpectTold(
+        Program(0, {"diff", "1", "2", "8", "--store", QString::fromStdString(store.File().string())}).output,
+        "nothing differs");
+    const std::string back = "    label \"Changed\" \u2192 \"Sales\"\n";
+    ExpectTold(Program(0, {"restore", "1", "2", "8", "--dry-run"}).output, back);
+    EXPECT_EQ(store.Value("SELECT NodeDescription FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 8"),
+              "Changed");
+    ExpectTold(Program(0, {"restore", "1", "2", "8", "1"}).output, back);
+    EXPECT_EQ(store.Value("SELECT NodeDescription FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 8"),
+              "Sales");
+    ExpectTold(Program(0, {"prune"}).output, "Dropped 0");
 }
 
 } // namespace

@@ -91,6 +91,10 @@ class TestStore {
     // All rows, fields joined by '|', Null as "NULL".
     [[nodiscard]] std::vector<std::string> Rows(const std::string& sql) const {
         SQLite::Database database(File().string(), SQLite::OPEN_READWRITE, 2000);
+        return Rows(database, sql);
+    }
+
+    [[nodiscard]] static std::vector<std::string> Rows(SQLite::Database& database, const std::string& sql) {
         SQLite::Statement statement(database, sql);
         std::vector<std::string> rows;
         while (statement.executeStep()) {

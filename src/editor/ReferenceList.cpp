@@ -47,8 +47,8 @@ void ReferenceList::Edit_Click() {
         const bool editing = !Editing();
         GUI::ShowEditing(*controls_.edit, editing);
         if (editing) {
-            // A button that is disabled with the focus would hand it on, maybe to where edit mode ends; and one
-            // that stays in another list would not end it when the person goes on there.
+            // A button that is disabled with the focus would hand it on, maybe to where edit mode ends; and
+            // one that stays in another list would not end it when the person goes on there.
             controls_.edit->setFocus(Qt::OtherFocusReason);
         }
         for (QPushButton* button : controls_.browsing) {

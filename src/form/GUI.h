@@ -9,7 +9,7 @@
 #include "nodes/AutoNode.h"
 #include "nodes/Identity.h"
 #include "nodes/NodeLists.h"
-#include "nodes/Places.h"
+#include "nodes/Slots.h"
 
 #include <QDialog>
 #include <QFrame>

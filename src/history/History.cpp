@@ -20,6 +20,13 @@ std::string Named(const NodePlace& place) {
            std::to_string(place.partition.config) + ", partition " + std::to_string(place.partition.number);
 }
 
+// A change of this process's. One that ended before it was stored has left its number to others.
+auto FindOwn(std::vector<Version>& versions, int number) {
+    return std::ranges::find_if(versions, [&, self = ThisProcess()](const Version& version) {
+        return version.number == number && version.author == self;
+    });
+}
+
 } // namespace
 
 bool History::Exists() {
@@ -28,20 +35,24 @@ bool History::Exists() {
 }
 
 bool History::Prepare() {
+    TryToMarkEnded();
     if (!Exists()) {
         try {
             dataBase_.MakeTables(Tables);
-        } catch (const RuntimeError&) {
+        } catch (const RuntimeError& error) {
             // Another workstation may have made them meanwhile; where they may not be made, saving goes on
             // without.
-            return Exists();
+            if (!Exists() && error.Number() != ErrorNumber::PermissionDenied) {
+                throw;
+            }
+            return exists_;
         }
         exists_ = true;
     }
     return true;
 }
 
-std::vector<Version> History::Versions(const NodePlace& place) {
+std::vector<Version> History::Stored(const NodePlace& place) {
     std::vector<Version> versions;
     if (!Exists()) {
         return versions;
@@ -56,6 +67,23 @@ std::vector<Version> History::Versions(const NodePlace& place) {
                             text("BegunAt"),
                             {text("UserName"), text("HostName"), text("Program"), rows.Number("ProcessID"),
                              text("ProcessStart")}});
+    }
+    return versions;
+}
+
+std::vector<Version> History::Versions(const NodePlace& place) {
+    auto versions = Stored(place);
+    for (const auto& [ended, number, state] : ended_) {
+        const auto own = ended == place ? FindOwn(versions, number) : versions.end();
+        if (own == versions.end()) {
+            continue;
+        }
+        const bool finished = state == std::string_view(VersionState::Finished);
+        for (auto version = own; version != versions.end(); ++version) {
+            if (IsUnfinished(*version) && (version == own || finished)) {
+                version->state = version == own ? state : VersionState::Left;
+            }
+        }
     }
     return versions;
 }
@@ -75,6 +103,7 @@ NodeContent History::Before(const NodePlace& place, int version) {
 }
 
 std::optional<Version> History::Unfinished(const NodePlace& place) {
+    TryToMarkEnded();
     const auto versions = Versions(place);
     if (std::ranges::any_of(versions, IsBeingMade)) {
         return std::nullopt;
@@ -86,19 +115,61 @@ std::optional<Version> History::Unfinished(const NodePlace& place) {
         if (ReadContent(dataBase_, place.partition, place.number) != Before(place, version.number)) {
             return version;
         }
-        Drop(place, version.number);
+        // The number of one that is dropped is given anew, and its owner would take the other for its own.
+        if (IsSurelyOver(version)) {
+            Drop(place, version.number);
+        }
     }
     return std::nullopt;
+}
+
+void History::End(const NodePlace& place, int version, const char* state) {
+    ended_.push_back({place, version, state});
+    MarkEnded();
+}
+
+void History::MarkEnded() {
+    while (!ended_.empty()) {
+        const auto& [place, version, state] = ended_.front();
+        const auto& [partition, node] = place;
+        Transaction all(dataBase_);
+        if (auto versions = Stored(place); FindOwn(versions, version) != versions.end()) {
+            SetState(place, version, state);
+            if (state == std::string_view(VersionState::Finished)) {
+                dataBase_.Execute(Command::Leave_AUTO_Versions,
+                                  {partition.config, partition.number, node, version});
+                dataBase_.Execute(Command::Delete_Finished_Creations,
+                                  {partition.config, partition.number, node});
+            }
+        }
+        all.Commit();
+        ended_.erase(ended_.begin());
+    }
+}
+
+void History::TryToMarkEnded() noexcept {
+    try {
+        MarkEnded();
+    } catch (const RuntimeError&) {
+        // Whatever is to be done now tells of it if it cannot be done either.
+    }
 }
 
 void History::Drop(const NodePlace& place, int version) {
     dataBase_.Execute(Command::Delete_AUTO_Version,
                       {place.partition.config, place.partition.number, place.number, version});
+    Forget(place, version);
+}
+
+void History::Forget(const NodePlace& place, int version) {
+    std::erase_if(ended_,
+                  [&](const Ended& ended) { return ended.place == place && ended.version == version; });
 }
 
 int History::Add(const NodePlace& place, const char* work, const char* state, const NodeContent& before) {
     const auto versions = Versions(place);
     const int number = versions.empty() ? 1 : versions.front().number + 1;
+    Forget(place, number); // it was that of a change that never was
     const ProcessIdentity author = ThisProcess();
     const auto& [partition, node] = place;
     dataBase_.Execute(Command::Add_AUTO_Version,

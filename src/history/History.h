@@ -34,8 +34,13 @@ class History {
     [[nodiscard]] NodeContent Before(const NodePlace& place, int version);
 
     // The newest change that never got to its end, is not being made now and has left the node another than
-    // it was. One that has not is dropped.
+    // it was. One that has not is dropped once it is surely over.
     [[nodiscard]] std::optional<Version> Unfinished(const NodePlace& place);
+
+    // Marks a change of this process's that is over as finished or failed; one that is finished has gone over
+    // those before it. Where the mark cannot be written, the change is over for this history all the same,
+    // and marked with the next chance.
+    void End(const NodePlace& place, int version, const char* state);
 
     // Adds a version of that work and state for a change that follows, and drops those that are kept no
     // longer. Part of a transaction.
@@ -49,13 +54,24 @@ class History {
     std::int64_t Prune();
 
   private:
+    struct Ended {
+        NodePlace place;
+        int version;
+        const char* state;
+    };
+
+    [[nodiscard]] std::vector<Version> Stored(const NodePlace& place);
+    void MarkEnded();
+    void TryToMarkEnded() noexcept;
+    void Forget(const NodePlace& place, int version);
     void Drop(const NodePlace& place, int version);
     void SetState(const NodePlace& place, int version, const char* state);
     // Makes what the change began to make from templates.
     void FinishCreations(const NodePlace& place, int version);
 
     DataBase& dataBase_;
-    bool exists_ = false; // known to
+    bool exists_ = false;      // known to
+    std::vector<Ended> ended_; // and not marked so yet
 };
 
 } // namespace KAL_AUTO_Node

@@ -52,6 +52,48 @@ std::optional<std::string> TextIn(const Json& member) {
     return member.is_null() ? std::nullopt : std::optional(member.get<std::string>());
 }
 
+// JSON is UTF-8, and texts of the store are whatever other programs have written. Where one is no UTF-8, all
+// of the content's stand as a letter for each byte, and a member of this name says so.
+constexpr const char* BytesMember = "bytes";
+
+std::string LetterPerByte(const std::string& bytes) {
+    std::string letters;
+    for (const char byte : bytes) {
+        const auto value = static_cast<unsigned char>(byte);
+        if (value < 0x80) {
+            letters += byte;
+        } else {
+            letters += static_cast<char>(0xC0 | value >> 6);
+            letters += static_cast<char>(0x80 | (value & 0x3F));
+        }
+    }
+    return letters;
+}
+
+std::string BytePerLetter(const std::string& letters) {
+    std::string bytes;
+    unsigned lead = 0;
+    for (const char byte : letters) {
+        const auto value = static_cast<unsigned char>(byte);
+        if (value >= 0xC0) {
+            lead = value;
+        } else {
+            bytes += value < 0x80 ? byte : static_cast<char>(lead << 6 | (value & 0x3F));
+        }
+    }
+    return bytes;
+}
+
+void TurnTexts(Json& document, std::string (*turn)(const std::string&)) {
+    if (document.is_string()) {
+        document = turn(document.get_ref<const std::string&>());
+    } else if (document.is_structured()) {
+        for (Json& member : document) {
+            TurnTexts(member, turn);
+        }
+    }
+}
+
 } // namespace
 
 NodeContent ReadContent(DataBase& dataBase, Partition partition, std::int16_t number) {
@@ -77,13 +119,21 @@ std::string TextOf(Partition partition, std::int16_t number, const NodeContent& 
                                 {"label", OrNull(content.entry->label)},
                                 {"dateModified", OrNull(content.entry->dateModified)}};
     }
-    // Bytes that are no UTF-8 would not come back; the store's texts are UTF-8, as its engines have it.
-    return document.dump(-1, ' ', false, Json::error_handler_t::replace);
+    try {
+        return document.dump();
+    } catch (const Json::type_error&) {
+        TurnTexts(document, &LetterPerByte);
+        document[BytesMember] = true;
+        return document.dump();
+    }
 }
 
 NodeContent ContentOf(const std::string& text) {
     try {
-        const Json document = Json::parse(text);
+        Json document = Json::parse(text);
+        if (document.contains(BytesMember)) {
+            TurnTexts(document, &BytePerLetter);
+        }
         NodeContent content;
         if (const Json& node = document.at("node"); !node.is_null()) {
             content.node = NodeFromJson(node);

@@ -43,8 +43,15 @@ std::optional<Obstacle> NodeSave::Begin(const AutoNode& loaded, int version) {
                 }
                 if (guarded) {
                     version_ = history_.Add(place_, "save", VersionState::Begun, stored);
-                    before_ = std::move(stored);
-                    all->Commit();
+                    try {
+                        all->Commit();
+                    } catch (const RuntimeError&) {
+                        // It may have failed when it was in place already.
+                        all.reset();
+                        static_cast<void>(Fail());
+                        version_ = 0;
+                        throw;
+                    }
                 }
                 return std::nullopt;
             }
@@ -88,16 +95,9 @@ void NodeSave::Renew() {
 
 void NodeSave::Finish() {
     written_ = true;
-    const auto& [partition, node] = place_;
     try {
         if (Guarded()) {
-            Transaction all(dataBase_);
-            dataBase_.Execute(Command::Set_AUTO_Version_State,
-                              {VersionState::Finished, partition.config, partition.number, node, version_});
-            dataBase_.Execute(Command::Leave_AUTO_Versions,
-                              {partition.config, partition.number, node, version_});
-            dataBase_.Execute(Command::Delete_Finished_Creations, {partition.config, partition.number, node});
-            all.Commit();
+            history_.End(place_, version_, VersionState::Finished);
         }
         dataBase_.Flush();
     } catch (const RuntimeError& error) {
@@ -114,17 +114,9 @@ bool NodeSave::Fail() noexcept {
     bool half = false;
     try {
         if (Guarded()) {
-            const auto& [partition, node] = place_;
-            Transaction all(dataBase_);
-            half = ReadContent(dataBase_, partition, node) != *before_;
-            if (half) {
-                dataBase_.Execute(Command::Set_AUTO_Version_State,
-                                  {VersionState::Failed, partition.config, partition.number, node, version_});
-            } else {
-                dataBase_.Execute(Command::Delete_AUTO_Version,
-                                  {partition.config, partition.number, node, version_});
-            }
-            all.Commit();
+            history_.End(place_, version_, VersionState::Failed);
+            const auto left = history_.Unfinished(place_);
+            half = left && left->number == version_;
         }
         dataBase_.Flush();
     } catch (const RuntimeError&) {

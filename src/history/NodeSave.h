@@ -57,8 +57,7 @@ class NodeSave {
     DataBase& dataBase_;
     History& history_;
     NodePlace place_;
-    int version_ = 0; // none yet
-    std::optional<NodeContent> before_;
+    int version_ = 0;      // none yet
     bool written_ = false; // all of it
 };
 

@@ -47,14 +47,16 @@ bool IsUnfinished(const Version& version) {
 }
 
 bool IsBeingMade(const Version& version) {
-    if (version.state != VersionState::Begun) {
+    if (IsSurelyOver(version)) {
         return false;
-    }
-    if (version.author.host == HostName()) {
-        return IsRunning(version.author.process, version.author.start);
     }
     const auto begun = Read(version.begunAt);
     return begun && std::time(nullptr) - *begun < OwnerLimitMinutes * 60;
+}
+
+bool IsSurelyOver(const Version& version) {
+    return version.state != VersionState::Begun ||
+           (version.author.host == HostName() && !IsRunning(version.author.process, version.author.start));
 }
 
 std::string TimeStamp(int daysAgo) { return Written(Clock::now() - std::chrono::hours(24) * daysAgo); }

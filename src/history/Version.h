@@ -28,11 +28,15 @@ inline constexpr const char* PutBack = "put back";  // not whole, and undone
 // Whether the change never got to its end, and nothing has been done about that.
 [[nodiscard]] bool IsUnfinished(const Version& version);
 
-// Whether the change is still being made, as far as can be told: its process runs on this host, or it began
-// on another host less than OwnerLimit ago.
+// Whether the change is still being made, as far as can be told: it began less than OwnerLimitMinutes ago,
+// and its process, where that is one of this host, runs.
 [[nodiscard]] bool IsBeingMade(const Version& version);
 
-// For longer than this a save on another host is not taken to last.
+// Whether the change is over for certain: told so by its own process, or that ran on this host and is gone.
+[[nodiscard]] bool IsSurelyOver(const Version& version);
+
+// For longer than this nobody is kept from saving: a process may be hung, or unable to mark the end of its
+// save.
 inline constexpr int OwnerLimitMinutes = 10;
 
 // Now, in the form in which times are stored; and some days ago.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "nodes/Places.h"
 #include "nodes/Settings.h"
+#include "nodes/Slots.h"
 
 #include <array>
 #include <optional>

@@ -2,7 +2,7 @@
 
 #include "nodes/Identity.h"
 #include "nodes/NodeLists.h"
-#include "nodes/Places.h"
+#include "nodes/Slots.h"
 
 #include <cstdint>
 #include <functional>

@@ -23,7 +23,8 @@ std::string FirstLine(const std::string& file) {
 // The boot of the machine and the moment in it at which the process began; empty where there is none.
 std::string StartOf(std::int64_t process) {
     const std::string status = FirstLine("/proc/" + std::to_string(process) + "/stat");
-    // The program's name stands in brackets and may hold anything; the start is the 20th field after it.
+    // The program's name stands in brackets and may hold anything; the state is the first field after it, the
+    // start the 20th. A process that has ended stays there until its parent has taken note.
     const auto end = status.rfind(')');
     if (end == std::string::npos) {
         return {};
@@ -32,6 +33,9 @@ std::string StartOf(std::int64_t process) {
     std::string field;
     for (int position = 0; position < 20; ++position) {
         fields >> field;
+        if (position == 0 && (field == "Z" || field == "X")) {
+            return {};
+        }
     }
     return FirstLine("/proc/sys/kernel/random/boot_id") + ' ' + field;
 }

@@ -13,6 +13,8 @@ struct ProcessIdentity {
     std::int64_t process = 0;
     // Tells the process from a later one of the same number, on this host.
     std::string start;
+
+    friend bool operator==(const ProcessIdentity&, const ProcessIdentity&) = default;
 };
 
 [[nodiscard]] ProcessIdentity ThisProcess();

@@ -11,6 +11,7 @@ enum class ErrorNumber : int {
     Overflow = 6,
     SubscriptOutOfRange = 9,
     TypeMismatch = 13,
+    PermissionDenied = 70,
     InvalidUseOfNull = 94,
     NoSuchEntry = 383,
     CannotCreateComponent = 429,

@@ -2,7 +2,7 @@
 
 #include "KAL_AUTO_Node/Components.h"
 #include "history/History.h"
-#include "nodes/Places.h"
+#include "nodes/Slots.h"
 #include "store/DataBase.h"
 
 #include <QString>

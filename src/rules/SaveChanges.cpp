@@ -70,7 +70,7 @@ void NodeRules::AfterFailedSave(GUI& gui, std::int16_t nodeNumber, bool half) {
 
 bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
     bool refused = false;
-    bool begun = false;
+    bool writing = false;
     bool half = false;
     const bool saved = Reporting("SaveChanges", [&] {
         const Hourglass busy;
@@ -86,11 +86,11 @@ bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
         if (refused) {
             return;
         }
-        begun = true;
         const LongOperation saving(gui);
         try {
             CheckForUnReferencedNodes(gui, save);
             save.Renew();
+            writing = true;
             LongOperation::ShowProgress(gui, "Saving node information. Please wait...");
             WriteAutoNode(dataBase_, PartitionOf(gui), nodeNumber, node, Today());
             save.Finish();
@@ -101,7 +101,8 @@ bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
         gui.StoredNode.emplace(nodeNumber, save.VersionNumber(), node);
         gui.StatusBar1->SetPanelText(QString());
     });
-    if (begun && !saved) {
+    // Before that, what is stored there now may be somebody else's, which has not been seen here.
+    if (writing && !saved) {
         Reporting("SaveChanges", [&] { AfterFailedSave(gui, nodeNumber, half); });
     }
     return !refused;

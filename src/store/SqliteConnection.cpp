@@ -71,10 +71,11 @@ class SqliteStatement : public Statement {
                               : sqlite3_bind_null(statement_.get(), position));
         }
         since_.reset();
+        const bool alone = sqlite3_get_autocommit(database_) != 0;
         int result = Step();
-        if (result == SQLITE_FULL) {
-            // The engine has taken back the whole statement. Where the log is what fills the disk, it begins
-            // anew once it is carried over.
+        if (result == SQLITE_FULL && alone) {
+            // The engine has taken back the whole statement, and with it all of a transaction that it was
+            // part of. Where the log is what fills the disk, it begins anew once it is carried over.
             Close();
             CarryLogOver(database_);
             result = Step();
@@ -250,7 +251,17 @@ std::unique_ptr<Statement> SqliteConnection::Prepare(const std::string& sql) {
     return std::make_unique<SqliteStatement>(database_.getHandle(), sql, running_);
 }
 
-void SqliteConnection::Begin() { RunScript("BEGIN IMMEDIATE"); }
+void SqliteConnection::Begin() {
+    int moved = 0;
+    sqlite3_file_control(database_.getHandle(), nullptr, SQLITE_FCNTL_HAS_MOVED, &moved);
+    if (moved != 0) {
+        // The engine would write into the file that is gone, for nobody to see.
+        throw RuntimeError(ErrorNumber::StoreNotFound,
+                           "The store's file was moved, replaced or deleted while it was open here, so that "
+                           "nothing can be saved; close the window and open it anew");
+    }
+    RunScript("BEGIN IMMEDIATE");
+}
 
 void SqliteConnection::Commit() { RunScript("COMMIT"); }
 
@@ -261,7 +272,14 @@ bool SqliteConnection::HasTable(const std::string& name) {
 }
 
 void SqliteConnection::RunScript(const char* sql) {
-    Engine([&] { database_.exec(sql); });
+    if (const int result = database_.tryExec(sql); result != SQLITE_OK) {
+        const std::string what = database_.getErrorMsg();
+        // What is not so for a moment only.
+        const bool denied = result == SQLITE_READONLY || result == SQLITE_PERM || result == SQLITE_AUTH ||
+                            result == SQLITE_ERROR;
+        throw RuntimeError(denied ? ErrorNumber::PermissionDenied : ErrorNumber::StoreFailure, what,
+                           "SQLite");
+    }
 }
 
 void SqliteConnection::Flush() {

@@ -26,7 +26,11 @@ UPDATE Node_AUTO_Version SET State = :Given_State
 -- name: Renew_AUTO_Version
 UPDATE Node_AUTO_Version SET BegunAt = :Given_BegunAt
  WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeNumber = :Given_NodeNumber
-   AND VersionNo = :Given_VersionNo AND State = 'begun';
+   AND VersionNo = :Given_VersionNo AND State = 'begun'
+   AND NOT EXISTS (SELECT 1 FROM Node_AUTO_Version AS Later
+                    WHERE Later.ConfigID = Node_AUTO_Version.ConfigID AND Later.PartID = Node_AUTO_Version.PartID
+                      AND Later.NodeNumber = Node_AUTO_Version.NodeNumber
+                      AND Later.VersionNo > Node_AUTO_Version.VersionNo);
 
 -- name: Leave_AUTO_Versions
 UPDATE Node_AUTO_Version SET State = 'left'

@@ -8,7 +8,7 @@
 
 namespace KAL_AUTO_Node {
 
-// The places from which an AUTO node refers to other nodes.
+// The slots of an AUTO node: the places from which it refers to other nodes.
 enum class Slot : std::size_t { Prompts, Actions, Timeout, Invalid, Abort, Star, Pound };
 
 struct SlotRule {

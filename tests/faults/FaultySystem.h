@@ -1,0 +1,25 @@
+#pragma once
+
+#include <functional>
+
+namespace KAL_AUTO_Node {
+
+// What befalls a write of the engine's: of bytes, of a file's end, of a file's removal, of a sync.
+enum class Fault {
+    None,
+    Kill,        // the process is killed before it
+    InputOutput, // it fails as on a broken disk
+    Full,        // it fails as on a full disk; a sync or a removal does not
+    Pause,       // it waits for what is called then
+};
+
+// From now on the engine works through this program, on connections opened from now on.
+void StartFaultySystem();
+
+// From now on writes are counted, from 1, and the one of that number meets the fault; where it lasts, those
+// after it do too.
+void Arm(Fault fault, int at, bool lasting, std::function<void()> pause);
+void Disarm();
+[[nodiscard]] int WritesSinceArmed();
+
+} // namespace KAL_AUTO_Node
