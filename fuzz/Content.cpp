@@ -2,7 +2,6 @@
 // two is left out.
 
 #include "fuzz/Examine.h"
-#include "fuzz/Utf8.h"
 #include "history/NodeContent.h"
 
 #include <algorithm>
@@ -17,8 +16,6 @@ class Source {
   public:
     explicit Source(std::string_view input)
         : bytes_(reinterpret_cast<const std::uint8_t*>(input.data()), input.size()) {}
-
-    [[nodiscard]] bool AllUtf8() const { return allUtf8_; }
 
     NodeContent Content() {
         NodeContent content;
@@ -92,11 +89,7 @@ class Source {
         }
     }
 
-    std::string Text() {
-        std::string text = bytes_.ConsumeRandomLengthString(12);
-        allUtf8_ = allUtf8_ && IsUtf8(text);
-        return text;
-    }
+    std::string Text() { return bytes_.ConsumeRandomLengthString(12); }
 
     // Often one of few, so that two of them are alike or easily taken for one another.
     std::optional<std::string> OptionalText() {
@@ -133,7 +126,6 @@ class Source {
     }
 
     FuzzedDataProvider bytes_;
-    bool allUtf8_ = true;
 };
 
 AutoNode WithoutSequences(AutoNode node) {
@@ -155,7 +147,7 @@ void Examine(std::string_view input) {
     const NodeContent content = source.Content();
     if (examinesText) {
         const std::string text = TextOf({1, 2}, 3, content);
-        Require(!source.AllUtf8() || ContentOf(text) == content, "a content comes back equal");
+        Require(ContentOf(text) == content, "a content comes back equal");
         Require(TextOf({1, 2}, 3, ContentOf(text)) == text, "what comes back has the same text");
     } else if (content.node) {
         const AutoNode& before = *content.node;

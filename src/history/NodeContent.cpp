@@ -84,12 +84,15 @@ std::string BytePerLetter(const std::string& letters) {
     return bytes;
 }
 
-void TurnTexts(Json& document, std::string (*turn)(const std::string&)) {
+// No content has more levels; a text from elsewhere may have as many as exhaust the stack.
+constexpr int MostLevels = 8;
+
+void TurnTexts(Json& document, std::string (*turn)(const std::string&), int levels = MostLevels) {
     if (document.is_string()) {
         document = turn(document.get_ref<const std::string&>());
-    } else if (document.is_structured()) {
+    } else if (document.is_structured() && levels > 0) {
         for (Json& member : document) {
-            TurnTexts(member, turn);
+            TurnTexts(member, turn, levels - 1);
         }
     }
 }
