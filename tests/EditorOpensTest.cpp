@@ -62,6 +62,10 @@ TEST(EditorOpens, OnAStoredNode) {
                          "2a: 2|Invalid|MSG 6|Invalid choice, try again|MSG|0|6",
                          "3a: 3|Abort|MSG 1|Goodbye|MSG|0|1", "4a: 4|*|AUTO 11|Language selection|AUTO|9|11",
                          "5a: 5|#|NONE||NONE|814|0"}));
+        EXPECT_EQ(Person::Text("cmbNumDigits") + Person::Text("cmbTermDigit") +
+                      Person::Text("cmbRetryLimit") + Person::Text("cmbSelTimeOut") +
+                      Person::Text("cmbDigitTimeOut"),
+                  "3#382");
         EXPECT_EQ(Entries(Person::Combo("cmbNumDigits")), "1 2 3 4 5 6 7 ");
         EXPECT_EQ(Entries(Person::Combo("cmbTermDigit")), "No * # */# ");
         EXPECT_EQ(Entries(Person::Combo("cmbRetryLimit")), "0 1 2 3 4 5 ");
@@ -75,33 +79,6 @@ TEST(EditorOpens, OnAStoredNode) {
         EXPECT_FALSE(Person::Find<QStatusBar>("StatusBar1")->isVisible());
         EXPECT_TRUE(Person::OpenEditors().empty());
     }));
-    EXPECT_EQ(person.Boxes(), std::vector<Box>{});
-}
-
-TEST(EditorOpens, WithTheStoredSettingsOrTheFirstOfEachList) {
-    // Digits, terminating digit, retry limit, selection and digit time-out, as stored and as shown.
-    constexpr std::array<std::array<const char*, 2>, 5> settings = {{
-        {"NULL, NULL, NULL, NULL, NULL", "1 No 0 1 1 "},
-        {"7, '*/#', 5, 60, 15", "7 */# 5 60 15 "},
-        {"8, 'no', 6, 61, 16", "1 No 0 1 1 "},
-        {"0, '#', 0, 0, 0", "1 # 0 1 1 "},
-        {"70000, '##', 65536, 65537, -1", "1 No 0 1 1 "},
-    }};
-    const TestStore store;
-    Person person;
-    for (const auto& [stored, shown] : settings) {
-        store.Execute("UPDATE Node_AUTO SET (NumberOfDigits, TerminatingDigit, RetryLimit, SelectionTimeout,"
-                      " DigitTimeout) = (" +
-                      std::string(stored) + ") WHERE NodeNumber = 1");
-        EXPECT_TRUE(person.Edit(1, [&] {
-            std::string texts;
-            for (const char* box :
-                 {"cmbNumDigits", "cmbTermDigit", "cmbRetryLimit", "cmbSelTimeOut", "cmbDigitTimeOut"}) {
-                texts += Person::Text(box) + ' ';
-            }
-            EXPECT_EQ(texts, shown) << stored;
-        }));
-    }
     EXPECT_EQ(person.Boxes(), std::vector<Box>{});
 }
 

@@ -85,32 +85,6 @@ class Lists : public EditorTest {
     }
 };
 
-TEST_F(Lists, OnlyOneIsEditedAtATimeAndEachToggleMarks) {
-    Edit(1, [] {
-        for (const auto& [first, second] :
-             {std::pair{Prompts, Actions}, {Actions, Timeout}, {Timeout, Prompts}}) {
-            SCOPED_TRACE(first.kind + ", then " + second.kind);
-            Person::ClickRow(second.list, 0);
-            Person::ClickRow(first.list, 0);
-            Person::Press(first.edit);
-            ExpectEditorsOver(first, 0);
-            Person::MarkUnchanged();
-            // As assistive technology presses a button: the focus is where it was, in an editor.
-            Person::Button(second.edit)->click();
-            EXPECT_EQ(Person::Caption(first.edit) + Person::Caption(second.edit), "EditEdit Off");
-            ExpectEditorsOver(second, 0);
-            EXPECT_EQ(Person::Focused(), second.kind == Actions.kind ? LowBox : second.node);
-            EXPECT_TRUE(Person::Dirty());
-            Person::MarkUnchanged();
-            Person::Button(second.edit)->click();
-            EXPECT_EQ(Person::Caption(second.edit), "Edit");
-            EXPECT_EQ(Person::OpenEditors(), NoEditors);
-            EXPECT_EQ(Person::Focused(), second.edit);
-            EXPECT_TRUE(Person::Dirty());
-        }
-    });
-}
-
 TEST_F(Lists, EditorsFollowTheirRow) {
     Edit(4, [] {
         Person::Press(Actions.edit);
@@ -235,27 +209,6 @@ TEST_F(Lists, ATypeWithoutNumbersIsNotEdited) {
              EXPECT_FALSE(Person::Dirty());
          },
          {noTypes, noTypes});
-}
-
-TEST_F(Lists, ExceptionsHaveEditorsEach) {
-    Edit(11, [] {
-        // Without a selected row only the mode changes.
-        Person::Press(Timeout.edit);
-        EXPECT_EQ(Person::OpenEditors(), NoEditors);
-        EXPECT_FALSE(Person::Button("cmdExceptionsDefault")->isEnabled());
-        int row = 0;
-        for (const std::string slot : {"Timeout", "Invalid", "Abort", "Star", "Pound"}) {
-            Person::ClickRow(Timeout.list, row);
-            ExpectEditorsOver({"Exceptions", "Exceptions" + slot}, row, row < 3);
-            EXPECT_EQ(Person::Cell(Timeout.list, row, 3), "");
-            ++row;
-        }
-        // Opened, a default row gets the number that a chosen one has.
-        EXPECT_EQ(Person::Row(Timeout.list, 4), "5|#|NONE||NONE|814|1");
-        Person::ClickRow(Timeout.list, 0);
-        Person::TypeOver(Timeout.number, "405");
-        EXPECT_EQ(Person::Row(Timeout.list, 0), "1|Timeout|CMD 40||CMD|1|40");
-    });
 }
 
 TEST_F(Lists, AreEditedFromTheKeyboardAlone) {

@@ -83,6 +83,20 @@ TEST_F(Nodes, AreReadAsFarAsTheyCanBe) {
     EXPECT_EQ(node.label, "Main menu");
 }
 
+TEST(Settings, StandForWhatTheyMayHold) {
+    const auto values = [](const Settings& settings) {
+        std::string texts = TerminatingDigits.at(TerminatingDigitOf(settings));
+        for (const SettingRule& rule : SettingRules) {
+            texts += ' ' + std::to_string(ValueOf(rule, settings));
+        }
+        return texts;
+    };
+    EXPECT_EQ(values({}), "No 1 0 1 1");
+    EXPECT_EQ(values({7, "*/#", 5, 60, 15}), "*/# 7 5 60 15");
+    EXPECT_EQ(values({8, "no", 6, 61, 16}), "No 1 0 1 1");
+    EXPECT_EQ(values({70000, "##", 65536, 65537, -1}), "No 1 0 1 1");
+}
+
 TEST_F(Nodes, TellWhatDiffers) {
     const AutoNode before = Read(1);
     const auto expect = [&](const Texts& words, const std::function<void(AutoNode&)>& change) {

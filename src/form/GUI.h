@@ -166,8 +166,7 @@ class GUI : public QDialog {
 
     [[nodiscard]] bool IsActing() const noexcept { return acting_ > 0; }
 
-  public slots:
-    // Escape and the close box.
+    // Escape and the close box; also a slot.
     void reject() override;
 
   protected:

@@ -51,7 +51,7 @@ bool IsBeingMade(const Version& version) {
         return false;
     }
     const auto begun = Read(version.begunAt);
-    return begun && std::time(nullptr) - *begun < OwnerLimitMinutes * 60;
+    return begun && std::time(nullptr) - *begun < std::time_t{OwnerLimitMinutes} * 60;
 }
 
 bool IsSurelyOver(const Version& version) {

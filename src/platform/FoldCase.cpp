@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <cwctype>
 #include <locale>
-#include <wctype.h>
 
 namespace KAL_AUTO_Node {
 

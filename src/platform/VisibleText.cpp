@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <clocale>
 #include <cstdio>
 #include <cwchar>
-#include <locale.h>
 
 namespace KAL_AUTO_Node {
 
