@@ -25,7 +25,7 @@ void KillPutBacks(Extent extent, const Tell& tell);
 // Savers of one node at the same time, from the same state.
 void RaceSaves(Extent extent, const Tell& tell);
 // A save that is held for so long that it is taken for dead from elsewhere.
-void TakeOverSaves(const Tell& tell);
+void TakeOverSaves(Extent extent, const Tell& tell);
 
 // A write fails.
 void FailWrites(Extent extent, const Tell& tell);
@@ -36,7 +36,7 @@ void FailFirstSaves(Extent extent, const Tell& tell);
 // What befalls the file.
 void FillDisks(Extent extent, const Tell& tell);
 void LockStores(Extent extent, const Tell& tell);
-void MoveFiles(const Tell& tell);
-void ProtectFiles(const Tell& tell);
+void MoveFiles(Extent extent, const Tell& tell);
+void ProtectFiles(Extent extent, const Tell& tell);
 
 } // namespace KAL_AUTO_Node

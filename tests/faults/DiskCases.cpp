@@ -206,7 +206,7 @@ void LockStores(Extent extent, const Tell& tell) {
     }
 }
 
-void MoveFiles(const Tell& tell) {
+void MoveFiles(Extent /*extent*/, const Tell& tell) {
     for (const Journal journal : Journals) {
         for (const bool replaced : {true, false}) {
             Row row(std::string("the file is ") + (replaced ? "replaced" : "deleted") +
@@ -238,7 +238,7 @@ void MoveFiles(const Tell& tell) {
     }
 }
 
-void ProtectFiles(const Tell& tell) {
+void ProtectFiles(Extent /*extent*/, const Tell& tell) {
     enum What { File, Folder, FileAndFolder };
 
     struct Kind {

@@ -82,7 +82,7 @@ void RaceSaves(Extent extent, const Tell& tell) {
     }
 }
 
-void TakeOverSaves(const Tell& tell) {
+void TakeOverSaves(Extent /*extent*/, const Tell& tell) {
     struct Kind {
         const char* name;
         bool finished;
