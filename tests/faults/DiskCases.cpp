@@ -115,8 +115,8 @@ void FillDisks(Extent extent, const Tell& tell) {
                 const EnvironmentVariable folder("TMPDIR");
                 folder.Set(disk.Path().string());
                 Scene scene(journal, 60);
-                for (std::uintmax_t left = 0; left <= 256 * 1024;
-                     left += static_cast<std::uintmax_t>(extent.Of(4096, 65536))) {
+                for (std::uintmax_t left = 0; left <= 768 * 1024;
+                     left += static_cast<std::uintmax_t>(extent.Of(12288, 196608))) {
                     SaveOnFullDisk(row, scene, left, here);
                 }
                 out << Numbers(row);
