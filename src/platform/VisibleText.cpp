@@ -13,14 +13,11 @@ namespace {
 // The letters of all languages, for as long as it lives, whatever the process's own locale is.
 class Utf8Letters {
   public:
-    Utf8Letters()
-        : letters_(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)),
-          before_(letters_ != nullptr ? uselocale(letters_) : nullptr) {}
+    Utf8Letters() : before_(Letters() != nullptr ? uselocale(Letters()) : nullptr) {}
 
     ~Utf8Letters() {
-        if (letters_ != nullptr) {
+        if (before_ != nullptr) {
             uselocale(before_);
-            freelocale(letters_);
         }
     }
 
@@ -28,7 +25,12 @@ class Utf8Letters {
     Utf8Letters& operator=(const Utf8Letters&) = delete;
 
   private:
-    locale_t letters_;
+    // Made once: reading a locale takes longer than all else that is done with a text here.
+    static locale_t Letters() {
+        static const locale_t letters = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+        return letters;
+    }
+
     locale_t before_;
 };
 

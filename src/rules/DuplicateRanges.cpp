@@ -4,7 +4,8 @@
 #include "form/LongOperation.h"
 #include "nodes/ScratchList.h"
 
-#include <ranges>
+#include <string>
+#include <vector>
 
 namespace KAL_AUTO_Node {
 
@@ -12,10 +13,11 @@ std::optional<QString> CheckForDuplicateRanges(GUI& gui) {
     const LongOperation checking(gui);
     LongOperation::ShowProgress(gui, "Checking for duplicate ranges. Please wait...");
     const ListView& list = *gui.LVActions;
-    const auto duplicate =
-        FirstDuplicate(std::views::iota(0, list.Count()) | std::views::transform([&](int row) {
-                           return list.Cell(row, LeadColumn).toStdString();
-                       }));
+    std::vector<std::string> entries;
+    for (int row = 0; row < list.Count(); ++row) {
+        entries.push_back(list.Cell(row, LeadColumn).toStdString());
+    }
+    const auto duplicate = FirstDuplicate(entries);
     gui.StatusBar1->SetPanelText(QString());
     return duplicate ? std::optional(list.Row(static_cast<int>(*duplicate)).key) : std::nullopt;
 }

@@ -112,7 +112,7 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
                 const Reference& target = node.branches[branch];
                 gui.LVExceptions->Append({WithTarget(ExceptionRowAt(branch, target), gui, target)});
             }
-            gui.StoredNode.emplace(nodeNumber, LatestVersion(gui, nodeNumber), std::move(node));
+            gui.StoredNode = GUI::Stored{nodeNumber, LatestVersion(gui, nodeNumber), std::move(node)};
             gui.lblRecordPosition->setText(QString::number(gui.cmbNode->ListIndex() + 1) + " of " +
                                            QString::number(gui.cmbNode->ListCount()));
         } else {

@@ -64,7 +64,7 @@ void NodeRules::AfterFailedSave(GUI& gui, std::int16_t nodeNumber, bool half) {
         gui.cmdApply->setEnabled(false);
     } else if (auto stored = ReadAutoNode(dataBase_, PartitionOf(gui), nodeNumber)) {
         // What this window itself has left there is nobody else's change.
-        gui.StoredNode.emplace(nodeNumber, LatestVersion(gui, nodeNumber), std::move(*stored));
+        gui.StoredNode = GUI::Stored{nodeNumber, LatestVersion(gui, nodeNumber), std::move(*stored)};
     }
 }
 
@@ -98,7 +98,7 @@ bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
             half = save.Fail();
             throw;
         }
-        gui.StoredNode.emplace(nodeNumber, save.VersionNumber(), node);
+        gui.StoredNode = GUI::Stored{nodeNumber, save.VersionNumber(), node};
         gui.StatusBar1->SetPanelText(QString());
     });
     // Before that, what is stored there now may be somebody else's, which has not been seen here.
