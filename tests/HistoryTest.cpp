@@ -111,9 +111,9 @@ TEST_F(HistoryOfANode, StandsInTheWayOfASaveThatWouldGoOverAnothersUnseen) {
     ASSERT_TRUE(busy && busy->kind == Obstacle::BeingSaved);
     EXPECT_EQ(busy->by->number, 2);
     EXPECT_THROW(ben_.history.PutBack(Place, 1, "restore"), RuntimeError);
-    for (const auto& [host, begunAt, lives] : {std::tuple{"elsewhere", TimeStamp(), true},
+    for (const auto& [host, begunAt, lives] : {std::tuple{std::string("elsewhere"), TimeStamp(), true},
                                                {"elsewhere", TimeStamp(1), false},
-                                               {HostName().c_str(), TimeStamp(), false}}) {
+                                               {HostName(), TimeStamp(), false}}) {
         Disguise(host, 1, begunAt);
         EXPECT_EQ(IsBeingMade(ben_.history.Versions(Place).front()), lives) << host << begunAt;
     }
