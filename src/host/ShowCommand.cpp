@@ -20,7 +20,7 @@ constexpr const char* Indent = "  ";
 std::string Shown(const SettingRule& rule, const Settings& settings) {
     const auto& stored = settings.*rule.value;
     const int value = ValueOf(rule, settings);
-    const std::string shown = std::to_string(value) + rule.unit;
+    std::string shown = std::to_string(value) + rule.unit;
     if (stored == value) {
         return shown;
     }
@@ -28,7 +28,7 @@ std::string Shown(const SettingRule& rule, const Settings& settings) {
 }
 
 std::string ShownTerminatingDigit(const Settings& settings) {
-    const std::string shown = TerminatingDigits.at(TerminatingDigitOf(settings));
+    std::string shown = TerminatingDigits.at(TerminatingDigitOf(settings));
     return settings.terminatingDigit == shown
                ? shown
                : settings.terminatingDigit.value_or("none") + " (shown as " + shown + ')';
