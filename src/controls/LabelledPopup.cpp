@@ -76,8 +76,8 @@ void LabelledPopup::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->save();
     painter->setPen(option.palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
     painter->setFont(option.font);
-    painter->drawText(room,
-                      Qt::AlignVCenter | (mirrored ? Qt::AlignRight : Qt::AlignLeft) | Qt::TextSingleLine,
+    const Qt::Alignment place = Qt::AlignVCenter | (mirrored ? Qt::AlignRight : Qt::AlignLeft);
+    painter->drawText(room, static_cast<int>(place) | Qt::TextSingleLine,
                       option.fontMetrics.elidedText(label, Qt::ElideRight, room.width()));
     painter->restore();
 }

@@ -234,6 +234,8 @@ void ListView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void ListView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    // The tree view's own would tell of cells.
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     QAbstractItemView::currentChanged(current, previous);
     viewport()->update();
     if (QAccessible::isActive() && current.isValid() && hasFocus()) {
@@ -244,6 +246,7 @@ void ListView::currentChanged(const QModelIndex& current, const QModelIndex& pre
 }
 
 void ListView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     QAbstractItemView::selectionChanged(selected, deselected);
     if (QAccessible::isActive()) {
         QAccessibleEvent event(this, QAccessible::SelectionWithin);

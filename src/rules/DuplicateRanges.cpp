@@ -14,6 +14,7 @@ std::optional<QString> CheckForDuplicateRanges(GUI& gui) {
     LongOperation::ShowProgress(gui, "Checking for duplicate ranges. Please wait...");
     const ListView& list = *gui.LVActions;
     std::vector<std::string> entries;
+    entries.reserve(static_cast<std::size_t>(list.Count()));
     for (int row = 0; row < list.Count(); ++row) {
         entries.push_back(list.Cell(row, LeadColumn).toStdString());
     }
