@@ -3,7 +3,7 @@
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
 #include "platform/RuntimeError.h"
-#include "store/DataBase.h"
+#include "store/Batch.h"
 
 #include <gtest/gtest.h>
 
@@ -141,7 +141,9 @@ TEST_F(HistoryOfANode, TellsAndTakesBackASaveThatDidNotFinish) {
 
     // Two in a row that ended half-way come back one after the other.
     begin();
-    DeleteDetails(anna_.dataBase, Place.partition, Place.number);
+    Batch batch(anna_.dataBase);
+    DeleteDetails(batch, Place.partition, Place.number);
+    batch.Run();
     Disguise(HostName(), 1, TimeStamp());
     const Texts half = Stored();
     begin();
@@ -159,12 +161,11 @@ TEST_F(HistoryOfANode, TellsAndTakesBackASaveThatDidNotFinish) {
 
 TEST_F(HistoryOfANode, MakesWholeWhatWasBegunToBeCreated) {
     const auto create = [&](NodeSave& save) { return save.Create(9, 33, "today"); };
-    store_.Execute(
-        "CREATE TRIGGER failing BEFORE INSERT ON Detail_AUTO_Action BEGIN SELECT RAISE(ABORT, 'no'); END");
+    store_.Refuse("INSERT ON Detail_AUTO_Action");
     NodeSave save(anna_.dataBase, anna_.history, Place);
     EXPECT_FALSE(save.Begin(anna_.Read(), 0));
     EXPECT_THROW(create(save), RuntimeError);
-    store_.Execute("DROP TRIGGER failing");
+    store_.Allow();
     EXPECT_FALSE(IsNodeExisted(anna_.dataBase, Place.partition, 9, 33));
     EXPECT_EQ(create(save), Creation::Created);
     save.Finish();

@@ -161,9 +161,12 @@ TEST_F(Nodes, AreMadeFromTheirTemplateAndToldPartByPart) {
                                               {4, "XFER"}, {6, "DTMF"},  {7, "VOX"},    {8, "LIST"},
                                               {9, "AUTO"}, {12, "PAAS"}, {13, "TABLE"}, {15, "DBN"}};
     const auto rows = [&](const std::string& table, const std::string& key) {
-        const std::string columns =
-            store_.Value("SELECT GROUP_CONCAT(name) FROM pragma_table_info('" + table +
-                         "') WHERE name NOT IN ('VexoFilename', '" + key + "')");
+        std::string columns = "1";
+        for (const std::string& column : store_.Columns(table)) {
+            if (strcasecmp(column.c_str(), "VexoFilename") != 0 && strcasecmp(column.c_str(), key.c_str()) != 0) {
+                columns += ", " + column;
+            }
+        }
         return [=, this](int number) {
             return store_.Rows("SELECT " + columns + " FROM " + table + " WHERE PartID = 2 AND " + key +
                                " = " + std::to_string(number));
@@ -174,10 +177,13 @@ TEST_F(Nodes, AreMadeFromTheirTemplateAndToldPartByPart) {
         EXPECT_FALSE(IsNodeExisted(dataBase_, Demo, type, 990));
         EXPECT_EQ(CreateNodeFromTemplate(dataBase_, Demo, 0, 990, type, "today"), Creation::Created);
         EXPECT_TRUE(IsNodeExisted(dataBase_, Demo, type, 990));
-        for (const std::string& table : store_.Rows(
-                 std::string("SELECT name FROM sqlite_master WHERE type = 'table' AND (name = 'Node_") +
-                 name + "' OR name LIKE 'Detail_" + name + "%')")) {
-            const auto of = rows(table, table.starts_with("Node_") ? "NodeNumber" : "NodeMasterID");
+        for (const std::string& table : store_.Tables()) {
+            const bool node = strcasecmp(table.c_str(), (std::string("Node_") + name).c_str()) == 0;
+            const std::string detail = std::string("Detail_") + name;
+            if (!node && strncasecmp(table.c_str(), detail.c_str(), detail.size()) != 0) {
+                continue;
+            }
+            const auto of = rows(table, node ? "NodeNumber" : "NodeMasterID");
             EXPECT_FALSE(of(0).empty()) << table;
             EXPECT_EQ(of(990), of(0)) << table;
         }

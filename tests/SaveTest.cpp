@@ -157,8 +157,8 @@ TEST(Saving, ThatFailsHalfWayKeepsWhatWasWrittenOrIsPutBack) {
         {"DELETE ON Detail_AUTO_Action", "Delete_AUTO_ActionsNode", "Sales|Sales 8"},
         {"UPDATE ON Node_AUTO", "Update_AUTO_Node", "Sales|Sales 0"},
         {"UPDATE ON Node_General_Pool", "Update_Node_General_Pool", "New|Sales 0"},
-        {"INSERT ON Detail_AUTO_Prompts WHEN NEW.SequenceNo = 2", "Add_AUTO_PromptsNode", "New|New 1"},
-        {"INSERT ON Detail_AUTO_Action WHEN NEW.SequenceNo = 3", "Add_AUTO_ActionsNode", "New|New 4"},
+        {"INSERT ON Detail_AUTO_Prompts |NEW.SequenceNo = 2", "Add_AUTO_PromptsNode", "New|New 1"},
+        {"INSERT ON Detail_AUTO_Action |NEW.SequenceNo = 3", "Add_AUTO_ActionsNode", "New|New 4"},
     }};
     const TestStore store;
     store.Execute(

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TestServer.h"
 #include "store/CreateStore.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -68,13 +69,19 @@ class TemporaryFolder {
 };
 
 // A store of its own where the component looks for it, as long as it lives; looked at and changed with raw
-// SQL.
+// SQL. Where there is a server for tests, it lies there, and a link to it in its place.
 class TestStore {
   public:
     explicit TestStore(StoreContent content = StoreContent::Demo) {
         programData_.Set(Folder().string());
-        CreateStore(File(), content);
+        if (TestDatabase::HasServer()) {
+            CreateServerStore(File(), server_.emplace().Address(), content);
+        } else {
+            CreateStore(File(), content);
+        }
     }
+
+    [[nodiscard]] static bool OnServer() { return TestDatabase::HasServer(); }
 
     // Where all of it lies.
     [[nodiscard]] const std::filesystem::path& Folder() const { return folder_.Path(); }
@@ -84,12 +91,19 @@ class TestStore {
     }
 
     void Execute(const std::string& sql) const {
+        if (server_) {
+            server_->Rows(sql);
+            return;
+        }
         SQLite::Database database(File().string(), SQLite::OPEN_READWRITE, 2000);
         database.exec(sql);
     }
 
     // All rows, fields joined by '|', Null as "NULL".
     [[nodiscard]] std::vector<std::string> Rows(const std::string& sql) const {
+        if (server_) {
+            return server_->Rows(sql);
+        }
         SQLite::Database database(File().string(), SQLite::OPEN_READWRITE, 2000);
         return Rows(database, sql);
     }
@@ -114,9 +128,42 @@ class TestStore {
         return rows.empty() ? std::string() : rows.front();
     }
 
+    // The names of tables, and of a table's columns in order; on a server in lower case.
+    [[nodiscard]] std::vector<std::string> Tables() const {
+        return Rows(server_ ? "SELECT tablename FROM pg_tables WHERE schemaname = 'public'"
+                            : "SELECT name FROM sqlite_master WHERE type = 'table'");
+    }
+
+    [[nodiscard]] std::vector<std::string> Columns(const std::string& table) const {
+        return Rows(server_ ? "SELECT attname FROM pg_attribute WHERE attrelid = '" + table +
+                                  "'::regclass AND attnum > 0 ORDER BY attnum"
+                            : "SELECT name FROM pragma_table_info('" + table + "')");
+    }
+
+    // Where it lies, as reports tell it.
+    [[nodiscard]] std::string Place() const {
+        return server_ ? server_->Place() : "file '" + File().string() + '\'';
+    }
+
+    // From now on a kind of write, "INSERT ON Node_AUTO", fails where the condition holds.
+    void Refuse(const std::string& write, const std::string& condition = "TRUE",
+                const std::string& message = "the disk is on fire") const {
+        Allow();
+        const std::string trigger = "CREATE TRIGGER failing BEFORE " + write;
+        Execute(server_ ? "CREATE FUNCTION fail() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN RAISE EXCEPTION '" +
+                              message + "'; END $$; " + trigger + " FOR EACH ROW WHEN (" + condition +
+                              ") EXECUTE FUNCTION fail()"
+                        : trigger + " WHEN " + condition + " BEGIN SELECT RAISE(ABORT, '" + message + "'); END");
+    }
+
+    void Allow() const {
+        Execute(server_ ? "DROP FUNCTION IF EXISTS fail CASCADE" : "DROP TRIGGER IF EXISTS failing");
+    }
+
   private:
     TemporaryFolder folder_;
     EnvironmentVariable programData_{"PROGRAMDATA"};
+    mutable std::optional<TestDatabase> server_;
 };
 
 } // namespace KAL_AUTO_Node

@@ -117,12 +117,14 @@ void Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partiti
         NodeRules::ResetAllGUIListView(gui);
         NodeRules::HideInPlaceEditors(gui);
         // Each runs whether or not the one before it failed.
+        auto ahead = rules.ReadListsAhead(gui);
         bool complete = rules.LoadNodeName(gui);
         complete &= rules.LoadPromptsNode(gui);
         complete &= rules.LoadActionsNode(gui);
         complete &= rules.LoadExceptionsNode(gui);
         complete &= NodeRules::LoadStaticConstants(gui);
         complete &= rules.LoadExistingNodesInRecordSelector(gui, Node_Number);
+        ahead.reset();
         const bool show = rules.LoadData(gui, Node_Number);
         // The selector moves to its first node where it does not list the one asked for; what is shown is
         // that one.

@@ -1,7 +1,7 @@
 #include "history/History.h"
 
 #include "platform/RuntimeError.h"
-#include "store/DataBase.h"
+#include "store/Batch.h"
 
 #include <algorithm>
 
@@ -71,6 +71,10 @@ std::vector<Version> History::Stored(const NodePlace& place) {
     return versions;
 }
 
+void History::ReadVersionsAhead(ReadAhead& ahead, const NodePlace& place) {
+    ahead.Add(Command::Get_AUTO_Versions, {place.partition.config, place.partition.number, place.number});
+}
+
 std::vector<Version> History::Versions(const NodePlace& place) {
     auto versions = Stored(place);
     for (const auto& [ended, number, state] : ended_) {
@@ -132,17 +136,16 @@ void History::MarkEnded() {
     while (!ended_.empty()) {
         const auto& [place, version, state] = ended_.front();
         const auto& [partition, node] = place;
-        Transaction all(dataBase_);
+        Transaction all(dataBase_, place.Number());
+        Batch batch(dataBase_);
         if (auto versions = Stored(place); FindOwn(versions, version) != versions.end()) {
-            SetState(place, version, state);
+            SetState(batch, place, version, state);
             if (state == std::string_view(VersionState::Finished)) {
-                dataBase_.Execute(Command::Leave_AUTO_Versions,
-                                  {partition.config, partition.number, node, version});
-                dataBase_.Execute(Command::Delete_Finished_Creations,
-                                  {partition.config, partition.number, node});
+                batch.Add(Command::Leave_AUTO_Versions, {partition.config, partition.number, node, version});
+                batch.Add(Command::Delete_Finished_Creations, {partition.config, partition.number, node});
             }
         }
-        all.Commit();
+        all.Commit(batch);
         ended_.erase(ended_.begin());
     }
 }
@@ -166,29 +169,29 @@ void History::Forget(const NodePlace& place, int version) {
                   [&](const Ended& ended) { return ended.place == place && ended.version == version; });
 }
 
-int History::Add(const NodePlace& place, const char* work, const char* state, const NodeContent& before) {
+int History::Add(Batch& batch, const NodePlace& place, const char* work, const char* state,
+                 const NodeContent& before) {
     const auto versions = Versions(place);
     const int number = versions.empty() ? 1 : versions.front().number + 1;
     Forget(place, number); // it was that of a change that never was
     const ProcessIdentity author = ThisProcess();
     const auto& [partition, node] = place;
-    dataBase_.Execute(Command::Add_AUTO_Version,
-                      {partition.config, partition.number, node, number, work, state, TimeStamp(),
-                       author.user, author.host, author.program, author.process, author.start,
-                       TextOf(partition, node, before)});
-    dataBase_.Execute(Command::Prune_AUTO_Versions,
-                      {partition.config, partition.number, node, number - KeptVersions, TimeStamp(KeptDays)});
+    batch.Add(Command::Add_AUTO_Version,
+              {partition.config, partition.number, node, number, work, state, TimeStamp(), author.user,
+               author.host, author.program, author.process, author.start, TextOf(partition, node, before)});
+    batch.Add(Command::Prune_AUTO_Versions,
+              {partition.config, partition.number, node, number - KeptVersions, TimeStamp(KeptDays)});
     return number;
 }
 
-void History::SetState(const NodePlace& place, int version, const char* state) {
-    dataBase_.Execute(Command::Set_AUTO_Version_State,
-                      {state, place.partition.config, place.partition.number, place.number, version});
+void History::SetState(Batch& batch, const NodePlace& place, int version, const char* state) {
+    batch.Add(Command::Set_AUTO_Version_State,
+              {state, place.partition.config, place.partition.number, place.number, version});
 }
 
 void History::PutBack(const NodePlace& place, int version, const char* work) {
     {
-        Transaction all(dataBase_);
+        Transaction all(dataBase_, place.Number());
         const auto versions = Versions(place);
         if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
             throw RuntimeError(ErrorNumber::Busy, Named(place) + " is being saved by " + AuthorText(*made) +
@@ -199,10 +202,13 @@ void History::PutBack(const NodePlace& place, int version, const char* work) {
             throw RuntimeError(ErrorNumber::InvalidProcedureCall,
                                Named(place) + " did not exist before version " + std::to_string(version));
         }
-        Add(place, work, VersionState::Finished, ReadContent(dataBase_, place.partition, place.number));
+        Batch batch(dataBase_);
+        Add(batch, place, work, VersionState::Finished,
+            ReadContent(dataBase_, place.partition, place.number));
+        batch.Run();
         WriteContent(dataBase_, place.partition, place.number, before);
-        SetState(place, version, VersionState::PutBack);
-        all.Commit();
+        SetState(batch, place, version, VersionState::PutBack);
+        all.Commit(batch);
     }
     dataBase_.Flush();
     FinishCreations(place, version);

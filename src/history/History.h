@@ -11,7 +11,9 @@
 
 namespace KAL_AUTO_Node {
 
+class Batch;
 class DataBase;
+class ReadAhead;
 
 // The changes of AUTO nodes that a store keeps, with each node as it was before them.
 class History {
@@ -28,6 +30,7 @@ class History {
     // Makes the store keep one; false where it may not be changed so.
     [[nodiscard]] bool Prepare();
 
+    static void ReadVersionsAhead(ReadAhead& ahead, const NodePlace& place);
     // Newest first; none where there is no history.
     [[nodiscard]] std::vector<Version> Versions(const NodePlace& place);
     // The node as it was before a change. Raises InvalidProcedureCall where there is no such version.
@@ -43,8 +46,9 @@ class History {
     void End(const NodePlace& place, int version, const char* state);
 
     // Adds a version of that work and state for a change that follows, and drops those that are kept no
-    // longer. Part of a transaction.
-    int Add(const NodePlace& place, const char* work, const char* state, const NodeContent& before);
+    // longer. Part of a transaction, before whose end the batch is run.
+    int Add(Batch& batch, const NodePlace& place, const char* work, const char* state,
+            const NodeContent& before);
 
     // Makes the store hold the node as it was before a change, in one step that is itself a version. Raises
     // Busy while the node is being saved.
@@ -65,7 +69,7 @@ class History {
     void TryToMarkEnded() noexcept;
     void Forget(const NodePlace& place, int version);
     void Drop(const NodePlace& place, int version);
-    void SetState(const NodePlace& place, int version, const char* state);
+    static void SetState(Batch& batch, const NodePlace& place, int version, const char* state);
     // Makes what the change began to make from templates.
     void FinishCreations(const NodePlace& place, int version);
 

@@ -6,7 +6,7 @@
 #include "nodes/NodeTypes.h"
 #include "nodes/Record.h"
 #include "platform/RuntimeError.h"
-#include "store/DataBase.h"
+#include "store/Batch.h"
 
 namespace KAL_AUTO_Node {
 
@@ -29,20 +29,20 @@ std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, Partition partition, 
     return std::nullopt;
 }
 
-void WriteRecord(DataBase& dataBase, Partition partition, std::int16_t number, const AutoNode& node) {
-    if (UpdateRecord(dataBase, partition, number, node) == 0) {
-        dataBase.Execute(Command::Add_AUTO_Node, {partition.config, partition.number, AutoType, number});
-        UpdateRecord(dataBase, partition, number, node);
+void WriteRecord(Batch& batch, Partition partition, std::int16_t number, const AutoNode& node) {
+    UpdateRecord(batch, partition, number, node);
+    if (batch.Run().back() == 0) {
+        batch.Add(Command::Add_AUTO_Node, {partition.config, partition.number, AutoType, number});
+        UpdateRecord(batch, partition, number, node);
     }
 }
 
-void WriteEntry(DataBase& dataBase, Partition partition, std::int16_t number, const RegisterEntry& entry) {
-    const std::int64_t updated = dataBase.Execute(
-        Command::Put_Back_General_Pool,
-        {entry.type, entry.label, entry.dateModified, partition.config, partition.number, AutoType, number});
-    if (updated == 0) {
-        dataBase.Execute(Command::Add_General_Pool, {partition.config, partition.number, AutoType, number,
-                                                     entry.type, entry.label, entry.dateModified});
+void WriteEntry(Batch& batch, Partition partition, std::int16_t number, const RegisterEntry& entry) {
+    batch.Add(Command::Put_Back_General_Pool, {entry.type, entry.label, entry.dateModified, partition.config,
+                                               partition.number, AutoType, number});
+    if (batch.Run().back() == 0) {
+        batch.Add(Command::Add_General_Pool, {partition.config, partition.number, AutoType, number,
+                                              entry.type, entry.label, entry.dateModified});
     }
 }
 
@@ -99,19 +99,26 @@ void TurnTexts(Json& document, std::string (*turn)(const std::string&), int leve
 
 } // namespace
 
+void ReadContentAhead(ReadAhead& ahead, Partition partition, std::int16_t number) {
+    ReadAutoNodeAhead(ahead, partition, number);
+    ahead.Add(Command::Get_Description, {partition.config, partition.number, AutoType, number});
+}
+
 NodeContent ReadContent(DataBase& dataBase, Partition partition, std::int16_t number) {
     return {ReadAutoNode(dataBase, partition, number), ReadEntry(dataBase, partition, number)};
 }
 
 void WriteContent(DataBase& dataBase, Partition partition, std::int16_t number, const NodeContent& content) {
-    DeleteDetails(dataBase, partition, number);
+    Batch batch(dataBase);
+    DeleteDetails(batch, partition, number);
     if (content.node) {
-        WriteRecord(dataBase, partition, number, *content.node);
-        AddDetails(dataBase, partition, number, *content.node);
+        WriteRecord(batch, partition, number, *content.node);
+        AddDetails(batch, partition, number, *content.node);
     }
     if (content.entry) {
-        WriteEntry(dataBase, partition, number, *content.entry);
+        WriteEntry(batch, partition, number, *content.entry);
     }
+    batch.Run();
 }
 
 std::string TextOf(Partition partition, std::int16_t number, const NodeContent& content) {

@@ -10,6 +10,7 @@
 namespace KAL_AUTO_Node {
 
 class DataBase;
+class ReadAhead;
 
 // A row of the register.
 struct RegisterEntry {
@@ -29,6 +30,7 @@ struct NodeContent {
 };
 
 [[nodiscard]] NodeContent ReadContent(DataBase& dataBase, Partition partition, std::int16_t number);
+void ReadContentAhead(ReadAhead& ahead, Partition partition, std::int16_t number);
 
 // Makes the store hold exactly that of the node. Part of a transaction.
 void WriteContent(DataBase& dataBase, Partition partition, std::int16_t number, const NodeContent& content);

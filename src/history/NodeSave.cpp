@@ -1,7 +1,7 @@
 #include "history/NodeSave.h"
 
 #include "platform/RuntimeError.h"
-#include "store/DataBase.h"
+#include "store/Batch.h"
 
 #include <algorithm>
 #include <chrono>
@@ -26,7 +26,15 @@ std::optional<Obstacle> NodeSave::Begin(const AutoNode& loaded, int version) {
             std::optional<Transaction> all;
             std::vector<Version> versions;
             if (guarded) {
-                all.emplace(dataBase_);
+                all.emplace(dataBase_, place_.Number());
+            }
+            ReadAhead ahead(dataBase_);
+            ReadContentAhead(ahead, place_.partition, place_.number);
+            if (guarded) {
+                History::ReadVersionsAhead(ahead, place_);
+            }
+            ahead.Fetch();
+            if (guarded) {
                 versions = history_.Versions(place_);
             }
             if (const auto found = std::ranges::find_if(versions, IsBeingMade); found != versions.end()) {
@@ -42,9 +50,10 @@ std::optional<Obstacle> NodeSave::Begin(const AutoNode& loaded, int version) {
                                     known ? std::optional(versions.front()) : std::nullopt};
                 }
                 if (guarded) {
-                    version_ = history_.Add(place_, "save", VersionState::Begun, stored);
+                    Batch batch(dataBase_);
+                    version_ = history_.Add(batch, place_, "save", VersionState::Begun, stored);
                     try {
-                        all->Commit();
+                        all->Commit(batch);
                     } catch (const RuntimeError&) {
                         // It may have failed when it was in place already.
                         all.reset();

@@ -30,8 +30,41 @@ Reference AutoNodeReader::ReadReference(const ResultSet& row, const Columns& col
     return reference;
 }
 
+void ReadLabelAhead(ReadAhead& ahead, Partition partition, int typeID, int number) {
+    ahead.Add(Command::Get_Description, {partition.config, partition.number, typeID, number});
+}
+
+void ReadAutoNodeAhead(ReadAhead& ahead, Partition partition, std::int16_t number) {
+    ahead.Add(Command::Get_AUTO_Node, {partition.config, partition.number, number, AutoType});
+    ahead.Add(Command::Get_AUTO_PromptsNode, {partition.config, partition.number, number});
+    ahead.Add(Command::Get_AUTO_ActionsNode, {partition.config, partition.number, number});
+}
+
+// The rows of both lists are here by now; what cannot be read of them is told when they are read.
+void AutoNodeReader::ReadLabelsAhead(ReadAhead& ahead) try {
+    const auto add = [&](const ResultSet& row, const Columns& columns) {
+        ReadLabelAhead(ahead, partition_, row.Number(columns.typeID), row.Number(columns.number));
+    };
+    for (const BranchRule& branch : BranchRules) {
+        add(*record_, Columns(*record_, branch.column));
+    }
+    for (const Command list : {Command::Get_AUTO_PromptsNode, Command::Get_AUTO_ActionsNode}) {
+        ResultSet rows = dataBase_.Query(list, {partition_.config, partition_.number, number_});
+        for (const Columns columns(rows); !rows.AtEnd(); rows.MoveNext()) {
+            add(rows, columns);
+        }
+    }
+
+} catch (const RuntimeError&) {
+
+    return;
+}
+
 bool AutoNodeReader::ReadRecord(AutoNode& node) {
     record_.reset();
+    ReadAhead& ahead = ahead_.emplace(dataBase_);
+    ReadAutoNodeAhead(ahead, partition_, number_);
+    ahead.Fetch();
     record_.emplace(
         dataBase_.Query(Command::Get_AUTO_Node, {partition_.config, partition_.number, number_, AutoType}));
     if (record_->AtEnd()) {
@@ -40,6 +73,10 @@ bool AutoNodeReader::ReadRecord(AutoNode& node) {
     node.type = record_->Field("NodeType").value_or("");
     node.label = OptionalText(*record_, "NodeDescription");
     node.settings = ReadSettings(*record_);
+    if (ahead.Helps() && labels_ == Labels::Read) {
+        ReadLabelsAhead(ahead);
+        ahead.Fetch();
+    }
     return true;
 }
 

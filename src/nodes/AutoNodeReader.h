@@ -2,7 +2,7 @@
 
 #include "nodes/AutoNode.h"
 #include "nodes/Identity.h"
-#include "store/DataBase.h"
+#include "store/Batch.h"
 
 #include <cstdint>
 #include <optional>
@@ -28,13 +28,17 @@ class AutoNodeReader {
     struct Columns;
 
     Reference ReadReference(const ResultSet& row, const Columns& columns);
+    void ReadLabelsAhead(ReadAhead& ahead);
 
     DataBase& dataBase_;
     Partition partition_;
     std::int16_t number_;
     Labels labels_;
+    std::optional<ReadAhead> ahead_;
     std::optional<ResultSet> record_;
 };
+
+void ReadAutoNodeAhead(ReadAhead& ahead, Partition partition, std::int16_t number);
 
 // The whole node, or nothing where there is none.
 [[nodiscard]] std::optional<AutoNode> ReadAutoNode(DataBase& dataBase, Partition partition,
@@ -45,5 +49,6 @@ class AutoNodeReader {
 
 // The label of a node of any type as the register has it; empty where it has none.
 [[nodiscard]] std::string LabelOf(DataBase& dataBase, Partition partition, int typeID, int number);
+void ReadLabelAhead(ReadAhead& ahead, Partition partition, int typeID, int number);
 
 } // namespace KAL_AUTO_Node

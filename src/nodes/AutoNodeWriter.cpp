@@ -1,67 +1,67 @@
 #include "nodes/AutoNodeWriter.h"
 
-#include "store/DataBase.h"
+#include "store/Batch.h"
 
 namespace KAL_AUTO_Node {
 
-void DeleteDetails(DataBase& dataBase, Partition partition, std::int16_t number) {
+void DeleteDetails(Batch& batch, Partition partition, std::int16_t number) {
     for (const Command command : {Command::Delete_AUTO_PromptsNode, Command::Delete_AUTO_ActionsNode}) {
-        dataBase.Execute(command, {partition.config, partition.number, number});
+        batch.Add(command, {partition.config, partition.number, number});
     }
 }
 
-std::int64_t UpdateRecord(DataBase& dataBase, Partition partition, std::int16_t number,
-                          const AutoNode& node) {
+void UpdateRecord(Batch& batch, Partition partition, std::int16_t number, const AutoNode& node) {
     const auto& [timeout, invalid, abort, star, pound] = node.branches;
-    return dataBase.Execute(Command::Update_AUTO_Node, {
-                                                           node.settings.numberOfDigits,
-                                                           node.settings.terminatingDigit,
-                                                           node.settings.selectionTimeout,
-                                                           node.settings.digitTimeout,
-                                                           node.settings.retryLimit,
-                                                           timeout.type,
-                                                           timeout.number,
-                                                           invalid.type,
-                                                           invalid.number,
-                                                           abort.type,
-                                                           abort.number,
-                                                           node.type,
-                                                           node.label,
-                                                           timeout.typeID,
-                                                           invalid.typeID,
-                                                           abort.typeID,
-                                                           star.typeID,
-                                                           pound.typeID,
-                                                           star.type,
-                                                           star.number,
-                                                           pound.type,
-                                                           pound.number,
-                                                           partition.config,
-                                                           partition.number,
-                                                           AutoType,
-                                                           number,
-                                                       });
+    batch.Add(Command::Update_AUTO_Node, {
+                                             node.settings.numberOfDigits,
+                                             node.settings.terminatingDigit,
+                                             node.settings.selectionTimeout,
+                                             node.settings.digitTimeout,
+                                             node.settings.retryLimit,
+                                             timeout.type,
+                                             timeout.number,
+                                             invalid.type,
+                                             invalid.number,
+                                             abort.type,
+                                             abort.number,
+                                             node.type,
+                                             node.label,
+                                             timeout.typeID,
+                                             invalid.typeID,
+                                             abort.typeID,
+                                             star.typeID,
+                                             pound.typeID,
+                                             star.type,
+                                             star.number,
+                                             pound.type,
+                                             pound.number,
+                                             partition.config,
+                                             partition.number,
+                                             AutoType,
+                                             number,
+                                         });
 }
 
-void AddDetails(DataBase& dataBase, Partition partition, std::int16_t number, const AutoNode& node) {
+void AddDetails(Batch& batch, Partition partition, std::int16_t number, const AutoNode& node) {
     for (const auto& [sequence, target] : node.prompts) {
-        dataBase.Execute(Command::Add_AUTO_PromptsNode, {partition.config, partition.number, sequence,
-                                                         target.typeID, target.number, number, target.type});
+        batch.Add(Command::Add_AUTO_PromptsNode, {partition.config, partition.number, sequence, target.typeID,
+                                                  target.number, number, target.type});
     }
     for (const auto& [sequence, target, low, high] : node.actions) {
-        dataBase.Execute(Command::Add_AUTO_ActionsNode,
-                         {partition.config, partition.number, sequence, target.typeID, target.number, number,
-                          low, high, target.type});
+        batch.Add(Command::Add_AUTO_ActionsNode, {partition.config, partition.number, sequence, target.typeID,
+                                                  target.number, number, low, high, target.type});
     }
 }
 
 void WriteAutoNode(DataBase& dataBase, Partition partition, std::int16_t number, const AutoNode& node,
                    const std::string& date) {
-    DeleteDetails(dataBase, partition, number);
-    UpdateRecord(dataBase, partition, number, node);
-    dataBase.Execute(Command::Update_Node_General_Pool,
-                     {node.label, date, partition.config, partition.number, AutoType, number});
-    AddDetails(dataBase, partition, number, node);
+    Batch batch(dataBase);
+    DeleteDetails(batch, partition, number);
+    UpdateRecord(batch, partition, number, node);
+    batch.Add(Command::Update_Node_General_Pool,
+              {node.label, date, partition.config, partition.number, AutoType, number});
+    AddDetails(batch, partition, number, node);
+    batch.Run();
 }
 
 } // namespace KAL_AUTO_Node

@@ -8,18 +8,19 @@
 
 namespace KAL_AUTO_Node {
 
+class Batch;
 class DataBase;
 
 // Writes a node over the stored one of that number: its detail rows go, its record and its register row are
-// updated, its detail rows come back as the node has them. Each statement stands for itself: after a failure
-// those before it stay done. Neither record nor register row are made where there are none. The date is
-// today's as dates are stored.
+// updated, its detail rows come back as the node has them. In a file each statement stands for itself: after
+// a failure those before it stay done. On a server they take effect together or not at all. Neither record
+// nor register row are made where there are none. The date is today's as dates are stored.
 void WriteAutoNode(DataBase& dataBase, Partition partition, std::int16_t number, const AutoNode& node,
                    const std::string& date);
 
-// The steps of the above that others need, too. Updating returns how many records there were.
-void DeleteDetails(DataBase& dataBase, Partition partition, std::int16_t number);
-std::int64_t UpdateRecord(DataBase& dataBase, Partition partition, std::int16_t number, const AutoNode& node);
-void AddDetails(DataBase& dataBase, Partition partition, std::int16_t number, const AutoNode& node);
+// The steps of the above that others need, too.
+void DeleteDetails(Batch& batch, Partition partition, std::int16_t number);
+void UpdateRecord(Batch& batch, Partition partition, std::int16_t number, const AutoNode& node);
+void AddDetails(Batch& batch, Partition partition, std::int16_t number, const AutoNode& node);
 
 } // namespace KAL_AUTO_Node

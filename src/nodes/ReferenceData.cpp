@@ -1,7 +1,8 @@
 #include "nodes/ReferenceData.h"
 
 #include "platform/NumericValue.h"
-#include "store/DataBase.h"
+#include "platform/RuntimeError.h"
+#include "store/Batch.h"
 
 #include <algorithm>
 #include <limits>
@@ -28,6 +29,35 @@ std::optional<int> ReadMaxNodeNumber(DataBase& dataBase, Partition partition, in
     }
     return static_cast<int>(std::clamp<std::int64_t>(NumericValue(limit.Text("Max_Number")),
                                                      std::numeric_limits<int>::min(), HighestNodeNumber));
+}
+
+void ReadListsAhead(ReadAhead& ahead, DataBase& dataBase, Partition partition) try {
+    if (!ahead.Helps()) {
+        return;
+    }
+    ahead.Add(Command::Get_Node_Names, {});
+    for (const SlotRule& rule : SlotRules) {
+        ahead.Add(Command::Get_Node_Type_can_contain_nodes, {AutoType, rule.setID});
+    }
+    ahead.Add(Command::Get_All_AUTO_Nodes, {partition.config, partition.number, AutoType});
+    ahead.Fetch();
+
+    const auto addLimits = [&](ResultSet types, const char* column) {
+        for (; !types.AtEnd(); types.MoveNext()) {
+            ahead.Add(Command::Get_Max_NodeNumber,
+                      {partition.config, partition.number, types.Number(column)});
+        }
+    };
+    addLimits(dataBase.Query(Command::Get_Node_Names, {}), "ID");
+    for (const SlotRule& rule : SlotRules) {
+        addLimits(dataBase.Query(Command::Get_Node_Type_can_contain_nodes, {AutoType, rule.setID}),
+                  "Child_Node_Type_ID");
+    }
+    ahead.Fetch();
+
+} catch (const RuntimeError&) {
+
+    return; // told by what reads them
 }
 
 void ReadNodeNames(DataBase& dataBase, Partition partition, NodeLists& lists) {

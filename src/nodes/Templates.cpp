@@ -2,12 +2,13 @@
 
 #include "nodes/NodeTypes.h"
 #include "platform/RuntimeError.h"
-#include "store/DataBase.h"
+#include "store/Batch.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <span>
+#include <vector>
 
 namespace KAL_AUTO_Node {
 
@@ -61,33 +62,46 @@ Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int sou
     if (rule == CopyRules.end()) {
         return Creation::NoRule;
     }
-    const auto copy = [&](Command command, Parameters parameters) -> std::int64_t {
+    Batch batch(dataBase);
+    std::vector<std::int64_t> written;
+    const auto copy = [&](Command command, Parameters parameters) {
+        if (existing == Existing::Refuse) {
+            batch.Add(command, parameters);
+            return;
+        }
         try {
-            return dataBase.Execute(command, parameters);
+            written.push_back(dataBase.Execute(command, parameters));
         } catch (const RuntimeError& error) {
-            if (existing == Existing::Keep && error.Number() == ErrorNumber::DuplicateKey) {
-                return 1;
+            if (error.Number() != ErrorNumber::DuplicateKey) {
+                throw;
             }
-            throw;
+            written.push_back(1);
         }
     };
-    std::int64_t nodes = 0;
-    std::int64_t details = 0;
     for (const Command command : rule->Commands()) {
-        const std::int64_t copied =
-            command == Command::Duplicate_MSG_NODE
-                ? copy(command, {destination, MessageFileName(partition.number, destination),
-                                 partition.config, partition.number, source})
-                : copy(command, {destination, partition.config, partition.number, source});
-        (command == rule->commands.front() ? nodes : details) += copied;
+        if (command == Command::Duplicate_MSG_NODE) {
+            copy(command, {destination, MessageFileName(partition.number, destination), partition.config,
+                           partition.number, source});
+        } else {
+            copy(command, {destination, partition.config, partition.number, source});
+        }
     }
-    const bool registered =
-        copy(Command::Duplicate_Node_In_General_Pool,
-             {destination, date, partition.config, partition.number, source, rule->typeID}) > 0;
+    copy(Command::Duplicate_Node_In_General_Pool,
+         {destination, date, partition.config, partition.number, source, rule->typeID});
+    if (existing == Existing::Refuse) {
+        written = batch.Run();
+    }
+    const bool registered = written.back() > 0;
+    written.pop_back();
     if (registered) {
-        return nodes > 0 ? Creation::Created : Creation::Empty;
+        return written.front() > 0 ? Creation::Created : Creation::Empty;
     }
-    return nodes + details > 0 ? Creation::Unregistered : Creation::NoTemplate;
+    const bool copied = std::ranges::any_of(written, [](std::int64_t rows) { return rows > 0; });
+    return copied ? Creation::Unregistered : Creation::NoTemplate;
+}
+
+void LookUpAhead(ReadAhead& ahead, Partition partition, int typeID, int number) {
+    ahead.Add(Command::Get_Description, {partition.config, partition.number, NodeTypeOf(typeID), number});
 }
 
 bool IsNodeExisted(DataBase& dataBase, Partition partition, int typeID, int number) {

@@ -85,12 +85,13 @@ void NewFolders::TakeBack() {
     }
 }
 
-NewFile::NewFile(const std::filesystem::path& place)
+NewFile::NewFile(const std::filesystem::path& place, Readers readers)
     : place_(place), name_(place.string() + ".new"), file_(name_, O_WRONLY | O_CREAT | O_NOFOLLOW) {
     // The other one may also just have given the file its place.
     if (flock(file_.Number(), LOCK_EX | LOCK_NB) != 0 || !SameFile(file_.Number(), name_)) {
         throw std::runtime_error("another program is making it");
     }
+    Require(readers == Readers::Any || fchmod(file_.Number(), S_IRUSR | S_IWUSR) == 0);
 }
 
 NewFile::~NewFile() {

@@ -45,7 +45,9 @@ class NewFolders {
 // make it at the same time one fails. What a killed one left is taken over by the next.
 class NewFile {
   public:
-    explicit NewFile(const std::filesystem::path& place);
+    enum class Readers { Any, Owner };
+
+    explicit NewFile(const std::filesystem::path& place, Readers readers = Readers::Any);
     ~NewFile();
 
     NewFile(const NewFile&) = delete;

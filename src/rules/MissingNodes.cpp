@@ -13,7 +13,10 @@
 
 #include <QStringList>
 
+#include <algorithm>
+#include <iterator>
 #include <map>
+#include <span>
 #include <utility>
 
 namespace KAL_AUTO_Node {
@@ -38,6 +41,42 @@ const char* Reason(Creation outcome) {
         return "These nodes could not be created: there is no template for them.";
     }
 }
+
+// Fetches from a server whether nodes exist: of all at once and, where nodes are created, which makes that
+// old, of the next few.
+class Existence {
+  public:
+    Existence(DataBase& dataBase, Partition partition, std::span<const RequiredNode> nodes)
+        : ahead_(dataBase), partition_(partition), nodes_(nodes), count_(nodes.size()) {}
+
+    // Before it is asked for; in the order of the nodes.
+    void LookUp(const RequiredNode& node) {
+        if (known_-- > 0) {
+            return;
+        }
+        const auto rest = nodes_.subspan(static_cast<std::size_t>(&node - nodes_.data()));
+        const auto next = rest.first(std::min(count_, rest.size()));
+        for (const RequiredNode& one : next) {
+            LookUpAhead(ahead_, partition_, one.typeID, one.number);
+        }
+        ahead_.Fetch();
+        known_ = std::ssize(next) - 1;
+    }
+
+    void Forget() {
+        known_ = 0;
+        count_ = Few;
+    }
+
+  private:
+    static constexpr std::size_t Few = 50;
+
+    ReadAhead ahead_;
+    Partition partition_;
+    std::span<const RequiredNode> nodes_;
+    std::size_t count_;
+    std::ptrdiff_t known_ = 0; // of how many more it is known
+};
 
 void TellNotCreated(const std::map<Creation, QStringList>& nodesByOutcome) {
     constexpr int shown = 20;
@@ -69,7 +108,9 @@ void NodeRules::CheckForUnReferencedNodes(GUI& gui, NodeSave& save) {
 
         std::map<Creation, QStringList> notCreated;
         std::int32_t answer = ConfirmationDialog::Closed;
+        Existence existence(dataBase_, PartitionOf(gui), required.Nodes());
         for (const RequiredNode& node : required.Nodes()) {
+            existence.LookUp(node);
             if (NodeExists(gui, node)) {
                 continue;
             }
@@ -82,6 +123,7 @@ void NodeRules::CheckForUnReferencedNodes(GUI& gui, NodeSave& save) {
             }
             if (answer == ConfirmationDialog::Create || answer == ConfirmationDialog::CreateAll) {
                 const Creation outcome = save.Create(node.typeID, node.number, Today());
+                existence.Forget();
                 // The register has it.
                 const bool created = outcome == Creation::Created || outcome == Creation::Empty;
                 const QString name = FromUtf8(node.name);

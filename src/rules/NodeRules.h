@@ -3,11 +3,12 @@
 #include "KAL_AUTO_Node/Components.h"
 #include "history/History.h"
 #include "nodes/Slots.h"
-#include "store/DataBase.h"
+#include "store/Batch.h"
 
 #include <QString>
 
 #include <cstdint>
+#include <memory>
 
 namespace KAL_AUTO_Node {
 
@@ -31,6 +32,10 @@ class NodeRules {
     static void ResetAllGUIListView(GUI& gui);
     // Has no report of its own.
     static void HideInPlaceEditors(GUI& gui);
+
+    // Fetches from a server what the reference lists are filled with, as long as the result lives. Has no
+    // report of its own.
+    [[nodiscard]] std::unique_ptr<ReadAhead> ReadListsAhead(const GUI& gui);
 
     // Reference lists, in the order in which they depend on one another. Each returns whether it ran to its
     // end.

@@ -8,6 +8,12 @@
 
 namespace KAL_AUTO_Node {
 
+std::unique_ptr<ReadAhead> NodeRules::ReadListsAhead(const GUI& gui) {
+    auto ahead = std::make_unique<ReadAhead>(dataBase_);
+    KAL_AUTO_Node::ReadListsAhead(*ahead, dataBase_, PartitionOf(gui));
+    return ahead;
+}
+
 bool NodeRules::LoadNodeName(GUI& gui) {
     return Reporting("LoadNodeName", [&] { ReadNodeNames(dataBase_, PartitionOf(gui), gui.Lists()); });
 }

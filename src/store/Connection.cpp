@@ -1,14 +1,36 @@
 #include "store/Connection.h"
 
 #include "platform/RuntimeError.h"
+#include "store/PostgresConnection.h"
+#include "store/ServerLink.h"
 #include "store/SqliteConnection.h"
 
 namespace KAL_AUTO_Node {
+
+std::vector<std::int64_t> Connection::RunTogether(std::span<const StatementRun> runs, Then then,
+                                                  std::size_t& reached) {
+    std::vector<std::int64_t> written;
+    for (reached = 0; reached < runs.size(); ++reached) {
+        const auto& [statement, parameters] = runs[reached];
+        statement->Run(parameters);
+        written.push_back(statement->RowsWritten());
+        statement->Close();
+    }
+    if (then == Then::Commit) {
+        Commit();
+    }
+    return written;
+}
+
+void Connection::FetchAhead(std::span<const StatementRun>) {}
 
 namespace {
 
 // The first bytes of every SQLite file, with their NUL.
 constexpr std::string_view SqliteSignature{"SQLite format 3\0", 16};
+
+// What a Jet file has after its first four bytes.
+constexpr std::string_view JetSignature = "Standard Jet DB";
 
 [[noreturn]] void FailUnrecognized(const std::filesystem::path& file) {
     throw RuntimeError(ErrorNumber::StoreNotRecognized,
@@ -44,10 +66,19 @@ std::unique_ptr<Connection> OpenStore(const std::filesystem::path& file) {
     if (sqlite->Recognizes()) {
         return sqlite;
     }
-    // Here the stores of other engines can be told.
-    if (sqlite->FirstBytes(SqliteSignature.size()) == SqliteSignature) {
+    const std::string head = sqlite->FirstBytes(LongestLink);
+    if (head.starts_with(SqliteSignature)) {
         throw RuntimeError(ErrorNumber::StoreFailure, "The file '" + file.string() + "' is damaged",
                            "SQLite");
+    }
+    if (IsLink(head)) {
+        return std::make_unique<PostgresConnection>(LinkIn(head));
+    }
+    if (std::string_view(head).substr(4).starts_with(JetSignature)) {
+        throw RuntimeError(ErrorNumber::StoreNotRecognized,
+                           "The file '" + file.string() +
+                               "' is a Jet database. \"auto-node import FILE\" makes a store of it; move it "
+                               "elsewhere first");
     }
     FailUnrecognized(file);
 }

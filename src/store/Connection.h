@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace KAL_AUTO_Node {
 
@@ -37,22 +38,48 @@ class Statement {
     virtual void Close() noexcept = 0;
 };
 
+// One run of a statement among several.
+struct StatementRun {
+    Statement* statement;
+    std::span<const std::optional<std::string>> parameters;
+};
+
 class Connection {
   public:
     virtual ~Connection() = default;
+
+    // Where the statements run, for reports: "file '/x'".
+    [[nodiscard]] virtual std::string Place() const = 0;
 
     // The statement's parameters are names after a colon, numbered in the order in which they first occur.
     virtual std::unique_ptr<Statement> Prepare(const std::string& sql) = 0;
 
     // Until Commit, statements take effect for nobody else; without it, not at all. Begin takes the right to
-    // write, so that what is read after it stays so.
-    virtual void Begin() = 0;
+    // write what stands under a number, or anything where none is given, so that what is read after it stays
+    // so. An engine may take more than is asked for.
+    virtual void Begin(std::optional<std::int64_t> number) = 0;
     virtual void Commit() = 0;
     virtual void Rollback() noexcept = 0;
 
     [[nodiscard]] virtual bool HasTable(const std::string& name) = 0;
     // Several statements without parameters and result rows.
     virtual void RunScript(const char* sql) = 0;
+
+    // Whether each statement costs the way to a server and back, so that several should go together. The
+    // three below are for such an engine.
+    [[nodiscard]] virtual bool IsRemote() const { return false; }
+
+    enum class Then { Stay, Commit };
+
+    // Runs statements without result rows in their order, all or none of them, and tells how many rows each
+    // wrote; with Commit, ends the transaction with them. Where one fails, reached tells which.
+    virtual std::vector<std::int64_t> RunTogether(std::span<const StatementRun> runs, Then then,
+                                                  std::size_t& reached);
+    // Fetches the rows of runs that may follow, which are then taken from here. What fails is left for the
+    // run itself to tell. Any write makes what was fetched old, and drops it.
+    virtual void FetchAhead(std::span<const StatementRun> runs);
+
+    virtual void DropAhead() noexcept {}
 
     // Makes every statement that this connection has run so far outlast a power cut. Until then the latest of
     // them may be lost, from some statement on and never in the middle of one.

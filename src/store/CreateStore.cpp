@@ -2,6 +2,7 @@
 
 #include "platform/NewFile.h"
 #include "platform/RuntimeError.h"
+#include "store/PostgresConnection.h"
 #include "store/StoreFormat.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -65,20 +66,58 @@ std::string StoreImage(StoreContent content) {
     return image;
 }
 
+// Writes the file into its place; the folders above it stay only with it.
+void PlaceFile(const std::filesystem::path& file, std::string_view content, NewFile::Readers readers) {
+    NewFolders folders(file.parent_path());
+    NewFile made(file, readers);
+    made.Write(content);
+    made.Place();
+    folders.Keep();
+}
+
+ServerStore MakeTables(PostgresConnection& server, StoreContent content) {
+    if (server.HasTable("Node_AUTO")) {
+        if (content == StoreContent::Demo) {
+            throw std::runtime_error("there is a store on " + server.Place() + " already");
+        }
+        return ServerStore::Found;
+    }
+    server.Begin(std::nullopt);
+    for (const char* script : {Schema, HistoryTables, content == StoreContent::Demo ? Demo : ""}) {
+        server.RunScript(script);
+    }
+    server.RunScript(("COMMENT ON TABLE Node_AUTO IS '" + VersionComment() + '\'').c_str());
+    server.Commit();
+    return ServerStore::Made;
+}
+
+[[noreturn]] void Fail(const std::filesystem::path& file, const std::runtime_error& error) {
+    throw RuntimeError(ErrorNumber::StoreFailure,
+                       "Cannot create the store '" + file.string() + "': " + error.what());
+}
+
 } // namespace
 
 void CreateStore(const std::filesystem::path& file, StoreContent content) {
     try {
         const std::string image = StoreImage(content);
         RequireFree(file);
-        NewFolders folders(file.parent_path());
-        NewFile made(file);
-        made.Write(image);
-        made.Place();
-        folders.Keep();
+        PlaceFile(file, image, NewFile::Readers::Any);
     } catch (const std::runtime_error& error) {
-        throw RuntimeError(ErrorNumber::StoreFailure,
-                           "Cannot create the store '" + file.string() + "': " + error.what());
+        Fail(file, error);
+    }
+}
+
+ServerStore CreateServerStore(const std::filesystem::path& file, const std::string& uri,
+                              StoreContent content) {
+    try {
+        RequireFree(file);
+        PostgresConnection server(uri, PostgresConnection::Wanted::Database);
+        const ServerStore store = MakeTables(server, content);
+        PlaceFile(file, uri + '\n', NewFile::Readers::Owner);
+        return store;
+    } catch (const std::runtime_error& error) {
+        Fail(file, error);
     }
 }
 

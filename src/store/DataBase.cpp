@@ -3,6 +3,7 @@
 #include "platform/NativePath.h"
 #include "platform/NumericValue.h"
 #include "platform/RuntimeError.h"
+#include "store/Batch.h"
 #include "store/Connection.h"
 #include "store/ParlonPlusFilesAndFolders.h"
 
@@ -52,9 +53,15 @@ decltype(auto) DataBase::Describing(std::string_view work, std::string_view comm
     } catch (const RuntimeError& error) {
         std::string description = error.what();
         const std::string file = File().string();
-        const bool namesFile = description.find(file) != std::string::npos;
-        description +=
-            " (" + std::string(work) + std::string(command) + (namesFile ? ")" : ", file '" + file + "')");
+        const std::string place = connection_ ? connection_->Place() : "file '" + file + '\'';
+        description += " (";
+        description += work;
+        description += command;
+        if (description.find(file) == std::string::npos && description.find(place) == std::string::npos) {
+            description += ", ";
+            description += place;
+        }
+        description += ')';
         throw RuntimeError(error.Number(), description, error.Source());
     }
 }
@@ -146,7 +153,7 @@ Connection& DataBase::Open() {
     return *connection_;
 }
 
-Statement& DataBase::Run(Command command, Parameters parameters) {
+Statement& DataBase::StatementOf(Command command, std::size_t parameters) {
     Prepared& prepared = Of(command);
     if (prepared.open) {
         throw RuntimeError(ErrorNumber::ResultSetOpen,
@@ -156,11 +163,17 @@ Statement& DataBase::Run(Command command, Parameters parameters) {
         prepared.statement = Open().Prepare(CommandText(command));
     }
     Statement& statement = *prepared.statement;
-    if (parameters.size() != statement.ParameterCount()) {
+    if (parameters != statement.ParameterCount()) {
         throw RuntimeError(ErrorNumber::InvalidProcedureCall,
                            "Takes " + std::to_string(statement.ParameterCount()) + " parameters, not " +
-                               std::to_string(parameters.size()));
+                               std::to_string(parameters));
     }
+    return statement;
+}
+
+Statement& DataBase::Run(Command command, Parameters parameters) {
+    Statement& statement = StatementOf(command, parameters.size());
+    Prepared& prepared = Of(command);
     prepared.parameters.resize(parameters.size());
     std::ranges::transform(parameters, prepared.parameters.begin(), &Parameter::Value);
     try {
@@ -205,8 +218,54 @@ void DataBase::MakeTables(const char* script) {
     all.Commit();
 }
 
-Transaction::Transaction(DataBase& dataBase) : dataBase_(dataBase) {
-    dataBase_.Describing("beginning a change", "", [this] { dataBase_.Open().Begin(); });
+bool DataBase::IsRemote() {
+    return Describing("opening the store", "", [&] { return Open().IsRemote(); });
+}
+
+std::vector<StatementRun> DataBase::RunsOf(const std::vector<CommandRun>& runs) {
+    std::vector<StatementRun> statements;
+    statements.reserve(runs.size());
+    for (const auto& [command, parameters] : runs) {
+        statements.push_back(
+            {Describing(command, [&] { return &StatementOf(command, parameters.size()); }), parameters});
+    }
+    return statements;
+}
+
+std::vector<std::int64_t> DataBase::RunTogether(const std::vector<CommandRun>& runs, bool committing) {
+    const auto statements = RunsOf(runs);
+    const auto then = committing ? Connection::Then::Commit : Connection::Then::Stay;
+    std::size_t reached = 0;
+    try {
+        return connection_->RunTogether(statements, then, reached);
+    } catch (...) {
+        return Describing(reached < runs.size() ? "command " : "ending a change",
+                          reached < runs.size() ? CommandName(runs[reached].command) : "",
+                          []() -> std::vector<std::int64_t> { throw; });
+    }
+}
+
+bool DataBase::BeginReadingAhead() noexcept {
+    ++readersAhead_;
+    try {
+        return IsRemote();
+    } catch (const RuntimeError&) {
+        return false;
+    }
+}
+
+void DataBase::EndReadingAhead() noexcept {
+    if (--readersAhead_ == 0 && connection_) {
+        connection_->DropAhead();
+    }
+}
+
+void DataBase::FetchAhead(const std::vector<CommandRun>& runs) {
+    Describing("reading ahead", "", [&] { connection_->FetchAhead(RunsOf(runs)); });
+}
+
+Transaction::Transaction(DataBase& dataBase, std::optional<std::int64_t> number) : dataBase_(dataBase) {
+    dataBase_.Describing("beginning a change", "", [&] { dataBase_.Open().Begin(number); });
 }
 
 Transaction::~Transaction() {
@@ -218,6 +277,15 @@ Transaction::~Transaction() {
 void Transaction::Commit() {
     dataBase_.Describing("ending a change", "", [this] { dataBase_.connection_->Commit(); });
     open_ = false;
+}
+
+void Transaction::Commit(Batch& last) {
+    if (last.waiting_.empty()) {
+        Commit();
+    } else {
+        last.Send(true);
+        open_ = false;
+    }
 }
 
 } // namespace KAL_AUTO_Node

@@ -17,8 +17,10 @@
 namespace KAL_AUTO_Node {
 
 class Connection;
+class Batch;
 class DataBase;
 class Statement;
+struct StatementRun;
 
 // The named commands, in the order of the files where their statements stand: commands.sql,
 // overview.sql, history.sql.
@@ -58,6 +60,12 @@ class Parameter {
 };
 
 using Parameters = std::initializer_list<Parameter>;
+
+// One run of a command among several.
+struct CommandRun {
+    Command command;
+    std::vector<std::optional<std::string>> parameters;
+};
 
 // The rows of a command's latest run, read forward from the first; closed at the end of its life at the
 // latest. A field is asked for by its column's name or, where many rows are read, by the position looked up
@@ -145,10 +153,20 @@ class DataBase {
     void MakeTables(const char* script);
 
   private:
+    friend class Batch;
+    friend class ReadAhead;
     friend class ResultSet;
     friend class Transaction;
 
     Connection& Open();
+
+    // For Batch and ReadAhead, which save ways to a server and back.
+    [[nodiscard]] bool IsRemote();
+    std::vector<std::int64_t> RunTogether(const std::vector<CommandRun>& runs, bool committing);
+    // Returns whether that is of use; not where the store cannot be opened, which what follows will tell.
+    bool BeginReadingAhead() noexcept;
+    void EndReadingAhead() noexcept;
+    void FetchAhead(const std::vector<CommandRun>& runs);
 
     struct Prepared {
         std::unique_ptr<Statement> statement;
@@ -158,28 +176,35 @@ class DataBase {
 
     Prepared& Of(Command command) { return prepared_[static_cast<std::size_t>(command)]; }
 
+    // The statement of a command that takes that many parameters.
+    Statement& StatementOf(Command command, std::size_t parameters);
     Statement& Run(Command command, Parameters parameters);
     template <class Use>
     decltype(auto) Describing(std::string_view work, std::string_view command, Use&& use) const;
     template <class Use>
     decltype(auto) Describing(Command command, Use&& use) const;
+    std::vector<StatementRun> RunsOf(const std::vector<CommandRun>& runs);
 
     std::string connectionString_;
     std::unique_ptr<Connection> connection_;
     std::array<Prepared, CommandCount> prepared_;
+    int readersAhead_ = 0;
 };
 
 // Statements that take effect together, for others as for the disk: with Commit, or not at all. Where another
-// one lasts, it waits as long as a statement does. No two on one data base.
+// one lasts, it waits as long as a statement does. On a server, one with a number keeps out only those with
+// the same number and those without any. No two on one data base.
 class Transaction {
   public:
-    explicit Transaction(DataBase& dataBase);
+    explicit Transaction(DataBase& dataBase, std::optional<std::int64_t> number = std::nullopt);
     ~Transaction();
 
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
 
     void Commit();
+    // Runs what was added to the batch and commits, in one go.
+    void Commit(Batch& last);
 
   private:
     DataBase& dataBase_;

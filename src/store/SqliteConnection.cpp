@@ -162,7 +162,8 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file)
     : database_(Engine([&] {
           return SQLite::Database(file.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX,
                                   LockWaitMilliseconds);
-      })) {
+      })),
+      place_("file '" + file.string() + '\'') {
     sqlite3* engine = database_.getHandle();
     // What stands in the file is data, whoever wrote it: its views and triggers call nothing that does more
     // than compute, and nothing that runs here can damage the file's own structure.
@@ -207,13 +208,7 @@ bool SqliteConnection::Recognizes() {
             throw;
         }
         if (database_.execAndGet("PRAGMA application_id").getInt() == StoreApplicationId) {
-            const int version = database_.execAndGet("PRAGMA user_version").getInt();
-            if (version > StoreVersion) {
-                throw RuntimeError(ErrorNumber::StoreNotRecognized,
-                                   "The store is of version " + std::to_string(version) +
-                                       ", made by a newer program; this one knows stores up to version " +
-                                       std::to_string(StoreVersion));
-            }
+            RequireKnownVersion(database_.execAndGet("PRAGMA user_version").getInt());
         }
         if (!writeAhead_) {
             // Every statement has to sync for itself here, as is the engine's default. A journal that stays
@@ -251,7 +246,7 @@ std::unique_ptr<Statement> SqliteConnection::Prepare(const std::string& sql) {
     return std::make_unique<SqliteStatement>(database_.getHandle(), sql, running_);
 }
 
-void SqliteConnection::Begin() {
+void SqliteConnection::Begin(std::optional<std::int64_t>) {
     int moved = 0;
     sqlite3_file_control(database_.getHandle(), nullptr, SQLITE_FCNTL_HAS_MOVED, &moved);
     if (moved != 0) {

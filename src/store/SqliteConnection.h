@@ -25,8 +25,10 @@ class SqliteConnection : public Connection {
     // handle: to open and close a file beside it would take away every lock that this process has on it.
     [[nodiscard]] std::string FirstBytes(std::size_t count);
 
+    [[nodiscard]] std::string Place() const override { return place_; }
+
     std::unique_ptr<Statement> Prepare(const std::string& sql) override;
-    void Begin() override;
+    void Begin(std::optional<std::int64_t> number) override;
     void Commit() override;
     void Rollback() noexcept override;
     [[nodiscard]] bool HasTable(const std::string& name) override;
@@ -38,6 +40,7 @@ class SqliteConnection : public Connection {
 
   private:
     SQLite::Database database_;
+    std::string place_;
     bool writeAhead_ = false;
     int logPages_ = 0;         // in the write-ahead log after the latest commit of this connection
     Since* running_ = nullptr; // of the statement that the engine is working on
