@@ -163,7 +163,8 @@ TEST_F(Nodes, AreMadeFromTheirTemplateAndToldPartByPart) {
     const auto rows = [&](const std::string& table, const std::string& key) {
         std::string columns = "1";
         for (const std::string& column : store_.Columns(table)) {
-            if (strcasecmp(column.c_str(), "VexoFilename") != 0 && strcasecmp(column.c_str(), key.c_str()) != 0) {
+            if (strcasecmp(column.c_str(), "VexoFilename") != 0 &&
+                strcasecmp(column.c_str(), key.c_str()) != 0) {
                 columns += ", " + column;
             }
         }
@@ -196,7 +197,8 @@ TEST_F(Nodes, AreMadeFromTheirTemplateAndToldPartByPart) {
     EXPECT_TRUE(IsNodeExisted(dataBase_, Demo, 817, 62));
     CreateNodeFromTemplate(dataBase_, Demo, 0, 1000, 817, "today");
     EXPECT_EQ(
-        store_.Rows("SELECT VexoFilename FROM Node_MSG WHERE PartID = 2 AND NodeNumber IN (62, 990, 1000)"),
+        store_.Rows("SELECT VexoFilename FROM Node_MSG WHERE PartID = 2 AND NodeNumber IN (62, 990, 1000)"
+                    " ORDER BY NodeNumber"),
         (Texts{"P02M062.wav", "P02M990.wav", "P02M1000.wav"}));
 
     store_.Execute(

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <libpq-fe.h>
-
 #include <cstdlib>
+#include <libpq-fe.h>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -57,7 +56,8 @@ class TestDatabase {
 
     static Connection Connected(const std::string& address) {
         Connection connection(PQconnectdb(address.c_str()), &PQfinish);
-        PQsetNoticeReceiver(connection.get(), [](void*, const PGresult*) {}, nullptr);
+        PQsetNoticeReceiver(
+            connection.get(), [](void*, const PGresult*) {}, nullptr);
         return connection;
     }
 

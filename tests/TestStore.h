@@ -140,7 +140,9 @@ class TestStore {
                             : "SELECT name FROM pragma_table_info('" + table + "')");
     }
 
-    // Where it lies, as reports tell it.
+    // What its engine is called, and where it lies, as reports tell it.
+    [[nodiscard]] std::string Engine() const { return server_ ? "PostgreSQL" : "SQLite"; }
+
     [[nodiscard]] std::string Place() const {
         return server_ ? server_->Place() : "file '" + File().string() + '\'';
     }
@@ -150,10 +152,12 @@ class TestStore {
                 const std::string& message = "the disk is on fire") const {
         Allow();
         const std::string trigger = "CREATE TRIGGER failing BEFORE " + write;
-        Execute(server_ ? "CREATE FUNCTION fail() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN RAISE EXCEPTION '" +
-                              message + "'; END $$; " + trigger + " FOR EACH ROW WHEN (" + condition +
-                              ") EXECUTE FUNCTION fail()"
-                        : trigger + " WHEN " + condition + " BEGIN SELECT RAISE(ABORT, '" + message + "'); END");
+        Execute(
+            server_
+                ? "CREATE FUNCTION fail() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN RAISE EXCEPTION '" +
+                      message + "'; END $$; " + trigger + " FOR EACH ROW WHEN (" + condition +
+                      ") EXECUTE FUNCTION fail()"
+                : trigger + " WHEN " + condition + " BEGIN SELECT RAISE(ABORT, '" + message + "'); END");
     }
 
     void Allow() const {

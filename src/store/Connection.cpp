@@ -22,7 +22,7 @@ std::vector<std::int64_t> Connection::RunTogether(std::span<const StatementRun> 
     return written;
 }
 
-void Connection::FetchAhead(std::span<const StatementRun>) {}
+void Connection::FetchAhead(std::span<const StatementRun>, std::size_t&) {}
 
 namespace {
 

@@ -76,8 +76,9 @@ class Connection {
     virtual std::vector<std::int64_t> RunTogether(std::span<const StatementRun> runs, Then then,
                                                   std::size_t& reached);
     // Fetches the rows of runs that may follow, which are then taken from here. What fails is left for the
-    // run itself to tell. Any write makes what was fetched old, and drops it.
-    virtual void FetchAhead(std::span<const StatementRun> runs);
+    // run itself to tell, but for a transaction, which it ends: there it is raised, and reached tells which.
+    // Any write makes what was fetched old, and drops it.
+    virtual void FetchAhead(std::span<const StatementRun> runs, std::size_t& reached);
 
     virtual void DropAhead() noexcept {}
 

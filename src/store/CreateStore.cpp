@@ -83,8 +83,10 @@ ServerStore MakeTables(PostgresConnection& server, StoreContent content) {
         return ServerStore::Found;
     }
     server.Begin(std::nullopt);
-    for (const char* script : {Schema, HistoryTables, content == StoreContent::Demo ? Demo : ""}) {
-        server.RunScript(script);
+    server.RunScript(Schema);
+    server.RunScript(HistoryTables);
+    if (content == StoreContent::Demo) {
+        server.RunScript(Demo);
     }
     server.RunScript(("COMMENT ON TABLE Node_AUTO IS '" + VersionComment() + '\'').c_str());
     server.Commit();

@@ -232,17 +232,24 @@ std::vector<StatementRun> DataBase::RunsOf(const std::vector<CommandRun>& runs) 
     return statements;
 }
 
-std::vector<std::int64_t> DataBase::RunTogether(const std::vector<CommandRun>& runs, bool committing) {
+template <class Use>
+decltype(auto) DataBase::DescribingReached(const std::vector<CommandRun>& runs, Use&& use) {
     const auto statements = RunsOf(runs);
-    const auto then = committing ? Connection::Then::Commit : Connection::Then::Stay;
     std::size_t reached = 0;
     try {
-        return connection_->RunTogether(statements, then, reached);
-    } catch (...) {
-        return Describing(reached < runs.size() ? "command " : "ending a change",
-                          reached < runs.size() ? CommandName(runs[reached].command) : "",
-                          []() -> std::vector<std::int64_t> { throw; });
+        return use(statements, reached);
+    } catch (const RuntimeError&) {
+        const auto again = []() -> decltype(use(statements, reached)) { throw; };
+        return reached < runs.size() ? Describing(runs[reached].command, again)
+                                     : Describing("ending a change", "", again);
     }
+}
+
+std::vector<std::int64_t> DataBase::RunTogether(const std::vector<CommandRun>& runs, bool committing) {
+    const auto then = committing ? Connection::Then::Commit : Connection::Then::Stay;
+    return DescribingReached(runs, [&](const auto& statements, std::size_t& reached) {
+        return connection_->RunTogether(statements, then, reached);
+    });
 }
 
 bool DataBase::BeginReadingAhead() noexcept {
@@ -261,7 +268,9 @@ void DataBase::EndReadingAhead() noexcept {
 }
 
 void DataBase::FetchAhead(const std::vector<CommandRun>& runs) {
-    Describing("reading ahead", "", [&] { connection_->FetchAhead(RunsOf(runs)); });
+    DescribingReached(runs, [&](const auto& statements, std::size_t& reached) {
+        connection_->FetchAhead(statements, reached);
+    });
 }
 
 Transaction::Transaction(DataBase& dataBase, std::optional<std::int64_t> number) : dataBase_(dataBase) {

@@ -183,6 +183,8 @@ class DataBase {
     decltype(auto) Describing(std::string_view work, std::string_view command, Use&& use) const;
     template <class Use>
     decltype(auto) Describing(Command command, Use&& use) const;
+    template <class Use>
+    decltype(auto) DescribingReached(const std::vector<CommandRun>& runs, Use&& use);
     std::vector<StatementRun> RunsOf(const std::vector<CommandRun>& runs);
 
     std::string connectionString_;

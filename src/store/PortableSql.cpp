@@ -1,7 +1,9 @@
 #include "store/PortableSql.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
+#include <utility>
 
 namespace KAL_AUTO_Node {
 
@@ -41,10 +43,12 @@ NumberedStatement Numbered(std::string_view sql) {
 }
 
 std::string ServerTables(std::string_view script) {
+    static constexpr std::array<std::pair<std::string_view, std::string_view>, 3> words = {
+        {{") STRICT, WITHOUT ROWID;", ");"}, {") STRICT;", ");"}, {" INTEGER", " BIGINT"}}};
     std::string sql(script);
-    for (const std::string_view words : {") STRICT, WITHOUT ROWID;", ") STRICT;"}) {
-        for (auto at = sql.find(words); at != std::string::npos; at = sql.find(words, at)) {
-            sql.replace(at, words.size(), ");");
+    for (const auto& [here, there] : words) {
+        for (auto at = sql.find(here); at != std::string::npos; at = sql.find(here, at)) {
+            sql.replace(at, here.size(), there);
         }
     }
     return sql;

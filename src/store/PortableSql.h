@@ -19,7 +19,7 @@ struct NumberedStatement {
 [[nodiscard]] NumberedStatement Numbered(std::string_view sql);
 
 // The script that makes tables. The server always keeps to the columns' types, which the embedded engine has
-// to be told, and has no tables without row numbers.
+// to be told, and has no tables without row numbers; its INTEGER has 32 bits, the embedded engine's 64.
 [[nodiscard]] std::string ServerTables(std::string_view script);
 
 } // namespace KAL_AUTO_Node

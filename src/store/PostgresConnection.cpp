@@ -127,7 +127,8 @@ void PostgresConnection::SetUp() {
         tables_.insert(PQgetvalue(found.get(), row, 0));
         comment += PQgetvalue(found.get(), row, 1);
     }
-    if (wanted_ == Wanted::Store && !tables_.contains("node_auto")) {
+    if (wanted_ == Wanted::Store && !tables_.contains("node_auto") &&
+        !tables_.contains("node_general_pool")) {
         throw RuntimeError(ErrorNumber::StoreNotRecognized,
                            "There is no store on " + place_ +
                                "; \"auto-node init --server\" makes one, in an empty database",

@@ -40,7 +40,7 @@ class PostgresConnection : public Connection {
 
     std::vector<std::int64_t> RunTogether(std::span<const StatementRun> runs, Then then,
                                           std::size_t& reached) override;
-    void FetchAhead(std::span<const StatementRun> runs) override;
+    void FetchAhead(std::span<const StatementRun> runs, std::size_t& reached) override;
 
     void DropAhead() noexcept override { ahead_.clear(); }
 

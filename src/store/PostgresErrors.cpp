@@ -25,6 +25,21 @@ std::string_view AsWrittenIn(std::string_view sql, std::string_view name) {
     return found.empty() ? name : std::string_view(found.begin(), found.end());
 }
 
+// In a message they stand in quotes.
+std::string WithNamesAsWritten(const std::string& text, std::string_view sql) {
+    std::string result;
+    bool quoted = false;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('"', at), text.size());
+        const std::string_view piece = std::string_view(text).substr(at, end - at);
+        result += quoted && !piece.empty() ? AsWrittenIn(sql, piece) : piece;
+        result += end < text.size() ? "\"" : "";
+        quoted = !quoted;
+        at = end + 1;
+    }
+    return result;
+}
+
 // The table that a statement writes or, for one that only reads, reads first.
 std::string_view TableOf(std::string_view sql) {
     for (const std::string_view word : {"INSERT INTO ", "UPDATE ", "FROM "}) {
@@ -82,6 +97,8 @@ RuntimeError ErrorOf(const PGresult* failed, const NumberedStatement* statement)
     std::string text(Diagnosis(failed, PG_DIAG_MESSAGE_PRIMARY));
     if (text.empty()) {
         text = Trimmed(PQresultErrorMessage(failed));
+    } else if (statement != nullptr) {
+        text = WithNamesAsWritten(text, statement->sql);
     }
     if (const auto detail = Diagnosis(failed, PG_DIAG_MESSAGE_DETAIL); duplicate && !detail.empty()) {
         text += ": ";

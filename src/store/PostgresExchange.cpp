@@ -77,17 +77,18 @@ std::vector<std::int64_t> PostgresConnection::RunTogether(std::span<const Statem
     return written;
 }
 
-void PostgresConnection::FetchAhead(std::span<const StatementRun> runs) {
+void PostgresConnection::FetchAhead(std::span<const StatementRun> runs, std::size_t& reached) {
     std::vector<StatementRun> fetched;
+    std::vector<std::size_t> places; // among the runs
     std::vector<std::string> texts;
     for (const StatementRun& run : runs) {
         std::string text = TextOf(run);
         if (ahead_.try_emplace(text).second) {
             fetched.push_back(run);
+            places.push_back(static_cast<std::size_t>(&run - runs.data()));
             texts.push_back(std::move(text));
         }
     }
-    std::size_t reached = 0;
     try {
         auto results = Exchange(fetched, {}, reached);
         for (std::size_t i = 0; i < results.size(); ++i) {
@@ -98,7 +99,8 @@ void PostgresConnection::FetchAhead(std::span<const StatementRun> runs) {
             ahead_.erase(text);
         }
         if (inTransaction_) {
-            throw; // nothing more can be run in it
+            reached = reached < places.size() ? places[reached] : runs.size();
+            throw;
         }
     }
 }
@@ -145,6 +147,7 @@ void PostgresConnection::Send(const StatementRun& run, std::vector<Sent>& sent, 
         statement.name_ += std::to_string(++statements_);
         Require(PQsendPrepare(connection, statement.name_.c_str(), statement.text_.sql.c_str(), 0, nullptr));
         statement.preparedFor_ = connects_;
+        statement.named_ = false;
         sent.push_back({Sent::Preparation, index});
     }
     std::vector<const char*> values;

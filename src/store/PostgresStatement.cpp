@@ -9,12 +9,12 @@ void PostgresStatement::Run(std::span<const std::optional<std::string>> paramete
     row_ = 0;
     rows_ = PQntuples(result_.get());
     const int columns = PQnfields(result_.get());
-    if (namedFor_ != preparedFor_) {
+    if (!named_) {
         columns_.clear();
         for (int column = 0; column < columns; ++column) {
             columns_.emplace_back(PQfname(result_.get(), column));
         }
-        namedFor_ = preparedFor_;
+        named_ = true;
     }
 }
 

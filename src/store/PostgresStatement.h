@@ -38,7 +38,7 @@ class PostgresStatement : public Statement {
     NumberedStatement text_;
     std::string name_;    // on the server
     int preparedFor_ = 0; // which of the connection's connects
-    int namedFor_ = -1;   // for which of them the columns were named
+    bool named_ = false;  // the columns, as they are since it was prepared
     std::vector<std::string> columns_;
     PostgresConnection::Result result_;
     int row_ = 0;

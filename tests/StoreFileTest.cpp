@@ -1,0 +1,150 @@
+#include "Performing.h"
+
+#include <chrono>
+#include <fstream>
+#include <thread>
+#include <unistd.h>
+
+namespace KAL_AUTO_Node {
+namespace {
+
+using enum Command;
+using enum ErrorNumber;
+
+// Every command finds its rows in the key of its table, in the order asked for, however large the store
+// grows.
+TEST(StoreFile, SearchTheKeysAndSortNothing) {
+    const TestStore store(StoreContent::Empty);
+    for (std::size_t i = 0; i < CommandCount; ++i) {
+        const auto command = static_cast<Command>(i);
+        std::string steps;
+        for (const std::string& row : store.Rows("EXPLAIN QUERY PLAN " + CommandText(command))) {
+            steps += row.substr(row.rfind('|') + 1) + '\n';
+        }
+        SCOPED_TRACE(std::string(CommandName(command)) + ":\n" + steps);
+        // The names are read all, as is what counts or lists nodes; the rows of an insert come from the
+        // caller.
+        const bool counts = command == Get_Partitions;
+        const bool readsAll = command == Get_Node_Names || command == Get_AUTO_Nodes_With_Versions || counts;
+        EXPECT_EQ(steps.find("TEMP B-TREE") != std::string::npos, counts);
+        const bool insertsValues = CommandName(command).substr(0, 4) == "Add_";
+        EXPECT_EQ(steps.find("SCAN ") != std::string::npos, readsAll);
+        EXPECT_EQ(steps.find("SEARCH ") != std::string::npos, !readsAll && !insertsValues);
+    }
+}
+
+TEST(StoreFile, TellWhatTheStoreRefuses) {
+    const TestStore store;
+    DataBase dataBase;
+    const std::string file = store.File().string();
+    {
+        SQLite::Database owner(file, SQLite::OPEN_READWRITE);
+        owner.exec("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE; DELETE FROM Node_Type_Max");
+        ExpectRaised(StoreFailure, {"database is locked", "Get_Node_Names", file},
+                     [&] { Perform(dataBase, Get_Node_Names, {}); });
+    }
+    const auto add = [&](const char* sequence) {
+        dataBase.Execute(Add_AUTO_PromptsNode, {1, 2, sequence, 0, 1, 1, "MSG"});
+    };
+    for (const char* sequence : {"1", "one", ""}) {
+        ExpectRaised(sequence == std::string("1") ? DuplicateKey : StoreFailure,
+                     {"Detail_AUTO_Prompts.SequenceNo", file}, [&] { add(sequence); });
+    }
+    EXPECT_NO_THROW(add("4"));
+    ExpectRaised(InvalidProcedureCall, {"Delete_AUTO_PromptsNode", "3 parameters"}, [&] {
+        dataBase.Execute(Delete_AUTO_PromptsNode, {1, 2});
+    });
+    {
+        SQLite::Database other(file, SQLite::OPEN_READWRITE);
+        other.exec("BEGIN IMMEDIATE");
+        ExpectRaised(StoreFailure, {"locked", "Add_AUTO_PromptsNode", file}, [&] { add("5"); });
+        EXPECT_EQ(Perform(dataBase, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number"), Texts{"250"});
+        EXPECT_NO_THROW(dataBase.Flush()) << "what was written lasts without a lock";
+        const std::jthread letsGo([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            other.exec("COMMIT");
+        });
+        EXPECT_NO_THROW(add("5")) << "a lock that does not last is waited for";
+    }
+    // Another program's views and triggers may never end.
+    const std::string endless = "(WITH RECURSIVE Endless(i) AS (SELECT 1 UNION ALL SELECT i FROM Endless)"
+                                " SELECT MAX(i) FROM Endless)";
+    store.Execute("CREATE TRIGGER Slow BEFORE INSERT ON Detail_AUTO_Prompts BEGIN SELECT " + endless +
+                  "; END");
+    ExpectRaised(StoreFailure, {"Stopped after 10 seconds", "Add_AUTO_PromptsNode", file}, [&] { add("6"); });
+    store.Execute("DROP TRIGGER Slow");
+    EXPECT_NO_THROW(add("6"));
+}
+
+TEST(StoreFile, KeepTheLogShort) {
+    const TestStore store;
+    const std::filesystem::path log = store.File().string() + "-wal";
+    DataBase dataBase;
+    constexpr std::uintmax_t limit = 8192 * 4096;
+    const auto write = [&](int commands) {
+        for (int i = 0; i < commands; ++i) {
+            dataBase.Execute(Update_Node_General_Pool, {i, "", 1, 2, 9, 8});
+        }
+        dataBase.Flush();
+        return std::filesystem::file_size(log);
+    };
+    // One run of commands that is longer than what is kept, and what comes after it.
+    const std::uintmax_t longest = write(10'000);
+    EXPECT_GT(longest, limit);
+    for (int saves = 0; saves < 3; ++saves) {
+        EXPECT_LE(write(10'000), longest + longest / 50);
+    }
+    EXPECT_LE(write(1), limit);
+}
+
+TEST(StoreFile, ReadAReadOnlyStoreAndTellWhereTheyWouldWrite) {
+    const TestStore store;
+    // A store with a rollback journal needs no files beside it to be read.
+    static_cast<void>(store.Rows("PRAGMA journal_mode = DELETE"));
+    std::filesystem::permissions(store.Folder(), std::filesystem::perms(0755));
+    std::filesystem::permissions(store.File(), std::filesystem::perms(0444));
+    // Nothing is read-only to root.
+    constexpr uid_t nobody = 65534;
+    const uid_t self = geteuid();
+    if (self == 0 && seteuid(nobody) != 0) {
+        GTEST_SKIP() << "root cannot become somebody else here";
+    }
+    {
+        DataBase dataBase;
+        EXPECT_EQ(Perform(dataBase, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number"), Texts{"250"});
+        ExpectRaised(StoreFailure, {"attempt to write a readonly database", store.File().string()}, [&] {
+            Perform(dataBase, Delete_AUTO_PromptsNode, {"1", "2", "1"});
+        });
+    }
+    ASSERT_EQ(seteuid(self), 0);
+}
+
+TEST(StoreFile, NeitherFindNorMakeAStoreThatIsNotThere) {
+    const TestStore store;
+    DataBase patient;
+    const auto expectNone = [&](ErrorNumber number) {
+        ExpectRaised(number, {store.File().string(), "Get_Node_Names"},
+                     [&] { Perform(patient, Get_Node_Names, {}); });
+    };
+    std::filesystem::remove(store.File());
+    expectNone(StoreNotFound);
+    EXPECT_TRUE(std::filesystem::is_empty(store.File().parent_path()));
+    const std::string signature("SQLite format 3\0", 16);
+    for (const std::string& bytes : {std::string(), std::string(5000, '\0'), signature + "and no more"}) {
+        std::ofstream(store.File(), std::ios::binary) << bytes;
+        expectNone(bytes.starts_with(signature) ? StoreFailure : StoreNotRecognized);
+        EXPECT_EQ(std::filesystem::file_size(store.File()), bytes.size());
+    }
+    std::filesystem::remove(store.File());
+    // The same connection finds the store once it is there.
+    CreateStore(store.File(), StoreContent::Demo);
+    EXPECT_EQ(store.Value("PRAGMA user_version"), "1");
+    store.Execute("PRAGMA user_version = 2");
+    expectNone(StoreNotRecognized);
+    // The number of another program says nothing about the tables.
+    store.Execute("PRAGMA application_id = 0");
+    EXPECT_EQ(Perform(patient, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number"), Texts{"250"});
+}
+
+} // namespace
+} // namespace KAL_AUTO_Node
