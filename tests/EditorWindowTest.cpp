@@ -110,9 +110,8 @@ TEST_F(Editor, SavesByApplyAndOkOfWhichOkCloses) {
         QTest::keyClick(Person::Combo("cmbSelTimeOut")->lineEdit(), Qt::Key_Return);
         EXPECT_FALSE(IsOpen());
     }));
-    EXPECT_EQ(
-        store_.Value("SELECT GROUP_CONCAT(NodeNumber) FROM Node_General_Pool WHERE DateModified <> 'never'"),
-        "8");
+    EXPECT_EQ(store_.Rows("SELECT NodeNumber FROM Node_General_Pool WHERE DateModified <> 'never'"),
+              std::vector<std::string>{"8"});
 }
 
 // A host's own, stricter than the product's.

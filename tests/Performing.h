@@ -40,7 +40,8 @@ inline void ExpectRaised(ErrorNumber number, const Texts& told, const std::funct
         EXPECT_EQ(static_cast<int>(error.Number()), static_cast<int>(number)) << error.what();
         for (const std::string& text : told) {
             // A server tells names in lower case.
-            EXPECT_NE(strcasestr(error.what(), text.c_str()), nullptr) << error.what() << "\nwithout " << text;
+            EXPECT_NE(strcasestr(error.what(), text.c_str()), nullptr)
+                << error.what() << "\nwithout " << text;
         }
     }
 }

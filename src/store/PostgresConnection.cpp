@@ -134,7 +134,7 @@ void PostgresConnection::SetUp() {
                                "; \"auto-node init --server\" makes one, in an empty database",
                            PostgresName);
     }
-    RequireKnownVersion(VersionIn(comment));
+    RequireKnownVersion(VersionIn(comment), place_);
     if (PQsetnonblocking(connection, 1) != 0 || PQenterPipelineMode(connection) == 0) {
         throw RuntimeError(ErrorNumber::StoreFailure, Trimmed(PQerrorMessage(connection)), PostgresName);
     }

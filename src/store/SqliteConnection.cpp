@@ -208,7 +208,7 @@ bool SqliteConnection::Recognizes() {
             throw;
         }
         if (database_.execAndGet("PRAGMA application_id").getInt() == StoreApplicationId) {
-            RequireKnownVersion(database_.execAndGet("PRAGMA user_version").getInt());
+            RequireKnownVersion(database_.execAndGet("PRAGMA user_version").getInt(), place_);
         }
         if (!writeAhead_) {
             // Every statement has to sync for itself here, as is the engine's default. A journal that stays

@@ -12,10 +12,10 @@ constexpr std::string_view CommentStart = "A store of auto-node, version ";
 
 } // namespace
 
-void RequireKnownVersion(int version) {
+void RequireKnownVersion(int version, const std::string& place) {
     if (version > StoreVersion) {
         throw RuntimeError(ErrorNumber::StoreNotRecognized,
-                           "The store is of version " + std::to_string(version) +
+                           "The store (" + place + ") is of version " + std::to_string(version) +
                                ", made by a newer program; this one knows stores up to version " +
                                std::to_string(StoreVersion));
     }

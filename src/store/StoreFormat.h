@@ -12,7 +12,7 @@ inline constexpr int StoreApplicationId = 0x4155544F; // "AUTO"
 inline constexpr int StoreVersion = 1;
 
 // Raises StoreNotRecognized for a store of a version that is not known here yet.
-void RequireKnownVersion(int version);
+void RequireKnownVersion(int version, const std::string& place);
 
 // On a server the comment of the table Node_AUTO says it, of which this is the text; and the version that a
 // comment tells, 0 where it tells none.

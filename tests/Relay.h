@@ -1,0 +1,51 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <string>
+#include <thread>
+
+namespace KAL_AUTO_Node {
+
+// A line to the server for tests, on a port of its own on loopback, on which everything takes its time.
+// Counts the ways to the server and back, and breaks where it is told to.
+class Relay {
+  public:
+    // Delay: of everything, in either direction.
+    explicit Relay(std::chrono::milliseconds delay, std::string socket = ServerSocket());
+    ~Relay();
+
+    Relay(const Relay&) = delete;
+    Relay& operator=(const Relay&) = delete;
+
+    [[nodiscard]] static std::string ServerSocket();
+    // Of a database beyond the line.
+    [[nodiscard]] std::string AddressOf(const std::string& database,
+                                        const std::string& user = "tester") const;
+
+    // How often the client has sent something after it had heard from the server, a connection's beginning
+    // included, since this was last asked.
+    int Ways() { return ways_.exchange(0); }
+
+    // Called with the number of each way since the beginning, before what the client sends goes on. Set while
+    // nobody uses the line.
+    std::function<void(int way)> AtWay;
+
+    // Ends every connection that there is.
+    void Cut() { cut_ = true; }
+
+  private:
+    void Work(const std::stop_token& stop);
+
+    std::chrono::milliseconds delay_;
+    std::string socket_;
+    int listener_;
+    int port_ = 0;
+    std::atomic<int> ways_ = 0;
+    int wayNumber_ = 0;
+    std::atomic<bool> cut_ = false;
+    std::jthread worker_;
+};
+
+} // namespace KAL_AUTO_Node
