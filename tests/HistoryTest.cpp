@@ -127,6 +127,20 @@ TEST_F(HistoryOfANode, StandsInTheWayOfASaveThatWouldGoOverAnothersUnseen) {
     EXPECT_TRUE(NodeSave(anna_.dataBase, anna_.history, Place).Begin(loaded, 0)->kind == Obstacle::Gone);
 }
 
+TEST_F(HistoryOfANode, IsNotSaidToBeWrittenWhereTheFileWasReplacedMeanwhile) {
+    NodeSave save(anna_.dataBase, anna_.history, Place);
+    EXPECT_FALSE(save.Begin(anna_.Read(), 0));
+    std::filesystem::copy_file(store_.File(), store_.Folder() / "other");
+    std::filesystem::rename(store_.Folder() / "other", store_.File());
+    try {
+        save.Finish();
+        ADD_FAILURE() << "finished";
+    } catch (const RuntimeError& error) {
+        EXPECT_TRUE(std::string_view(error.what()).starts_with("The store that is there now has not got"))
+            << error.what();
+    }
+}
+
 TEST_F(HistoryOfANode, TellsAndTakesBackASaveThatDidNotFinish) {
     const Texts original = Stored();
     const AutoNode node = anna_.Read();
@@ -193,6 +207,11 @@ TEST_F(HistoryOfANode, IsMadeWhereAStoreHasNoneAndDoneWithoutWhereItMayNot) {
     EXPECT_FALSE(save.Begin(late.Read(), 0));
     EXPECT_FALSE(save.Guarded());
     EXPECT_TRUE(save.Begin(AutoNode(), 0)->kind == Obstacle::Changed);
+}
+
+TEST_F(HistoryOfANode, IsNoTextWithMoreLevelsThanTheStackBears) {
+    const std::string deep = std::string(200'000, '[') + std::string(200'000, ']');
+    EXPECT_THROW(ContentOf(R"({"bytes": true, "register": null, "node": )" + deep + '}'), RuntimeError);
 }
 
 TEST_F(HistoryOfANode, DropsWhatIsBothOldAndManyVersionsAgo) {
