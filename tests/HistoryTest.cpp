@@ -1,4 +1,4 @@
-#include "TestStore.h"
+#include "StoredNode.h"
 #include "history/NodeSave.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
@@ -34,18 +34,7 @@ struct Saver {
 
 class HistoryOfANode : public testing::Test {
   protected:
-    // All that is stored of it, to the last Null.
-    [[nodiscard]] Texts Stored() const {
-        Texts rows;
-        for (const char* table :
-             {"Node_AUTO WHERE NodeNumber", "Node_General_Pool WHERE NodeTypeID = 9 AND NodeNumber",
-              "Detail_AUTO_Prompts WHERE NodeMasterID", "Detail_AUTO_Action WHERE NodeMasterID"}) {
-            for (const std::string& row : store_.Rows(std::string("SELECT * FROM ") + table + " = 8")) {
-                rows.push_back(row);
-            }
-        }
-        return rows;
-    }
+    [[nodiscard]] Texts Stored() const { return StoredNode(store_, Place.number); }
 
     // "work state" of the versions, newest first.
     [[nodiscard]] Texts Versions() const {
@@ -117,12 +106,6 @@ TEST_F(HistoryOfANode, StandsInTheWayOfASaveThatWouldGoOverAnothersUnseen) {
         Disguise(host, 1, begunAt);
         EXPECT_EQ(IsBeingMade(ben_.history.Versions(Place).front()), lives) << host << begunAt;
     }
-    // Taken for dead and gone over: what comes back to life writes nothing any more.
-    EXPECT_FALSE(other.Begin(*changed->stored, 1));
-    other.Finish();
-    EXPECT_THROW(save.Renew(), RuntimeError);
-    EXPECT_EQ(Versions(), (Texts{"save finished", "save left", "save finished"}));
-
     store_.Execute("DELETE FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 8");
     EXPECT_TRUE(NodeSave(anna_.dataBase, anna_.history, Place).Begin(loaded, 0)->kind == Obstacle::Gone);
 }
@@ -169,26 +152,6 @@ TEST_F(HistoryOfANode, TellsAndTakesBackASaveThatDidNotFinish) {
         EXPECT_EQ(Stored(), before);
     }
     EXPECT_FALSE(ben_.history.Unfinished(Place));
-}
-
-TEST_F(HistoryOfANode, MakesWholeWhatWasBegunToBeCreated) {
-    const auto create = [&](NodeSave& save) { return save.Create(9, 33, "today"); };
-    store_.Execute(
-        "CREATE TRIGGER failing BEFORE INSERT ON Detail_AUTO_Action BEGIN SELECT RAISE(ABORT, 'no'); END");
-    NodeSave save(anna_.dataBase, anna_.history, Place);
-    EXPECT_FALSE(save.Begin(anna_.Read(), 0));
-    EXPECT_THROW(create(save), RuntimeError);
-    store_.Execute("DROP TRIGGER failing");
-    EXPECT_FALSE(IsNodeExisted(anna_.dataBase, Place.partition, 9, 33));
-    EXPECT_EQ(create(save), Creation::Created);
-    save.Finish();
-    const auto count = [&](const std::string& table, const std::string& number) {
-        return store_.Value("SELECT COUNT(*) FROM " + table +
-                            " WHERE PartID = 2 AND NodeMasterID = " + number);
-    };
-    EXPECT_EQ(count("Detail_AUTO_Action", "33"), count("Detail_AUTO_Action", "0"));
-    EXPECT_EQ(count("Detail_AUTO_Prompts", "33"), count("Detail_AUTO_Prompts", "0"));
-    EXPECT_EQ(store_.Value("SELECT COUNT(*) FROM Node_Creation"), "0");
 }
 
 TEST_F(HistoryOfANode, IsMadeWhereAStoreHasNoneAndDoneWithoutWhereItMayNot) {
