@@ -63,7 +63,9 @@ TEST_F(Lists, EditorsFollowTheirRow) {
 }
 
 TEST_F(Lists, EditorsTakeNothingThatWasMeantForOthers) {
-    Edit(1, [] {
+    const Box question{"Confirmation", "Do you want to vacate Prompts Table?", QMessageBox::Question,
+                       QMessageBox::Yes | QMessageBox::No};
+    const auto deeds = [&] {
         Person::Press("cmdPromptsEdit");
         Person::ClickRow("LVPrompts", 1);
         const auto open = Person::OpenEditors();
@@ -79,10 +81,14 @@ TEST_F(Lists, EditorsTakeNothingThatWasMeantForOthers) {
             QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, {});
             QApplication::sendEvent(receiver, &escape);
         }
+        // A question that is taken away has not been answered with Yes.
+        person_.LookAtBox = [](QMessageBox& box) { box.done(0); };
+        Person::Choose("cmbPromptsNode", "EMPTY");
         EXPECT_EQ(Person::Text("cmbPromptsNode") + Person::Text("cmbPromptsNumber"), "MSG2");
         EXPECT_EQ(Person::OpenEditors(), open);
         EXPECT_EQ(open.size(), 2U);
-    });
+    };
+    Edit(1, deeds, {question});
 }
 
 TEST_F(Lists, RangeBoxesTakeDigitsOnly) {

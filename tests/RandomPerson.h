@@ -25,7 +25,7 @@ struct Type {
 inline const std::map<std::string, Type> Types{
     {"MSG", {0, 9}},    {"TIME", {2, 3}},      {"HOLD", {5, 0}},   {"LIST", {8, 0}},   {"AUTO", {9, 40}},
     {"TABLE", {13, 0}}, {"SPEAK", {816, 999}}, {"M_ON", {817, 9}}, {"NONE", {814, 0}}, {"EMPTY", {999, 0}}};
-inline const std::array<Strings, 3> Chosen{Strings{"MSG", "TIME", "SPEAK", "MSG", "TIME", "SPEAK", "EMPTY"},
+inline const std::array<Strings, 3> Chosen{Strings{"MSG", "TIME", "SPEAK", "EMPTY"},
                                            Strings{"MSG", "TIME", "HOLD", "EMPTY"},
                                            Strings{"MSG", "TIME", "AUTO", "NONE"}};
 
@@ -205,16 +205,11 @@ class RandomPerson {
         }
     }
 
-    // Asks first. A question that is closed otherwise is not answered with Yes.
+    // Asks first.
     void Vacate(const std::string& was) {
-        const auto answer = OneOf(std::vector{QMessageBox::Yes, QMessageBox::No, QMessageBox::NoButton});
-        if (answer == QMessageBox::NoButton) {
-            person_.LookAtBox = [](QMessageBox& box) { box.done(0); };
-        } else {
-            person_.WillAnswer({answer});
-        }
+        const auto answer = OneOf(std::vector{QMessageBox::Yes, QMessageBox::No});
+        person_.WillAnswer({answer});
         Person::Choose(Editor("Node"), "EMPTY");
-        person_.LookAtBox = nullptr;
         boxes_.push_back({"Confirmation", "Do you want to vacate Prompts Table?", QMessageBox::Question,
                           QMessageBox::Yes | QMessageBox::No});
         if (answer == QMessageBox::Yes) {
