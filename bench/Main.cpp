@@ -1,6 +1,6 @@
 #include "bench/Benches.h"
 #include "bench/Figures.h"
-#include "tests/FileSyncs.h"
+#include "tests/faults/FaultySystem.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -62,7 +62,7 @@ int Measure(int argc, char** argv) {
         return 2;
     }
 
-    StartCountingSyncs();
+    StartFaultySystem();
     const TestStore store;
     AddContent(store);
     EmptyLog(store);

@@ -29,14 +29,6 @@ std::string Entries(const QComboBox* box) {
     return entries;
 }
 
-Texts RowsOf(const char* list) {
-    Texts rows;
-    for (int row = 0; row < Person::Count(list); ++row) {
-        rows.push_back(Person::Key(list, row) + ": " + Person::Row(list, row));
-    }
-    return rows;
-}
-
 // The navigation buttons that can be pressed, the position, the entry of the selector and the label.
 std::string Place() {
     std::string place;
@@ -53,11 +45,11 @@ TEST(EditorOpens, OnAStoredNode) {
     EXPECT_TRUE(person.Edit(1, [] {
         EXPECT_EQ(Person::Window("GUI")->windowTitle(), "AUTO Node Editor");
         EXPECT_EQ(Place(), "Next Last 1 of 17, AUTO 1 Main menu");
-        EXPECT_EQ(RowsOf("LVPrompts"), (Texts{"1a: 1|1|TIME 1|Greeting by time of day|TIME|2|1",
-                                              "2a: 2|2|MSG 2|Welcome, main menu|MSG|0|2",
-                                              "3a: 3|3|MSG 3|Today's specials|MSG|0|3"}));
-        EXPECT_EQ(RowsOf("LVActions")[5], "6a: 6|601-660|CMD 1|Dial the extension|CMD|1|1|601|660");
-        EXPECT_EQ(RowsOf("LVExceptions"),
+        EXPECT_EQ(Person::Rows("LVPrompts"), (Texts{"1a: 1|1|TIME 1|Greeting by time of day|TIME|2|1",
+                                                    "2a: 2|2|MSG 2|Welcome, main menu|MSG|0|2",
+                                                    "3a: 3|3|MSG 3|Today's specials|MSG|0|3"}));
+        EXPECT_EQ(Person::Rows("LVActions")[5], "6a: 6|601-660|CMD 1|Dial the extension|CMD|1|1|601|660");
+        EXPECT_EQ(Person::Rows("LVExceptions"),
                   (Texts{"1a: 1|Timeout|XFER 1|Operator|XFER|4|1",
                          "2a: 2|Invalid|MSG 6|Invalid choice, try again|MSG|0|6",
                          "3a: 3|Abort|MSG 1|Goodbye|MSG|0|1", "4a: 4|*|AUTO 11|Language selection|AUTO|9|11",
@@ -96,17 +88,17 @@ TEST(EditorOpens, WithRowsAsTheyAreStored) {
     Person person;
     EXPECT_TRUE(person.Edit(2, [] {
         EXPECT_EQ(
-            RowsOf("LVPrompts"),
+            Person::Rows("LVPrompts"),
             (Texts{"2a: 2|2|NONE 4||NONE|814|4", "3a: 3|3|OLD 2|Office open|TIME|2|2",
                    "12a: 12|12|BEEP|A label all the same|EMPTY|999|1", "41a: 41|41|MSG 777||MSG|0|777"}));
-        EXPECT_EQ(RowsOf("LVActions"),
+        EXPECT_EQ(Person::Rows("LVActions"),
                   (Texts{"2a: 2|0-0|NONE 0||NONE|814|0|0|0", "5a: 5|0-0|BEEP||EMPTY|999|9|0|0",
                          "7a: 7|007-0099|MSG 12|Opening hours, Genève|MSG|0|12|007|0099"}));
-        EXPECT_EQ(RowsOf("LVExceptions")[0], "1a: 1|Timeout|STAY||NONE|814|3");
-        EXPECT_EQ(RowsOf("LVExceptions")[1], "2a: 2|Invalid|BEEP 1|A label all the same|EMPTY|999|1");
+        EXPECT_EQ(Person::Rows("LVExceptions")[0], "1a: 1|Timeout|STAY||NONE|814|3");
+        EXPECT_EQ(Person::Rows("LVExceptions")[1], "2a: 2|Invalid|BEEP 1|A label all the same|EMPTY|999|1");
         // A node without actions leaves none of the one before.
         Person::Choose("cmbNode", "AUTO 7");
-        EXPECT_EQ(RowsOf("LVPrompts"), (Texts{"1a: 1|1|EMPTY|A label all the same|EMPTY|999|1"}));
+        EXPECT_EQ(Person::Rows("LVPrompts"), (Texts{"1a: 1|1|EMPTY|A label all the same|EMPTY|999|1"}));
         EXPECT_EQ(Person::Count("LVActions"), 0);
     }));
     EXPECT_EQ(person.Boxes(), std::vector<Box>{});

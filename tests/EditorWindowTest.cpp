@@ -1,7 +1,4 @@
 #include "Person.h"
-#include "TestStore.h"
-
-#include <QAccessible>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -34,15 +31,12 @@ std::vector<Way> WaysToLeave() {
     };
 }
 
-class Editor : public testing::Test {
+class Editor : public EditorTest {
   protected:
     [[nodiscard]] std::string StoredLabel(int node) const {
         return store_.Value("SELECT NodeDescription FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = " +
                             std::to_string(node));
     }
-
-    const TestStore store_;
-    Person person_;
 };
 
 TEST_F(Editor, AsksWhetherToSaveBeforeItLeavesANode) {
@@ -79,23 +73,24 @@ TEST_F(Editor, AsksWhetherToSaveBeforeItLeavesANode) {
 
 // The buttons are off at the ends as long as loading goes well; one that failed leaves them on.
 TEST_F(Editor, LoadsNothingWhereTheNextNodeIsTheOneShown) {
-    for (const std::string button : {"cmdFirst", "cmdPrevious", "cmdNext", "cmdLast"}) {
-        EXPECT_TRUE(person_.Edit(button == "cmdFirst" || button == "cmdPrevious" ? 1 : 40, [&] {
+    for (const auto& [button, node] :
+         {std::pair{"cmdFirst", 1}, {"cmdPrevious", 1}, {"cmdNext", 40}, {"cmdLast", 40}}) {
+        person_.WillAnswer({No});
+        const auto deed = [button = button] {
             Person::Button(button)->setEnabled(true);
             Person::TypeLabel("Edited");
-            person_.WillAnswer({No});
             Person::Press(button);
-            EXPECT_EQ(person_.Boxes(), std::vector<Box>{SaveQuestion()});
             EXPECT_FALSE(Person::Dirty());
             EXPECT_EQ(Person::Label(), "Edited");
-        }));
+        };
+        Edit(node, deed, {SaveQuestion()});
     }
 }
 
 TEST_F(Editor, SavesByApplyAndOkOfWhichOkCloses) {
     store_.Execute("UPDATE Node_General_Pool SET DateModified = 'never';" // ranges may overlap
                    "UPDATE Detail_AUTO_Action SET DTMFRangeHigh = '9' WHERE NodeMasterID = 8");
-    EXPECT_TRUE(person_.Edit(8, [&] {
+    Edit(8, [&] {
         Person::TypeLabel("'O'Brien'");
         Person::Press("cmdApply");
         EXPECT_TRUE(IsOpen() && !Person::Dirty());
@@ -104,12 +99,12 @@ TEST_F(Editor, SavesByApplyAndOkOfWhichOkCloses) {
         Person::Press("cmdOK");
         EXPECT_FALSE(IsOpen());
         EXPECT_EQ(StoredLabel(8), "Accepted");
-    }));
+    });
     // Enter presses OK, in a value box as well, and changes nothing by itself.
-    EXPECT_TRUE(person_.Edit(9, [] {
+    Edit(9, [] {
         QTest::keyClick(Person::Combo("cmbSelTimeOut")->lineEdit(), Qt::Key_Return);
         EXPECT_FALSE(IsOpen());
-    }));
+    });
     EXPECT_EQ(store_.Rows("SELECT NodeNumber FROM Node_General_Pool WHERE DateModified <> 'never'"),
               std::vector<std::string>{"8"});
 }
@@ -151,7 +146,7 @@ TEST_F(Editor, StaysOnANodeThatItRefusesToSave) {
             leave();
             EXPECT_EQ(person_.Boxes(), expected);
             EXPECT_TRUE(IsOpen() && Person::Dirty());
-            EXPECT_EQ(Person::Label(), label);
+            EXPECT_EQ(Person::Text("cmbNode") + Person::Label(), std::string("AUTO 8") + label);
             Person::ExpectIdle();
             EXPECT_EQ(StoredLabel(8), "Sales");
         };
@@ -178,23 +173,24 @@ TEST_F(Editor, KeepsValueBoxesAtNumbersTheyMayHold) {
         {"cmbSelTimeOut", "\u0663", "1"}, {"cmbNumDigits", "7", "7"},   {"cmbNumDigits", "8", "1"},
         {"cmbRetryLimit", "9", "0"},      {"cmbRetryLimit", "5", "5"},  {"cmbDigitTimeOut", "15", "15"},
         {"cmbDigitTimeOut", "16", "1"}};
-    EXPECT_TRUE(person_.Edit(8, [&] {
-        Person::WaitForFocus();
+    Edit(8, [&] {
         for (const auto& [name, text, becomes] : entries) {
             SCOPED_TRACE(std::string(name) + ": " + text);
             QLineEdit* box = Person::Combo(name)->lineEdit();
             Person::Paste(box, text);
             EXPECT_EQ(box->cursorPosition(), box->text().size());
             EXPECT_TRUE(Person::Dirty());
-            // Leaving the box must not choose anything, be it the same.
+            // Leaving the box must not choose anything, be it the same; choosing the same from the list does.
             Person::MarkUnchanged();
             Person::TextBox("txtDescription")->setFocus();
             EXPECT_EQ(Person::Text(name), becomes);
             EXPECT_FALSE(Person::Dirty());
+            Person::Choose(name, becomes);
+            EXPECT_TRUE(Person::Dirty());
         }
         Person::TypeOver("cmbSelTimeOut", "05");
         EXPECT_EQ(Person::Text("cmbSelTimeOut"), "15") << "corrected key by key";
-    }));
+    });
 }
 
 // What a host, its components and its timers do while a call has not returned.
@@ -257,147 +253,68 @@ TEST_F(Editor, OutlastsWhatItsHostDoesMeanwhile) {
     EXPECT_FALSE(rules.Opened());
 }
 
-// Keys that the captions don't show act on the list used last.
-TEST_F(Editor, IsUsedWithoutAMouse) {
-    const auto press = [&](int key, Qt::KeyboardModifiers with = Qt::AltModifier) {
-        ASSERT_NE(QApplication::focusWidget(), nullptr);
-        QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(key), with);
-    };
-    EXPECT_TRUE(person_.Edit(8, [&] {
-        Person::WaitForFocus();
-        for (const auto& [key, list] : {std::pair{Qt::Key_1, "Prompts"}, {Qt::Key_2, "Actions"}}) {
-            press(key);
-            const std::string name = std::string("LV") + list;
-            EXPECT_EQ(Person::Focused(), name);
-            const int rows = Person::Count(name);
-            for (const auto& [deed, expected] : {std::pair{Qt::Key_A, rows + 1},
-                                                 {Qt::Key_I, rows + 2},
-                                                 {Qt::Key_R, rows + 1},
-                                                 {Qt::Key_U, rows + 1}}) {
-                press(deed);
-                EXPECT_EQ(Person::Count(name), expected) << list;
-            }
-            press(Qt::Key_E);
-            EXPECT_EQ(Person::Caption(EditButton(list)), "Edit Off");
-            press(Qt::Key_E);
-            EXPECT_EQ(Person::Caption(EditButton(list)), "Edit");
-        }
-    }));
-    EXPECT_TRUE(person_.Edit(8, [&] {
-        Person::WaitForFocus();
-        Person::TypeLabel("Edited");
-        // Apply keeps the focus where it was, also where it had it itself.
-        Person::TextBox("txtDescription")->setFocus();
-        press(Qt::Key_S, Qt::ControlModifier);
-        EXPECT_FALSE(Person::Dirty());
-        EXPECT_EQ(Person::Focused(), "txtDescription");
-        Person::TypeLabel("Again");
-        Person::Button("cmdApply")->setFocus(Qt::TabFocusReason);
-        press(Qt::Key_Space, {});
-        EXPECT_FALSE(Person::Dirty());
-        EXPECT_EQ(Person::Focused(), "txtDescription");
-        // At the last node one press too many changes and closes nothing.
-        press(Qt::Key_PageUp);
-        EXPECT_EQ(Person::Text("cmbNode"), "AUTO 7");
-        Person::Button("cmdLast")->setFocus(Qt::TabFocusReason);
-        for (int i = 0; i < 3; ++i) {
-            press(Qt::Key_Return, {});
-        }
-        EXPECT_TRUE(IsOpen() && !Person::Dirty());
-        EXPECT_EQ(Person::Focused(), "cmbNode");
-        EXPECT_EQ(Person::Text("cmbNode"), "AUTO 40");
-    }));
-}
-
-// What assistive technology hears.
-TEST_F(Editor, NamesItsBoxesAndReadsRowsWhole) {
-    EXPECT_TRUE(person_.Edit(1, [&] {
-        const auto spoken = [](const char* name) {
-            return QAccessible::queryAccessibleInterface(Person::Find<QWidget>(name));
-        };
-        for (const auto& [box, name, value] : {std::array{"cmbNode", "Node", "AUTO 1"},
-                                               {"cmbNumDigits", "Number of Digits", "3"},
-                                               {"cmbPromptsNode", "Prompt node type", ""}}) {
-            EXPECT_EQ(spoken(box)->text(QAccessible::Name), name);
-            EXPECT_EQ(spoken(box)->text(QAccessible::Value), value);
-        }
-        QAccessibleInterface* exceptions = spoken("LVExceptions");
-        ASSERT_EQ(exceptions->childCount(), 5);
-        EXPECT_EQ(exceptions->child(0)->text(QAccessible::Name), "Timeout, XFER 1, Operator");
-        Person::ClickRow("LVExceptions", 0);
-        EXPECT_TRUE(exceptions->child(0)->state().selected);
-        EXPECT_FALSE(exceptions->child(1)->state().selected);
-    }));
-}
-
-void Edit(const std::string& list) {
+void EditFirstRow(const std::string& list) {
     Person::ClickRow("LV" + list, 0);
     Person::Press(EditButton(list));
     ASSERT_FALSE(Person::OpenEditors().empty());
 }
 
-TEST_F(Editor, EndsEditModesWhereTheFocusGoes) {
+TEST_F(Editor, EndsEditModesWhereThePersonGoesOn) {
     // Those of a list end the others' edit mode, the node's fields end all.
     const std::vector<std::string> controls = {
         "LVPrompts",    "cmdPromptsAdd",   "cmdPromptsRemove", "cmdPromptsUp",         "cmdQuickPrompts",
         "LVActions",    "cmdQuickActions", "LVExceptions",     "cmdExceptionsDefault", "txtDescription",
         "cmbNumDigits", "cmbTermDigit",    "cmbRetryLimit",    "cmbSelTimeOut",        "cmbDigitTimeOut"};
-    EXPECT_TRUE(person_.Edit(8, [&] {
-        Person::WaitForFocus();
-        for (const std::string& name : controls) {
-            for (const std::string list : Lists) {
-                SCOPED_TRACE(name + " while editing in " + list);
-                Edit(list);
-                for (const char* other : {"cmdPromptsEdit", "cmdActionsEdit", "cmdOK", "cmbNode"}) {
-                    Person::Find<QWidget>(other)->setFocus(Qt::TabFocusReason);
-                    EXPECT_EQ(Person::Caption(EditButton(list)), "Edit Off") << other;
-                }
-                Person::Find<QWidget>(name)->setFocus(Qt::TabFocusReason);
-                const bool ends = name.find(list) == std::string::npos;
-                EXPECT_EQ(Person::Caption(EditButton(list)), ends ? "Edit" : "Edit Off");
-                EXPECT_EQ(Person::OpenEditors().empty(), ends);
-                if (!ends) {
-                    Person::Press(EditButton(list));
-                }
-            }
-        }
-    }));
-}
-
-TEST_F(Editor, EndsEditModesWithAllThatSavesLeavesOrSetsAValue) {
     std::vector<Way> ways = WaysToLeave();
     // Escape belongs to the row being edited, and closing the window is about the window.
     ways.resize(6);
-    for (const char* list : Lists) {
-        EXPECT_TRUE(person_.Edit(8, [&] {
-            const auto expectEnd = [&](const char* name, const std::function<void()>& deed) {
-                SCOPED_TRACE(std::string(name) + " while editing in " + list);
-                Edit(list);
-                deed();
-                EXPECT_EQ(Person::Caption(EditButton(list)), "Edit");
-            };
-            for (const auto& [handler, node, leave] : ways) {
-                person_.WillAnswer({Cancel});
-                expectEnd(handler, leave);
-                EXPECT_EQ(person_.Boxes(), std::vector<Box>{SaveQuestion()});
+    for (const std::string list : Lists) {
+        const auto expect = [&](bool ends, const std::string& name, const std::function<void()>& deed) {
+            SCOPED_TRACE(name + " while editing in " + list);
+            EditFirstRow(list);
+            for (const char* other : {"cmdPromptsEdit", "cmdActionsEdit", "cmdOK", "cmbNode"}) {
+                Person::Find<QWidget>(other)->setFocus(Qt::TabFocusReason);
+                EXPECT_EQ(Person::Caption(EditButton(list)), "Edit Off") << other;
+            }
+            deed();
+            EXPECT_EQ(Person::Caption(EditButton(list)), ends ? "Edit" : "Edit Off");
+            EXPECT_EQ(Person::OpenEditors().empty(), ends);
+            if (!ends) {
+                Person::Press(EditButton(list));
+            }
+        };
+        const auto deeds = [&] {
+            for (const std::string& name : controls) {
+                expect(name.find(list) == std::string::npos, name,
+                       [&] { Person::Find<QWidget>(name)->setFocus(Qt::TabFocusReason); });
             }
             for (const char* box : {"cmbNumDigits", "cmbRetryLimit", "cmbSelTimeOut", "cmbDigitTimeOut"}) {
-                expectEnd(box, [box] { Person::Choose(box, "2"); });
+                expect(true, box, [box] { Person::Choose(box, "2"); });
+            }
+            expect(false, "cmbTermDigit", [] {
+                Person::MarkUnchanged();
+                Person::Choose("cmbTermDigit", "*");
+                EXPECT_TRUE(Person::Dirty());
+            });
+            for (const auto& [handler, node, leave] : ways) {
+                person_.WillAnswer({Cancel});
+                expect(true, handler, leave);
             }
             for (const char* button : {"cmdApply", "cmdOK"}) {
-                expectEnd(button, [button] { Person::Press(button); });
+                expect(true, button, [button] { Person::Press(button); });
             }
-        }));
+        };
+        Edit(8, deeds, std::vector<Box>(ways.size(), SaveQuestion()));
     }
 }
 
 TEST_F(Editor, StaysInEditModeWhileScrollingOrThePressedHeaderHidesItsBoxes) {
     // AUTO 4 has more rows than fit; its five exceptions never scroll.
-    EXPECT_TRUE(person_.Edit(4, [&] {
+    Edit(4, [] {
         for (const std::string list : Lists) {
             for (const auto& [deed, hides] :
                  {std::pair{&Person::Scroll, list != "Exceptions"}, {&Person::PressHeader, true}}) {
-                Edit(list);
+                EditFirstRow(list);
                 deed("LV" + list);
                 EXPECT_EQ(Person::OpenEditors().empty(), hides) << list;
                 EXPECT_EQ(Person::Caption(EditButton(list)), "Edit Off");
@@ -406,7 +323,7 @@ TEST_F(Editor, StaysInEditModeWhileScrollingOrThePressedHeaderHidesItsBoxes) {
                 Person::Press(EditButton(list));
             }
         }
-    }));
+    });
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "TestStore.h"
+#include "StoredNode.h"
 #include "history/NodeSave.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
@@ -34,18 +34,7 @@ struct Saver {
 
 class HistoryOfANode : public testing::Test {
   protected:
-    // All that is stored of it, to the last Null.
-    [[nodiscard]] Texts Stored() const {
-        Texts rows;
-        for (const char* table :
-             {"Node_AUTO WHERE NodeNumber", "Node_General_Pool WHERE NodeTypeID = 9 AND NodeNumber",
-              "Detail_AUTO_Prompts WHERE NodeMasterID", "Detail_AUTO_Action WHERE NodeMasterID"}) {
-            for (const std::string& row : store_.Rows(std::string("SELECT * FROM ") + table + " = 8")) {
-                rows.push_back(row);
-            }
-        }
-        return rows;
-    }
+    [[nodiscard]] Texts Stored() const { return StoredNode(store_, Place.number); }
 
     // "work state" of the versions, newest first.
     [[nodiscard]] Texts Versions() const {
@@ -117,14 +106,22 @@ TEST_F(HistoryOfANode, StandsInTheWayOfASaveThatWouldGoOverAnothersUnseen) {
         Disguise(host, 1, begunAt);
         EXPECT_EQ(IsBeingMade(ben_.history.Versions(Place).front()), lives) << host << begunAt;
     }
-    // Taken for dead and gone over: what comes back to life writes nothing any more.
-    EXPECT_FALSE(other.Begin(*changed->stored, 1));
-    other.Finish();
-    EXPECT_THROW(save.Renew(), RuntimeError);
-    EXPECT_EQ(Versions(), (Texts{"save finished", "save left", "save finished"}));
-
     store_.Execute("DELETE FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 8");
     EXPECT_TRUE(NodeSave(anna_.dataBase, anna_.history, Place).Begin(loaded, 0)->kind == Obstacle::Gone);
+}
+
+TEST_F(HistoryOfANode, IsNotSaidToBeWrittenWhereTheFileWasReplacedMeanwhile) {
+    NodeSave save(anna_.dataBase, anna_.history, Place);
+    EXPECT_FALSE(save.Begin(anna_.Read(), 0));
+    std::filesystem::copy_file(store_.File(), store_.Folder() / "other");
+    std::filesystem::rename(store_.Folder() / "other", store_.File());
+    try {
+        save.Finish();
+        ADD_FAILURE() << "finished";
+    } catch (const RuntimeError& error) {
+        EXPECT_TRUE(std::string_view(error.what()).starts_with("The store that is there now has not got"))
+            << error.what();
+    }
 }
 
 TEST_F(HistoryOfANode, TellsAndTakesBackASaveThatDidNotFinish) {
@@ -159,25 +156,6 @@ TEST_F(HistoryOfANode, TellsAndTakesBackASaveThatDidNotFinish) {
     EXPECT_FALSE(ben_.history.Unfinished(Place));
 }
 
-TEST_F(HistoryOfANode, MakesWholeWhatWasBegunToBeCreated) {
-    const auto create = [&](NodeSave& save) { return save.Create(9, 33, "today"); };
-    store_.Refuse("INSERT ON Detail_AUTO_Action");
-    NodeSave save(anna_.dataBase, anna_.history, Place);
-    EXPECT_FALSE(save.Begin(anna_.Read(), 0));
-    EXPECT_THROW(create(save), RuntimeError);
-    store_.Allow();
-    EXPECT_FALSE(IsNodeExisted(anna_.dataBase, Place.partition, 9, 33));
-    EXPECT_EQ(create(save), Creation::Created);
-    save.Finish();
-    const auto count = [&](const std::string& table, const std::string& number) {
-        return store_.Value("SELECT COUNT(*) FROM " + table +
-                            " WHERE PartID = 2 AND NodeMasterID = " + number);
-    };
-    EXPECT_EQ(count("Detail_AUTO_Action", "33"), count("Detail_AUTO_Action", "0"));
-    EXPECT_EQ(count("Detail_AUTO_Prompts", "33"), count("Detail_AUTO_Prompts", "0"));
-    EXPECT_EQ(store_.Value("SELECT COUNT(*) FROM Node_Creation"), "0");
-}
-
 TEST_F(HistoryOfANode, IsMadeWhereAStoreHasNoneAndDoneWithoutWhereItMayNot) {
     store_.Execute("DROP TABLE Node_AUTO_Version; DROP TABLE Node_Creation");
     EXPECT_EQ(anna_.history.Versions(Place).size(), 0U);
@@ -194,6 +172,11 @@ TEST_F(HistoryOfANode, IsMadeWhereAStoreHasNoneAndDoneWithoutWhereItMayNot) {
     EXPECT_FALSE(save.Begin(late.Read(), 0));
     EXPECT_FALSE(save.Guarded());
     EXPECT_TRUE(save.Begin(AutoNode(), 0)->kind == Obstacle::Changed);
+}
+
+TEST_F(HistoryOfANode, IsNoTextWithMoreLevelsThanTheStackBears) {
+    const std::string deep = std::string(200'000, '[') + std::string(200'000, ']');
+    EXPECT_THROW(ContentOf(R"({"bytes": true, "register": null, "node": )" + deep + '}'), RuntimeError);
 }
 
 TEST_F(HistoryOfANode, DropsWhatIsBothOldAndManyVersionsAgo) {

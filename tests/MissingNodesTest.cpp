@@ -1,5 +1,4 @@
 #include "Person.h"
-#include "TestStore.h"
 
 #include <algorithm>
 #include <set>
@@ -62,29 +61,25 @@ class Check {
     Person person;
 };
 
-TEST(MissingNodes, AreAskedAboutOnceEachInTheOrderOfTheLists) {
+TEST(MissingNodes, AreAskedAboutInTheOrderOfTheListsUntilThePersonHasHadEnough) {
     Check check;
     check.person.LookAtBox = [](QMessageBox&) {
         EXPECT_EQ(Person::Pointer(), Qt::ArrowCursor);
         EXPECT_FALSE(Person::Find<QFrame>("Frame1")->isEnabled());
         EXPECT_TRUE(Person::Find<QStatusBar>("StatusBar1")->isVisible());
     };
-    check.person.WillAnswer({No, No, No, No, No, No, No, No, No, No, No, No, No});
-    check.Save(6);
-    EXPECT_EQ(check.person.Boxes(), Asked(MissingInAuto6));
-    EXPECT_EQ(check.Created(), Rows{});
-}
-
-TEST(MissingNodes, AreCreatedUntilThePersonHasHadEnough) {
-    Check check;
     check.person.WillAnswer({Yes, No, Yes, Cancel});
     check.Save(6);
     EXPECT_EQ(check.person.Boxes(), Asked({"MSG 240", "MSG 241", "TIME 19", "LIST 14"}));
     EXPECT_EQ(check.Created(), (Rows{"MSG 240", "TIME 19"}));
-
     check.person.WillAnswer({Yes}); // the second box is closed
     check.Save(6);
     EXPECT_EQ(check.person.Boxes(), Asked({"MSG 241", "LIST 14"}));
+    // Those that are left, each once.
+    Rows left(MissingInAuto6.begin() + 3, MissingInAuto6.end());
+    check.person.WillAnswer({No, No, No, No, No, No, No, No, No, No});
+    check.Save(6);
+    EXPECT_EQ(check.person.Boxes(), Asked(left));
     EXPECT_EQ(check.Created(), (Rows{"MSG 240", "MSG 241", "TIME 19"}));
 }
 

@@ -98,51 +98,28 @@ class Person {
 
     // Opens the editor as a host does, and does things in it once it is on screen. What is still open then is
     // closed without saving. Returns whether the window appeared.
-    bool Edit(Business_Rules& rules, int node, const std::function<void()>& deeds, int config = 1,
-              int partition = 2) {
-        bool appeared = false;
-        QTimer start;
-        QObject::connect(&start, &QTimer::timeout, [&] {
-            QWidget* window = Window("GUI");
-            if (window == nullptr || !window->isVisible()) {
-                return;
-            }
-            start.stop();
-            appeared = true;
+    static bool Edit(Business_Rules& rules, int node, const std::function<void()>& deeds, int config = 1,
+                     int partition = 2) {
+        const auto show = [&] {
+            rules.ShowNodeEditor(static_cast<std::int16_t>(config), static_cast<std::int16_t>(partition),
+                                 static_cast<std::int16_t>(node));
+        };
+        return InWindow("GUI", show, [&] {
             deeds();
-            if (window = Window("GUI"); window != nullptr && window->isVisible()) {
-                Button("cmdApply")->setEnabled(false);
-                window->close();
-            }
+            MarkUnchanged();
         });
-        start.start(1);
-        rules.ShowNodeEditor(static_cast<std::int16_t>(config), static_cast<std::int16_t>(partition),
-                             static_cast<std::int16_t>(node));
-        return appeared;
     }
 
-    bool Edit(int node, const std::function<void()>& deeds) {
+    static bool Edit(int node, const std::function<void()>& deeds) {
         Business_Rules rules;
         return Edit(rules, node, deeds);
     }
 
     // Opens Quick Assign with the button, and does things in it; it is closed afterwards where it is still
     // open.
-    void InQuickAssign(const std::string& button, const std::function<void()>& deeds) {
-        QTimer start;
-        QObject::connect(&start, &QTimer::timeout, [&] {
-            QWidget* window = Window("frmQuickAssign");
-            if (window == nullptr || !window->isVisible()) {
-                return;
-            }
-            start.stop();
-            deeds();
-            if (window = Window("frmQuickAssign"); window != nullptr && window->isVisible()) {
-                window->close();
-            }
-        });
-        start.start(1);
-        Press(button);
+    static void InQuickAssign(const std::string& button, const std::function<void()>& deeds) {
+        EXPECT_TRUE(InWindow(
+            "frmQuickAssign", [&] { Press(button); }, deeds));
     }
 
     static QWidget* Window(const char* name) {
@@ -213,20 +190,12 @@ class Person {
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
     }
 
-    // Replaces the text of a box, key by key.
-    static void Type(QWidget* box, const char* text) {
-        box->setFocus();
-        QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClick(box, Qt::Key_Delete);
-        QTest::keyClicks(box, QString::fromUtf8(text));
-    }
-
     // The node's label.
     static std::string Label() { return TextBox("txtDescription")->text().toStdString(); }
 
-    static void TypeLabel(const char* label) { Type(TextBox("txtDescription"), label); }
+    static void TypeLabel(const std::string& label) { TypeOver("txtDescription", label); }
 
-    // Types over the text of a box, which is not emptied before.
+    // Types over the text of a box, key by key; it is not emptied before.
     static void TypeOver(const std::string& box, const std::string& text) {
         auto* control = Find<QWidget>(box);
         control->setFocus();
@@ -314,6 +283,15 @@ class Person {
         return List(list)->model()->index(row, 0).data(Qt::UserRole).toString().toStdString();
     }
 
+    // The rows with their keys.
+    static std::vector<std::string> Rows(const std::string& list) {
+        std::vector<std::string> rows;
+        for (int row = 0; row < Count(list); ++row) {
+            rows.push_back(Key(list, row) + ": " + Row(list, row));
+        }
+        return rows;
+    }
+
     // The cells of a row, joined by '|'.
     static std::string Row(const std::string& list, int row) {
         std::string cells;
@@ -324,6 +302,25 @@ class Person {
     }
 
   private:
+    // Does things in a window once it is on screen, and closes it; open returns when it is closed.
+    template <class Open>
+    static bool InWindow(const char* name, Open open, const std::function<void()>& deeds) {
+        bool appeared = false;
+        QTimer start;
+        QObject::connect(&start, &QTimer::timeout, [&] {
+            const QPointer<QWidget> window = Window(name);
+            if (window != nullptr && window->isVisible()) {
+                start.stop();
+                appeared = true;
+                deeds();
+                window->close();
+            }
+        });
+        start.start(1);
+        open();
+        return appeared;
+    }
+
     void AnswerBox() {
         const QPointer<QMessageBox> box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (box == nullptr || !box->isVisible()) {
@@ -334,7 +331,7 @@ class Person {
         if (LookAtBox) {
             LookAtBox(*box);
         }
-        if (box == nullptr) {
+        if (box == nullptr || !box->isVisible()) {
             return;
         }
         QAbstractButton* button = nullptr;

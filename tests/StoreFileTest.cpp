@@ -78,7 +78,6 @@ TEST(StoreFile, TellWhatTheStoreRefuses) {
 
 TEST(StoreFile, KeepTheLogShort) {
     const TestStore store;
-    const std::filesystem::path log = store.File().string() + "-wal";
     DataBase dataBase;
     constexpr std::uintmax_t limit = 8192 * 4096;
     const auto write = [&](int commands) {
@@ -86,7 +85,7 @@ TEST(StoreFile, KeepTheLogShort) {
             dataBase.Execute(Update_Node_General_Pool, {i, "", 1, 2, 9, 8});
         }
         dataBase.Flush();
-        return std::filesystem::file_size(log);
+        return std::filesystem::file_size(store.File().string() + "-wal");
     };
     // One run of commands that is longer than what is kept, and what comes after it.
     const std::uintmax_t longest = write(10'000);
@@ -103,16 +102,15 @@ TEST(StoreFile, ReadAReadOnlyStoreAndTellWhereTheyWouldWrite) {
     static_cast<void>(store.Rows("PRAGMA journal_mode = DELETE"));
     std::filesystem::permissions(store.Folder(), std::filesystem::perms(0755));
     std::filesystem::permissions(store.File(), std::filesystem::perms(0444));
-    // Nothing is read-only to root.
-    constexpr uid_t nobody = 65534;
+    // Nothing is read-only to root, who becomes nobody.
     const uid_t self = geteuid();
-    if (self == 0 && seteuid(nobody) != 0) {
+    if (self == 0 && seteuid(65534) != 0) {
         GTEST_SKIP() << "root cannot become somebody else here";
     }
     {
         DataBase dataBase;
         EXPECT_EQ(Perform(dataBase, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number"), Texts{"250"});
-        ExpectRaised(StoreFailure, {"attempt to write a readonly database", store.File().string()}, [&] {
+        ExpectRaised(StoreFailure, {"write the store's file and the folder", store.File().string()}, [&] {
             Perform(dataBase, Delete_AUTO_PromptsNode, {"1", "2", "1"});
         });
     }

@@ -110,8 +110,12 @@ void NodeSave::Finish() {
         }
         dataBase_.Flush();
     } catch (const RuntimeError& error) {
+        // What was written is in a file that nobody finds any more.
+        const bool lost = error.Number() == ErrorNumber::StoreNotFound;
         throw RuntimeError(error.Number(),
-                           std::string("All of the node is written, but not marked so: ") + error.what(),
+                           (lost ? "The store that is there now has not got what was saved here: "
+                                 : "All of the node is written, but not marked so: ") +
+                               std::string(error.what()),
                            error.Source());
     }
 }

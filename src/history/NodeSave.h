@@ -45,8 +45,8 @@ class NodeSave {
     // After a pause of any length: makes sure that nobody has taken the save for dead. Raises Busy otherwise.
     void Renew();
 
-    // Marks the save as whole and makes it last. Where that fails, the node is saved all the same, which the
-    // error says.
+    // Marks the save as whole and makes it last. Where that fails, the node is written all the same, which
+    // the error says, unless the file was moved, replaced or deleted meanwhile: StoreNotFound says so.
     void Finish();
 
     // After an error: makes what was written last, and tells whether the node is now another than before and

@@ -80,36 +80,34 @@ bool AutoNodeReader::ReadRecord(AutoNode& node) {
     return true;
 }
 
-void AutoNodeReader::ReadPrompts(AutoNode& node) {
-    node.prompts.clear();
-    ResultSet rows =
-        dataBase_.Query(Command::Get_AUTO_PromptsNode, {partition_.config, partition_.number, number_});
+template <class Item, class ColumnsBeside>
+void AutoNodeReader::ReadItems(Command command, std::vector<Item>& items, ColumnsBeside columnsBeside) {
+    items.clear();
+    ResultSet rows = dataBase_.Query(command, {partition_.config, partition_.number, number_});
     const Columns columns(rows);
     const std::size_t sequence = rows.Column("SequenceNo");
+    const auto fill = columnsBeside(rows);
     for (; !rows.AtEnd(); rows.MoveNext()) {
-        Reference target = ReadReference(rows, columns);
-        node.prompts.push_back({rows.Number(sequence), std::move(target)});
+        Item item;
+        item.target = ReadReference(rows, columns);
+        item.sequence = rows.Number(sequence);
+        fill(item);
+        items.push_back(std::move(item));
     }
 }
 
+void AutoNodeReader::ReadPrompts(AutoNode& node) {
+    ReadItems(Command::Get_AUTO_PromptsNode, node.prompts, [](const ResultSet&) { return [](Prompt&) {}; });
+}
+
 void AutoNodeReader::ReadActions(AutoNode& node) {
-    node.actions.clear();
-    ResultSet rows =
-        dataBase_.Query(Command::Get_AUTO_ActionsNode, {partition_.config, partition_.number, number_});
-    const Columns columns(rows);
-    const std::size_t sequence = rows.Column("SequenceNo");
-    const std::size_t low = rows.Column("DTMFRangeLow");
-    const std::size_t high = rows.Column("DTMFRangeHigh");
-    for (; !rows.AtEnd(); rows.MoveNext()) {
-        Action action{rows.Number(sequence), ReadReference(rows, columns), {}, {}};
-        if (const auto text = rows.Field(low)) {
-            action.low.emplace(*text);
-        }
-        if (const auto text = rows.Field(high)) {
-            action.high.emplace(*text);
-        }
-        node.actions.push_back(std::move(action));
-    }
+    ReadItems(Command::Get_AUTO_ActionsNode, node.actions, [](const ResultSet& rows) {
+        return
+            [&rows, low = rows.Column("DTMFRangeLow"), high = rows.Column("DTMFRangeHigh")](Action& action) {
+                action.low = rows.Field(low);
+                action.high = rows.Field(high);
+            };
+    });
 }
 
 void AutoNodeReader::ReadBranch(AutoNode& node, std::size_t branch) {

@@ -29,6 +29,9 @@ class AutoNodeReader {
 
     Reference ReadReference(const ResultSet& row, const Columns& columns);
     void ReadLabelsAhead(ReadAhead& ahead);
+    // Of the columns besides position and reference, looked up once, comes what fills an item from a row.
+    template <class Item, class ColumnsBeside>
+    void ReadItems(Command command, std::vector<Item>& items, ColumnsBeside columnsBeside);
 
     DataBase& dataBase_;
     Partition partition_;

@@ -55,7 +55,7 @@ class QuickAssignDialog : public QObject {
     void RemovePromptsRange();
     void RemoveActionsRange();
 
-    // Adds one row a number; makeRow takes the position, the display text and the reference.
+    // Adds one row a number; makeRow takes the position and the reference.
     template <class MakeRow>
     void AddRange(ListView& list, MakeRow makeRow);
     void RemoveRange(ListView& list, int alsoRenumbered);

@@ -27,13 +27,24 @@ constexpr std::chrono::seconds RunLimit(10);
 // How many of the engine's steps pass between two looks at the clock; a few milliseconds.
 constexpr int StepsBetweenLooks = 100'000;
 
+// The engine's words for a result, and what to do where they name the file though the folder may be what it
+// could not write.
+std::string Words(int result, std::string words) {
+    if ((result & 0xFF) == SQLITE_READONLY) {
+        words +=
+            "; saving needs the right to write the store's file and the folder that it lies in, where the "
+            "engine keeps its journal";
+    }
+    return words;
+}
+
 // Runs one use of the engine; its error becomes the component's.
 template <class Use>
 decltype(auto) Engine(Use&& use) {
     try {
         return use();
     } catch (const SQLite::Exception& error) {
-        throw RuntimeError(ErrorNumber::StoreFailure, error.what(), "SQLite");
+        throw RuntimeError(ErrorNumber::StoreFailure, Words(error.getErrorCode(), error.what()), "SQLite");
     }
 }
 
@@ -143,7 +154,7 @@ class SqliteStatement : public Statement {
             const int cause = sqlite3_extended_errcode(database_);
             const bool duplicate = cause == SQLITE_CONSTRAINT_PRIMARYKEY || cause == SQLITE_CONSTRAINT_UNIQUE;
             throw RuntimeError(duplicate ? ErrorNumber::DuplicateKey : ErrorNumber::StoreFailure,
-                               sqlite3_errmsg(database_), "SQLite");
+                               Words(cause, sqlite3_errmsg(database_)), "SQLite");
         }
     }
 
@@ -268,7 +279,7 @@ bool SqliteConnection::HasTable(const std::string& name) {
 
 void SqliteConnection::RunScript(const char* sql) {
     if (const int result = database_.tryExec(sql); result != SQLITE_OK) {
-        const std::string what = database_.getErrorMsg();
+        const std::string what = Words(result, database_.getErrorMsg());
         // What is not so for a moment only.
         const bool denied = result == SQLITE_READONLY || result == SQLITE_PERM || result == SQLITE_AUTH ||
                             result == SQLITE_ERROR;

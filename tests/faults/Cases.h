@@ -17,26 +17,20 @@ struct Extent {
 
 using Tell = std::function<void(const Row&)>;
 
+using Case = void(Extent, const Tell&);
+
 // The process is killed at a write.
-void KillSaves(Extent extent, const Tell& tell);
-void KillCreations(Extent extent, const Tell& tell);
-void KillPutBacks(Extent extent, const Tell& tell);
+Case KillSaves, KillCreations, KillPutBacks;
 
 // Savers of one node at the same time, from the same state.
-void RaceSaves(Extent extent, const Tell& tell);
+Case RaceSaves;
 // A save that is held for so long that it is taken for dead from elsewhere.
-void TakeOverSaves(Extent extent, const Tell& tell);
+Case TakeOverSaves;
 
 // A write fails.
-void FailWrites(Extent extent, const Tell& tell);
-void FailWritesOfPutBacks(Extent extent, const Tell& tell);
-void FailWritesOfCreations(Extent extent, const Tell& tell);
-void FailFirstSaves(Extent extent, const Tell& tell);
+Case FailWrites, FailWritesOfPutBacks, FailWritesOfCreations, FailFirstSaves;
 
 // What befalls the file.
-void FillDisks(Extent extent, const Tell& tell);
-void LockStores(Extent extent, const Tell& tell);
-void MoveFiles(Extent extent, const Tell& tell);
-void ProtectFiles(Extent extent, const Tell& tell);
+Case FillDisks, LockStores, MoveFiles, ProtectFiles;
 
 } // namespace KAL_AUTO_Node

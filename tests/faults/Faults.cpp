@@ -16,7 +16,7 @@ namespace {
 
 struct Group {
     const char* name;
-    void (*run)(Extent, const Tell&);
+    Case* run;
 };
 
 constexpr Group Groups[] = {{"kill-saves", &KillSaves},

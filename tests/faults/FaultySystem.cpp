@@ -19,13 +19,15 @@ struct Plan {
     int writes = 0;
 };
 
-// An open file: the engine's own methods, and the same with faults.
+// An open file: the engine's own methods, and the same with faults and an xSync that adds to a count.
 struct Faulty {
     const sqlite3_io_methods* plain;
     sqlite3_io_methods methods;
+    int* syncs;
 };
 
 Plan plan;
+FileSyncs counts;
 std::map<sqlite3_file*, Faulty> files;
 sqlite3_vfs faultySystem{};
 
@@ -68,6 +70,7 @@ int Truncate(sqlite3_file* file, sqlite3_int64 size) {
 }
 
 int Sync(sqlite3_file* file, int flags) {
+    ++*files.at(file).syncs;
     const int met = Meet(SQLITE_IOERR_FSYNC, false);
     return met != SQLITE_OK ? met : files.at(file).plain->xSync(file, flags);
 }
@@ -80,7 +83,10 @@ int Delete(sqlite3_vfs* /*system*/, const char* name, int syncFolder) {
 int Open(sqlite3_vfs* /*system*/, sqlite3_filename name, sqlite3_file* file, int flags, int* outFlags) {
     const int result = System()->xOpen(System(), name, file, flags, outFlags);
     if (result == SQLITE_OK) {
-        Faulty& faulty = files[file] = {file->pMethods, *file->pMethods};
+        int& syncs = flags & SQLITE_OPEN_WAL       ? counts.log
+                     : flags & SQLITE_OPEN_MAIN_DB ? counts.database
+                                                   : counts.other;
+        Faulty& faulty = files[file] = {file->pMethods, *file->pMethods, &syncs};
         faulty.methods.xWrite = &Write;
         faulty.methods.xTruncate = &Truncate;
         faulty.methods.xSync = &Sync;
@@ -97,6 +103,12 @@ void StartFaultySystem() {
     faultySystem.xOpen = &Open;
     faultySystem.xDelete = &Delete;
     sqlite3_vfs_register(&faultySystem, 1);
+}
+
+FileSyncs SyncsOf(const std::function<void()>& work) {
+    counts = {};
+    work();
+    return counts;
 }
 
 void Arm(Fault fault, int at, bool lasting, std::function<void()> pause) {

@@ -13,8 +13,20 @@ enum class Fault {
     Pause,       // it waits for what is called then
 };
 
+// How often files of each kind were synced to disk.
+struct FileSyncs {
+    int log = 0;      // the write-ahead log
+    int database = 0; // the store's file itself
+    int other = 0;
+
+    bool operator==(const FileSyncs&) const = default;
+};
+
 // From now on the engine works through this program, on connections opened from now on.
 void StartFaultySystem();
+
+// The syncs during a work.
+[[nodiscard]] FileSyncs SyncsOf(const std::function<void()>& work);
 
 // From now on writes are counted, from 1, and the one of that number meets the fault; where it lasts, those
 // after it do too.
