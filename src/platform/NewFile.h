@@ -51,6 +51,9 @@ class NewFile {
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
 
+    // The name that it is written under.
+    [[nodiscard]] const std::filesystem::path& Name() const noexcept { return name_; }
+
     // The whole content; it is on disk when the call returns.
     void Write(std::string_view content);
     // Fails where something lies there already.

@@ -2,11 +2,14 @@
 
 #include "platform/NewFile.h"
 #include "platform/RuntimeError.h"
+#include "store/DataBase.h"
 #include "store/StoreFormat.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -29,8 +32,10 @@ constexpr const char* Demo =
     ;
 
 // The engine would take the journal of a store that is gone for one of the new store's.
+constexpr std::array<const char*, 2> JournalEndings = {"-journal", "-wal"};
+
 void RequireFree(const std::filesystem::path& file) {
-    for (const char* ending : {"", "-journal", "-wal"}) {
+    for (const char* ending : {"", JournalEndings[0], JournalEndings[1]}) {
         const std::filesystem::path other = file.string() + ending;
         std::error_code ignored;
         if (std::filesystem::exists(std::filesystem::symlink_status(other, ignored))) {
@@ -65,21 +70,60 @@ std::string StoreImage(StoreContent content) {
     return image;
 }
 
-} // namespace
+bool HasJournal(const std::filesystem::path& file) {
+    return std::ranges::any_of(
+        JournalEndings, [&](const char* ending) { return std::filesystem::exists(file.string() + ending); });
+}
 
-void CreateStore(const std::filesystem::path& file, StoreContent content) {
+void RemoveJournals(const std::filesystem::path& file) {
+    for (const char* ending : JournalEndings) {
+        std::filesystem::remove(file.string() + ending);
+    }
+}
+
+// Under the name that the store has until it is whole. Its journals are carried over and gone at the end.
+void Fill(const std::filesystem::path& file, const std::function<void(DataBase&)>& fill) {
+    DataBase dataBase(file);
+    Transaction all(dataBase);
+    fill(dataBase);
+    all.Commit();
+    dataBase.Flush();
+}
+
+void Create(const std::filesystem::path& file, StoreContent content,
+            const std::function<void(const std::filesystem::path&)>& fill) {
     try {
         const std::string image = StoreImage(content);
         RequireFree(file);
         NewFolders folders(file.parent_path());
         NewFile made(file);
         made.Write(image);
+        fill(made.Name());
         made.Place();
         folders.Keep();
+    } catch (const RuntimeError&) {
+        throw;
     } catch (const std::runtime_error& error) {
         throw RuntimeError(ErrorNumber::StoreFailure,
                            "Cannot create the store '" + file.string() + "': " + error.what());
     }
+}
+
+} // namespace
+
+void CreateStore(const std::filesystem::path& file, StoreContent content) {
+    Create(file, content, [](const std::filesystem::path&) {});
+}
+
+void CreateStore(const std::filesystem::path& file, const std::function<void(DataBase&)>& fill) {
+    Create(file, StoreContent::Empty, [&](const std::filesystem::path& begun) {
+        // Of one that was killed.
+        RemoveJournals(begun);
+        Fill(begun, fill);
+        if (HasJournal(begun)) {
+            throw std::runtime_error("what was written is not all in its file");
+        }
+    });
 }
 
 } // namespace KAL_AUTO_Node
