@@ -20,15 +20,28 @@ std::string Listed(const StoreTable& table, std::span<const std::size_t> columns
     return text;
 }
 
-std::string Matching(const StoreTable& table, std::span<const std::size_t> columns) {
+namespace {
+
+std::string Equal(const StoreTable& table, std::span<const std::size_t> columns, const char* between) {
     std::string text;
     for (const std::size_t column : columns) {
-        text += text.empty() ? "" : " AND ";
+        text += text.empty() ? "" : between;
         text += table.columns[column].name;
         text += " = :";
         text += table.columns[column].name;
     }
     return text;
+}
+
+} // namespace
+
+std::string Matching(const StoreTable& table, std::span<const std::size_t> columns) {
+    return Equal(table, columns, " AND ");
+}
+
+std::string UpdateStatement(const StoreTable& table, std::span<const std::size_t> columns) {
+    return "UPDATE " + table.name + " SET " + Equal(table, columns, ", ") + " WHERE " +
+           Matching(table, table.key);
 }
 
 std::string InsertStatement(const StoreTable& table, std::span<const std::size_t> columns) {

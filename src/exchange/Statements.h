@@ -12,6 +12,9 @@ namespace KAL_AUTO_Node {
 // Leaves a row alone whose key is there already; then no row was written.
 [[nodiscard]] std::string InsertStatement(const StoreTable& table, std::span<const std::size_t> columns);
 
+// Sets those columns of the row of a key; the key's come last.
+[[nodiscard]] std::string UpdateStatement(const StoreTable& table, std::span<const std::size_t> columns);
+
 // Positions of all columns.
 [[nodiscard]] std::vector<std::size_t> AllColumns(const StoreTable& table);
 

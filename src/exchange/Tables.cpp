@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdint>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -40,11 +39,12 @@ class SchemaReader {
   private:
     void Take(const std::vector<std::string>& words, bool inside) {
         if (words.size() > 2 && words[0] == "CREATE" && words[1] == "TABLE") {
-            tables_.push_back({words[2], {}, {}});
+            tables_.push_back({words[2], {}, {}, false});
         } else if (inside && words.size() > 2 && words[0] == "PRIMARY" && words[1] == "KEY") {
             for (auto name = words.begin() + 2; name != words.end(); ++name) {
                 tables_.back().key.push_back(FindColumn(tables_.back(), *name).value());
             }
+            tables_.back().partitioned = words[2] == "ConfigID" || words[2] == "Config_ID";
         } else if (inside && words.size() > 1) {
             tables_.back().columns.push_back({words[0], words[1] == "INTEGER", words.size() > 2});
         }

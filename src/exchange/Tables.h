@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -22,7 +23,8 @@ using StoreRow = std::vector<std::optional<std::string>>;
 struct StoreTable {
     std::string name;
     std::vector<StoreColumn> columns;
-    std::vector<std::size_t> key; // positions of the columns that tell a row from all others
+    std::vector<std::size_t> key; // positions of the columns that tell a row from all others; all are numbers
+    bool partitioned = false;     // the key begins with configuration and partition
 };
 
 // In the order of the schema.
@@ -35,7 +37,7 @@ struct StoreTable {
 // "ConfigID 1, PartID 2, NodeNumber 3", for a person.
 [[nodiscard]] std::string KeyText(const StoreTable& table, const StoreRow& row);
 
-// The row's key as numbers, where each is one of 32 bits.
+// The row's key, to tell rows in their order.
 [[nodiscard]] std::vector<std::int64_t> KeyOf(const StoreTable& table, const StoreRow& row);
 
 // Why the column cannot hold the value, in words; nothing where it can. A number is brought into its one

@@ -186,14 +186,27 @@ void History::SetState(const NodePlace& place, int version, const char* state) {
                       {state, place.partition.config, place.partition.number, place.number, version});
 }
 
+void History::RequireIdle(const NodePlace& place) {
+    const auto versions = Versions(place);
+    if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
+        throw RuntimeError(ErrorNumber::Busy, Named(place) + " is being saved by " + AuthorText(*made) +
+                                                  " since " + LocalTime(made->begunAt));
+    }
+}
+
+NodeContent History::Keep(const NodePlace& place, const char* work) {
+    RequireIdle(place);
+    NodeContent before = ReadContent(dataBase_, place.partition, place.number);
+    const int version = Add(place, work, VersionState::Finished, before);
+    dataBase_.Execute(Command::Leave_AUTO_Versions,
+                      {place.partition.config, place.partition.number, place.number, version});
+    return before;
+}
+
 void History::PutBack(const NodePlace& place, int version, const char* work) {
     {
         Transaction all(dataBase_);
-        const auto versions = Versions(place);
-        if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
-            throw RuntimeError(ErrorNumber::Busy, Named(place) + " is being saved by " + AuthorText(*made) +
-                                                      " since " + LocalTime(made->begunAt));
-        }
+        RequireIdle(place);
         const NodeContent before = Before(place, version);
         if (!before.node) {
             throw RuntimeError(ErrorNumber::InvalidProcedureCall,

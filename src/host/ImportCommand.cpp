@@ -1,11 +1,14 @@
+#include "exchange/ExchangeImport.h"
 #include "exchange/FileKind.h"
 #include "exchange/JetImport.h"
+#include "host/Changes.h"
 #include "host/Commands.h"
 #include "host/Programs.h"
 #include "host/Table.h"
 #include "platform/NativePath.h"
 #include "platform/VisibleText.h"
 #include "store/CreateStore.h"
+#include "store/DataBase.h"
 #include "store/ParlonPlusFilesAndFolders.h"
 
 #include <iostream>
@@ -21,6 +24,7 @@ struct Options {
     std::string file;
     std::string into;
     bool damaged = false;
+    bool dryRun = false;
 };
 
 // A line that writes over itself, for a person who waits; none where nobody looks.
@@ -88,15 +92,77 @@ int BringOver(const Options& options) {
     return 0;
 }
 
+// A node that changes, and how.
+struct ChangedNode {
+    NodePlace place;
+    std::vector<std::string> changes;
+};
+
+void Print(const ChangedNode& node) {
+    const auto& [partition, number] = node.place;
+    std::cout << "AUTO node " << number << " of configuration " << partition.config << ", partition "
+              << partition.number << ":\n";
+    if (node.changes.empty()) {
+        std::cout << "    nothing that the editor shows\n";
+    } else {
+        PrintChanges(node.changes);
+    }
+}
+
+void Print(const ExchangeReport::Table& table) {
+    std::cout << table.name << ": " << table.added << " added, " << table.changed << " changed, "
+              << table.removed << " removed\n";
+    for (const std::string& row : table.rows) {
+        std::cout << "    " << Visible(row) << '\n';
+    }
+    if (table.untold > 0) {
+        std::cout << "    and " << table.untold << " more\n";
+    }
+}
+
+std::string Named(const std::optional<Partition>& scope) {
+    return scope ? "configuration " + std::to_string(scope->config) + ", partition " +
+                       std::to_string(scope->number)
+                 : "the whole store";
+}
+
+int CarryBack(const Options& options) {
+    const auto dataBase =
+        options.into.empty() ? std::make_unique<DataBase>() : std::make_unique<DataBase>(options.into);
+    std::vector<ChangedNode> nodes;
+    const ExchangeReport report =
+        ImportExchange(*dataBase, options.file, options.dryRun ? Import::OnlyTell : Import::Carry,
+                       [&](const NodePlace& place, const auto& before, const auto& after) {
+                           nodes.push_back({place, ChangesInWords(before, after)});
+                       });
+    std::cout << (options.dryRun ? "Would import " : "Imported ") << Named(report.scope) << " into "
+              << dataBase->File().string() << '\n';
+    for (const ChangedNode& node : nodes) {
+        Print(node);
+    }
+    for (const ExchangeReport::Table& table : report.tables) {
+        Print(table);
+    }
+    if (report.tables.empty()) {
+        std::cout << "Nothing differs\n";
+    }
+    return 0;
+}
+
 int Run(const Options& options) {
     switch (KindOf(options.file)) {
     case FileKind::Jet:
+        if (options.dryRun) {
+            throw std::runtime_error("a Jet file goes into a new store; --dry-run is for what export wrote");
+        }
         return BringOver(options);
     case FileKind::LaterJet:
         throw std::runtime_error("'" + options.file +
                                  "' has a later form than Jet 4; save it as Jet 4 first");
+    case FileKind::Json:
+        return CarryBack(options);
     default:
-        throw std::runtime_error("'" + options.file + "' is no Jet file");
+        throw std::runtime_error("'" + options.file + "' is neither a Jet file nor what export wrote");
     }
 }
 
@@ -105,12 +171,16 @@ int Run(const Options& options) {
 Subcommand ImportCommand(CLI::App& program) {
     auto options = std::make_shared<Options>();
     CLI::App* command = program.add_subcommand(
-        "import", "Bring over what an old Jet file (NewDB.mdb) holds into a new store");
-    command->add_option("FILE", options->file, "The file")->required()->type_name("");
+        "import",
+        "Bring an old Jet file (NewDB.mdb) over into a new store, or what export wrote back into one");
+    command->add_option("FILE", options->file, "The file; what it holds tells what it is")
+        ->required()
+        ->type_name("");
     command
         ->add_option("--into", options->into,
-                     "The new store's file; where the editor looks where none is given")
+                     "The store's file, a new one for a Jet file; where the editor looks where none is given")
         ->type_name("STORE");
+    command->add_flag("--dry-run", options->dryRun, "Only tell what would change; not for a Jet file");
     command->add_flag("--damaged", options->damaged, "Take what can be read of a damaged Jet file");
     return {command, [options] { return Run(*options); }};
 }
