@@ -1,9 +1,5 @@
 #pragma once
 
-#include "exchange/Tables.h"
-
-#include <nlohmann/json.hpp>
-
 namespace KAL_AUTO_Node {
 
 // The names of the text form that stores are carried over in; docs/exchange.md describes it.

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <istream>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <set>
 #include <utility>
 #include <vector>
@@ -212,12 +213,16 @@ class Handler {
     }
 
     bool parse_error(std::size_t /*position*/, const std::string& /*token*/, const Json::exception& error) {
-        // Behind the library's own number and place, which a person cannot look up.
+        if (tablesBegun_ && place_ == Place::Outside) {
+            Fail("something stands behind its end");
+        }
+        if (source_.AtEnd()) {
+            Fail("it ends before it is whole");
+        }
+        // Without the library's own number and place, which a person cannot look up.
         const std::string what = error.what();
         const auto colon = what.find(": ");
-        Fail(source_.AtEnd()
-                 ? "it ends before it is whole"
-                 : "it is no JSON: " + (colon == std::string::npos ? what : what.substr(colon + 2)));
+        Fail("it is no JSON: " + (colon == std::string::npos ? what : what.substr(colon + 2)));
     }
 
   private:

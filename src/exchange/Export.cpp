@@ -8,6 +8,7 @@
 #include "store/DataBase.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 namespace KAL_AUTO_Node {
 
@@ -138,7 +139,7 @@ std::uint64_t Export(DataBase& dataBase, std::optional<Partition> scope, const s
         place = file;
     }
     if (std::filesystem::exists(place, ignored) && !std::filesystem::is_empty(place, ignored) &&
-        KindOf(place) != FileKind::Json) {
+        KindOf(place) != FileKind::Exchange) {
         throw RuntimeError(ErrorNumber::PermissionDenied,
                            "'" + file.string() + "' is something else than an export, and is left as it is");
     }

@@ -1,5 +1,6 @@
 #include "exchange/FileKind.h"
 
+#include "exchange/ExchangeFormat.h"
 #include "platform/RuntimeError.h"
 
 #include <cerrno>
@@ -52,7 +53,10 @@ FileKind KindOf(const std::filesystem::path& file) {
         head.remove_prefix(ByteOrderMark.size());
     }
     const auto first = head.find_first_not_of(" \t\r\n");
-    return first != std::string_view::npos && head[first] == '{' ? FileKind::Json : FileKind::Other;
+    if (first == std::string_view::npos || head[first] != '{') {
+        return FileKind::Other;
+    }
+    return head.find(Exchange::Format) != std::string_view::npos ? FileKind::Exchange : FileKind::Json;
 }
 
 } // namespace KAL_AUTO_Node

@@ -8,7 +8,8 @@ namespace KAL_AUTO_Node {
 enum class FileKind {
     Jet,      // Jet 3 or 4
     LaterJet, // of the formats after Jet 4
-    Json,
+    Exchange, // what export wrote (docs/exchange.md)
+    Json,     // other JSON
     Other,
 };
 

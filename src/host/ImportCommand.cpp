@@ -159,6 +159,7 @@ int Run(const Options& options) {
     case FileKind::LaterJet:
         throw std::runtime_error("'" + options.file +
                                  "' has a later form than Jet 4; save it as Jet 4 first");
+    case FileKind::Exchange:
     case FileKind::Json:
         return CarryBack(options);
     default:
