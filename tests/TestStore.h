@@ -1,7 +1,7 @@
 #pragma once
 
 #include "TestServer.h"
-#include "store/CreateStore.h"
+#include "store/CreateServerStore.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 

@@ -2,16 +2,13 @@
 
 #include "platform/RuntimeError.h"
 #include "store/Batch.h"
+#include "store/Scripts.h"
 
 #include <algorithm>
 
 namespace KAL_AUTO_Node {
 
 namespace {
-
-constexpr const char* Tables =
-#include "store/HistoryTables.inc"
-    ;
 
 constexpr const char* VersionTable = "Node_AUTO_Version";
 
@@ -38,7 +35,7 @@ bool History::Prepare() {
     TryToMarkEnded();
     if (!Exists()) {
         try {
-            dataBase_.MakeTables(Tables);
+            dataBase_.MakeTables(HistoryScript);
         } catch (const RuntimeError& error) {
             // Another workstation may have made them meanwhile; where they may not be made, saving goes on
             // without.
@@ -189,14 +186,29 @@ void History::SetState(Batch& batch, const NodePlace& place, int version, const 
               {state, place.partition.config, place.partition.number, place.number, version});
 }
 
+void History::RequireIdle(const NodePlace& place) {
+    const auto versions = Versions(place);
+    if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
+        throw RuntimeError(ErrorNumber::Busy, Named(place) + " is being saved by " + AuthorText(*made) +
+                                                  " since " + LocalTime(made->begunAt));
+    }
+}
+
+NodeContent History::Keep(const NodePlace& place, const char* work) {
+    RequireIdle(place);
+    NodeContent before = ReadContent(dataBase_, place.partition, place.number);
+    Batch batch(dataBase_);
+    const int version = Add(batch, place, work, VersionState::Finished, before);
+    batch.Add(Command::Leave_AUTO_Versions,
+              {place.partition.config, place.partition.number, place.number, version});
+    batch.Run();
+    return before;
+}
+
 void History::PutBack(const NodePlace& place, int version, const char* work) {
     {
         Transaction all(dataBase_, place.Number());
-        const auto versions = Versions(place);
-        if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
-            throw RuntimeError(ErrorNumber::Busy, Named(place) + " is being saved by " + AuthorText(*made) +
-                                                      " since " + LocalTime(made->begunAt));
-        }
+        RequireIdle(place);
         const NodeContent before = Before(place, version);
         if (!before.node) {
             throw RuntimeError(ErrorNumber::InvalidProcedureCall,

@@ -50,6 +50,10 @@ class History {
     int Add(Batch& batch, const NodePlace& place, const char* work, const char* state,
             const NodeContent& before);
 
+    // Keeps the node as it is, before a change that is whole with the transaction that this is part of;
+    // returns what is kept. Raises Busy while the node is being saved.
+    NodeContent Keep(const NodePlace& place, const char* work);
+
     // Makes the store hold the node as it was before a change, in one step that is itself a version. Raises
     // Busy while the node is being saved.
     void PutBack(const NodePlace& place, int version, const char* work);
@@ -65,6 +69,7 @@ class History {
     };
 
     [[nodiscard]] std::vector<Version> Stored(const NodePlace& place);
+    void RequireIdle(const NodePlace& place);
     void MarkEnded();
     void TryToMarkEnded() noexcept;
     void Forget(const NodePlace& place, int version);

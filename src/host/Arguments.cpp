@@ -6,15 +6,19 @@
 namespace KAL_AUTO_Node {
 
 // By itself the parser takes octal numbers and empty texts, too.
+std::int16_t ReadNumber(const std::string& name, const std::string& text) {
+    std::int16_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, failure] = std::from_chars(text.data(), end, number);
+    if (failure != std::errc() || stop != end) {
+        throw CLI::ValidationError(name, "'" + text + "' is no whole number from -32768 to 32767");
+    }
+    return number;
+}
+
 CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::int16_t& number,
                        const std::string& description) {
-    const auto read = [name, &number](const std::string& text) {
-        const char* const end = text.data() + text.size();
-        const auto [stop, failure] = std::from_chars(text.data(), end, number);
-        if (failure != std::errc() || stop != end) {
-            throw CLI::ValidationError(name, "'" + text + "' is no whole number from -32768 to 32767");
-        }
-    };
+    const auto read = [name, &number](const std::string& text) { number = ReadNumber(name, text); };
     return command.add_option_function<std::string>(name, read, description)->type_name("");
 }
 

@@ -11,7 +11,8 @@ namespace KAL_AUTO_Node {
 
 // What the commands take alike.
 
-// A whole number of 16 bits, in decimal.
+// A whole number of 16 bits, in decimal. Throws CLI::ValidationError for another text.
+[[nodiscard]] std::int16_t ReadNumber(const std::string& name, const std::string& text);
 CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::int16_t& number,
                        const std::string& description);
 

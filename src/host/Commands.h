@@ -15,7 +15,9 @@ struct Subcommand {
 
 [[nodiscard]] Subcommand EditCommand(CLI::App& program);
 [[nodiscard]] Subcommand DiffCommand(CLI::App& program);
+[[nodiscard]] Subcommand ExportCommand(CLI::App& program);
 [[nodiscard]] Subcommand HistoryCommand(CLI::App& program);
+[[nodiscard]] Subcommand ImportCommand(CLI::App& program);
 [[nodiscard]] Subcommand InitCommand(CLI::App& program);
 [[nodiscard]] Subcommand ListCommand(CLI::App& program);
 [[nodiscard]] Subcommand PruneCommand(CLI::App& program);

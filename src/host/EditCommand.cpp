@@ -1,10 +1,10 @@
 #include "host/Arguments.h"
 #include "host/Commands.h"
+#include "host/Programs.h"
 
 #include <array>
 #include <cerrno>
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -24,13 +24,6 @@ bool HasDisplay() {
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
 }
 
-// The program that shows the window: beside this one where it was built, else where it is installed.
-std::filesystem::path WindowProgram() {
-    const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-    const auto built = folder / "auto-node-edit";
-    return exists(built) ? built : (folder / KAL_AUTO_NODE_LIBEXEC / "auto-node-edit").lexically_normal();
-}
-
 } // namespace
 
 Subcommand EditCommand(CLI::App& program) {
@@ -43,7 +36,7 @@ Subcommand EditCommand(CLI::App& program) {
                 throw std::runtime_error("there is no display to show the editor on (DISPLAY is not set)");
             }
             // The window's program takes the place of this one, so that no other command loads the toolkit.
-            std::string file = WindowProgram().string();
+            std::string file = ProgramOfOurs("auto-node-edit").string();
             std::array<std::string, 3> numbers = {
                 std::to_string(place->config), std::to_string(place->partition), std::to_string(place->node)};
             std::array<char*, 5> arguments = {file.data(), numbers[0].data(), numbers[1].data(),

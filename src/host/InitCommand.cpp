@@ -1,6 +1,6 @@
 #include "host/Commands.h"
 #include "platform/NativePath.h"
-#include "store/CreateStore.h"
+#include "store/CreateServerStore.h"
 #include "store/ParlonPlusFilesAndFolders.h"
 #include "store/ServerLink.h"
 

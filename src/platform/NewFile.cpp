@@ -102,18 +102,29 @@ NewFile::~NewFile() {
 
 void NewFile::Write(std::string_view content) {
     Require(ftruncate(file_.Number(), 0) == 0);
+    Append(content);
+    Require(fsync(file_.Number()) == 0);
+}
+
+void NewFile::Append(std::string_view content) {
     while (!content.empty()) {
         const ssize_t written = write(file_.Number(), content.data(), content.size());
         Require(written >= 0 || errno == EINTR);
         content.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
     }
-    Require(fsync(file_.Number()) == 0);
 }
 
 void NewFile::Place() {
     placed_ = renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, place_.c_str(), RENAME_NOREPLACE) == 0;
     // Not every file system knows that way.
     Require(placed_ || (errno == EINVAL && link(name_.c_str(), place_.c_str()) == 0));
+    SyncFolder(place_.parent_path());
+}
+
+void NewFile::Replace() {
+    Require(fsync(file_.Number()) == 0);
+    placed_ = rename(name_.c_str(), place_.c_str()) == 0;
+    Require(placed_);
     SyncFolder(place_.parent_path());
 }
 

@@ -53,10 +53,17 @@ class NewFile {
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
 
+    // The name that it is written under.
+    [[nodiscard]] const std::filesystem::path& Name() const noexcept { return name_; }
+
     // The whole content; it is on disk when the call returns.
     void Write(std::string_view content);
+    // More of it, at its end; on disk with Replace.
+    void Append(std::string_view content);
     // Fails where something lies there already.
     void Place();
+    // Takes the place of what lies there.
+    void Replace();
 
   private:
     std::filesystem::path place_;

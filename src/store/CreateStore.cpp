@@ -2,12 +2,15 @@
 
 #include "platform/NewFile.h"
 #include "platform/RuntimeError.h"
-#include "store/PostgresConnection.h"
+#include "store/DataBase.h"
+#include "store/Scripts.h"
 #include "store/StoreFormat.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -17,21 +20,11 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-constexpr const char* Schema =
-#include "store/Schema.inc"
-    ;
-
-constexpr const char* HistoryTables =
-#include "store/HistoryTables.inc"
-    ;
-
-constexpr const char* Demo =
-#include "store/Demo.inc"
-    ;
-
 // The engine would take the journal of a store that is gone for one of the new store's.
+constexpr std::array<const char*, 2> JournalEndings = {"-journal", "-wal"};
+
 void RequireFree(const std::filesystem::path& file) {
-    for (const char* ending : {"", "-journal", "-wal"}) {
+    for (const char* ending : {"", JournalEndings[0], JournalEndings[1]}) {
         const std::filesystem::path other = file.string() + ending;
         std::error_code ignored;
         if (std::filesystem::exists(std::filesystem::symlink_status(other, ignored))) {
@@ -44,10 +37,10 @@ void RequireFree(const std::filesystem::path& file) {
 std::string StoreImage(StoreContent content) {
     SQLite::Database database(":memory:", SQLite::OPEN_READWRITE);
     SQLite::Transaction all(database);
-    database.exec(Schema);
-    database.exec(HistoryTables);
+    database.exec(SchemaScript);
+    database.exec(HistoryScript);
     if (content == StoreContent::Demo) {
-        database.exec(Demo);
+        database.exec(DemoScript);
     }
     database.exec("PRAGMA application_id = " + std::to_string(StoreApplicationId));
     database.exec("PRAGMA user_version = " + std::to_string(StoreVersion));
@@ -66,61 +59,60 @@ std::string StoreImage(StoreContent content) {
     return image;
 }
 
-// Writes the file into its place; the folders above it stay only with it.
-void PlaceFile(const std::filesystem::path& file, std::string_view content, NewFile::Readers readers) {
-    NewFolders folders(file.parent_path());
-    NewFile made(file, readers);
-    made.Write(content);
-    made.Place();
-    folders.Keep();
+bool HasJournal(const std::filesystem::path& file) {
+    return std::ranges::any_of(
+        JournalEndings, [&](const char* ending) { return std::filesystem::exists(file.string() + ending); });
 }
 
-ServerStore MakeTables(PostgresConnection& server, StoreContent content) {
-    if (server.HasTable("Node_AUTO")) {
-        if (content == StoreContent::Demo) {
-            throw std::runtime_error("there is a store on " + server.Place() + " already");
-        }
-        return ServerStore::Found;
+void RemoveJournals(const std::filesystem::path& file) {
+    for (const char* ending : JournalEndings) {
+        std::filesystem::remove(file.string() + ending);
     }
-    server.Begin(std::nullopt);
-    server.RunScript(Schema);
-    server.RunScript(HistoryTables);
-    if (content == StoreContent::Demo) {
-        server.RunScript(Demo);
-    }
-    server.RunScript(("COMMENT ON TABLE Node_AUTO IS '" + VersionComment() + '\'').c_str());
-    server.Commit();
-    return ServerStore::Made;
 }
 
-[[noreturn]] void Fail(const std::filesystem::path& file, const std::runtime_error& error) {
-    throw RuntimeError(ErrorNumber::StoreFailure,
-                       "Cannot create the store '" + file.string() + "': " + error.what());
+// Under the name that the store has until it is whole. Its journals are carried over and gone at the end.
+void Fill(const std::filesystem::path& file, const std::function<void(DataBase&)>& fill) {
+    DataBase dataBase(file);
+    Transaction all(dataBase);
+    fill(dataBase);
+    all.Commit();
+    dataBase.Flush();
+}
+
+void Create(const std::filesystem::path& file, StoreContent content,
+            const std::function<void(const std::filesystem::path&)>& fill) {
+    try {
+        const std::string image = StoreImage(content);
+        RequireFree(file);
+        NewFolders folders(file.parent_path());
+        NewFile made(file);
+        made.Write(image);
+        fill(made.Name());
+        made.Place();
+        folders.Keep();
+    } catch (const RuntimeError&) {
+        throw;
+    } catch (const std::runtime_error& error) {
+        throw RuntimeError(ErrorNumber::StoreFailure,
+                           "Cannot create the store '" + file.string() + "': " + error.what());
+    }
 }
 
 } // namespace
 
 void CreateStore(const std::filesystem::path& file, StoreContent content) {
-    try {
-        const std::string image = StoreImage(content);
-        RequireFree(file);
-        PlaceFile(file, image, NewFile::Readers::Any);
-    } catch (const std::runtime_error& error) {
-        Fail(file, error);
-    }
+    Create(file, content, [](const std::filesystem::path&) {});
 }
 
-ServerStore CreateServerStore(const std::filesystem::path& file, const std::string& uri,
-                              StoreContent content) {
-    try {
-        RequireFree(file);
-        PostgresConnection server(uri, PostgresConnection::Wanted::Database);
-        const ServerStore store = MakeTables(server, content);
-        PlaceFile(file, uri + '\n', NewFile::Readers::Owner);
-        return store;
-    } catch (const std::runtime_error& error) {
-        Fail(file, error);
-    }
+void CreateStore(const std::filesystem::path& file, const std::function<void(DataBase&)>& fill) {
+    Create(file, StoreContent::Empty, [&](const std::filesystem::path& begun) {
+        // Of one that was killed.
+        RemoveJournals(begun);
+        Fill(begun, fill);
+        if (HasJournal(begun)) {
+            throw std::runtime_error("what was written is not all in its file");
+        }
+    });
 }
 
 } // namespace KAL_AUTO_Node

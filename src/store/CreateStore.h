@@ -1,9 +1,11 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
+#include <functional>
 
 namespace KAL_AUTO_Node {
+
+class DataBase;
 
 enum class StoreContent { Empty, Demo };
 
@@ -12,13 +14,8 @@ enum class StoreContent { Empty, Demo };
 // untouched.
 void CreateStore(const std::filesystem::path& file, StoreContent content);
 
-// Whether there was a store already, to which others have links, too.
-enum class ServerStore { Made, Found };
-
-// Creates a store's tables in the database that a connection URI names, unless they are there, and a file,
-// for its owner alone, that stands for them. Raises StoreFailure as above, and where a store is there that
-// demo content would have to be put into.
-ServerStore CreateServerStore(const std::filesystem::path& file, const std::string& uri,
-                              StoreContent content);
+// Creates a store as fill makes it out of an empty one, in one transaction. Nobody sees it before that; where
+// fill throws, nothing was made, and the error goes on.
+void CreateStore(const std::filesystem::path& file, const std::function<void(DataBase&)>& fill);
 
 } // namespace KAL_AUTO_Node

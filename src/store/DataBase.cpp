@@ -202,6 +202,10 @@ ResultSet DataBase::Query(Command command, Parameters parameters) {
     });
 }
 
+std::unique_ptr<Statement> DataBase::Prepare(const std::string& sql) {
+    return Describing("preparing ", sql, [&] { return Open().Prepare(sql); });
+}
+
 void DataBase::Flush() {
     if (connection_) {
         Describing("making the changes last", "", [this] { connection_->Flush(); });

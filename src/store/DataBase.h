@@ -143,6 +143,10 @@ class DataBase {
     std::int64_t Execute(Command command, Parameters parameters);
     [[nodiscard]] ResultSet Query(Command command, Parameters parameters);
 
+    // A statement that is no named command, for work on whole tables. It ends before the data base does, and
+    // its errors are the engine's own.
+    [[nodiscard]] std::unique_ptr<Statement> Prepare(const std::string& sql);
+
     // Makes all that was written so far outlast a power cut. Call it at the end of a run of statements.
     void Flush();
 

@@ -1,0 +1,389 @@
+#include "exchange/ExchangeReader.h"
+
+#include "exchange/ExchangeFormat.h"
+#include "platform/RuntimeError.h"
+
+#include <algorithm>
+#include <istream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <utility>
+#include <vector>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+using Json = nlohmann::json;
+
+// No row is that long; what is would only fill the memory.
+constexpr std::size_t MostLineBytes = 64U << 20U;
+constexpr std::size_t BytesAtOnce = 64U << 10U;
+
+[[noreturn]] void FailForm(std::uint64_t line, const std::string& why) {
+    throw RuntimeError(ErrorNumber::StoreNotRecognized, "line " + std::to_string(line) + ": " + why);
+}
+
+// The text's bytes as they are read, and where that is.
+class Source {
+  public:
+    explicit Source(std::istream& text) : text_(text), buffer_(BytesAtOnce) { Fill(); }
+
+    [[nodiscard]] bool AtEnd() const { return at_ == end_; }
+
+    [[nodiscard]] char Byte() const { return buffer_[at_]; }
+
+    void Next() {
+        if (buffer_[at_] == '\n') {
+            ++line_;
+            lineBytes_ = 0;
+        } else if (++lineBytes_ > MostLineBytes) {
+            FailForm(line_, "it is longer than any row");
+        }
+        if (++at_ == end_) {
+            Fill();
+        }
+    }
+
+    [[nodiscard]] std::uint64_t Line() const { return line_; }
+
+  private:
+    void Fill() {
+        text_.read(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
+        at_ = 0;
+        end_ = static_cast<std::size_t>(text_.gcount());
+        if (text_.bad()) {
+            FailForm(line_, "the rest cannot be read");
+        }
+    }
+
+    std::istream& text_;
+    std::vector<char> buffer_;
+    std::size_t at_ = 0;
+    std::size_t end_ = 0;
+    std::uint64_t line_ = 1;
+    std::size_t lineBytes_ = 0;
+};
+
+// As the parser wants to go over it; none is at the end.
+class Position {
+  public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char*;
+    using reference = char;
+
+    explicit Position(Source* source = nullptr) : source_(source) {}
+
+    char operator*() const { return source_->Byte(); }
+
+    Position& operator++() {
+        source_->Next();
+        return *this;
+    }
+
+    bool operator==(const Position& other) const { return IsEnd() == other.IsEnd(); }
+
+    bool operator!=(const Position& other) const { return !(*this == other); }
+
+  private:
+    [[nodiscard]] bool IsEnd() const { return source_ == nullptr || source_->AtEnd(); }
+
+    Source* source_;
+};
+
+int DigitOf(char c) {
+    if (c >= '0' && c <= '9') {
+        return c - '0';
+    }
+    return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
+}
+
+// What the parser tells of the text, in the words of its library.
+class Handler {
+  public:
+    Handler(const Source& source, ExchangeSink& sink) : source_(source), sink_(sink) {}
+
+    bool null() { return Value(std::nullopt, Kind::Null); }
+
+    bool boolean(bool /*value*/) { Fail("true and false stand nowhere in this form"); }
+
+    bool number_integer(Json::number_integer_t number) { return Value(std::to_string(number), Kind::Number); }
+
+    bool number_unsigned(Json::number_unsigned_t number) {
+        return Value(std::to_string(number), Kind::Number);
+    }
+
+    bool number_float(Json::number_float_t /*number*/, const std::string& text) {
+        return Value(text, Kind::Number);
+    }
+
+    bool string(std::string& text) { return Value(std::move(text), Kind::Text); }
+
+    bool binary(Json::binary_t& /*bytes*/) { Fail("bytes stand nowhere in this form"); }
+
+    bool start_object(std::size_t /*members*/) {
+        switch (place_) {
+        case Place::Outside:
+            place_ = Place::Head;
+            break;
+        case Place::Tables:
+            if (tablesBegun_) {
+                Fail("a table is a list of rows");
+            }
+            tablesBegun_ = true;
+            break;
+        case Place::Rows:
+            place_ = Place::Row;
+            row_.assign(table_->columns.size(), std::nullopt);
+            given_.assign(table_->columns.size(), false);
+            column_.reset();
+            break;
+        case Place::Row:
+            place_ = Place::Bytes;
+            bytes_.reset();
+            break;
+        default:
+            Fail("nothing is told by an object here");
+        }
+        return true;
+    }
+
+    bool key(std::string& name) {
+        switch (place_) {
+        case Place::Head:
+            BeginMember(name);
+            break;
+        case Place::Tables:
+            BeginTable(name);
+            break;
+        case Place::Row:
+            BeginColumn(name);
+            break;
+        default:
+            if (name != Exchange::BytesMember || bytes_) {
+                Fail("a value that is no text has one member, bytes");
+            }
+        }
+        return true;
+    }
+
+    bool end_object() {
+        switch (place_) {
+        case Place::Row:
+            EndRow();
+            place_ = Place::Rows;
+            break;
+        case Place::Bytes:
+            if (!bytes_) {
+                Fail("a value that is no text has one member, bytes");
+            }
+            place_ = Place::Row;
+            Put(std::exchange(bytes_, std::nullopt), Kind::Text);
+            break;
+        case Place::Tables:
+            place_ = Place::Head;
+            break;
+        default:
+            if (!tablesBegun_) {
+                Fail("it holds no tables");
+            }
+            place_ = Place::Outside;
+        }
+        return true;
+    }
+
+    bool start_array(std::size_t /*items*/) {
+        if (place_ != Place::Tables || table_ == nullptr) {
+            Fail("nothing is told by a list here");
+        }
+        place_ = Place::Rows;
+        before_.clear();
+        sink_.TakeTable(*table_);
+        return true;
+    }
+
+    bool end_array() {
+        sink_.TakeEndOfTable();
+        place_ = Place::Tables;
+        table_ = nullptr;
+        return true;
+    }
+
+    bool parse_error(std::size_t /*position*/, const std::string& /*token*/, const Json::exception& error) {
+        if (tablesBegun_ && place_ == Place::Outside) {
+            Fail("something stands behind its end");
+        }
+        if (source_.AtEnd()) {
+            Fail("it ends before it is whole");
+        }
+        // Without the library's own number and place, which a person cannot look up.
+        const std::string what = error.what();
+        const auto colon = what.find(": ");
+        Fail("it is no JSON: " + (colon == std::string::npos ? what : what.substr(colon + 2)));
+    }
+
+  private:
+    enum class Place { Outside, Head, Tables, Rows, Row, Bytes };
+    enum class Kind { Null, Number, Text };
+
+    [[noreturn]] void Fail(const std::string& why) const { FailForm(source_.Line(), why); }
+
+    void BeginMember(const std::string& name) {
+        if (!members_.insert(name).second) {
+            Fail("\"" + name + "\" stands there twice");
+        }
+        member_ = name;
+        if (name != Exchange::TablesMember) {
+            return;
+        }
+        if (!members_.contains(Exchange::FormatMember) || !members_.contains(Exchange::VersionMember)) {
+            Fail("its format and version do not stand before its tables");
+        }
+        if (config_.has_value() != partition_.has_value()) {
+            Fail("a partition is told by both config and partition");
+        }
+        if (config_) {
+            scope_ = {*config_, *partition_};
+        }
+        place_ = Place::Tables;
+        sink_.TakeScope(scope_);
+    }
+
+    void BeginTable(const std::string& name) {
+        table_ = FindTable(name);
+        if (table_ == nullptr) {
+            Fail("there is no table " + name);
+        }
+        if (!tables_.insert(table_).second) {
+            Fail("the table " + name + " stands there twice");
+        }
+        if (scope_ && !table_->partitioned) {
+            Fail("the table " + name + " is none of a partition's");
+        }
+    }
+
+    void BeginColumn(const std::string& name) {
+        column_ = FindColumn(*table_, name);
+        if (!column_) {
+            Fail(table_->name + " has no column " + name);
+        }
+        if (given_[*column_]) {
+            Fail("the column " + name + " stands there twice");
+        }
+        given_[*column_] = true;
+    }
+
+    bool Value(std::optional<std::string> value, Kind kind) {
+        switch (place_) {
+        case Place::Head:
+            PutMember(value.value_or(""), kind);
+            break;
+        case Place::Row:
+            Put(std::move(value), kind);
+            break;
+        case Place::Bytes:
+            PutBytes(value.value_or(""), kind);
+            break;
+        default:
+            Fail("no value stands here by itself");
+        }
+        return true;
+    }
+
+    void PutMember(const std::string& value, Kind kind) {
+        const auto number = [&]() -> std::int16_t {
+            std::optional<std::string> text = value;
+            const auto why = WhyNot({member_, true, true}, text);
+            const int whole = why || kind != Kind::Number ? INT32_MAX : std::stoi(*text);
+            if (!std::in_range<std::int16_t>(whole)) {
+                Fail("\"" + member_ + "\" is no number of a partition");
+            }
+            return static_cast<std::int16_t>(whole);
+        };
+        if (member_ == Exchange::FormatMember) {
+            if (kind != Kind::Text || value != Exchange::Format) {
+                Fail("it is no export of auto-node");
+            }
+        } else if (member_ == Exchange::VersionMember) {
+            if (kind != Kind::Number || value != std::to_string(Exchange::Version)) {
+                Fail("it is of a version that is not known here; this is version " +
+                     std::to_string(Exchange::Version));
+            }
+        } else if (member_ == Exchange::ConfigMember && !tablesBegun_) {
+            config_ = number();
+        } else if (member_ == Exchange::PartitionMember && !tablesBegun_) {
+            partition_ = number();
+        } else {
+            Fail("\"" + member_ + "\" means nothing here");
+        }
+    }
+
+    void PutBytes(const std::string& digits, Kind kind) {
+        if (kind != Kind::Text || digits.size() % 2 != 0 ||
+            !std::ranges::all_of(digits, [](char c) { return DigitOf(c) >= 0; })) {
+            Fail("bytes are a text of two digits each, 0 to 9 and a to f");
+        }
+        bytes_.emplace();
+        for (std::size_t at = 0; at < digits.size(); at += 2) {
+            *bytes_ += static_cast<char>(DigitOf(digits[at]) * 16 + DigitOf(digits[at + 1]));
+        }
+    }
+
+    void Put(std::optional<std::string> value, Kind kind) {
+        const StoreColumn& column = table_->columns[*column_];
+        if (kind == Kind::Number && !column.number) {
+            Fail(column.name + " is a text, and stands in quotes");
+        }
+        if (const auto why = WhyNot(column, value)) {
+            Fail(column.name + ' ' + *why);
+        }
+        row_[*column_] = std::move(value);
+    }
+
+    void EndRow() {
+        if (const auto missing = std::ranges::find(given_, false); missing != given_.end()) {
+            Fail("the row has no " +
+                 table_->columns[static_cast<std::size_t>(missing - given_.begin())].name);
+        }
+        auto key = KeyOf(*table_, row_);
+        if (!before_.empty() && key <= before_) {
+            Fail("the rows of " + table_->name + " stand in the order of their keys, no key twice; " +
+                 KeyText(*table_, row_) + " does not");
+        }
+        if (scope_ && (key[0] != scope_->config || key[1] != scope_->number)) {
+            Fail("the row is one of another partition");
+        }
+        before_ = std::move(key);
+        sink_.TakeRow(row_);
+    }
+
+    const Source& source_;
+    ExchangeSink& sink_;
+    Place place_ = Place::Outside;
+    std::set<std::string> members_;
+    std::string member_;
+    std::optional<std::int16_t> config_;
+    std::optional<std::int16_t> partition_;
+    std::optional<Partition> scope_;
+    bool tablesBegun_ = false;
+    std::set<const StoreTable*> tables_;
+    const StoreTable* table_ = nullptr;
+    std::optional<std::size_t> column_;
+    StoreRow row_;
+    std::vector<bool> given_;
+    std::vector<std::int64_t> before_; // the key of the row before
+    std::optional<std::string> bytes_;
+};
+
+} // namespace
+
+void ReadExchange(std::istream& text, ExchangeSink& sink) {
+    Source source(text);
+    Handler handler(source, sink);
+    Json::sax_parse(Position(&source), Position(), &handler);
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,52 @@
+#include "exchange/Statements.h"
+
+#include <numeric>
+
+namespace KAL_AUTO_Node {
+
+std::vector<std::size_t> AllColumns(const StoreTable& table) {
+    std::vector<std::size_t> columns(table.columns.size());
+    std::iota(columns.begin(), columns.end(), std::size_t{0});
+    return columns;
+}
+
+std::string Listed(const StoreTable& table, std::span<const std::size_t> columns, const char* prefix) {
+    std::string text;
+    for (const std::size_t column : columns) {
+        text += text.empty() ? "" : ", ";
+        text += prefix;
+        text += table.columns[column].name;
+    }
+    return text;
+}
+
+namespace {
+
+std::string Equal(const StoreTable& table, std::span<const std::size_t> columns, const char* between) {
+    std::string text;
+    for (const std::size_t column : columns) {
+        text += text.empty() ? "" : between;
+        text += table.columns[column].name;
+        text += " = :";
+        text += table.columns[column].name;
+    }
+    return text;
+}
+
+} // namespace
+
+std::string Matching(const StoreTable& table, std::span<const std::size_t> columns) {
+    return Equal(table, columns, " AND ");
+}
+
+std::string UpdateStatement(const StoreTable& table, std::span<const std::size_t> columns) {
+    return "UPDATE " + table.name + " SET " + Equal(table, columns, ", ") + " WHERE " +
+           Matching(table, table.key);
+}
+
+std::string InsertStatement(const StoreTable& table, std::span<const std::size_t> columns) {
+    return "INSERT INTO " + table.name + " (" + Listed(table, columns) + ") VALUES (" +
+           Listed(table, columns, ":") + ") ON CONFLICT DO NOTHING";
+}
+
+} // namespace KAL_AUTO_Node

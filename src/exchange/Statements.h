@@ -1,0 +1,28 @@
+#pragma once
+
+#include "exchange/Tables.h"
+
+#include <span>
+#include <string>
+
+namespace KAL_AUTO_Node {
+
+// Statements on one of the tables. Parameters stand in the order of the columns that they are for.
+
+// Leaves a row alone whose key is there already; then no row was written.
+[[nodiscard]] std::string InsertStatement(const StoreTable& table, std::span<const std::size_t> columns);
+
+// Sets those columns of the row of a key; the key's come last.
+[[nodiscard]] std::string UpdateStatement(const StoreTable& table, std::span<const std::size_t> columns);
+
+// Positions of all columns.
+[[nodiscard]] std::vector<std::size_t> AllColumns(const StoreTable& table);
+
+// "ConfigID = :ConfigID AND PartID = :PartID"
+[[nodiscard]] std::string Matching(const StoreTable& table, std::span<const std::size_t> columns);
+
+// "ConfigID, PartID"; with another text between them and before each.
+[[nodiscard]] std::string Listed(const StoreTable& table, std::span<const std::size_t> columns,
+                                 const char* prefix = "");
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,55 @@
+#include "store/CreateServerStore.h"
+
+#include "platform/NewFile.h"
+#include "platform/RuntimeError.h"
+#include "store/PostgresConnection.h"
+#include "store/Scripts.h"
+#include "store/StoreFormat.h"
+
+#include <stdexcept>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+ServerStore MakeTables(PostgresConnection& server, StoreContent content) {
+    if (server.HasTable("Node_AUTO")) {
+        if (content == StoreContent::Demo) {
+            throw std::runtime_error("there is a store on " + server.Place() + " already");
+        }
+        return ServerStore::Found;
+    }
+    server.Begin(std::nullopt);
+    server.RunScript(SchemaScript);
+    server.RunScript(HistoryScript);
+    if (content == StoreContent::Demo) {
+        server.RunScript(DemoScript);
+    }
+    server.RunScript(("COMMENT ON TABLE Node_AUTO IS '" + VersionComment() + '\'').c_str());
+    server.Commit();
+    return ServerStore::Made;
+}
+
+} // namespace
+
+ServerStore CreateServerStore(const std::filesystem::path& file, const std::string& uri,
+                              StoreContent content) {
+    try {
+        NewFolders folders(file.parent_path());
+        NewFile link(file, NewFile::Readers::Owner);
+        link.Write(uri + '\n');
+        if (std::filesystem::exists(std::filesystem::symlink_status(file))) {
+            throw std::runtime_error("it exists already");
+        }
+        PostgresConnection server(uri, PostgresConnection::Wanted::Database);
+        const ServerStore store = MakeTables(server, content);
+        link.Place();
+        folders.Keep();
+        return store;
+    } catch (const std::runtime_error& error) {
+        throw RuntimeError(ErrorNumber::StoreFailure,
+                           "Cannot create the store '" + file.string() + "': " + error.what());
+    }
+}
+
+} // namespace KAL_AUTO_Node

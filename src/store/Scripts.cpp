@@ -1,0 +1,17 @@
+#include "store/Scripts.h"
+
+namespace KAL_AUTO_Node {
+
+const char* const SchemaScript =
+#include "store/Schema.inc"
+    ;
+
+const char* const HistoryScript =
+#include "store/HistoryTables.inc"
+    ;
+
+const char* const DemoScript =
+#include "store/Demo.inc"
+    ;
+
+} // namespace KAL_AUTO_Node

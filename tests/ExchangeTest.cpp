@@ -1,0 +1,290 @@
+#include "TestStore.h"
+#include "exchange/ExchangeImport.h"
+#include "exchange/Export.h"
+#include "exchange/Tables.h"
+#include "history/NodeSave.h"
+#include "nodes/AutoNodeReader.h"
+#include "platform/RuntimeError.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+namespace KAL_AUTO_Node {
+namespace {
+
+std::string BytesOf(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void Write(const std::filesystem::path& file, const std::string& bytes) {
+    std::ofstream(file, std::ios::binary) << bytes;
+}
+
+std::string ExportOf(const TestStore& store, std::optional<Partition> scope = {}) {
+    DataBase dataBase;
+    Export(dataBase, scope, store.Folder() / "out.json");
+    return BytesOf(store.Folder() / "out.json");
+}
+
+// The lines of what an import tells.
+std::string ImportInto(const TestStore& store, const std::string& text, Import how = Import::Carry) {
+    Write(store.Folder() / "in.json", text);
+    DataBase dataBase;
+    std::string told;
+    const ExchangeReport report = ImportExchange(
+        dataBase, store.Folder() / "in.json", how,
+        [&](const NodePlace& place, const auto& before, const auto& after) {
+            told += "AUTO " + std::to_string(place.partition.number) + '/' + std::to_string(place.number);
+            told += before ? after ? " changed" : " gone" : " new";
+            told += before && after && !Differences(*before, *after).empty()
+                        ? ": " + Differences(*before, *after)[0]
+                        : "";
+            told += '\n';
+        });
+    for (const auto& [name, added, changed, removed, rows, untold] : report.tables) {
+        told += name + " +" + std::to_string(added) + " ~" + std::to_string(changed) + " -" +
+                std::to_string(removed);
+        told += untold > 0 ? " untold " + std::to_string(untold) + '\n' : "\n";
+        for (const std::string& row : rows) {
+            told += rows.size() < 10 ? "  " + row + '\n' : "";
+        }
+    }
+    return told;
+}
+
+std::string FailureOf(const std::function<void()>& what) {
+    try {
+        what();
+    } catch (const RuntimeError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+std::string Replaced(std::string text, const std::string& what, const std::string& by) {
+    const auto found = text.find(what);
+    EXPECT_NE(found, std::string::npos) << what;
+    return text.replace(found, what.size(), by);
+}
+
+TEST(Exchange, KnowsTheStoresTables) {
+    const TestStore store(StoreContent::Empty);
+    std::vector<std::string> told;
+    for (const StoreTable& table : StoreTables()) {
+        for (std::size_t i = 0; i < table.columns.size(); ++i) {
+            const auto& [name, number, required] = table.columns[i];
+            const auto key = std::ranges::find(table.key, i);
+            std::ostringstream line;
+            line << table.name << '|' << name << '|' << (number ? "INTEGER" : "TEXT") << '|' << required
+                 << '|' << (key == table.key.end() ? 0 : key - table.key.begin() + 1);
+            told.push_back(line.str());
+        }
+    }
+    EXPECT_EQ(told, store.Rows("SELECT m.name, c.name, c.type, c.\"notnull\", c.pk FROM sqlite_master AS m, "
+                               "pragma_table_info(m.name) AS c WHERE m.type = 'table' AND m.name NOT IN "
+                               "('Node_AUTO_Version', 'Node_Creation') ORDER BY m.rowid, c.cid"));
+
+    const auto schema = nlohmann::json::parse(BytesOf(DOCS "/exchange.schema.json"));
+    const auto& tables = schema.at("properties").at("tables").at("properties");
+    EXPECT_EQ(tables.size(), StoreTables().size());
+    for (const StoreTable& table : StoreTables()) {
+        const auto& row = tables.at(table.name).at("items");
+        EXPECT_EQ(row.at("required").size(), table.columns.size()) << table.name;
+        for (const auto& [name, number, required] : table.columns) {
+            EXPECT_EQ(row.at("properties").at(name).at("$ref"),
+                      std::string("#/$defs/") + (required ? "" : "optional") + (number ? "Number" : "Text"))
+                << table.name << '.' << name;
+        }
+    }
+}
+
+TEST(Exchange, BringsAStoreBackRowForRow) {
+    TestStore store;
+    store.Execute(R"(
+        UPDATE Node_AUTO SET NodeDescription = 'two' || char(10) || 'lines, "quoted" \ ' || char(0x2028, 7, 0x1F600);
+        UPDATE Node_MSG SET Comment = CAST(x'4361FE00E9' AS TEXT) WHERE NodeNumber = 3;
+        UPDATE Node_MSG SET Comment = CAST(x'C328' AS TEXT), Password = '' WHERE NodeNumber = 4;
+        WITH N(i) AS (VALUES (-3) UNION ALL SELECT i + 1 FROM N WHERE i < 3000)
+        INSERT INTO Node_General_Pool SELECT 1, 2, 77, i, 'X', NULL, NULL FROM N;)");
+    store.Execute("UPDATE Node_MSG SET Comment = CAST(x'4361FEE9' AS TEXT) WHERE NodeNumber = 3");
+    const std::string whole = ExportOf(store);
+    EXPECT_EQ(std::ranges::count(whole, '\n'),
+              static_cast<std::ptrdiff_t>(2 + 2 * StoreTables().size() + 3824));
+    EXPECT_NE(whole.find(R"("Comment": {"bytes": "4361fee9"}, )"), std::string::npos);
+    const std::string part = ExportOf(store, Partition{1, 1});
+    EXPECT_EQ(ImportInto(store, whole), "");
+    EXPECT_EQ(store.Value("SELECT COUNT(*) FROM Node_AUTO_Version"), "0");
+    const auto rows = [](const TestStore& of) {
+        std::vector<std::string> all;
+        for (const StoreTable& table : StoreTables()) {
+            std::ranges::move(of.Rows("SELECT * FROM " + table.name), std::back_inserter(all));
+        }
+        return all;
+    };
+    const auto before = rows(store);
+    {
+        const TestStore other(StoreContent::Empty);
+        ImportInto(other, part);
+        EXPECT_EQ(ExportOf(other, Partition{1, 1}), part);
+        EXPECT_EQ(other.Value("SELECT COUNT(*) FROM SR_Node_Type_Names"), "0");
+        ImportInto(other, whole);
+        EXPECT_EQ(ExportOf(other), whole);
+        EXPECT_EQ(rows(other), before);
+    }
+}
+
+TEST(Exchange, TellsWhatChangesAndKeepsNodesInTheHistory) {
+    const TestStore store;
+    store.Execute(R"(WITH N(i) AS (VALUES (1) UNION ALL SELECT i + 1 FROM N WHERE i < 2500)
+                     INSERT INTO Node_General_Pool SELECT 1, 2, 77, i, 'X', NULL, NULL FROM N)");
+    const std::string before = ExportOf(store);
+    // What the text has and the store has not stands at the border of what is held at once, too.
+    store.Execute(R"(
+        UPDATE Node_AUTO SET NodeDescription = 'Other' WHERE PartID = 2 AND NodeNumber = 5;
+        UPDATE Detail_AUTO_Action SET DTMFRangeLow = '8' WHERE PartID = 2 AND NodeMasterID = 6 AND SequenceNo = 1;
+        DELETE FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 7;
+        DELETE FROM Detail_AUTO_Prompts WHERE PartID = 2 AND NodeMasterID = 7;
+        DELETE FROM Detail_AUTO_Action WHERE PartID = 2 AND NodeMasterID = 7;
+        INSERT INTO Node_AUTO SELECT ConfigID, PartID, NodeTypeID, 39, NumberOfDigits, TerminatingDigit, SelectionTimeout,
+               DigitTimeout, RetryLimit, TimeoutNodeType, TimeoutNodeNumber, InvalidNodeType, InvalidNodeNumber,
+               AbortNodeType, AbortNodeNumber, NodeType, NodeDescription, TimeoutNodeTypeID, InvalidNodeTypeID,
+               AbortNodeTypeID, StarNodeTypeID, PoundNodeTypeID, StarNodeType, StarNodeNumber, PoundNodeType,
+               PoundNodeNumber FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 1;
+        UPDATE Node_MSG SET Comment = 'c', Password = 'p' WHERE PartID = 1 AND NodeNumber = 1;
+        DELETE FROM Node_General_Pool WHERE NodeTypeID = 77 AND NodeNumber BETWEEN 700 AND 1900;
+        INSERT INTO Node_General_Pool VALUES (1, 2, 77, 3000, 'X', NULL, NULL), (1, 2, 77, -1, 'X', NULL, NULL))");
+    const std::string after = ExportOf(store);
+    const std::string told = ImportInto(store, before, Import::OnlyTell);
+    EXPECT_EQ(ExportOf(store), after);
+    EXPECT_EQ(store.Value("SELECT COUNT(*) FROM Node_AUTO_Version"), "0");
+    EXPECT_EQ(ImportInto(store, before), told);
+    EXPECT_EQ(ExportOf(store), before);
+    EXPECT_EQ(told, R"(AUTO 2/5 changed: label "Other" → "Order status"
+AUTO 2/6 changed: keys 8-1 removed: MSG 240
+AUTO 2/7 new
+AUTO 2/39 gone
+Node_General_Pool +1201 ~0 -2 untold 1103
+Node_AUTO +1 ~1 -1
+Detail_AUTO_Prompts +1 ~0 -0
+Detail_AUTO_Action +0 ~1 -0
+Node_MSG +0 ~1 -0
+  changed ConfigID 1, PartID 1, NodeNumber 1, NodeTypeID 0: Password, Comment
+)");
+    EXPECT_EQ(store.Rows("SELECT NodeNumber, Work, State FROM Node_AUTO_Version ORDER BY NodeNumber"),
+              (std::vector<std::string>{"5|import|finished", "6|import|finished", "7|import|finished",
+                                        "39|import|finished"}));
+    DataBase dataBase;
+    History(dataBase).PutBack({{1, 2}, 5}, 1, "restore");
+    EXPECT_EQ(store.Value("SELECT NodeDescription FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 5"),
+              "Other");
+}
+
+TEST(Exchange, LeavesOutOfItWhatIsNotInTheText) {
+    const TestStore store;
+    const std::string other = ExportOf(store, Partition{1, 2});
+    const std::string names = store.Value("SELECT COUNT(*) FROM SR_Node_Type_Names");
+    ImportInto(store, R"({"format": "auto-node-exchange", "version": 1, "config": 1, "partition": 1,
+                          "tables": {"node_msg": [], "Node_AUTO": []}})");
+    EXPECT_EQ(ExportOf(store, Partition{1, 2}), other);
+    EXPECT_EQ(
+        store.Rows("SELECT (SELECT COUNT(*) FROM Node_MSG WHERE PartID = 1), (SELECT COUNT(*) FROM Node_AUTO "
+                   "WHERE PartID = 1), (SELECT COUNT(*) > 0 FROM Node_General_Pool WHERE PartID = 1)"),
+        std::vector<std::string>{"0|0|1"});
+    EXPECT_EQ(store.Value("SELECT COUNT(*) FROM SR_Node_Type_Names"), names);
+}
+
+TEST(Exchange, RefusesAWrongTextAndAStoreAtWorkWhole) {
+    const TestStore store;
+    const std::string good = ExportOf(store);
+    const auto name = [&](const std::string& row) {
+        return Replaced(good, R"({"ID": 1, "English_Name": "CMD"})", row);
+    };
+    const std::pair<std::string, const char*> cases[] = {
+        {"", "line 1: it ends before"},
+        {good.substr(0, good.size() - 3), "it ends before"},
+        {good.substr(0, good.size() / 2), "it ends before"},
+        {good + "x", "behind its end"},
+        {"[]", "line 1: nothing is told by a list here"},
+        {"{}", "no tables"},
+        {R"({"tables": {}})", "do not stand before"},
+        {R"({"format": "other", "version": 1, "tables": {}})", "no export"},
+        {R"({"format": "auto-node-exchange", "version": 2, "tables": {}})", "version"},
+        {R"({"format": "auto-node-exchange", "version": 1, "config": 1, "tables": {}})", "both"},
+        {R"({"format": "auto-node-exchange", "version": 1, "config": 1, "partition": 40000, "tables": {}})",
+         "no number of a partition"},
+        {R"({"format": "auto-node-exchange", "version": 1, "config": 1, "partition": 2,
+             "tables": {"SR_Node_Type_Names": []}})",
+         "line 2: the table SR_Node_Type_Names is none of a partition's"},
+        {R"({"format": "auto-node-exchange", "version": 1, "tables": {"Node_CMD": [], "node_cmd": []}})",
+         "twice"},
+        {R"({"format": "auto-node-exchange", "version": 1, "tables": {"Scheduler": []}})",
+         "no table Scheduler"},
+        {Replaced(ExportOf(store, Partition{1, 2}), R"("PartID": 2)", R"("PartID": 3)"), "another partition"},
+        {name(R"({"ID": 1})"), "line 4: the row has no English_Name"},
+        {name(R"({"ID": 1, "English_Name": "CMD", "Remark": ""})"), "no column Remark"},
+        {name(R"({"ID": 1, "ID": 1, "English_Name": "CMD"})"), "twice"},
+        {name(R"({"ID": 0, "English_Name": "CMD"})"),
+         "line 4: the rows of SR_Node_Type_Names stand in the order"},
+        {name(R"({"ID": "x", "English_Name": "CMD"})"), "\"x\" is no whole number"},
+        {name(R"({"ID": 1.5, "English_Name": "CMD"})"), "\"1.5\" is no whole number"},
+        {name(R"({"ID": 2147483648, "English_Name": "CMD"})"), "no whole number of 32 bits"},
+        {name(R"({"ID": 1, "English_Name": null})"), "English_Name is Null"},
+        {name(R"({"ID": 1, "English_Name": 5})"), "is a text"},
+        {name(R"({"ID": 1, "English_Name": true})"), "true and false"},
+        {name(R"({"ID": 1, "English_Name": ["CMD"]})"), "list"},
+        {name(R"({"ID": 1, "English_Name": {"bytes": "4"}})"), "two digits"},
+        {name(R"({"ID": 1, "English_Name": {"bits": "41"}})"), "one member, bytes"},
+        {name(R"({"ID": 1, "English_Name": {}})"), "one member, bytes"},
+        {name(R"({"ID": 1, "English_Name": "C\u0000"})"), "NUL"},
+        {name("5"), "no value stands here"},
+        {name(R"({"ID": 1, "English_Name": "CMD"},,)"), "line 4: it is no JSON"},
+    };
+    // So that every one of them would change something.
+    store.Execute("UPDATE SR_Node_Type_Names SET English_Name = 'before' WHERE ID = 0");
+    const std::string before = ExportOf(store);
+    for (const auto& [text, why] : cases) {
+        const std::string failure = FailureOf([&] { ImportInto(store, text); });
+        EXPECT_NE(failure.find(why), std::string::npos) << '"' << failure << "\" does not tell " << why;
+        EXPECT_NE(failure.find("in.json'"), std::string::npos) << failure;
+    }
+    EXPECT_EQ(ExportOf(store), before);
+
+    // Somebody is saving a node that would change.
+    DataBase dataBase;
+    History history(dataBase);
+    NodeSave save(dataBase, history, {{1, 2}, 5});
+    ASSERT_FALSE(save.Begin(ReadAutoNode(dataBase, {1, 2}, 5).value(), 0));
+    const std::string label = R"("NodeNumber": 5, "NumberOfDigits": )";
+    EXPECT_NE(
+        FailureOf([&] { ImportInto(store, Replaced(good, label, label + "1")); }).find("is being saved"),
+        std::string::npos);
+    EXPECT_EQ(ExportOf(store), before);
+    EXPECT_NE(ImportInto(store, good).find("SR_Node_Type_Names +0 ~1 -0"), std::string::npos);
+}
+
+TEST(Exchange, ReplacesNothingButAnExport) {
+    const TestStore store;
+    DataBase dataBase;
+    for (const char* content : {"a letter", "{\"json\": 1}", "SQLite format 3"}) {
+        Write(store.Folder() / "out.json", content);
+        EXPECT_NE(FailureOf([&] { ExportOf(store); }).find("out.json"), std::string::npos);
+        EXPECT_EQ(BytesOf(store.Folder() / "out.json"), content);
+    }
+    EXPECT_NE(FailureOf([&] { Export(dataBase, {}, store.File()); }), "");
+    EXPECT_NE(FailureOf([&] { Export(dataBase, {}, store.Folder() / "no" / "folder.json"); }), "");
+    // A store of another program's, whose rows cannot be told apart, is not written in part.
+    store.Execute(R"(CREATE TABLE Copy AS SELECT * FROM Detail_AUTO_Prompts; DROP TABLE Detail_AUTO_Prompts;
+                     INSERT INTO Copy SELECT * FROM Copy LIMIT 1; ALTER TABLE Copy RENAME TO Detail_AUTO_Prompts)");
+    std::filesystem::remove(store.Folder() / "out.json");
+    EXPECT_NE(
+        FailureOf([&] { ExportOf(store); }).find("Two rows of Detail_AUTO_Prompts have the key ConfigID 1"),
+        std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(store.Folder() / "out.json"));
+}
+
+} // namespace
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,312 @@
+#include "exchange/JetImport.h"
+
+#include "TestStore.h"
+#include "exchange/JetFrames.h"
+#include "exchange/JetText.h"
+#include "exchange/Tables.h"
+#include "platform/RuntimeError.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+
+namespace KAL_AUTO_Node {
+namespace {
+
+// The demo store's content, as a site's file may hold it.
+constexpr const char* SiteFile = TEST_DATA "/NewDB.mdb";
+
+// What came of bringing a file over into a new store.
+struct Outcome {
+    std::filesystem::path store;
+    JetReport report;
+    std::string failure;
+};
+
+Outcome BringOver(const std::filesystem::path& file, const std::filesystem::path& folder,
+                  const char* reader = JET_READER, Damage damage = Damage::Refuse) {
+    Outcome outcome{folder / "store" / "NewDB.mdb", {}, {}};
+    try {
+        CreateStore(outcome.store, [&](DataBase& dataBase) {
+            outcome.report = ImportJet(dataBase, reader, file, damage, [](const auto&...) {});
+        });
+    } catch (const RuntimeError& error) {
+        outcome.failure = error.what();
+        // Nothing of it is left.
+        EXPECT_FALSE(std::filesystem::exists(outcome.store.parent_path())) << outcome.failure;
+    }
+    return outcome;
+}
+
+std::vector<std::string> RowsOf(const std::filesystem::path& store, const std::string& sql) {
+    SQLite::Database database(store.string(), SQLite::OPEN_READWRITE);
+    return TestStore::Rows(database, sql);
+}
+
+std::string BytesOf(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void Write(const std::filesystem::path& file, const std::string& bytes) {
+    std::ofstream(file, std::ios::binary) << bytes;
+}
+
+TEST(JetImport, BringsEveryValueOver) {
+    const TestStore demo;
+    const TemporaryFolder folder;
+    const Outcome outcome = BringOver(SiteFile, folder.Path());
+    ASSERT_EQ(outcome.failure, "");
+    // Where the file holds another type than the demo store, or other values.
+    demo.Execute(R"(
+        UPDATE Node_MSG SET OnOff = CASE OnOff WHEN 'On' THEN -1 ELSE 0 END,
+               DTMF = CASE DTMF WHEN 'Yes' THEN -1 ELSE 0 END,
+               WarningTone = CASE WarningTone WHEN 'Yes' THEN -1 ELSE 0 END,
+               MSGArchive = CASE MSGArchive WHEN 'Yes' THEN -1 ELSE 0 END;
+        UPDATE Node_MSG SET Comment = NULL, Password = NULL WHERE NodeNumber = 4;
+        UPDATE Node_VOX SET Beep = CASE Beep WHEN 'Yes' THEN -1 ELSE 0 END;
+        UPDATE Node_PAAS SET Interrupt = CASE Interrupt WHEN 'Yes' THEN -1 ELSE 0 END;
+        UPDATE Node_DTMF SET DTMFClear = CASE DTMFClear WHEN 'Yes' THEN -1 ELSE 0 END;
+        UPDATE Node_DBN SET Confirm = CASE Confirm WHEN 'Yes' THEN -1 ELSE 0 END,
+               PlayName = CASE PlayName WHEN 'Yes' THEN -1 ELSE 0 END;
+        UPDATE Node_DATE SET StartDate = '03/07/09', StopDate = '03/07/09' WHERE StartDate IS NOT NULL;)");
+    std::string memo;
+    for (int i = 0; i < 300; ++i) {
+        memo += "Zeile 1\r\näöü \"q\" 's' \\ 日本 ";
+    }
+    EXPECT_EQ(RowsOf(outcome.store, "SELECT DISTINCT Comment FROM Node_MSG WHERE NodeNumber = 2"),
+              std::vector{memo});
+    for (const char* sql : {"UPDATE Node_MSG SET Comment = '' WHERE NodeNumber = 2"}) {
+        SQLite::Database(outcome.store.string(), SQLite::OPEN_READWRITE).exec(sql);
+        demo.Execute(sql);
+    }
+    std::size_t rows = 0;
+    for (const StoreTable& table : StoreTables()) {
+        const auto brought = RowsOf(outcome.store, "SELECT * FROM " + table.name);
+        EXPECT_EQ(brought, demo.Rows("SELECT * FROM " + table.name)) << table.name;
+        const auto& told = outcome.report.tables.at(&table - StoreTables().data());
+        EXPECT_EQ(told.stored, brought.size()) << table.name;
+        EXPECT_EQ(told.taken, brought.size()) << table.name;
+        rows += brought.size();
+    }
+    EXPECT_GT(rows, 800U);
+    EXPECT_EQ(outcome.report.unknown, (std::vector<std::string>{"Node_AUTO.Remark", "Scheduler"}));
+    EXPECT_TRUE(outcome.report.notTaken.empty());
+}
+
+TEST(JetImport, WritesDatesAndTextsInOneForm) {
+    const std::pair<double, const char*> dates[] = {{46279, "09/14/26"},
+                                                    {0, "00:00"},
+                                                    {0.9993055555555556, "23:59"},
+                                                    {1.0 / 3, "08:00"},
+                                                    {46279.75, "09/14/26 18:00"},
+                                                    {46279 + 1.0 / 86400, "09/14/26 00:00:01"},
+                                                    {46279 + 0.25 / 86400, "09/14/26 00:00:00.250"},
+                                                    {46279.9999999999, "09/15/26"},
+                                                    {-1.25, "12/29/1899 06:00"},
+                                                    {10959, "01/01/30"},
+                                                    {10958, "12/31/1929"},
+                                                    {47484, "01/01/2030"},
+                                                    {-657434, "01/01/0100"},
+                                                    {2958465, "12/31/9999"}};
+    for (const auto& [date, text] : dates) {
+        EXPECT_EQ(JetDateText(date), text) << date;
+    }
+    for (const double date : {-657435.0, 2958466.0, 1e300, std::numeric_limits<double>::quiet_NaN()}) {
+        EXPECT_EQ(JetDateText(date), std::nullopt) << date;
+    }
+    using namespace std::string_view_literals;
+    const std::pair<std::string_view, std::optional<std::string>> texts[] = {
+        {"", ""},
+        {"\xFF\xFE", ""},
+        {"\xFF\xFE"
+         "caf\xE9",
+         "café"},
+        {"\xFF\xFE"
+         "a\0\xE5\x65\0b"sv,
+         "a日b"},
+        {"a\0\xE5\x65"sv, "a日"},
+        {"\x3D\xD8\x00\xDE"sv, "😀"},
+        {"\x3D\xD8"sv, std::nullopt},
+        {"\x00\xDE\x3D\xD8"sv, std::nullopt},
+        {"a\0b"sv, std::nullopt}};
+    for (const auto& [bytes, text] : texts) {
+        EXPECT_EQ(JetUnicodeText(bytes), text);
+    }
+}
+
+// A file that its reader tells of in these words, as the reader only copies it.
+class ToldFile {
+  public:
+    explicit ToldFile(const std::function<void(JetFrameWriter&)>& tell) {
+        JetFrameWriter writer([this](std::string_view bytes) { stream_ += bytes; });
+        tell(writer);
+    }
+
+    [[nodiscard]] const std::string& Stream() const { return stream_; }
+
+    [[nodiscard]] Outcome BringOver(const TemporaryFolder& folder, Damage damage = Damage::Refuse) const {
+        Write(folder.Path() / "told", stream_);
+        return KAL_AUTO_Node::BringOver(folder.Path() / "told", folder.Path(), "/bin/cat", damage);
+    }
+
+  private:
+    std::string stream_;
+};
+
+using Fields = std::vector<std::optional<std::string_view>>;
+
+void TellRow(JetFrameWriter& writer, const Fields& fields) {
+    std::vector<JetValue> row;
+    for (const auto& field : fields) {
+        const bool unreadable = field == "unreadable";
+        row.push_back(!field ? JetValue{}
+                             : JetValue{unreadable ? JetValue::Unreadable : JetValue::Text, *field});
+    }
+    writer.TakeRow(row);
+}
+
+void TellTable(JetFrameWriter& writer, const JetTable& table, const std::vector<Fields>& rows) {
+    writer.TakeTable(table);
+    for (const Fields& row : rows) {
+        TellRow(writer, row);
+    }
+    writer.TakeEndOfTable(0);
+}
+
+const JetTable Prompts{
+    "DETAIL_auto_prompts",
+    7,
+    {"partid", "CONFIGID", "SequenceNo", "NodeTypeID", "NodeNumber", "NodeMasterID", "NodeType"}};
+
+TEST(JetImport, TakesOtherShapesAndTellsWhatItCannotTake) {
+    const ToldFile file([](JetFrameWriter& writer) {
+        TellTable(writer, Prompts,
+                  {{"2", "1", "2", "0", "20", "5", "MSG"},
+                   {"2", "1", "1", "0", "10", "5", "MSG"},
+                   {"2", "1", "2", "0", "21", "5", "MSG"},
+                   {"2", "1", "3", "0", "30", "5", "MSG"},
+                   {"2", "1", "9", "0", "90", "5", "MSG"},
+                   {"2", "1", "2", "0", "22", "5", "MSG"},
+                   {"2", "1", "1", "0", "70000", "6", ""}});
+        TellTable(writer,
+                  {"Node_CMD", 6, {"ConfigID", "PartID", "NodeTypeID", "NodeNumber", "NodeDescription"}},
+                  {{"1", "2", "1", " 007 ", "kept"},
+                   {"1", "2", "1", "7", "again"},
+                   {"1", "2", "1", "8.5", "no number"},
+                   {"1", "2", std::nullopt, "9", "no type"},
+                   {"1", "2", "1", "10", "unreadable"},
+                   {"1", "2", "1", "3000000000", "too large"}});
+        writer.End();
+    });
+    const TemporaryFolder folder;
+    const Outcome outcome = file.BringOver(folder);
+    ASSERT_EQ(outcome.failure, "");
+    EXPECT_EQ(RowsOf(outcome.store,
+                     "SELECT NodeMasterID, SequenceNo, NodeNumber, NodeType FROM Detail_AUTO_Prompts"),
+              (std::vector<std::string>{"5|1|10|MSG", "5|2|20|MSG", "5|3|21|MSG", "5|4|22|MSG", "5|5|30|MSG",
+                                        "5|9|90|MSG", "6|1|70000|"}));
+    EXPECT_EQ(RowsOf(outcome.store, "SELECT NodeNumber, NodeType, NodeDescription FROM Node_CMD"),
+              (std::vector<std::string>{"7|NULL|kept", "10|NULL|NULL"}));
+    const auto& report = outcome.report;
+    EXPECT_EQ(report.rowsNotTaken, 4U);
+    EXPECT_EQ(report.valuesNotTaken, 1U);
+    EXPECT_EQ(report.notTaken.front(),
+              "Node_CMD, ConfigID 1, PartID 2, NodeNumber 7, NodeTypeID 1, the row: another "
+              "one has its key");
+    EXPECT_EQ(report.notTaken.size(), 5U);
+    EXPECT_EQ(report.remarks.front(),
+              "Detail_AUTO_Prompts: sequence numbers were doubled in 1 list; the rows stay in "
+              "their order, numbered anew from there on");
+}
+
+TEST(JetImport, RefusesADamagedFileAndLeavesNothing) {
+    const auto part = [](const std::function<void(JetFrameWriter&)>& tell) {
+        return ToldFile(tell).Stream();
+    };
+    const std::string table = part([](JetFrameWriter& writer) {
+        writer.TakeTable(Prompts);
+        TellRow(writer, {"2", "1", "2", "0", "20", "5", "MSG"});
+        writer.TakeEndOfTable(0);
+        writer.End();
+    });
+    const std::string none = part([](JetFrameWriter& writer) { writer.End(); });
+    const std::string twice = table.substr(0, table.size() - 5) + table.substr(none.size() - 5);
+    std::string length = table;
+    length[none.size() - 5 + 4] = '\x7F';
+    std::string state = table;
+    state[table.find('R') + 5] = 3;
+    const std::pair<std::string, const char*> cases[] = {
+        {table, "should hold 7 rows, and 1 can be read"},
+        {table.substr(0, table.size() - 1), "ended before"},
+        {table.substr(0, none.size() + 3), "ended before"},
+        {table + "x", "its own form"},
+        {twice, "twice"},
+        {length, "its own form"},
+        {state, "its own form"},
+        {none, "none of this system's tables"},
+        {"", "ended before"},
+        {"SQLite format 3 and so on", "its own form"},
+        {part([](JetFrameWriter& writer) { writer.Fail("a \x1b[31mred\x1b[0m reason"); }), "a \\x1b[31mred"},
+        {part([](JetFrameWriter& writer) {
+             TellTable(writer, {"Node_CMD", 0, {}}, {}), writer.End();
+         }),
+         "definition"},
+    };
+    const TemporaryFolder folder;
+    const auto file = folder.Path() / "told";
+    for (const auto& [stream, why] : cases) {
+        Write(file, stream);
+        const std::string failure = BringOver(file, folder.Path(), "/bin/cat").failure;
+        EXPECT_NE(failure.find(why), std::string::npos) << failure << " does not tell " << why;
+        EXPECT_NE(failure.find("'" + file.string() + "'"), std::string::npos) << failure;
+    }
+    Write(file, table);
+    EXPECT_EQ(BringOver(file, folder.Path(), "/bin/cat", Damage::Accept).report.damage.size(), 1U);
+    std::filesystem::remove_all(folder.Path() / "store");
+
+    const auto reader = folder.Path() / "reader";
+    for (const auto& [script, why] :
+         std::initializer_list<std::pair<const char*, const char*>>{{"kill -SEGV $$", "crashed over it"},
+                                                                    {"kill -XCPU $$", "came to no end"},
+                                                                    {"exit 1", "ended before"},
+                                                                    {"exec 1>&-; sleep 60", "ended"}}) {
+        Write(reader, std::string("#!/bin/sh\n") + script + '\n');
+        std::filesystem::permissions(reader, std::filesystem::perms::owner_all);
+        const std::string failure = BringOver(file, folder.Path(), reader.c_str()).failure;
+        EXPECT_NE(failure.find(why), std::string::npos) << failure;
+    }
+    EXPECT_NE(BringOver(file, folder.Path(), "/nowhere").failure.find("cannot be started"),
+              std::string::npos);
+}
+
+// The library that reads such files fails on damaged ones, in whatever way.
+TEST(JetImport, SurvivesDamagedCopies) {
+    const std::string whole = BytesOf(SiteFile);
+    ASSERT_GT(whole.size(), 600'000U);
+    const TemporaryFolder folder;
+    const auto file = folder.Path() / "copy.mdb";
+    std::mt19937 random(1);
+    const auto below = [&](std::size_t limit) {
+        return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
+    };
+    int refused = 0;
+    for (int copy = 0; copy < 40; ++copy) {
+        std::string bytes = copy % 4 == 0 ? whole.substr(0, below(whole.size())) : whole;
+        for (std::size_t flips = std::size_t{1} << below(12); flips > 0 && !bytes.empty(); --flips) {
+            bytes[below(bytes.size())] = static_cast<char>(below(256));
+        }
+        Write(file, bytes);
+        const Outcome outcome = BringOver(file, folder.Path());
+        refused += outcome.failure.empty() ? 0 : 1;
+        if (outcome.failure.empty()) {
+            EXPECT_EQ(RowsOf(outcome.store, "PRAGMA integrity_check"), std::vector<std::string>{"ok"});
+            std::filesystem::remove_all(outcome.store.parent_path());
+        }
+    }
+    EXPECT_GT(refused, 10);
+}
+
+} // namespace
+} // namespace KAL_AUTO_Node
