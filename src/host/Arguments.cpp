@@ -1,6 +1,9 @@
 #include "host/Arguments.h"
 
+#include "nodes/AutoNodeReader.h"
+
 #include <charconv>
+#include <stdexcept>
 #include <string>
 
 namespace KAL_AUTO_Node {
@@ -27,6 +30,15 @@ void AddNode(CLI::App& command, NodeArguments& place) {
     AddNumber(command, "PARTITION", place.partition, "Partition number")->required();
     AddNumber(command, "NODE", place.node, "Number of the AUTO node; 0 for the partition's template")
         ->required();
+}
+
+AutoNode RequireAutoNode(DataBase& dataBase, const NodePlace& place) {
+    if (auto node = ReadAutoNode(dataBase, place.partition, place.number, Labels::Read)) {
+        return std::move(*node);
+    }
+    throw std::runtime_error("AUTO node " + std::to_string(place.number) + " of configuration " +
+                             std::to_string(place.partition.config) + ", partition " +
+                             std::to_string(place.partition.number) + " does not exist");
 }
 
 } // namespace KAL_AUTO_Node

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "nodes/AutoNode.h"
 #include "nodes/Identity.h"
 
 #include <CLI/CLI.hpp>
@@ -8,6 +9,8 @@
 #include <string>
 
 namespace KAL_AUTO_Node {
+
+class DataBase;
 
 // What the commands take alike.
 
@@ -28,5 +31,8 @@ struct NodeArguments {
 
 // CONFIG PARTITION NODE, all required.
 void AddNode(CLI::App& command, NodeArguments& place);
+
+// The node with the labels of those that it refers to. Throws where there is none.
+[[nodiscard]] AutoNode RequireAutoNode(DataBase& dataBase, const NodePlace& place);
 
 } // namespace KAL_AUTO_Node

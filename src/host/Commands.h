@@ -15,6 +15,7 @@ struct Subcommand {
 
 [[nodiscard]] Subcommand EditCommand(CLI::App& program);
 [[nodiscard]] Subcommand DiffCommand(CLI::App& program);
+[[nodiscard]] Subcommand DigitsCommand(CLI::App& program);
 [[nodiscard]] Subcommand ExportCommand(CLI::App& program);
 [[nodiscard]] Subcommand HistoryCommand(CLI::App& program);
 [[nodiscard]] Subcommand ImportCommand(CLI::App& program);

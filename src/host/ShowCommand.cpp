@@ -1,12 +1,11 @@
 #include "host/Arguments.h"
 #include "host/Commands.h"
 #include "host/Table.h"
-#include "nodes/AutoNodeReader.h"
 #include "nodes/NodeJson.h"
+#include "store/DataBase.h"
 
 #include <iostream>
 #include <memory>
-#include <stdexcept>
 
 namespace KAL_AUTO_Node {
 
@@ -88,19 +87,13 @@ Subcommand ShowCommand(CLI::App& program) {
     show->add_flag("--json", options->json, "Print JSON, for programs");
     return {show, [options] {
                 const NodeArguments place = options->place;
-                const Partition partition{place.config, place.partition};
                 DataBase dataBase;
-                const auto node = ReadAutoNode(dataBase, partition, place.node, Labels::Read);
-                if (!node) {
-                    throw std::runtime_error("AUTO node " + std::to_string(place.node) +
-                                             " of configuration " + std::to_string(place.config) +
-                                             ", partition " + std::to_string(place.partition) +
-                                             " does not exist");
-                }
+                const AutoNode node = RequireAutoNode(dataBase, PlaceOf(place));
                 if (options->json) {
-                    std::cout << JsonText(ToJson(partition, place.node, *node, Labels::Read)) << '\n';
+                    std::cout << JsonText(ToJson(PlaceOf(place).partition, place.node, node, Labels::Read))
+                              << '\n';
                 } else {
-                    Print(place, *node);
+                    Print(place, node);
                 }
                 return 0;
             }};

@@ -14,10 +14,11 @@ int main(int argc, char** argv) {
     CLI::App program("Edits the AUTO nodes of a telephone call-flow store.", "auto-node");
     program.require_subcommand(1);
     program.set_version_flag("--version", KAL_AUTO_NODE_VERSION);
-    const auto commands = {EditCommand(program),    InitCommand(program),    ListCommand(program),
-                           ShowCommand(program),    HistoryCommand(program), DiffCommand(program),
-                           RestoreCommand(program), PruneCommand(program),   ImportCommand(program),
-                           ExportCommand(program)};
+    const auto commands = {
+        EditCommand(program),    InitCommand(program),   ListCommand(program),    ShowCommand(program),
+        HistoryCommand(program), DiffCommand(program),   RestoreCommand(program), PruneCommand(program),
+        ImportCommand(program),  ExportCommand(program), DigitsCommand(program),
+    };
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
