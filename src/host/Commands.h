@@ -15,6 +15,7 @@ struct Subcommand {
 
 [[nodiscard]] Subcommand EditCommand(CLI::App& program);
 [[nodiscard]] Subcommand DiffCommand(CLI::App& program);
+[[nodiscard]] Subcommand GraphCommand(CLI::App& program);
 [[nodiscard]] Subcommand HistoryCommand(CLI::App& program);
 [[nodiscard]] Subcommand InitCommand(CLI::App& program);
 [[nodiscard]] Subcommand ListCommand(CLI::App& program);

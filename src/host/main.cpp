@@ -16,7 +16,7 @@ int main(int argc, char** argv) {
     program.set_version_flag("--version", KAL_AUTO_NODE_VERSION);
     const auto commands = {EditCommand(program),    InitCommand(program),    ListCommand(program),
                            ShowCommand(program),    HistoryCommand(program), DiffCommand(program),
-                           RestoreCommand(program), PruneCommand(program)};
+                           RestoreCommand(program), PruneCommand(program),   GraphCommand(program)};
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
