@@ -189,5 +189,33 @@ TEST(HostProgram, TellsWhatChangedAndPutsItBack) {
     ExpectTold(Program(0, {"prune"}).output, "Dropped 0");
 }
 
+TEST(HostProgram, DrawsTheCallFlowOrOffersItsText) {
+    const TestStore store;
+    const QString file = QString::fromStdString((store.Folder() / "flow.svg").string());
+    const auto draw = [&](int status, const QStringList& node) {
+        return Program(status, QStringList{"graph", "1", "2"} + node + QStringList{"-o", file});
+    };
+    ExpectTold(draw(0, {}).output, file.toStdString());
+    const auto size = std::filesystem::file_size(file.toStdString());
+    draw(0, {"8", "--depth", "0"});
+    EXPECT_LT(std::filesystem::file_size(file.toStdString()), size);
+    {
+        const EnvironmentVariable path("PATH");
+        path.Set(store.Folder().string());
+        ExpectTold(draw(1, {}).errors, "flow.svg.dot");
+    }
+    EXPECT_LT(std::filesystem::file_size(file.toStdString()), size) << "the picture before is gone";
+    EXPECT_TRUE(std::filesystem::exists(file.toStdString() + ".dot"));
+    ExpectTold(Program(0, {"graph", "1", "2", "6"}).output, "MSG 240 is missing");
+    ExpectTold(draw(1, {"25"}).errors, "AUTO node 25");
+    ExpectTold(Program(1, {"graph", "9", "9"}).errors, "no AUTO nodes");
+    for (const QStringList& arguments : {QStringList{"graph", "1"},
+                                         {"graph", "1", "2", "-o", "flow.jpg"},
+                                         {"graph", "1", "2", "--depth", "1"},
+                                         {"graph", "1", "2", "8", "--depth", "-1"}}) {
+        Program(2, arguments);
+    }
+}
+
 } // namespace
 } // namespace KAL_AUTO_Node

@@ -17,6 +17,7 @@ struct Subcommand {
 [[nodiscard]] Subcommand DiffCommand(CLI::App& program);
 [[nodiscard]] Subcommand DigitsCommand(CLI::App& program);
 [[nodiscard]] Subcommand ExportCommand(CLI::App& program);
+[[nodiscard]] Subcommand GraphCommand(CLI::App& program);
 [[nodiscard]] Subcommand HistoryCommand(CLI::App& program);
 [[nodiscard]] Subcommand ImportCommand(CLI::App& program);
 [[nodiscard]] Subcommand InitCommand(CLI::App& program);

@@ -15,24 +15,6 @@ using enum Table::Align;
 
 constexpr const char* Indent = "  ";
 
-// As it is stored; where a setting may not hold that, with the value that the editor shows for it.
-std::string Shown(const SettingRule& rule, const Settings& settings) {
-    const auto& stored = settings.*rule.value;
-    const int value = ValueOf(rule, settings);
-    std::string shown = std::to_string(value) + rule.unit;
-    if (stored == value) {
-        return shown;
-    }
-    return (stored ? std::to_string(*stored) + rule.unit : "none") + " (shown as " + shown + ')';
-}
-
-std::string ShownTerminatingDigit(const Settings& settings) {
-    std::string shown = TerminatingDigits.at(TerminatingDigitOf(settings));
-    return settings.terminatingDigit == shown
-               ? shown
-               : settings.terminatingDigit.value_or("none") + " (shown as " + shown + ')';
-}
-
 void Print(const char* title, const Table& table) {
     std::cout << '\n' << title << '\n';
     table.Print(std::cout);
@@ -45,9 +27,9 @@ void Print(NodeArguments place, const AutoNode& node) {
     std::cout << "Configuration " << place.config << ", partition " << place.partition << '\n';
     Table settings({Left, Left}, Indent);
     for (const SettingRule& rule : SettingRules) {
-        settings.Add({rule.name, Shown(rule, node.settings)});
+        settings.Add({rule.name, SettingText(rule, node.settings)});
     }
-    settings.Add({"terminating digit", ShownTerminatingDigit(node.settings)});
+    settings.Add({"terminating digit", TerminatingDigitText(node.settings)});
     Print("Settings", settings);
 
     Table prompts({Right, Left, Left}, Indent);

@@ -17,7 +17,7 @@ int main(int argc, char** argv) {
     const auto commands = {
         EditCommand(program),    InitCommand(program),   ListCommand(program),    ShowCommand(program),
         HistoryCommand(program), DiffCommand(program),   RestoreCommand(program), PruneCommand(program),
-        ImportCommand(program),  ExportCommand(program), DigitsCommand(program),
+        ImportCommand(program),  ExportCommand(program), DigitsCommand(program),  GraphCommand(program),
     };
     try {
         program.parse(argc, argv);

@@ -23,4 +23,10 @@ inline constexpr int UncheckedCommandMax = 999; // its numbers, for which the st
     return RefersToMessage(nodeTypeID) ? MessageType : nodeTypeID;
 }
 
+// Whether references of a type lead to a node that has to exist.
+[[nodiscard]] constexpr bool RefersToNode(int nodeTypeID) {
+    return nodeTypeID != NumberlessType && nodeTypeID != UncheckedCommandType &&
+           nodeTypeID != NumberlessExceptionType;
+}
+
 } // namespace KAL_AUTO_Node

@@ -6,16 +6,8 @@
 
 namespace KAL_AUTO_Node {
 
-namespace {
-
-bool IsNode(int typeID) {
-    return typeID != NumberlessType && typeID != UncheckedCommandType && typeID != NumberlessExceptionType;
-}
-
-} // namespace
-
 void RequiredNodes::Add(std::string display, int typeID, int number) {
-    if (!IsNode(typeID)) {
+    if (!RefersToNode(typeID)) {
         return;
     }
     if (RefersToMessage(typeID)) {

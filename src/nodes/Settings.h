@@ -38,9 +38,13 @@ inline constexpr std::array<SettingRule, 4> SettingRules = {{
 // The value that stands for a stored one: itself where the setting may hold it, else the first that it may.
 [[nodiscard]] int ValueOf(const SettingRule& rule, const Settings& settings);
 
+// It for people, with its unit; where the setting may not hold what is stored, both.
+[[nodiscard]] std::string SettingText(const SettingRule& rule, const Settings& settings);
+
 inline constexpr std::array<const char*, 4> TerminatingDigits = {"No", "*", "#", "*/#"};
 
 // The position among the terminating digits, whatever the stored text's case; 0 for any other.
 [[nodiscard]] std::size_t TerminatingDigitOf(const Settings& settings);
+[[nodiscard]] std::string TerminatingDigitText(const Settings& settings);
 
 } // namespace KAL_AUTO_Node

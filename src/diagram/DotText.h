@@ -1,0 +1,19 @@
+#pragma once
+
+#include "diagram/CallFlow.h"
+
+#include <optional>
+#include <set>
+#include <string>
+
+namespace KAL_AUTO_Node {
+
+// The AUTO nodes that are shown as a graph in the language of Graphviz's dot. Up to DetailLimit of them come
+// with what they lead to of other types and with their prompts, more only with counts of those. What is
+// missing is shown in any case.
+[[nodiscard]] std::string DotText(const CallFlow& flow, const std::set<int>& shown,
+                                  std::optional<int> emphasized);
+
+inline constexpr std::size_t DetailLimit = 60;
+
+} // namespace KAL_AUTO_Node

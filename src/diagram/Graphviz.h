@@ -1,0 +1,20 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+namespace KAL_AUTO_Node {
+
+struct Picture {
+    std::string bytes;
+    std::string warnings; // what dot had to say, visible; mostly nothing
+};
+
+// A graph drawn by Graphviz's program dot, in one of its formats ("svg", "png", "pdf", ...). It runs as a
+// process of its own, found in $PATH. Throws std::runtime_error where there is no such program, or it fails,
+// crashes, or takes longer than the limit, at which it is ended.
+[[nodiscard]] Picture DrawGraph(std::string_view graph, const std::string& format,
+                                std::chrono::seconds limit);
+
+} // namespace KAL_AUTO_Node
