@@ -110,7 +110,9 @@ TEST_F(HistoryOfANode, StandsInTheWayOfASaveThatWouldGoOverAnothersUnseen) {
     EXPECT_TRUE(NodeSave(anna_.dataBase, anna_.history, Place).Begin(loaded, 0)->kind == Obstacle::Gone);
 }
 
-TEST_F(HistoryOfANode, IsNotSaidToBeWrittenWhereTheFileWasReplacedMeanwhile) {
+class StoreFile : public HistoryOfANode {};
+
+TEST_F(StoreFile, IsNotSaidToBeSavedWhereItWasReplacedMeanwhile) {
     NodeSave save(anna_.dataBase, anna_.history, Place);
     EXPECT_FALSE(save.Begin(anna_.Read(), 0));
     std::filesystem::copy_file(store_.File(), store_.Folder() / "other");
