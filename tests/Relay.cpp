@@ -11,6 +11,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace KAL_AUTO_Node {
@@ -79,12 +80,19 @@ Relay::Relay(std::chrono::milliseconds delay, std::string socket)
 Relay::~Relay() {
     worker_.request_stop();
     worker_.join();
-    close(listener_);
+    if (listener_ >= 0) {
+        close(listener_);
+    }
 }
 
 std::string Relay::AddressOf(const std::string& database, const std::string& user) const {
     return "postgresql://" + user + "@127.0.0.1:" + std::to_string(port_) + '/' + database +
            "?gssencmode=disable";
+}
+
+void Relay::Close() {
+    close(std::exchange(listener_, -1));
+    cut_ = true;
 }
 
 void Relay::Work(const std::stop_token& stop) {

@@ -20,6 +20,9 @@ class Relay {
     Relay& operator=(const Relay&) = delete;
 
     [[nodiscard]] static std::string ServerSocket();
+
+    [[nodiscard]] int Port() const { return port_; }
+
     // Of a database beyond the line.
     [[nodiscard]] std::string AddressOf(const std::string& database,
                                         const std::string& user = "tester") const;
@@ -34,6 +37,9 @@ class Relay {
 
     // Ends every connection that there is.
     void Cut() { cut_ = true; }
+
+    // As a machine that is down: there is no port any more. Called by AtWay, or while nobody uses the line.
+    void Close();
 
   private:
     void Work(const std::stop_token& stop);

@@ -25,12 +25,12 @@ class TestDatabase {
     TestDatabase() {
         static int count = 0;
         name_ = "store_" + std::to_string(getpid()) + '_' + std::to_string(++count);
-        Run("postgres", "CREATE DATABASE " + name_);
+        Run(AddressOf("postgres"), "CREATE DATABASE " + name_);
     }
 
     ~TestDatabase() {
         connection_.reset();
-        Run("postgres", "DROP DATABASE " + name_ + " WITH (FORCE)");
+        Run(AddressOf("postgres"), "DROP DATABASE " + name_ + " WITH (FORCE)");
     }
 
     TestDatabase(const TestDatabase&) = delete;
@@ -51,6 +51,11 @@ class TestDatabase {
         return Rows(*connection_, sql);
     }
 
+    static void Run(const std::string& address, const std::string& sql) {
+        const Connection connection = Connected(address);
+        static_cast<void>(Rows(*connection, sql));
+    }
+
   private:
     using Connection = std::unique_ptr<PGconn, void (*)(PGconn*)>;
 
@@ -59,11 +64,6 @@ class TestDatabase {
         PQsetNoticeReceiver(
             connection.get(), [](void*, const PGresult*) {}, nullptr);
         return connection;
-    }
-
-    static void Run(const std::string& database, const std::string& sql) {
-        const Connection connection = Connected(AddressOf(database));
-        static_cast<void>(Rows(*connection, sql));
     }
 
     static std::vector<std::string> Rows(PGconn& connection, const std::string& sql) {

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <poll.h>
 #include <utility>
 
 namespace KAL_AUTO_Node {
@@ -142,8 +143,10 @@ void PostgresConnection::SetUp() {
 
 void PostgresConnection::BeReady() {
     if (connection_ && beginning_.empty() && !inTransaction_) {
-        // Takes in that the server has hung up meanwhile.
-        PQconsumeInput(connection_.get());
+        // Takes in that the server has hung up meanwhile, and what it said before.
+        pollfd socket{PQsocket(connection_.get()), POLLIN, 0};
+        while (poll(&socket, 1, 0) > 0 && PQconsumeInput(connection_.get()) != 0) {
+        }
     }
     if (connection_ && PQstatus(connection_.get()) == CONNECTION_OK) {
         return;
