@@ -73,7 +73,9 @@ struct Saver {
         try {
             if (creating) {
                 for (const auto& [typeID, number] : MissingNodes) {
-                    save.Create(typeID, number, SaveDate);
+                    if (!IsNodeExisted(dataBase, Place.partition, typeID, number)) {
+                        save.Create(typeID, number, SaveDate);
+                    }
                 }
             }
             save.Renew();

@@ -1,0 +1,34 @@
+#include "Person.h"
+#include "Relay.h"
+#include "TestStore.h"
+
+#include <fstream>
+
+namespace KAL_AUTO_Node {
+namespace {
+
+// A person far from the server: every way there and back takes 20 ms. The connection's own ways count.
+TEST(SlowLine, OpensAndSavesInAFewWays) {
+    const TestStore store;
+    store.Execute("INSERT INTO Detail_AUTO_Prompts SELECT 1, 2, 100 + n, 0, 1 + n % 60, 8, 'MSG'"
+                  " FROM generate_series(1, 900) n");
+    Relay relay(std::chrono::milliseconds(10));
+    std::ofstream(store.File(), std::ios::trunc)
+        << relay.AddressOf(store.Value("SELECT current_database()")) << '\n';
+    Person person;
+    EXPECT_TRUE(person.Edit(8, [&] {
+        EXPECT_LE(relay.Ways(), 10) << "to open";
+        for (const char* label : {"First", "Second"}) {
+            Person::TypeLabel(label);
+            Person::Press("cmdApply");
+            EXPECT_LE(relay.Ways(), 10) << "to save";
+            EXPECT_EQ(
+                store.Value("SELECT NodeDescription FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 8"),
+                label);
+        }
+    }));
+    EXPECT_EQ(person.Boxes(), std::vector<Box>());
+}
+
+} // namespace
+} // namespace KAL_AUTO_Node
