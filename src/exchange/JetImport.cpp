@@ -114,7 +114,7 @@ class JetImport : public JetSink {
             report_.damage.push_back("the definition of " + table_->name + " cannot be read");
         }
         PlaceColumns(told);
-        insert_ = dataBase_.Prepare(InsertStatement(*table_, columns_));
+        insert_ = dataBase_.Prepare(InsertStatement(*table_, AllColumns(*table_)));
         progress_(table_->name, 0, told.rows);
     }
 
@@ -190,7 +190,6 @@ class JetImport : public JetSink {
             }
         }
         row_.assign(table_->columns.size(), std::nullopt);
-        parameters_.assign(columns_.size(), std::nullopt);
     }
 
     // False where the row cannot be taken; what of it cannot is told.
@@ -227,10 +226,7 @@ class JetImport : public JetSink {
     }
 
     void Insert() {
-        for (std::size_t i = 0; i < columns_.size(); ++i) {
-            parameters_[i] = row_[columns_[i]];
-        }
-        insert_->Run(parameters_);
+        insert_->Run(row_);
         const bool written = insert_->RowsWritten() > 0;
         insert_->Close();
         if (!written && table_->columns[table_->key.back()].name != SequenceColumn) {
@@ -261,7 +257,6 @@ class JetImport : public JetSink {
     std::vector<std::size_t> columns_; // of the store that the file has, in its order
     std::vector<std::size_t> places_;  // of their values in the file's row
     StoreRow row_;
-    StoreRow parameters_;
     std::unique_ptr<Statement> insert_;
     DoubledSequences doubled_;
 };

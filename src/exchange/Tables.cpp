@@ -124,7 +124,7 @@ std::optional<std::string> WhyNot(const StoreColumn& column, std::optional<std::
         if (!number) {
             return "\"" + *value + "\" is no whole number of 32 bits";
         }
-        value = std::to_string(*number);
+        *value = std::to_string(*number);
     } else if (value->find('\0') != std::string::npos) {
         return "holds a NUL, which not every store can";
     }
