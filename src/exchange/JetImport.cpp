@@ -263,8 +263,28 @@ class JetImport : public JetSink {
 
 } // namespace
 
+namespace {
+
+void RequireEmpty(DataBase& dataBase) {
+    for (const StoreTable& table : StoreTables()) {
+        const auto any =
+            dataBase.Prepare("SELECT " + table.columns.front().name + " FROM " + table.name + " LIMIT 1");
+        any->Run({});
+        const bool isEmpty = any->AtEnd();
+        any->Close();
+        if (!isEmpty) {
+            throw RuntimeError(ErrorNumber::DuplicateKey,
+                               "'" + dataBase.File().string() +
+                                   "' has rows already; a Jet file goes into a new or an empty store");
+        }
+    }
+}
+
+} // namespace
+
 JetReport ImportJet(DataBase& dataBase, const std::filesystem::path& reader,
                     const std::filesystem::path& file, Damage damage, const JetProgress& progress) {
+    RequireEmpty(dataBase);
     std::vector<std::string> names;
     for (const StoreTable& table : StoreTables()) {
         names.push_back(table.name);

@@ -2,6 +2,7 @@
 
 #include "platform/FoldCase.h"
 #include "platform/NumericValue.h"
+#include "store/Scripts.h"
 
 #include <algorithm>
 #include <charconv>
@@ -13,15 +14,11 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-constexpr const char* Schema =
-#include "store/Schema.inc"
-    ;
-
 // Reads the one form in which the schema is written: a line a column, the key at the end.
 class SchemaReader {
   public:
     std::vector<StoreTable> Read() {
-        std::istringstream schema(Schema);
+        std::istringstream schema(SchemaScript);
         for (std::string line; std::getline(schema, line);) {
             const bool inside = line.starts_with(' ');
             std::ranges::replace_if(
