@@ -5,6 +5,7 @@
 #include "history/NodeSave.h"
 #include "nodes/AutoNodeReader.h"
 #include "platform/RuntimeError.h"
+#include "store/Scripts.h"
 
 #include <gtest/gtest.h>
 
@@ -72,7 +73,8 @@ std::string Replaced(std::string text, const std::string& what, const std::strin
 }
 
 TEST(Exchange, KnowsTheStoresTables) {
-    const TestStore store(StoreContent::Empty);
+    SQLite::Database schema(":memory:", SQLite::OPEN_READWRITE);
+    schema.exec(SchemaScript);
     std::vector<std::string> told;
     for (const StoreTable& table : StoreTables()) {
         for (std::size_t i = 0; i < table.columns.size(); ++i) {
@@ -84,12 +86,12 @@ TEST(Exchange, KnowsTheStoresTables) {
             told.push_back(line.str());
         }
     }
-    EXPECT_EQ(told, store.Rows("SELECT m.name, c.name, c.type, c.\"notnull\", c.pk FROM sqlite_master AS m, "
-                               "pragma_table_info(m.name) AS c WHERE m.type = 'table' AND m.name NOT IN "
-                               "('Node_AUTO_Version', 'Node_Creation') ORDER BY m.rowid, c.cid"));
+    EXPECT_EQ(told,
+              TestStore::Rows(schema, "SELECT m.name, c.name, c.type, c.\"notnull\", c.pk FROM sqlite_master "
+                                      "AS m, pragma_table_info(m.name) AS c ORDER BY m.rowid, c.cid"));
 
-    const auto schema = nlohmann::json::parse(BytesOf(DOCS "/exchange.schema.json"));
-    const auto& tables = schema.at("properties").at("tables").at("properties");
+    const auto document = nlohmann::json::parse(BytesOf(DOCS "/exchange.schema.json"));
+    const auto& tables = document.at("properties").at("tables").at("properties");
     EXPECT_EQ(tables.size(), StoreTables().size());
     for (const StoreTable& table : StoreTables()) {
         const auto& row = tables.at(table.name).at("items");
@@ -103,18 +105,22 @@ TEST(Exchange, KnowsTheStoresTables) {
 }
 
 TEST(Exchange, BringsAStoreBackRowForRow) {
-    TestStore store;
+    const TestStore store;
     store.Execute(R"(
-        UPDATE Node_AUTO SET NodeDescription = 'two' || char(10) || 'lines, "quoted" \ ' || char(0x2028, 7, 0x1F600);
-        UPDATE Node_MSG SET Comment = CAST(x'4361FE00E9' AS TEXT) WHERE NodeNumber = 3;
-        UPDATE Node_MSG SET Comment = CAST(x'C328' AS TEXT), Password = '' WHERE NodeNumber = 4;
-        WITH N(i) AS (VALUES (-3) UNION ALL SELECT i + 1 FROM N WHERE i < 3000)
-        INSERT INTO Node_General_Pool SELECT 1, 2, 77, i, 'X', NULL, NULL FROM N;)");
-    store.Execute("UPDATE Node_MSG SET Comment = CAST(x'4361FEE9' AS TEXT) WHERE NodeNumber = 3");
+        UPDATE Node_AUTO SET NodeDescription = 'two
+lines, "quoted" \    😀';
+        UPDATE Node_MSG SET Comment = NULL, Password = '' WHERE NodeNumber = 4)");
+    store.Execute(R"(WITH RECURSIVE N(i) AS (VALUES (-3) UNION ALL SELECT i + 1 FROM N WHERE i < 3000)
+                     INSERT INTO Node_General_Pool SELECT 1, 2, 77, i, 'X', NULL, NULL FROM N)");
+    // Letters of a single byte each, as an old program may have written them; a server takes none.
+    if (!TestStore::OnServer()) {
+        store.Execute("UPDATE Node_MSG SET Comment = CAST(x'4361FEE9' AS TEXT) WHERE NodeNumber = 3");
+    }
     const std::string whole = ExportOf(store);
     EXPECT_EQ(std::ranges::count(whole, '\n'),
               static_cast<std::ptrdiff_t>(2 + 2 * StoreTables().size() + 3824));
-    EXPECT_NE(whole.find(R"("Comment": {"bytes": "4361fee9"}, )"), std::string::npos);
+    EXPECT_EQ(whole.find(R"("Comment": {"bytes": "4361fee9"}, )") == std::string::npos,
+              TestStore::OnServer());
     const std::string part = ExportOf(store, Partition{1, 1});
     EXPECT_EQ(ImportInto(store, whole), "");
     EXPECT_EQ(store.Value("SELECT COUNT(*) FROM Node_AUTO_Version"), "0");
@@ -123,6 +129,7 @@ TEST(Exchange, BringsAStoreBackRowForRow) {
         for (const StoreTable& table : StoreTables()) {
             std::ranges::move(of.Rows("SELECT * FROM " + table.name), std::back_inserter(all));
         }
+        std::ranges::sort(all);
         return all;
     };
     const auto before = rows(store);
@@ -139,7 +146,7 @@ TEST(Exchange, BringsAStoreBackRowForRow) {
 
 TEST(Exchange, TellsWhatChangesAndKeepsNodesInTheHistory) {
     const TestStore store;
-    store.Execute(R"(WITH N(i) AS (VALUES (1) UNION ALL SELECT i + 1 FROM N WHERE i < 2500)
+    store.Execute(R"(WITH RECURSIVE N(i) AS (VALUES (1) UNION ALL SELECT i + 1 FROM N WHERE i < 2500)
                      INSERT INTO Node_General_Pool SELECT 1, 2, 77, i, 'X', NULL, NULL FROM N)");
     const std::string before = ExportOf(store);
     // What the text has and the store has not stands at the border of what is held at once, too.
@@ -192,7 +199,7 @@ TEST(Exchange, LeavesOutOfItWhatIsNotInTheText) {
     EXPECT_EQ(ExportOf(store, Partition{1, 2}), other);
     EXPECT_EQ(
         store.Rows("SELECT (SELECT COUNT(*) FROM Node_MSG WHERE PartID = 1), (SELECT COUNT(*) FROM Node_AUTO "
-                   "WHERE PartID = 1), (SELECT COUNT(*) > 0 FROM Node_General_Pool WHERE PartID = 1)"),
+                   "WHERE PartID = 1), (SELECT MIN(PartID) FROM Node_General_Pool)"),
         std::vector<std::string>{"0|0|1"});
     EXPECT_EQ(store.Value("SELECT COUNT(*) FROM SR_Node_Type_Names"), names);
 }

@@ -119,9 +119,14 @@ class ExchangeImport : public ExchangeSink {
     }
 
     void TakeRow(const StoreRow& row) override {
+        const StoreRow* stored = cursor_->Row();
+        if (stored != nullptr && *stored == row) {
+            cursor_->Next();
+            return;
+        }
         const auto key = KeyOf(*table_, row);
-        const StoreRow* stored = RemoveUpTo(&key);
-        if (stored == nullptr || KeyOf(*table_, *stored) != key) {
+        stored = RemoveUpTo(&key);
+        if (stored == nullptr || cursor_->Key() != key) {
             const bool isNode = Touch(row);
             changes_->Insert(row);
             Count(counts_.added, "added", row, isNode);
@@ -160,8 +165,7 @@ class ExchangeImport : public ExchangeSink {
     // Removes what the store has before that key, or all the rest; returns the row reached.
     const StoreRow* RemoveUpTo(const std::vector<std::int64_t>* key) {
         const StoreRow* stored = cursor_->Row();
-        for (; stored != nullptr && (key == nullptr || KeyOf(*table_, *stored) < *key);
-             stored = cursor_->Row()) {
+        for (; stored != nullptr && (key == nullptr || cursor_->Key() < *key); stored = cursor_->Row()) {
             const bool isNode = Touch(*stored);
             Count(counts_.removed, "removed", *stored, isNode);
             changes_->Remove(*stored);

@@ -5,9 +5,9 @@
 
 #include <algorithm>
 #include <istream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <streambuf>
 #include <utility>
 #include <vector>
 
@@ -26,72 +26,40 @@ constexpr std::size_t BytesAtOnce = 64U << 10U;
 }
 
 // The text's bytes as they are read, and where that is.
-class Source {
+class Source : public std::streambuf {
   public:
-    explicit Source(std::istream& text) : text_(text), buffer_(BytesAtOnce) { Fill(); }
+    explicit Source(std::istream& text) : text_(text), bytes_(BytesAtOnce) {}
 
-    [[nodiscard]] bool AtEnd() const { return at_ == end_; }
+    [[nodiscard]] std::uint64_t Line() const { return lines_ + LinesUpTo(gptr()) + 1; }
 
-    [[nodiscard]] char Byte() const { return buffer_[at_]; }
+    [[nodiscard]] bool AtEnd() { return sgetc() == traits_type::eof(); }
 
-    void Next() {
-        if (buffer_[at_] == '\n') {
-            ++line_;
-            lineBytes_ = 0;
-        } else if (++lineBytes_ > MostLineBytes) {
-            FailForm(line_, "it is longer than any row");
+  protected:
+    int_type underflow() override {
+        const std::uint64_t ended = LinesUpTo(egptr());
+        lines_ += ended;
+        bytesOfLine_ = ended > 0 ? 0 : bytesOfLine_ + static_cast<std::size_t>(egptr() - eback());
+        setg(bytes_.data(), bytes_.data(), bytes_.data());
+        if (bytesOfLine_ > MostLineBytes) {
+            FailForm(Line(), "it is longer than any row");
         }
-        if (++at_ == end_) {
-            Fill();
+        text_.read(bytes_.data(), static_cast<std::streamsize>(bytes_.size()));
+        if (text_.bad()) {
+            FailForm(Line(), "the rest cannot be read");
         }
+        setg(bytes_.data(), bytes_.data(), bytes_.data() + text_.gcount());
+        return gptr() == egptr() ? traits_type::eof() : traits_type::to_int_type(*gptr());
     }
 
-    [[nodiscard]] std::uint64_t Line() const { return line_; }
-
   private:
-    void Fill() {
-        text_.read(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
-        at_ = 0;
-        end_ = static_cast<std::size_t>(text_.gcount());
-        if (text_.bad()) {
-            FailForm(line_, "the rest cannot be read");
-        }
+    [[nodiscard]] std::uint64_t LinesUpTo(const char* end) const {
+        return static_cast<std::uint64_t>(std::count(static_cast<const char*>(eback()), end, '\n'));
     }
 
     std::istream& text_;
-    std::vector<char> buffer_;
-    std::size_t at_ = 0;
-    std::size_t end_ = 0;
-    std::uint64_t line_ = 1;
-    std::size_t lineBytes_ = 0;
-};
-
-// As the parser wants to go over it; none is at the end.
-class Position {
-  public:
-    using iterator_category = std::input_iterator_tag;
-    using value_type = char;
-    using difference_type = std::ptrdiff_t;
-    using pointer = const char*;
-    using reference = char;
-
-    explicit Position(Source* source = nullptr) : source_(source) {}
-
-    char operator*() const { return source_->Byte(); }
-
-    Position& operator++() {
-        source_->Next();
-        return *this;
-    }
-
-    bool operator==(const Position& other) const { return IsEnd() == other.IsEnd(); }
-
-    bool operator!=(const Position& other) const { return !(*this == other); }
-
-  private:
-    [[nodiscard]] bool IsEnd() const { return source_ == nullptr || source_->AtEnd(); }
-
-    Source* source_;
+    std::vector<char> bytes_;
+    std::uint64_t lines_ = 0;     // that ended before these bytes
+    std::size_t bytesOfLine_ = 0; // before these, of the line that goes on in them
 };
 
 int DigitOf(char c) {
@@ -104,7 +72,7 @@ int DigitOf(char c) {
 // What the parser tells of the text, in the words of its library.
 class Handler {
   public:
-    Handler(const Source& source, ExchangeSink& sink) : source_(source), sink_(sink) {}
+    Handler(Source& source, ExchangeSink& sink) : source_(source), sink_(sink) {}
 
     bool null() { return Value(std::nullopt, Kind::Null); }
 
@@ -137,7 +105,7 @@ class Handler {
             break;
         case Place::Rows:
             place_ = Place::Row;
-            row_.assign(table_->columns.size(), std::nullopt);
+            row_.resize(table_->columns.size());
             given_.assign(table_->columns.size(), false);
             column_.reset();
             break;
@@ -266,7 +234,10 @@ class Handler {
     }
 
     void BeginColumn(const std::string& name) {
-        column_ = FindColumn(*table_, name);
+        // As a rule they stand in their order.
+        const std::size_t next = column_ ? *column_ + 1 : 0;
+        const bool isNext = next < table_->columns.size() && table_->columns[next].name == name;
+        column_ = isNext ? std::optional(next) : FindColumn(*table_, name);
         if (!column_) {
             Fail(table_->name + " has no column " + name);
         }
@@ -360,7 +331,7 @@ class Handler {
         sink_.TakeRow(row_);
     }
 
-    const Source& source_;
+    Source& source_;
     ExchangeSink& sink_;
     Place place_ = Place::Outside;
     std::set<std::string> members_;
@@ -383,7 +354,8 @@ class Handler {
 void ReadExchange(std::istream& text, ExchangeSink& sink) {
     Source source(text);
     Handler handler(source, sink);
-    Json::sax_parse(Position(&source), Position(), &handler);
+    std::istream bytes(&source);
+    Json::sax_parse(bytes, &handler);
 }
 
 } // namespace KAL_AUTO_Node

@@ -114,7 +114,7 @@ class JetImport : public JetSink {
             report_.damage.push_back("the definition of " + table_->name + " cannot be read");
         }
         PlaceColumns(told);
-        insert_ = dataBase_.Prepare(InsertStatement(*table_, columns_));
+        insert_ = dataBase_.Prepare(InsertStatement(*table_, AllColumns(*table_)));
         progress_(table_->name, 0, told.rows);
     }
 
@@ -190,7 +190,6 @@ class JetImport : public JetSink {
             }
         }
         row_.assign(table_->columns.size(), std::nullopt);
-        parameters_.assign(columns_.size(), std::nullopt);
     }
 
     // False where the row cannot be taken; what of it cannot is told.
@@ -227,10 +226,7 @@ class JetImport : public JetSink {
     }
 
     void Insert() {
-        for (std::size_t i = 0; i < columns_.size(); ++i) {
-            parameters_[i] = row_[columns_[i]];
-        }
-        insert_->Run(parameters_);
+        insert_->Run(row_);
         const bool written = insert_->RowsWritten() > 0;
         insert_->Close();
         if (!written && table_->columns[table_->key.back()].name != SequenceColumn) {
@@ -261,15 +257,34 @@ class JetImport : public JetSink {
     std::vector<std::size_t> columns_; // of the store that the file has, in its order
     std::vector<std::size_t> places_;  // of their values in the file's row
     StoreRow row_;
-    StoreRow parameters_;
     std::unique_ptr<Statement> insert_;
     DoubledSequences doubled_;
 };
 
 } // namespace
 
+namespace {
+
+void RequireEmpty(DataBase& dataBase) {
+    for (const StoreTable& table : StoreTables()) {
+        const auto any =
+            dataBase.Prepare("SELECT " + table.columns.front().name + " FROM " + table.name + " LIMIT 1");
+        any->Run({});
+        const bool isEmpty = any->AtEnd();
+        any->Close();
+        if (!isEmpty) {
+            throw RuntimeError(ErrorNumber::DuplicateKey,
+                               "'" + dataBase.File().string() +
+                                   "' has rows already; a Jet file goes into a new or an empty store");
+        }
+    }
+}
+
+} // namespace
+
 JetReport ImportJet(DataBase& dataBase, const std::filesystem::path& reader,
                     const std::filesystem::path& file, Damage damage, const JetProgress& progress) {
+    RequireEmpty(dataBase);
     std::vector<std::string> names;
     for (const StoreTable& table : StoreTables()) {
         names.push_back(table.name);

@@ -39,11 +39,11 @@ using JetProgress = std::function<void(const std::string& table, std::uint32_t t
 
 enum class Damage { Refuse, Accept };
 
-// Takes all tables of the system that a Jet file holds, value for value, into a store whose tables are empty.
-// Yes/No becomes -1 and 0, dates and times the store's text (JetText.h). Rows of a list that have one
-// sequence number stay in their order and get numbers of their own. Raises StoreNotRecognized, naming the
-// file, where it cannot be read, holds none of the tables, or holds fewer rows than it counts and that is
-// refused. Part of a transaction.
+// Takes all tables of the system that a Jet file holds, value for value, into a store whose tables are empty;
+// raises DuplicateKey for another. Yes/No becomes -1 and 0, dates and times the store's text (JetText.h).
+// Rows of a list that have one sequence number stay in their order and get numbers of their own. Raises
+// StoreNotRecognized, naming the file, where it cannot be read, holds none of the tables, or holds fewer rows
+// than it counts and that is refused. Part of a transaction.
 [[nodiscard]] JetReport ImportJet(DataBase& dataBase, const std::filesystem::path& reader,
                                   const std::filesystem::path& file, Damage damage,
                                   const JetProgress& progress);

@@ -35,24 +35,30 @@ const StoreRow* TableCursor::Row() {
     if (!begun_) {
         begun_ = true;
         Load(*first_, scope_);
-    } else if (at_ == count_ && count_ == RowsAtOnce) {
-        // From the last row on, which may be gone by now: another one of its key would be missed otherwise.
-        const StoreRow last = rows_.back();
-        StoreRow parameters = scope_;
-        for (const std::size_t column : position_) {
-            parameters.push_back(last[column]);
+        if (count_ > 0) {
+            key_ = KeyOf(table_, rows_.front());
         }
-        Load(*further_, parameters);
-        at_ = count_ > 0 && KeyOf(table_, rows_.front()) == before_ ? 1 : 0;
     }
     return at_ < count_ ? &rows_[at_] : nullptr;
 }
 
 void TableCursor::Next() {
-    before_ = KeyOf(table_, rows_[at_]);
     ++at_;
-    if (const StoreRow* row = Row(); row != nullptr && KeyOf(table_, *row) <= before_) {
-        FailOrder(*row);
+    if (at_ == count_ && count_ == RowsAtOnce) {
+        // From the last row on, which may be gone by now: another one of its key would be missed otherwise.
+        StoreRow parameters = scope_;
+        for (const std::size_t column : position_) {
+            parameters.push_back(rows_.back()[column]);
+        }
+        Load(*further_, parameters);
+        at_ = count_ > 0 && KeyOf(table_, rows_.front()) == key_ ? 1 : 0;
+    }
+    if (at_ < count_) {
+        auto key = KeyOf(table_, rows_[at_]);
+        if (key <= key_) {
+            FailOrder(rows_[at_]);
+        }
+        key_ = std::move(key);
     }
 }
 

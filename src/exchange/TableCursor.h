@@ -23,6 +23,10 @@ class TableCursor {
     // The row reached, or nothing at the end; valid until the next move. Raises DuplicateKey where the store
     // has two rows of one key, which only another program's can.
     [[nodiscard]] const StoreRow* Row();
+
+    // Of the row reached.
+    [[nodiscard]] const std::vector<std::int64_t>& Key() const { return key_; }
+
     void Next();
 
   private:
@@ -37,7 +41,7 @@ class TableCursor {
     std::vector<StoreRow> rows_;
     std::size_t count_ = 0; // of them
     std::size_t at_ = 0;
-    std::vector<std::int64_t> before_; // the key of the row before
+    std::vector<std::int64_t> key_; // of the row reached, or of the last one at the end
     bool begun_ = false;
 };
 

@@ -2,6 +2,7 @@
 
 #include "platform/FoldCase.h"
 #include "platform/NumericValue.h"
+#include "store/Scripts.h"
 
 #include <algorithm>
 #include <charconv>
@@ -13,15 +14,11 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-constexpr const char* Schema =
-#include "store/Schema.inc"
-    ;
-
 // Reads the one form in which the schema is written: a line a column, the key at the end.
 class SchemaReader {
   public:
     std::vector<StoreTable> Read() {
-        std::istringstream schema(Schema);
+        std::istringstream schema(SchemaScript);
         for (std::string line; std::getline(schema, line);) {
             const bool inside = line.starts_with(' ');
             std::ranges::replace_if(
@@ -124,7 +121,7 @@ std::optional<std::string> WhyNot(const StoreColumn& column, std::optional<std::
         if (!number) {
             return "\"" + *value + "\" is no whole number of 32 bits";
         }
-        value = std::to_string(*number);
+        *value = std::to_string(*number);
     } else if (value->find('\0') != std::string::npos) {
         return "holds a NUL, which not every store can";
     }

@@ -75,20 +75,31 @@ void Print(const JetReport& report) {
     }
 }
 
+// Into a store that is made for it, or one that was made and holds nothing yet, such as one on a server.
 int BringOver(const Options& options) {
     const std::filesystem::path store =
         options.into.empty() ? NativePath(GetNewDatabaseFile()) : std::filesystem::path(options.into);
+    const bool exists = std::filesystem::exists(std::filesystem::symlink_status(store));
     JetReport report;
     {
         ProgressLine progress;
-        CreateStore(store, [&](DataBase& dataBase) {
+        const auto fill = [&](DataBase& dataBase) {
             report = ImportJet(dataBase, ProgramOfOurs("auto-node-jet"), options.file,
                                options.damaged ? Damage::Accept : Damage::Refuse, std::ref(progress));
-        });
+        };
+        if (exists) {
+            DataBase dataBase(store);
+            Transaction all(dataBase);
+            fill(dataBase);
+            all.Commit();
+            dataBase.Flush();
+        } else {
+            CreateStore(store, fill);
+        }
     }
     Print(report);
     // Here what a check finds in the new store is to be told.
-    std::cout << "Created " << store.string() << '\n';
+    std::cout << (exists ? "Filled " : "Created ") << store.string() << '\n';
     return 0;
 }
 
@@ -179,7 +190,8 @@ Subcommand ImportCommand(CLI::App& program) {
         ->type_name("");
     command
         ->add_option("--into", options->into,
-                     "The store's file, a new one for a Jet file; where the editor looks where none is given")
+                     "The store's file, a new one or without rows for a Jet file; where the editor looks "
+                     "where none is given")
         ->type_name("STORE");
     command->add_flag("--dry-run", options->dryRun, "Only tell what would change; not for a Jet file");
     command->add_flag("--damaged", options->damaged, "Take what can be read of a damaged Jet file");
