@@ -92,7 +92,8 @@ void GUI::LayOut() {
     upper->addLayout(lists, 1);
 
     auto* buttons = new QHBoxLayout;
-    // Beside the buttons, so that nothing moves when it comes and goes.
+    // Beside the buttons, so that nothing moves when they come and go.
+    buttons->addWidget(findBar_);
     buttons->addWidget(StatusBar1, 1);
     for (QPushButton* button : {cmdOK, cmdCancel, cmdApply}) {
         buttons->addWidget(button);
@@ -142,6 +143,18 @@ void GUI::FitScreen() {
         list->setMinimumWidth(ListWidth - given);
     }
     setMinimumSize((content() + beside).boundedTo(room));
+}
+
+void GUI::BringIntoSight(const ListView& list) const {
+    QRect wanted(list.mapTo(Frame1, QPoint(0, 0)), list.size());
+    if (const int room = upper_->viewport()->height(); wanted.height() > room) {
+        wanted.setHeight(room);
+        if (const int row = list.SelectedItem(); row >= 0) {
+            wanted = list.CellRect(row, LeadColumn).translated(list.viewport()->mapTo(Frame1, QPoint(0, 0)));
+        }
+    }
+    // A column further right is of less use than the first.
+    upper_->ensureVisible(wanted.left(), wanted.center().y(), 0, wanted.height() / 2 + 1);
 }
 
 void GUI::ShowWhole(QLineEdit& box) const {
