@@ -118,11 +118,8 @@ void PostgresConnection::Connect() {
 }
 
 void PostgresConnection::SetUp() {
-    PGconn* connection = connection_.get();
-    const Result found(PQexec(connection, SetUpSession), PQclear);
-    if (PQresultStatus(found.get()) != PGRES_TUPLES_OK) {
-        throw ErrorOf(found.get(), nullptr);
-    }
+    Require(PQsetnonblocking(connection_.get(), 1) == 0 ? 1 : 0);
+    const Result found = Script(SetUpSession);
     std::string comment;
     for (int row = 0; row < PQntuples(found.get()); ++row) {
         tables_.insert(PQgetvalue(found.get(), row, 0));
@@ -136,9 +133,7 @@ void PostgresConnection::SetUp() {
                            PostgresName);
     }
     RequireKnownVersion(VersionIn(comment), place_);
-    if (PQsetnonblocking(connection, 1) != 0 || PQenterPipelineMode(connection) == 0) {
-        throw RuntimeError(ErrorNumber::StoreFailure, Trimmed(PQerrorMessage(connection)), PostgresName);
-    }
+    Require(PQenterPipelineMode(connection_.get()));
 }
 
 void PostgresConnection::BeReady() {
@@ -226,14 +221,9 @@ void PostgresConnection::RunScript(const char* sql) {
     std::size_t reached = 0;
     Exchange({}, {}, reached); // what begins the transaction
     ahead_.clear();
-    PGconn* connection = connection_.get();
-    PQexitPipelineMode(connection);
-    const Result result(PQexec(connection, ServerTables(sql).c_str()), PQclear);
-    PQenterPipelineMode(connection);
-    const auto status = PQresultStatus(result.get());
-    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
-        throw ErrorOf(result.get(), nullptr);
-    }
+    Require(PQexitPipelineMode(connection_.get()));
+    Script(ServerTables(sql).c_str());
+    Require(PQenterPipelineMode(connection_.get()));
 }
 
 } // namespace KAL_AUTO_Node

@@ -77,6 +77,8 @@ class PostgresConnection : public Connection {
 
     void Send(const StatementRun& run, std::vector<Sent>& sent, std::size_t index);
     void SendPlain(const char* sql);
+    // Outside of the pipelines: several statements at once; the result of the last.
+    Result Script(const char* sql);
     // Nothing where the statements have to be sent once more, because the tables have changed since they were
     // prepared.
     std::optional<std::vector<Result>> Receive(std::span<const StatementRun> runs,

@@ -219,6 +219,23 @@ PostgresConnection::Receive(std::span<const StatementRun> runs, const std::vecto
     throw RuntimeError(*failure);
 }
 
+PostgresConnection::Result PostgresConnection::Script(const char* sql) {
+    Require(PQsendQuery(connection_.get(), sql));
+    Result last;
+    std::optional<RuntimeError> failure;
+    while (Result result = Next()) {
+        if (PQresultStatus(result.get()) == PGRES_FATAL_ERROR) {
+            failure = ErrorOf(result.get(), nullptr);
+        }
+        last = std::move(result);
+    }
+    if (failure) {
+        PQenterPipelineMode(connection_.get());
+        throw RuntimeError(*failure);
+    }
+    return last;
+}
+
 PostgresConnection::Result PostgresConnection::Next() {
     while (PQisBusy(connection_.get()) != 0) {
         Await();

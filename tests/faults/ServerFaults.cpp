@@ -5,6 +5,7 @@
 #include "Relay.h"
 #include "Report.h"
 #include "Scene.h"
+#include "TestServerProcess.h"
 #include "history/NodeSave.h"
 #include "nodes/AutoNodeWriter.h"
 #include "platform/RuntimeError.h"
@@ -17,45 +18,6 @@
 
 namespace KAL_AUTO_Node {
 namespace {
-
-// A server in a folder of its own.
-class Server {
-  public:
-    explicit Server(std::filesystem::path folder, const std::filesystem::path& primary = {})
-        : folder_(std::move(folder)) {
-        Do(primary.empty() ? "start" : "standby", primary.string());
-    }
-
-    ~Server() {
-        try {
-            Do("stop");
-        } catch (const std::exception& error) {
-            std::cerr << error.what() << '\n';
-        }
-    }
-
-    Server(const Server&) = delete;
-    Server& operator=(const Server&) = delete;
-
-    void Do(const std::string& what, const std::string& other = {}) const {
-        if (std::system(
-                (std::string(TEST_SERVER) + ' ' + what + ' ' + folder_.string() + ' ' + other).c_str()) !=
-            0) {
-            throw std::runtime_error("test-server " + what + " has failed");
-        }
-    }
-
-    [[nodiscard]] const std::filesystem::path& Folder() const { return folder_; }
-
-    [[nodiscard]] std::string Socket() const { return (folder_ / ".s.PGSQL.5432").string(); }
-
-    [[nodiscard]] std::string Address() const {
-        return "postgresql://tester@/postgres?host=" + folder_.string();
-    }
-
-  private:
-    std::filesystem::path folder_;
-};
 
 struct Saver {
     explicit Saver(const std::filesystem::path& link) : dataBase(link) {}
@@ -164,7 +126,7 @@ constexpr const char* TakeAwayMissingNodes = "DO $$ DECLARE found record; BEGIN 
                                              " found.table_name, found.column_name); END LOOP; END $$";
 
 void KillServer(Row& row, const std::filesystem::path& folder, bool creating, int tries) {
-    const Server server(folder / "one");
+    const TestServerProcess server(folder / "one");
     const auto link = folder / "link";
     std::filesystem::remove(link);
     CreateServerStore(link, server.Address(), StoreContent::Demo);
@@ -183,11 +145,11 @@ void KillServer(Row& row, const std::filesystem::path& folder, bool creating, in
 
 void LosePrimary(Row& row, const std::filesystem::path& folder, int tries) {
     for (int i = 0; i < tries; ++i) {
-        const Server primary(folder / ("p" + std::to_string(i)));
+        const TestServerProcess primary(folder / ("p" + std::to_string(i)));
         const auto link = folder / "pair";
         std::filesystem::remove(link);
         CreateServerStore(link, primary.Address(), StoreContent::Demo);
-        const Server standby(folder / ("s" + std::to_string(i)), primary.Folder());
+        const TestServerProcess standby(folder / ("s" + std::to_string(i)), primary.Folder());
         Relay first(std::chrono::milliseconds(0), primary.Socket());
         const Relay second(std::chrono::milliseconds(0), standby.Socket());
         WriteLink(link, "postgresql://tester@127.0.0.1:" + std::to_string(first.Port()) +
