@@ -1,60 +1,22 @@
 #pragma once
 
-#include "Person.h"
+#include "ExpectedLists.h"
 
-#include <array>
-#include <map>
 #include <random>
 
 namespace KAL_AUTO_Node {
 
-using Strings = std::vector<std::string>;
-
-enum Kind { P, A, E, None };
-
-inline const Strings Kinds{"Prompts", "Actions", "Exceptions"};
-inline const std::string LowBox = "txtActionsDTMFRangeLow";
-inline const Strings Exceptions{"Timeout", "Invalid", "Abort", "Star", "Pound"};
-
-// Of the types used here, as the test limits them.
-struct Type {
-    int id;
-    int last; // the highest number
-};
-
-inline const std::map<std::string, Type> Types{
-    {"MSG", {0, 9}},    {"TIME", {2, 3}},      {"HOLD", {5, 0}},   {"LIST", {8, 0}},   {"AUTO", {9, 40}},
-    {"TABLE", {13, 0}}, {"SPEAK", {816, 999}}, {"M_ON", {817, 9}}, {"NONE", {814, 0}}, {"EMPTY", {999, 0}}};
-inline const std::array<Strings, 3> Chosen{Strings{"MSG", "TIME", "SPEAK", "EMPTY"},
-                                           Strings{"MSG", "TIME", "HOLD", "EMPTY"},
-                                           Strings{"MSG", "TIME", "AUTO", "NONE"}};
-
-struct Row {
-    std::string name;
-    std::string number;
-    std::string label;
-    std::string lead; // range or exception
-
-    [[nodiscard]] bool Numberless() const { return name == "EMPTY" || name == "NONE"; }
-};
-
 // Uses one window at random and keeps an account of its own of what has to come of it.
-class RandomPerson {
+class RandomPerson : public ExpectedLists {
   public:
-    RandomPerson(Person& person, unsigned seed) : person_(person), random_(seed) {
-        for (const Kind list : {P, A, E}) {
-            for (int row = 0; row < Person::Count(List(list)); ++row) {
-                const auto cell = [&](int column) { return Person::Cell(List(list), row, column); };
-                rows_[list].push_back({cell(4), cell(6), cell(3), list == P ? "" : cell(1)});
-            }
-        }
-    }
+    RandomPerson(Person& person, unsigned seed) : ExpectedLists(person), random_(seed) {}
 
     void Step() {
         using Deed = void (RandomPerson::*)(Kind);
         using This = RandomPerson;
-        static const std::vector<Deed> browsing{&This::PressButton, &This::PressButton, &This::PressButton,
-                                                &This::PressKey,    &This::Point,       &This::Point};
+        static const std::vector<Deed> browsing{&This::PressButton, &This::PressButton,  &This::PressButton,
+                                                &This::PressKey,    &This::Point,        &This::Point,
+                                                &This::QuickAssign, &This::CopyAndPaste, &This::Undo};
         static const std::vector<Deed> editing{&This::ChooseType, &This::ChooseNumber, &This::ChooseNumber,
                                                &This::CloseEditors};
         Person::MarkUnchanged();
@@ -63,51 +25,31 @@ class RandomPerson {
         focus_.clear();
         marked_.reset();
         const auto list = editing_ != None && Below(2) == 0 ? editing_ : static_cast<Kind>(Below(3));
-        (this->*OneOf(open_ >= 0 && Below(2) == 0 ? editing : browsing))(list);
+        const Deed deed = OneOf(open_ >= 0 && Below(2) == 0 ? editing : browsing);
+        const Account::Rows before = rows_;
+        (this->*deed)(list);
+        if (deed != &This::Undo) {
+            const bool inRow = deed == &This::CloseEditors ||
+                               (begun_ >= 0 && rows_[editing_].size() == before[editing_].size());
+            account_.NoteDeed(before, inRow ? session_ : 0);
+        }
     }
 
-    // What the last operation was.
-    [[nodiscard]] const std::string& Last() const { return last_; }
-
-    void Check() {
-        for (const Kind list : {P, A, E}) {
-            ASSERT_EQ(Person::Count(List(list)), Size(list)) << List(list);
-            for (int row = 0; row < Size(list); ++row) {
-                const Row& is = At(list, row);
-                const std::string position = std::to_string(row + 1);
-                std::string range = list == A ? "|" + is.lead : "";
-                std::ranges::replace(range, '-', '|');
-                ASSERT_EQ(Person::Row(List(list), row),
-                          position + "|" + (list == P ? position : is.lead) + "|" + is.name +
-                              (is.Numberless() ? "" : " " + is.number) + "|" + is.label + "|" + is.name +
-                              "|" + std::to_string(Types.at(is.name).id) + "|" + is.number + range);
-                ASSERT_EQ(Person::Key(List(list), row), position + "a");
-            }
-            ASSERT_EQ(Person::Caption(Button(list, "Edit")), editing_ == list ? "Edit Off" : "Edit");
-            ASSERT_TRUE(list == E ||
-                        Person::Button("cmdQuick" + Kinds[list])->isEnabled() != (editing_ == list));
+    // Takes everything back, and does it again.
+    void UndoAndRedoAll(const Account::Rows& first) {
+        const Account::Rows last = rows_;
+        while (account_.CanUndo()) {
+            Restore(P, true);
+            Check();
         }
-        if (selected_) {
-            ASSERT_EQ(Person::SelectedRows(List(selected_->first)), selected_->second);
+        EXPECT_TRUE(rows_ == first);
+        while (rows_ != last && !testing::Test::HasFailure()) {
+            Restore(P, false);
+            Check();
         }
-        ASSERT_EQ(Person::Dirty(), changed_);
-        if (boxes_.empty() && !focus_.empty()) {
-            ASSERT_EQ(Person::Focused(), focus_);
-        }
-        if (open_ >= 0 && editing_ == A && marked_) {
-            const QLineEdit* low = Person::TextBox(LowBox);
-            ASSERT_EQ(low->selectedText(), *marked_ ? low->text() : "");
-            ASSERT_EQ(low->cursorPosition(), low->text().size());
-        }
-        ASSERT_EQ(person_.Boxes(), std::exchange(boxes_, {}));
-        CheckEditors();
     }
 
   private:
-    static std::string List(Kind list) { return "LV" + Kinds[list]; }
-
-    static std::string Button(Kind list, const std::string& action) { return "cmd" + Kinds[list] + action; }
-
     int Below(int end) { return static_cast<int>(random_() % static_cast<unsigned>(end)); }
 
     template <class Item>
@@ -115,86 +57,10 @@ class RandomPerson {
         return items[static_cast<std::size_t>(Below(static_cast<int>(items.size())))];
     }
 
-    [[nodiscard]] int Size(Kind list) const { return static_cast<int>(rows_[list].size()); }
-
-    static int Current(Kind list) { return Person::List(List(list))->currentIndex().row(); }
-
-    Row& At(Kind list, int row) { return rows_[list].at(static_cast<std::size_t>(row)); }
-
-    // Edit mode of a list ends when the focus goes to another.
-    void Focus(Kind list) {
-        if (editing_ != None && editing_ != list) {
-            editing_ = None;
-            open_ = begun_ = -1;
-            changed_ = true;
-        }
-    }
-
-    [[nodiscard]] std::string Editor(const std::string& kind) const {
-        return "cmb" + Kinds[editing_] + (editing_ == E ? Exceptions[static_cast<std::size_t>(open_)] : "") +
-               kind;
-    }
-
-    void CheckEditors() {
-        std::set<std::string> open;
-        if (open_ >= 0) {
-            const Row& row = At(editing_, open_);
-            const QTreeView* view = Person::List(List(editing_));
-            const QWidget* node = Person::Combo(Editor("Node"));
-            const QPoint place = node->mapToGlobal(node->rect().center());
-            ASSERT_EQ(view->indexAt(view->viewport()->mapFromGlobal(place)).row(), open_);
-            ASSERT_EQ(Current(editing_), open_) << "the editors would write to another row";
-            ASSERT_EQ(Person::SelectedRows(List(editing_)), std::vector{open_});
-            ASSERT_EQ(node->width(), row.Numberless() ? 111 : 65);
-            ASSERT_EQ(Person::Text(Editor("Node")), row.name);
-            if (Types.at(row.name).last > 0) {
-                ASSERT_EQ(Person::Text(Editor("Number")), row.number);
-            }
-            open.insert(Editor("Node"));
-            if (!row.Numberless()) {
-                open.insert(Editor("Number"));
-            }
-            if (editing_ == A) {
-                open.insert({LowBox, "txtActionsDash", "txtActionsDTMFRangeHigh"});
-            }
-        }
-        ASSERT_EQ(Person::OpenEditors(), open);
-    }
-
-    void TakeType(const std::string& name) {
-        Row& row = At(editing_, open_);
-        row.name = name;
-        if (row.Numberless() || std::stoi(row.number) > Types.at(name).last) {
-            row.number = "1";
-        }
-        if (name != "EMPTY") {
-            row.label.clear();
-        }
-    }
-
-    void Open(int row) {
-        open_ = row;
-        if (begun_ != row) {
-            begun_ = row;
-            before_ = At(editing_, row);
-        }
-        const Row was = At(editing_, row);
-        const bool available = was.name != "TABLE" && was.name != "LIST";
-        if (available && (editing_ != P || was.name != "EMPTY")) {
-            TakeType(was.name);
-        }
-        const bool numbered = std::stoi(At(editing_, row).number) <= Types.at(was.name).last;
-        focus_ = editing_ == A ? LowBox : Editor("Node");
-        if (!available || (!numbered && (editing_ == A || !was.Numberless()))) {
-            boxes_.push_back(Information("Please check the \"Max Number of each Node\" Section for " +
-                                         was.name + " Node in Partition Settings."));
-            open_ = -1;
-        }
-    }
-
     void ChooseType(Kind /*list*/) {
         const std::string name = OneOf(Chosen[editing_]);
         const std::string was = At(editing_, open_).name;
+        last_ = Editor("Node") + " " + name;
         if (editing_ == P && name == "EMPTY" && was != name) {
             Vacate(was);
             return;
@@ -224,6 +90,7 @@ class RandomPerson {
         Row& row = At(editing_, open_);
         if (const int last = Types.at(row.name).last; last > 0) {
             const std::string number = std::to_string(Below(last) + 1);
+            last_ = Editor("Number") + " " + number;
             if (Below(2) == 0) {
                 Person::Choose(Editor("Number"), number);
             } else {
@@ -236,6 +103,7 @@ class RandomPerson {
 
     void CloseEditors(Kind /*list*/) {
         const Qt::Key key = OneOf(std::vector{Qt::Key_Return, Qt::Key_Escape});
+        last_ = Editor("Node") + QKeySequence(key).toString().toStdString();
         Person::Combo(Editor("Node"))->setFocus();
         QTest::keyClick(Person::Combo(Editor("Node")), key);
         if (key == Qt::Key_Escape) {
@@ -243,41 +111,6 @@ class RandomPerson {
         }
         open_ = begun_ = -1;
         focus_ = List(editing_);
-    }
-
-    void Selected(Kind list, int row) { selected_ = {list, {row}}; }
-
-    // A new message before a row, or at the end.
-    void Make(Kind list, int row) {
-        if (list == P && rows_[P].front().name == "EMPTY") {
-            rows_[P].clear();
-            row = 0;
-        }
-        const std::string digits = std::to_string(row + 1);
-        rows_[list].insert(rows_[list].begin() + row,
-                           {"MSG", "1", "", list == A ? digits + "-" + digits : ""});
-        Selected(list, row);
-    }
-
-    void Remove(Kind list, const std::vector<int>& selected) {
-        for (auto row = selected.rbegin(); row != selected.rend(); ++row) {
-            rows_[list].erase(rows_[list].begin() + *row);
-        }
-        if (list == P && rows_[P].empty()) {
-            rows_[P].push_back({"EMPTY", "1", "", ""});
-        }
-        if (!selected.empty()) {
-            changed_ = true;
-            // In edit mode it is one row, and the one under the editors where they are open.
-            if (editing_ == list) {
-                open_ = -1;
-                begun_ = begun_ == selected.front() ? -1 : begun_ - (begun_ > selected.front() ? 1 : 0);
-            }
-            const int next = selected.size() == 1 ? selected.front() : 0;
-            if (Size(list) > 0) {
-                Selected(list, std::min(next, Size(list) - 1));
-            }
-        }
     }
 
     void PressButton(Kind list) {
@@ -316,14 +149,6 @@ class RandomPerson {
         }
     }
 
-    void BeginEditing(Kind list) {
-        editing_ = list;
-        if (const int row = Current(list); row >= 0) {
-            Open(row);
-            marked_ = true;
-        }
-    }
-
     void PressKey(Kind list) {
         const Qt::Key key =
             OneOf(std::vector{Qt::Key_A, Qt::Key_Delete, Qt::Key_Return, Qt::Key_Enter, Qt::Key_F2});
@@ -344,6 +169,120 @@ class RandomPerson {
         } else if (Current(list) >= 0) {
             changed_ = changed_ || editing_ != list;
             BeginEditing(list);
+        }
+    }
+
+    void Undo(Kind list) { Restore(list, Below(3) > 0); }
+
+    void Restore(Kind list, bool undo) {
+        selected_.reset();
+        const Account::Rows before = rows_;
+        const bool restores = undo ? account_.Undo() : account_.Redo();
+        last_ = List(list) + (undo ? " undo" : " redo");
+        Person::List(List(list))->setFocus();
+        QTest::keyClick(Person::List(List(list)), Qt::Key_Z,
+                        undo ? Qt::ControlModifier : Qt::ControlModifier | Qt::ShiftModifier);
+        Focus(list);
+        for (const Kind other : {P, A, E}) {
+            if (restores && rows_[other] != before[other]) {
+                Focus(other);
+                if (editing_ == other) {
+                    open_ = begun_ = -1;
+                }
+                const auto& [is, was] = std::tie(rows_[other], before[other]);
+                const auto differing = std::ranges::mismatch(is, was).in1 - is.begin();
+                if (!is.empty()) {
+                    Selected(other, std::min(static_cast<int>(differing), Size(other) - 1));
+                }
+                focus_ = List(other);
+                changed_ = true;
+            }
+        }
+    }
+
+    void QuickAssign(Kind list) {
+        if (list == E || editing_ == list) {
+            return;
+        }
+        const std::string type = OneOf(list == P ? Strings{"MSG", "SPEAK"} : Strings{"MSG", "TIME"});
+        const int from = Below(3) + 1;
+        const int to = Below(3) + 1;
+        const bool adds = Below(2) == 0;
+        last_ = "cmdQuick" + Kinds[list];
+        Person::InQuickAssign(last_, [&] {
+            Person::Choose("cmbNodeTypes", type);
+            Person::Choose("cmbFrom", std::to_string(from));
+            Person::Choose("cmbTo", std::to_string(to));
+            Person::Press(adds ? "cmdAdd" : "cmdRemove");
+        });
+        Focus(list);
+        changed_ = true;
+        auto& rows = rows_[list];
+        if (!adds) {
+            std::erase_if(rows, [&](const Row& row) {
+                return row.name == type && std::stoi(row.number) >= from && std::stoi(row.number) <= to;
+            });
+        } else if (list == P && from <= to && rows.front().name == "EMPTY") {
+            rows.clear();
+        }
+        for (int number = from; adds && number <= to; ++number) {
+            rows.push_back({type, std::to_string(number), "", list == A ? "0-100" : ""});
+        }
+        if (list == P && rows.empty()) {
+            rows.push_back({"EMPTY", "1", "", ""});
+        }
+    }
+
+    // Why a row is not taken in, if it is not.
+    static std::string Refusal(Kind list, const Row& row) {
+        const int last = Types.at(row.name).last;
+        if (list == P && row.name == "EMPTY") {
+            return "\"EMPTY\" stands for a list without prompts";
+        }
+        if (row.name == "LIST" || row.name == "TABLE") {
+            return "the type \"" + row.name + "\" cannot be chosen here";
+        }
+        return last > 0 && std::stoi(row.number) > last
+                   ? '"' + row.name + "\" has the numbers 1 to " + std::to_string(last) + ", not \"" +
+                         row.number + '"'
+                   : "";
+    }
+
+    void CopyAndPaste(Kind list) {
+        const std::vector<int> selected = Person::SelectedRows(List(list));
+        if (selected.empty()) {
+            return;
+        }
+        last_ = List(list) + " copied and pasted";
+        Person::List(List(list))->setFocus();
+        for (const Qt::Key key : {Qt::Key_C, Qt::Key_V}) {
+            QTest::keyClick(Person::List(List(list)), key, Qt::ControlModifier);
+        }
+        Focus(list);
+        if (editing_ == list) {
+            return;
+        }
+        std::vector<Row> copies;
+        for (const int row : selected) {
+            copies.push_back(At(list, row));
+            copies.back().label.clear();
+            copies.back().number = copies.back().Numberless() ? "1" : copies.back().number;
+            if (const std::string why = Refusal(list, copies.back()); !why.empty()) {
+                boxes_.push_back(Information("Line " + std::to_string(copies.size()) +
+                                             " cannot be pasted: " + why + ". Nothing was pasted."));
+                return;
+            }
+        }
+        changed_ = true;
+        if (list == E) {
+            At(E, selected.front()) = copies.front();
+            return;
+        }
+        const int at = selected.size() == 1 ? selected.front() : Size(list);
+        rows_[list].insert(rows_[list].begin() + at, copies.begin(), copies.end());
+        selected_ = {list, {}};
+        for (int row = at; row < at + static_cast<int>(copies.size()); ++row) {
+            selected_->second.push_back(row);
         }
     }
 
@@ -391,19 +330,7 @@ class RandomPerson {
         }
     }
 
-    Person& person_;
     std::mt19937 random_;
-    std::array<std::vector<Row>, 3> rows_;
-    Kind editing_ = None;
-    int open_ = -1;                                             // the row under the editors
-    int begun_ = -1;                                            // the row that Escape takes back,
-    Row before_;                                                // and as what
-    std::string focus_;                                         // where the last operation put it
-    std::optional<bool> marked_;                                // whether it selected the low box's text
-    bool changed_ = false;                                      // by the last operation
-    std::optional<std::pair<Kind, std::vector<int>>> selected_; // by it, and that alone
-    std::vector<Box> boxes_;
-    std::string last_;
 };
 
 } // namespace KAL_AUTO_Node

@@ -182,11 +182,12 @@ void ListRows::SwapCells(int row, int other, int firstColumn, int lastColumn) {
     CellsChanged(std::min(row, other), std::max(row, other), firstColumn, lastColumn);
 }
 
-void ListRows::Clear() {
+void ListRows::SetAll(std::vector<ListRow> rows) {
     beginResetModel();
     rows_.clear();
     keys_.clear();
     endResetModel();
+    Append(std::move(rows));
 }
 
 int ListRows::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : Count(); }

@@ -28,7 +28,10 @@ class ListRows : public QAbstractTableModel {
     void Remove(std::span<const int> rows);
     void Renumber(int from, int alsoColumn);
     void SwapCells(int row, int other, int firstColumn, int lastColumn);
-    void Clear();
+
+    [[nodiscard]] const std::vector<ListRow>& All() const { return rows_; }
+
+    void SetAll(std::vector<ListRow> rows);
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;

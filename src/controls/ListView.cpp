@@ -4,6 +4,7 @@
 #include "controls/Twips.h"
 
 #include <QAccessible>
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
@@ -96,17 +97,23 @@ int ListView::RowOfKey(const QString& key) const { return rows_->RowOfKey(key); 
 
 const QString& ListView::Cell(int row, int column) const { return rows_->Cell(row, column); }
 
-void ListView::SetCell(int row, int column, const QString& text) { rows_->SetCell(row, column, text); }
+ListRows& ListView::Change() {
+    emit Changing();
+    return *rows_;
+}
 
-void ListView::Insert(int row, ListRow content) { rows_->Insert(row, std::move(content)); }
+void ListView::SetCell(int row, int column, const QString& text) { Change().SetCell(row, column, text); }
 
-void ListView::Append(std::vector<ListRow> rows) { rows_->Append(std::move(rows)); }
+void ListView::Insert(int row, ListRow content) { Change().Insert(row, std::move(content)); }
+
+void ListView::Append(std::vector<ListRow> rows) { Change().Append(std::move(rows)); }
 
 void ListView::SwapCells(int row, int other, int firstColumn, int lastColumn) {
-    rows_->SwapCells(row, other, firstColumn, lastColumn);
+    Change().SwapCells(row, other, firstColumn, lastColumn);
 }
 
 void ListView::Remove(std::span<const int> rows) {
+    emit Changing();
     if (rows.empty() || rows.back() - rows.front() == static_cast<int>(rows.size()) - 1) {
         rows_->Remove(rows);
         return;
@@ -140,9 +147,11 @@ void ListView::Remove(std::span<const int> rows) {
     emit Rearranged();
 }
 
-void ListView::Renumber(int from, int alsoColumn) { rows_->Renumber(from, alsoColumn); }
+void ListView::Renumber(int from, int alsoColumn) { Change().Renumber(from, alsoColumn); }
 
-void ListView::Clear() { rows_->Clear(); }
+const std::vector<ListRow>& ListView::Rows() const { return rows_->All(); }
+
+void ListView::SetRows(std::vector<ListRow> rows) { Change().SetAll(std::move(rows)); }
 
 int ListView::SelectedItem() const { return currentIndex().row(); }
 
@@ -165,10 +174,13 @@ QModelIndex ListView::VisibleCell(int row) const {
     return rows_->index(row, isColumnHidden(0) ? 1 : 0);
 }
 
-void ListView::Select(int row) {
-    const QModelIndex index = VisibleCell(row);
-    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    scrollTo(index);
+void ListView::Select(int first, int count) {
+    const QModelIndex item = VisibleCell(first);
+    const QItemSelection rows(rows_->index(first, 0),
+                              rows_->index(first + count - 1, rows_->columnCount() - 1));
+    selectionModel()->setCurrentIndex(item, QItemSelectionModel::NoUpdate);
+    selectionModel()->select(rows, QItemSelectionModel::ClearAndSelect);
+    scrollTo(item);
 }
 
 void ListView::selectAll() {
@@ -208,10 +220,14 @@ QItemSelectionModel::SelectionFlags ListView::selectionCommand(const QModelIndex
 }
 
 void ListView::keyPressEvent(QKeyEvent* event) {
-    if (event->matches(QKeySequence::SelectAll)) {
-        emit KeyPress(SelectAllCharacter);
-        event->accept();
-        return;
+    for (const auto& [sequence, character] : {std::pair{QKeySequence::SelectAll, SelectAllCharacter},
+                                              {QKeySequence::Copy, CopyCharacter},
+                                              {QKeySequence::Paste, PasteCharacter}}) {
+        if (event->matches(sequence)) {
+            emit KeyPress(character);
+            event->accept();
+            return;
+        }
     }
     emit KeyDown(event->key());
     const int row = SelectedItem();
@@ -257,6 +273,13 @@ void ListView::selectionChanged(const QItemSelection& selected, const QItemSelec
 void ListView::mouseDoubleClickEvent(QMouseEvent* event) {
     QTreeView::mouseDoubleClickEvent(event);
     doubleClicked_ = event->button() == Qt::LeftButton && indexAt(event->position().toPoint()).isValid();
+}
+
+void ListView::contextMenuEvent(QContextMenuEvent* event) {
+    // A key asks for the menu of the selected item.
+    const bool pointed = event->reason() == QContextMenuEvent::Mouse || SelectedItem() < 0;
+    const QRect row = pointed ? QRect() : visualRect(VisibleCell(SelectedItem())) & viewport()->rect();
+    emit MenuRequested(pointed ? event->globalPos() : viewport()->mapToGlobal(row.bottomLeft()));
 }
 
 void ListView::resizeEvent(QResizeEvent* event) {

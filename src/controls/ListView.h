@@ -18,6 +18,8 @@ struct ListColumn {
 struct ListRow {
     QString key;
     QList<QString> cells; // one text per column; the first is the row's own text
+
+    friend bool operator==(const ListRow&, const ListRow&) = default;
 };
 
 // What stands behind a row's position in its key.
@@ -41,7 +43,10 @@ class ListView : public QTreeView {
   public:
     using WindowProcedure = std::function<long(ListView&, WindowMessage)>;
 
-    static constexpr int SelectAllCharacter = 1; // what Ctrl+A types
+    // What Ctrl+A, Ctrl+C and Ctrl+V type.
+    static constexpr int SelectAllCharacter = 1;
+    static constexpr int CopyCharacter = 3;
+    static constexpr int PasteCharacter = 22;
 
     explicit ListView(QWidget* parent = nullptr);
 
@@ -65,7 +70,12 @@ class ListView : public QTreeView {
     // Gives every row from one on the text and the key of its position, and the position to one more column
     // (which may be the text's own).
     void Renumber(int from, int alsoColumn);
-    void Clear();
+
+    [[nodiscard]] const std::vector<ListRow>& Rows() const;
+    // Other rows instead, none of them selected; those before a row with a taken key.
+    void SetRows(std::vector<ListRow> rows);
+
+    void Clear() { SetRows({}); }
 
     // The current row, or -1.
     [[nodiscard]] int SelectedItem() const;
@@ -75,8 +85,12 @@ class ListView : public QTreeView {
     [[nodiscard]] int GetSelectedCount() const { return static_cast<int>(SelectedRows().size()); }
 
     [[nodiscard]] bool IsSelected(int row) const;
+
     // Selects the row alone, makes it the selected item and scrolls to it.
-    void Select(int row);
+    void Select(int row) { Select(row, 1); }
+
+    // Selects that many rows, and no others; the first of them is the selected item.
+    void Select(int first, int count);
 
     void EnsureVisible(int row) { scrollTo(VisibleCell(row)); }
 
@@ -102,6 +116,10 @@ class ListView : public QTreeView {
     // list's own handling.
     void KeyDown(int key);
     void KeyPress(int character);
+    // A person asks for the menu of what can be done here, at a place of the screen.
+    void MenuRequested(const QPoint& place);
+    // Rows are about to be added, removed or changed.
+    void Changing();
     // Rows or columns may stand at other places of the viewport than before, or another row is the selected
     // item.
     void Rearranged();
@@ -113,6 +131,7 @@ class ListView : public QTreeView {
     void keyPressEvent(QKeyEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     // Tell assistive technology by rows; the toolkit's own count cells.
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
@@ -123,6 +142,8 @@ class ListView : public QTreeView {
 
   private:
     void Send(WindowMessage message);
+    // The rows, to be changed.
+    [[nodiscard]] ListRows& Change();
     // A cell of the row that the toolkit can mark and scroll to: it does neither with one of a hidden column.
     [[nodiscard]] QModelIndex VisibleCell(int row) const;
 

@@ -4,7 +4,6 @@
 #include "controls/Twips.h"
 #include "controls/Visibility.h"
 #include "desktop/MessageBox.h"
-#include "editor/Handler.h"
 #include "platform/NumericValue.h"
 
 #include <QEvent>
@@ -22,11 +21,12 @@ bool IsDigit(QChar character) { return character >= u'0' && character <= u'9'; }
 
 } // namespace
 
-ActionsList::ActionsList(GUI& gui, const ComponentFactory& components)
-    : RowList(gui, components, gui.LVActions,
+ActionsList::ActionsList(GUI& gui, QUndoStack& undo, const ComponentFactory& components)
+    : RowList(gui, undo, components, gui.LVActions,
               {gui.cmdActionsEdit, gui.cmdActionsAdd, gui.cmdActionsInsert, gui.cmdActionsRemove,
                gui.cmdActionsUp, gui.cmdActionsDown, gui.cmdQuickActions},
-              {.numberlessType = NumberlessType,
+              {.kind = RowKind::Actions,
+               .numberlessType = NumberlessType,
                .numberlessOpens = false,
                .numberNeedsHighlight = false,
                .firstOwnColumn = LeadColumn,

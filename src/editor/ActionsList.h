@@ -7,7 +7,7 @@ namespace KAL_AUTO_Node {
 // Which range of digits leads to which node.
 class ActionsList : public RowList {
   public:
-    ActionsList(GUI& gui, const ComponentFactory& components);
+    ActionsList(GUI& gui, QUndoStack& undo, const ComponentFactory& components);
 
   private:
     bool MayMakeRows() override;

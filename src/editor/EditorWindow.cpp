@@ -5,6 +5,7 @@
 #include "controls/Twips.h"
 #include "desktop/MessageBox.h"
 #include "editor/Handler.h"
+#include "form/Shortcuts.h"
 #include "form/ValueBoxes.h"
 #include "rules/DuplicateRanges.h"
 
@@ -13,7 +14,12 @@
 namespace KAL_AUTO_Node {
 
 EditorWindow::EditorWindow(const ComponentFactory& components)
-    : components_(components), prompts_(gui_, components), actions_(gui_, components), exceptions_(gui_) {
+    : components_(components), prompts_(gui_, undo_, components), actions_(gui_, undo_, components),
+      exceptions_(gui_, undo_) {
+    constexpr int deeds = 100;
+    undo_.setUndoLimit(deeds);
+    OnKey(gui_, UndoKey, [this] { undo_.undo(); });
+    OnKey(gui_, RedoKey, [this] { undo_.redo(); });
     ConnectHandlers();
     WatchFocus();
     LabelPopups();
@@ -64,8 +70,10 @@ void EditorWindow::WatchFocus() {
     for (const ReferenceList* list : lists_) {
         const PerList<bool> others{list != &prompts_, list != &actions_, list != &exceptions_};
         endedByFocus_[list->Parts().list] = others;
-        for (QPushButton* button : list->Parts().browsing) {
-            endedByFocus_[button] = others;
+        for (QPushButton* button : list->Parts().buttons) {
+            if (button != list->Parts().edit) {
+                endedByFocus_[button] = others;
+            }
         }
     }
     for (QWidget* field :

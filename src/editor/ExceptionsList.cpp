@@ -1,7 +1,6 @@
 #include "editor/ExceptionsList.h"
 
 #include "controls/Visibility.h"
-#include "editor/Handler.h"
 #include "rules/Rows.h"
 
 #include <algorithm>
@@ -18,15 +17,18 @@ std::vector<Slot> Slots() {
 
 } // namespace
 
-ExceptionsList::ExceptionsList(GUI& gui)
-    : ReferenceList(gui, {gui.LVExceptions, gui.cmdExceptionsEdit, {gui.cmdExceptionsDefault}},
-                    {.numberlessType = NumberlessExceptionType,
-                     .numberlessOpens = true,
-                     .numberNeedsHighlight = true,
-                     .firstOwnColumn = CommandNodeColumn,
-                     .browsingSelection = QAbstractItemView::SingleSelection,
-                     .resetColumns = &GUI::ResetExceptionsListView},
-                    Slots()) {
+ExceptionsList::ExceptionsList(GUI& gui, QUndoStack& undo)
+    : ReferenceList(
+          gui, undo,
+          {gui.LVExceptions, gui.cmdExceptionsEdit, {gui.cmdExceptionsEdit, gui.cmdExceptionsDefault}},
+          {.kind = RowKind::Exceptions,
+           .numberlessType = NumberlessExceptionType,
+           .numberlessOpens = true,
+           .numberNeedsHighlight = true,
+           .firstOwnColumn = CommandNodeColumn,
+           .browsingSelection = QAbstractItemView::SingleSelection,
+           .resetColumns = &GUI::ResetExceptionsListView},
+          Slots()) {
     connect(gui.cmdExceptionsDefault, &QPushButton::clicked, this, &ExceptionsList::Default_Click);
 }
 
@@ -39,6 +41,15 @@ void ExceptionsList::Default_Click() {
         }
         MarkChanged();
     });
+}
+
+void ExceptionsList::TakeIn(std::vector<ListRow> rows) {
+    for (const ListRow& row : rows) {
+        for (int column = RulesOfList().firstOwnColumn; column < static_cast<int>(row.cells.size());
+             ++column) {
+            List().SetCell(List().RowOfKey(row.key), column, row.cells[column]);
+        }
+    }
 }
 
 Slot ExceptionsList::SlotOf(int row) const {

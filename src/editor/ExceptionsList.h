@@ -7,7 +7,7 @@ namespace KAL_AUTO_Node {
 // Where the call goes on a timeout, an invalid entry, an abort, "*" and "#": five fixed rows.
 class ExceptionsList : public ReferenceList {
   public:
-    explicit ExceptionsList(GUI& gui);
+    ExceptionsList(GUI& gui, QUndoStack& undo);
 
   private:
     void Default_Click();
@@ -16,6 +16,8 @@ class ExceptionsList : public ReferenceList {
     void ChooseNumberless(Slot slot) override;
     void ShowNoNumber(Slot slot, int type) override;
     void MouseUp() override;
+    // Each into the row of its exception.
+    void TakeIn(std::vector<ListRow> rows) override;
 };
 
 } // namespace KAL_AUTO_Node

@@ -6,11 +6,12 @@
 
 namespace KAL_AUTO_Node {
 
-PromptsList::PromptsList(GUI& gui, const ComponentFactory& components)
-    : RowList(gui, components, gui.LVPrompts,
+PromptsList::PromptsList(GUI& gui, QUndoStack& undo, const ComponentFactory& components)
+    : RowList(gui, undo, components, gui.LVPrompts,
               {gui.cmdPromptsEdit, gui.cmdPromptsAdd, gui.cmdPromptsInsert, gui.cmdPromptsRemove,
                gui.cmdPromptsUp, gui.cmdPromptsDown, gui.cmdQuickPrompts},
-              {.numberlessType = NumberlessType,
+              {.kind = RowKind::Prompts,
+               .numberlessType = NumberlessType,
                .numberlessOpens = true,
                .numberNeedsHighlight = true,
                .firstOwnColumn = CommandNodeColumn,

@@ -3,10 +3,13 @@
 #include "controls/Twips.h"
 #include "controls/Visibility.h"
 #include "desktop/MessageBox.h"
-#include "editor/Handler.h"
+#include "form/Shortcuts.h"
 #include "platform/NumericValue.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QMenu>
 
 #include <algorithm>
 #include <iterator>
@@ -26,13 +29,18 @@ bool IsEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
 
 } // namespace
 
-ReferenceList::ReferenceList(GUI& gui, Controls controls, Rules rules, std::vector<Slot> used)
-    : gui_(gui), controls_(std::move(controls)), rules_(rules), slots_(std::move(used)) {
+ReferenceList::ReferenceList(GUI& gui, QUndoStack& undo, Controls controls, Rules rules,
+                             std::vector<Slot> used)
+    : gui_(gui), undo_(undo), controls_(std::move(controls)), rules_(rules), slots_(std::move(used)),
+      history_(List(), undo) {
     connect(controls_.edit, &QPushButton::clicked, this, &ReferenceList::Edit_Click);
     connect(&List(), &ListView::ItemClick, this, &ReferenceList::ItemClick);
     connect(&List(), &ListView::MouseUp, this, [this] { Handle(List(), "MouseUp", [this] { MouseUp(); }); });
     connect(&List(), &ListView::Rearranged, this, &ReferenceList::Follow);
     connect(&List(), &ListView::ItemDoubleClick, this, &ReferenceList::EditSelectedItem);
+    connect(&List(), &ListView::KeyPress, this, &ReferenceList::KeyPress);
+    connect(&List(), &ListView::MenuRequested, this, &ReferenceList::ShowMenu);
+    connect(&history_, &RowHistory::Restored, this, &ReferenceList::MarkChanged);
     List().installEventFilter(this);
     for (const Slot slot : slots_) {
         connect(gui_.NodePicker(slot), &ComboBox::Click, this, [this, slot] { NodeClick(slot); });
@@ -51,8 +59,8 @@ void ReferenceList::Edit_Click() {
             // one that stays in another list would not end it when the person goes on there.
             controls_.edit->setFocus(Qt::OtherFocusReason);
         }
-        for (QPushButton* button : controls_.browsing) {
-            button->setEnabled(!editing);
+        for (QPushButton* button : controls_.buttons) {
+            button->setEnabled(!editing || button == controls_.edit);
         }
         List().setSelectionMode(editing ? QAbstractItemView::SingleSelection : rules_.browsingSelection);
         if (!editing) {
@@ -124,6 +132,7 @@ void ReferenceList::OpenEditors(int row) {
     if (open_ != List().model()->index(row, 0)) {
         open_ = List().model()->index(row, 0);
         before_ = List().Row(row).cells;
+        history_.BeginRow();
     }
     const Slot slot = SlotOf(row);
     PickList& node = *gui_.NodePicker(slot);
@@ -273,11 +282,68 @@ void ReferenceList::LeaveEditors() {
 }
 
 void ReferenceList::RestoreRow() {
+    const RowHistory::Deed deed(history_, open_);
     if (open_.isValid()) {
         for (int column = rules_.firstOwnColumn; column < static_cast<int>(before_.size()); ++column) {
             List().SetCell(open_.row(), column, before_[column]);
         }
     }
+}
+
+void ReferenceList::KeyPress(int character) {
+    Handle(List(), "KeyPress", [&] {
+        if (character == ListView::SelectAllCharacter) {
+            List().selectAll();
+        } else if (character == ListView::CopyCharacter) {
+            Copy();
+        } else if (character == ListView::PasteCharacter) {
+            Paste();
+        }
+    });
+}
+
+void ReferenceList::Copy() const {
+    if (const auto rows = List().SelectedRows(); !rows.empty()) {
+        QGuiApplication::clipboard()->setText(TextOfRows(rules_.kind, List(), rows));
+    }
+}
+
+void ReferenceList::Paste() {
+    if (Editing()) {
+        return;
+    }
+    auto [rows, refusal] = RowsOfText(rules_.kind, gui_, QGuiApplication::clipboard()->text());
+    if (!refusal.isEmpty()) {
+        Inform(refusal);
+        return;
+    }
+    TakeIn(std::move(rows));
+    MarkChanged();
+}
+
+void ReferenceList::ShowMenu(const QPoint& place) {
+    QMenu menu(&List());
+    const auto offer = [&](const QString& text, const QKeySequence& key, bool enabled, auto deed) {
+        QAction* action = menu.addAction(text, this, deed);
+        action->setShortcut(key);
+        action->setShortcutVisibleInContextMenu(true);
+        action->setEnabled(enabled);
+    };
+    for (QPushButton* button : controls_.buttons) {
+        offer(button->text(), KeyOf(*button), button->isEnabled(), [button] { button->click(); });
+    }
+    menu.addSeparator();
+    offer(QStringLiteral("Undo"), QKeySequence(UndoKey), undo_.canUndo(), [this] { undo_.undo(); });
+    offer(QStringLiteral("Redo"), QKeySequence(RedoKey), undo_.canRedo(), [this] { undo_.redo(); });
+    menu.addSeparator();
+    const auto type = [this](int character) { return [this, character] { KeyPress(character); }; };
+    offer(QStringLiteral("Copy"), QKeySequence::Copy, List().GetSelectedCount() > 0,
+          type(ListView::CopyCharacter));
+    offer(QStringLiteral("Paste"), QKeySequence::Paste,
+          !Editing() && !QGuiApplication::clipboard()->text().isEmpty(), type(ListView::PasteCharacter));
+    menu.addSeparator();
+    offer(QStringLiteral("Find"), QKeySequence(FindKey), true, [this] { gui_.Find(List()); });
+    menu.exec(place);
 }
 
 // While a row is edited, Enter accepts it and Escape takes it back: both close its editors, not the window.

@@ -1,10 +1,14 @@
 #pragma once
 
+#include "editor/Handler.h"
+#include "editor/RowHistory.h"
 #include "form/GUI.h"
+#include "rules/RowText.h"
 
 #include <QObject>
 #include <QPersistentModelIndex>
 
+#include <utility>
 #include <vector>
 
 namespace KAL_AUTO_Node {
@@ -18,10 +22,12 @@ class ReferenceList : public QObject {
     struct Controls {
         ListView* list;
         QPushButton* edit;
-        std::vector<QPushButton*> browsing; // those that work only while no row is edited
+        // As they stand beside the list; all but Edit work only while no row is edited.
+        std::vector<QPushButton*> buttons;
     };
 
     struct Rules {
+        RowKind kind;
         int numberlessType; // the type whose references carry no number
         // A row of that type is edited in place although it has no number to choose.
         bool numberlessOpens;
@@ -49,7 +55,14 @@ class ReferenceList : public QObject {
 
   protected:
     // The slots are those of the list's editors.
-    ReferenceList(GUI& gui, Controls controls, Rules rules, std::vector<Slot> used);
+    ReferenceList(GUI& gui, QUndoStack& undo, Controls controls, Rules rules, std::vector<Slot> used);
+
+    // Runs the handler of a control's event, as one deed that can be taken back.
+    template <class Body>
+    bool Handle(const QObject& control, const char* event, Body&& body) {
+        const RowHistory::Deed deed(history_, open_);
+        return KAL_AUTO_Node::Handle(control, event, std::forward<Body>(body));
+    }
 
     [[nodiscard]] GUI& Form() const { return gui_; }
 
@@ -83,6 +96,9 @@ class ReferenceList : public QObject {
     [[nodiscard]] virtual bool IsNodeTypeAvailable(Slot slot, const QString& name) const;
     virtual void MouseUp() = 0;
 
+    // Takes in rows from elsewhere; there is at least one.
+    virtual void TakeIn(std::vector<ListRow> rows) = 0;
+
     // Writes a reference of the numberless type.
     void WriteNumberless(int row);
 
@@ -107,13 +123,19 @@ class ReferenceList : public QObject {
     void Follow();
     void LeaveEditors();
     void RestoreRow();
+    void KeyPress(int character);
+    void Copy() const;
+    void Paste();
+    void ShowMenu(const QPoint& place);
     [[nodiscard]] std::vector<QWidget*> Editors() const;
     [[nodiscard]] std::vector<QWidget*> Editors(Slot slot) const;
 
     GUI& gui_;
+    QUndoStack& undo_;
     Controls controls_;
     Rules rules_;
     std::vector<Slot> slots_;
+    RowHistory history_;
     // The row that the editors were opened on, until it is accepted or taken back.
     QPersistentModelIndex open_;
     QList<QString> before_; // its cells when they were first

@@ -2,17 +2,17 @@
 
 #include "desktop/MessageBox.h"
 #include "desktop/MousePointer.h"
-#include "editor/Handler.h"
 #include "platform/NumericValue.h"
 
 namespace KAL_AUTO_Node {
 
-RowList::RowList(GUI& gui, const ComponentFactory& components, ListView* list, Buttons buttons, Rules rules,
-                 RowRules rowRules)
-    : ReferenceList(gui,
+RowList::RowList(GUI& gui, QUndoStack& undo, const ComponentFactory& components, ListView* list,
+                 Buttons buttons, Rules rules, RowRules rowRules)
+    : ReferenceList(gui, undo,
                     {list,
                      buttons.edit,
-                     {buttons.add, buttons.insert, buttons.remove, buttons.up, buttons.down, buttons.quick}},
+                     {buttons.add, buttons.insert, buttons.remove, buttons.edit, buttons.up, buttons.down,
+                      buttons.quick}},
                     rules, {rowRules.slot}),
       components_(components), buttons_(buttons), rowRules_(rowRules) {
     connect(buttons_.add, &QPushButton::clicked, this, &RowList::Add_Click);
@@ -25,13 +25,6 @@ RowList::RowList(GUI& gui, const ComponentFactory& components, ListView* list, B
         Handle(List(), "KeyDown", [&] {
             if (key == Qt::Key_Delete) {
                 Remove_Click();
-            }
-        });
-    });
-    connect(list, &ListView::KeyPress, this, [this](int character) {
-        Handle(List(), "KeyPress", [&] {
-            if (character == ListView::SelectAllCharacter) {
-                List().selectAll();
             }
         });
     });
@@ -109,6 +102,22 @@ void RowList::Remove_Click() {
         }
         MarkChanged();
     });
+}
+
+void RowList::TakeIn(std::vector<ListRow> rows) {
+    const Hourglass busy;
+    const std::vector<int> selected = List().SelectedRows();
+    BeforeAppending();
+    const int at = selected.size() == 1 ? std::min(selected.front(), List().Count()) : List().Count();
+    std::vector<ListRow> all = List().Rows();
+    for (ListRow& row : rows) {
+        // The keys of the positions are still others'.
+        row.key += 'b';
+    }
+    all.insert(all.begin() + at, rows.begin(), rows.end());
+    List().SetRows(std::move(all));
+    List().Renumber(0, rowRules_.positionColumn);
+    List().Select(at, static_cast<int>(rows.size()));
 }
 
 void RowList::SwapRows(int row, int other) {

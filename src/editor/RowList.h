@@ -27,8 +27,8 @@ class RowList : public ReferenceList {
         const char* quickCaption;
     };
 
-    RowList(GUI& gui, const ComponentFactory& components, ListView* list, Buttons buttons, Rules rules,
-            RowRules rowRules);
+    RowList(GUI& gui, QUndoStack& undo, const ComponentFactory& components, ListView* list, Buttons buttons,
+            Rules rules, RowRules rowRules);
 
     void Add_Click();
 
@@ -48,6 +48,9 @@ class RowList : public ReferenceList {
     virtual void AfterEmptied() {}
 
     [[nodiscard]] Slot SlotOf(int /*row*/) const override { return rowRules_.slot; }
+
+    // Before the selected row, or at the end where there are none or several.
+    void TakeIn(std::vector<ListRow> rows) override;
 
     [[nodiscard]] PickList& NodePicker() const { return *Form().NodePicker(rowRules_.slot); }
 

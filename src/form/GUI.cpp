@@ -170,6 +170,7 @@ void GUI::CreateControls() {
     cmdApply = Button(this, "cmdApply", "Apply", "Save the changes");
     cmdApply->setEnabled(false);
     StatusBar1 = Named(new StatusBar(this), "StatusBar1");
+    findBar_ = new FindBar(this);
 
     ImageList1 = Named(new ImageList(this), "ImageList1");
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "controls/ComboBox.h"
+#include "controls/FindBar.h"
 #include "controls/ImageList.h"
 #include "controls/ListView.h"
 #include "controls/NumberBox.h"
@@ -93,6 +94,9 @@ class GUI : public QDialog {
     // Closes the window, on screen or not, unless a handler of Unload refuses or fails; returns whether it is
     // closed.
     bool UnloadWindow();
+
+    // Opens the bar that finds rows of a list.
+    void Find(ListView& list) { findBar_->Open(list); }
 
     QFrame* Frame1;
 
@@ -205,6 +209,7 @@ class GUI : public QDialog {
 
     int acting_ = 0;
     QScrollArea* upper_ = nullptr;
+    FindBar* findBar_ = nullptr;
     ListView* latestList_ = nullptr; // that had the focus, or one of its buttons
     QPointer<QWidget> beforeApply_;  // what had the focus before Apply
     std::optional<NodeLists> nodeLists_;

@@ -5,6 +5,7 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <iterator>
@@ -29,8 +30,9 @@ void GUI::OrderTabs() {
     for (const BranchRule& exception : BranchRules) {
         append(Pickers(exception.slot));
     }
-    append(
-        std::initializer_list<QWidget*>{cmdExceptionsEdit, cmdExceptionsDefault, cmdOK, cmdCancel, cmdApply});
+    append(std::initializer_list<QWidget*>{cmdExceptionsEdit, cmdExceptionsDefault});
+    append(findBar_->findChildren<QWidget*>(QRegularExpression("^(txt|cmd)")));
+    append(std::initializer_list<QWidget*>{cmdOK, cmdCancel, cmdApply});
     for (std::size_t i = 1; i < order.size(); ++i) {
         setTabOrder(order[i - 1], order[i]);
     }
@@ -48,6 +50,7 @@ void GUI::MakeShortcuts() {
             upper_->ensureWidgetVisible(list);
         });
     }
+    OnKey(*this, FindKey, [this] { Find(*latestList_); });
     for (const auto& [button, key] : {std::pair{cmdFirst, "Alt+Home"},
                                       {cmdPrevious, "Alt+PgUp"},
                                       {cmdNext, "Alt+PgDown"},

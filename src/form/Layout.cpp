@@ -92,7 +92,8 @@ void GUI::LayOut() {
     upper->addLayout(lists, 1);
 
     auto* buttons = new QHBoxLayout;
-    // Beside the buttons, so that nothing moves when it comes and goes.
+    // Beside the buttons, so that nothing moves when they come and go.
+    buttons->addWidget(findBar_);
     buttons->addWidget(StatusBar1, 1);
     for (QPushButton* button : {cmdOK, cmdCancel, cmdApply}) {
         buttons->addWidget(button);

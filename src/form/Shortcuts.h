@@ -11,8 +11,20 @@ namespace KAL_AUTO_Node {
 
 // Keys that do not show in the captions; the tool tips name them.
 
+inline constexpr const char* UndoKey = "Ctrl+Z";
+inline constexpr const char* RedoKey = "Ctrl+Shift+Z";
+inline constexpr const char* FindKey = "Ctrl+F";
+
+inline constexpr const char* KeyProperty = "key";
+
+// The key that was named for a control.
+[[nodiscard]] inline QKeySequence KeyOf(const QWidget& control) {
+    return control.property(KeyProperty).value<QKeySequence>();
+}
+
 inline void NameKey(QWidget& control, const char* key) {
     const QKeySequence keys(QString::fromLatin1(key));
+    control.setProperty(KeyProperty, keys);
     control.setToolTip(control.toolTip() + " (" + keys.toString(QKeySequence::NativeText) + ')');
 }
 

@@ -1,0 +1,126 @@
+#include "controls/FindBar.h"
+
+#include "controls/ArrowIcon.h"
+#include "controls/ListView.h"
+
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QStyle>
+
+#include <algorithm>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+QToolButton* Button(QWidget* parent, const char* name, const QIcon& icon, const char* hint) {
+    auto* button = new QToolButton(parent);
+    button->setObjectName(QString::fromLatin1(name));
+    button->setIcon(icon);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::TabFocus);
+    button->setToolTip(QString::fromLatin1(hint));
+    button->setAccessibleName(button->toolTip());
+    return button;
+}
+
+bool Shows(const ListView& list, int row, const QString& text) {
+    for (int column = 0; column < list.header()->count(); ++column) {
+        if (!list.isColumnHidden(column) && list.Cell(row, column).contains(text, Qt::CaseInsensitive)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+FindBar::FindBar(QWidget* parent)
+    : QWidget(parent), caption_(new QLabel(this)), text_(new QLineEdit(this)),
+      previous_(
+          Button(this, "cmdFindPrevious", ArrowIcon(Arrow::Previous), "Previous row found (Shift+Enter)")),
+      next_(Button(this, "cmdFindNext", ArrowIcon(Arrow::Next), "Next row found (Enter)")),
+      found_(new QLabel(this)) {
+    setObjectName(QStringLiteral("FindBar"));
+    text_->setObjectName(QStringLiteral("txtFind"));
+    caption_->setBuddy(text_);
+    auto* close = Button(this, "cmdFindClose", style()->standardIcon(QStyle::SP_TitleBarCloseButton),
+                         "Close the search (Escape)");
+    // Wide enough for what it tells as a rule, so that nothing moves while a person types.
+    found_->setMinimumWidth(found_->fontMetrics().horizontalAdvance(QStringLiteral("not found 00")));
+
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    for (QWidget* control :
+         std::initializer_list<QWidget*>{caption_, text_, previous_, next_, found_, close}) {
+        row->addWidget(control);
+    }
+    connect(text_, &QLineEdit::textChanged, this, [this] { Find(std::max(0, list_->SelectedItem()), 1); });
+    connect(previous_, &QToolButton::clicked, this, &FindBar::FindPrevious);
+    connect(next_, &QToolButton::clicked, this, &FindBar::FindNext);
+    connect(close, &QToolButton::clicked, this, &FindBar::Close);
+    hide();
+}
+
+void FindBar::Open(ListView& list) {
+    list_ = &list;
+    caption_->setText("Find in " + list.accessibleName() + ':');
+    text_->setAccessibleName("Find in " + list.accessibleName());
+    show();
+    text_->setFocus(Qt::ShortcutFocusReason);
+    text_->selectAll();
+    Find(std::max(0, list.SelectedItem()), 1);
+}
+
+void FindBar::Close() {
+    list_->setFocus(Qt::OtherFocusReason);
+    hide();
+}
+
+void FindBar::FindNext() { Find(list_->SelectedItem() + 1, 1); }
+
+void FindBar::FindPrevious() { Find(std::max(0, list_->SelectedItem()) - 1, -1); }
+
+void FindBar::Find(int from, int step) {
+    const QString text = text_->text();
+    std::vector<int> rows;
+    for (int row = 0; !text.isEmpty() && row < list_->Count(); ++row) {
+        if (Shows(*list_, row, text)) {
+            rows.push_back(row);
+        }
+    }
+    previous_->setEnabled(!rows.empty());
+    next_->setEnabled(!rows.empty());
+    QString told = text.isEmpty() ? QString() : QStringLiteral("not found");
+    if (!rows.empty()) {
+        auto found = std::ranges::lower_bound(rows, from);
+        if (step < 0) {
+            found = std::ranges::upper_bound(rows, from);
+            found = found == rows.begin() ? rows.end() - 1 : found - 1;
+        } else if (found == rows.end()) {
+            found = rows.begin();
+        }
+        list_->Select(*found);
+        told = QString::number(found - rows.begin() + 1) + " of " + QString::number(rows.size());
+    }
+    found_->setText(told);
+    // The focus stays in the text, where it is heard.
+    text_->setAccessibleDescription(told);
+}
+
+void FindBar::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        event->modifiers().testFlag(Qt::ShiftModifier) ? FindPrevious() : FindNext();
+        break;
+    case Qt::Key_Escape:
+        Close();
+        break;
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+} // namespace KAL_AUTO_Node

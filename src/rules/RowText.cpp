@@ -1,0 +1,187 @@
+#include "rules/RowText.h"
+
+#include "form/GUI.h"
+#include "platform/VisibleText.h"
+#include "rules/Rows.h"
+#include "rules/Utf8.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+// Above every list that a node has; whatever is longer was never meant for one.
+constexpr std::size_t MostRows = NumberBox::MostNumbers;
+constexpr qsizetype MostCharacters = 16'000'000;
+
+// Why a line is refused.
+class Refusal : public std::runtime_error {
+  public:
+    explicit Refusal(const QString& why) : std::runtime_error(why.toStdString()) {}
+};
+
+QString Quoted(const QString& cell) {
+    constexpr qsizetype longest = 40;
+    const QString shown = FromUtf8(Visible(cell.left(longest).toStdString()));
+    return '"' + shown + (cell.size() > longest ? "\u2026" : "") + '"';
+}
+
+std::span<const Column> LeadColumns(RowKind kind) {
+    static constexpr std::array range{DTMFRangeLowColumn, DTMFRangeHighColumn};
+    static constexpr std::array name{LeadColumn};
+    switch (kind) {
+    case RowKind::Actions:
+        return range;
+    case RowKind::Exceptions:
+        return name;
+    case RowKind::Prompts:
+        break;
+    }
+    return {};
+}
+
+// A label is anybody's text, and a spreadsheet would compute what begins like a formula.
+QString AsCell(const QString& label) {
+    const QString cell = label.simplified();
+    return cell.startsWith('=') || cell.startsWith('+') || cell.startsWith('-') || cell.startsWith('@')
+               ? '\'' + cell
+               : cell;
+}
+
+bool IsDigits(const QString& text) {
+    return !text.isEmpty() &&
+           std::ranges::all_of(text, [](QChar digit) { return digit >= u'0' && digit <= u'9'; });
+}
+
+// Reads line after line.
+class Reader {
+  public:
+    Reader(RowKind kind, const GUI& gui) : kind_(kind), gui_(gui) {}
+
+    std::vector<ListRow> Take() && { return std::move(rows_); }
+
+    void Add(const QString& line) {
+        QStringList cells = line.split('\t');
+        std::ranges::for_each(cells, [](QString& cell) { cell = cell.trimmed(); });
+        const auto leads = static_cast<qsizetype>(LeadColumns(kind_).size());
+        if (cells.size() < leads + 2) {
+            throw Refusal("it has " + QString::number(cells.size()) + " cells instead of " +
+                          QString::number(leads + 2) + " or more");
+        }
+        if (rows_.size() == MostRows) {
+            throw Refusal("there are more rows than a list takes");
+        }
+        const QString& type = cells[leads];
+        const QString& number = cells[leads + 1];
+        const auto position = static_cast<int>(rows_.size()) + 1;
+        switch (kind_) {
+        case RowKind::Prompts:
+            rows_.push_back(PromptRowAt(position, Target(Slot::Prompts, type, number)));
+            break;
+        case RowKind::Actions:
+            for (const QString& digits : {cells[0], cells[1]}) {
+                if (!IsDigits(digits)) {
+                    throw Refusal("a range consists of digits, not of " + Quoted(digits));
+                }
+            }
+            rows_.push_back(ActionRowAt(position, cells[0], cells[1], Target(Slot::Actions, type, number)));
+            break;
+        case RowKind::Exceptions:
+            AddException(cells[0], type, number);
+            break;
+        }
+    }
+
+  private:
+    void AddException(const QString& name, const QString& type, const QString& number) {
+        const auto rule = std::ranges::find_if(
+            BranchRules, [&](const BranchRule& branch) { return name == QLatin1String(branch.label); });
+        if (rule == BranchRules.end()) {
+            throw Refusal("there is no exception " + Quoted(name));
+        }
+        ListRow row = ExceptionRowAt(static_cast<std::size_t>(rule - BranchRules.begin()),
+                                     Target(rule->slot, type, number));
+        if (std::ranges::find(rows_, row.key, &ListRow::key) != rows_.end()) {
+            throw Refusal("the exception " + Quoted(name) + " is there already");
+        }
+        rows_.push_back(std::move(row));
+    }
+
+    // What the pickers of a slot offer.
+    [[nodiscard]] Reference Target(Slot slot, const QString& name, const QString& number) const {
+        const PickList& types = *gui_.NodePicker(slot);
+        const int entry = types.IndexOf(name);
+        if (entry < 0) {
+            throw Refusal("the type " + Quoted(name) + " cannot be chosen here");
+        }
+        const int type = types.ItemData(entry);
+        if (slot == Slot::Prompts && type == NumberlessType) {
+            throw Refusal(Quoted(name) + " stands for a list without prompts");
+        }
+        const int last = type == NumberlessTypeOf(slot) ? 0 : gui_.Lists().MaxNodeNumberCollection[type];
+        // A type without numbers is chosen with the number 1 all the same.
+        const int chosen = last < 1 && number.isEmpty() ? 1 : IsDigits(number) ? number.toInt() : 0;
+        if (chosen < 1 || chosen > std::max(1, last)) {
+            throw Refusal(Quoted(name) +
+                          (last < 1 ? QStringLiteral(" has no number ")
+                                    : " has the numbers 1 to " + QString::number(last) + ", not ") +
+                          Quoted(number));
+        }
+        return {type, gui_.Lists().NodeNameCollection[type], chosen, {}};
+    }
+
+    RowKind kind_;
+    const GUI& gui_;
+    std::vector<ListRow> rows_;
+};
+
+} // namespace
+
+QString TextOfRows(RowKind kind, const ListView& list, std::span<const int> rows) {
+    QStringList lines;
+    for (const int row : rows) {
+        QStringList cells;
+        for (const Column column : LeadColumns(kind)) {
+            cells.append(list.Cell(row, column));
+        }
+        const bool numberless = list.Cell(row, NodeTypeIDColumn).toInt() ==
+                                (kind == RowKind::Exceptions ? NumberlessExceptionType : NumberlessType);
+        cells << list.Cell(row, NodeNameColumn) << (numberless ? QString() : list.Cell(row, NodeNumberColumn))
+              << AsCell(list.Cell(row, LabelColumn));
+        lines.append(cells.join('\t'));
+    }
+    return lines.join('\n') + '\n';
+}
+
+PastedRows RowsOfText(RowKind kind, const GUI& gui, const QString& text) {
+    if (text.size() > MostCharacters) {
+        return {{}, QStringLiteral("The clipboard holds more than a list takes. Nothing was pasted.")};
+    }
+    Reader reader(kind, gui);
+    qsizetype begin = 0;
+    for (int number = 1; begin < text.size(); ++number) {
+        qsizetype end = text.indexOf('\n', begin);
+        end = end < 0 ? text.size() : end;
+        const QString line = text.mid(begin, end - begin);
+        begin = end + 1;
+        if (line.trimmed().isEmpty()) {
+            continue;
+        }
+        try {
+            reader.Add(line);
+        } catch (const Refusal& refusal) {
+            return {{},
+                    "Line " + QString::number(number) + " cannot be pasted: " + refusal.what() +
+                        ". Nothing was pasted."};
+        }
+    }
+    std::vector<ListRow> rows = std::move(reader).Take();
+    return {rows, rows.empty() ? QStringLiteral("There are no rows to paste.") : QString()};
+}
+
+} // namespace KAL_AUTO_Node
