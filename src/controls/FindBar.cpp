@@ -43,6 +43,8 @@ FindBar::FindBar(QWidget* parent)
       next_(Button(this, "cmdFindNext", ArrowIcon(Arrow::Next), "Next row found (Enter)")),
       found_(new QLabel(this)) {
     setObjectName(QStringLiteral("FindBar"));
+    // As high as what stands beside it.
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Ignored);
     text_->setObjectName(QStringLiteral("txtFind"));
     caption_->setBuddy(text_);
     auto* close = Button(this, "cmdFindClose", style()->standardIcon(QStyle::SP_TitleBarCloseButton),
@@ -102,6 +104,7 @@ void FindBar::Find(int from, int step) {
             found = rows.begin();
         }
         list_->Select(*found);
+        emit Found(*list_);
         told = QString::number(found - rows.begin() + 1) + " of " + QString::number(rows.size());
     }
     found_->setText(told);

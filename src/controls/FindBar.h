@@ -21,6 +21,10 @@ class FindBar : public QWidget {
     // For a list, which outlives the bar; the text of last time is there to be typed over.
     void Open(ListView& list);
 
+  signals:
+    // A row was found and is the list's selected item now.
+    void Found(const ListView& list);
+
   protected:
     void keyPressEvent(QKeyEvent* event) override;
 

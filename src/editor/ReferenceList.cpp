@@ -40,7 +40,10 @@ ReferenceList::ReferenceList(GUI& gui, QUndoStack& undo, Controls controls, Rule
     connect(&List(), &ListView::ItemDoubleClick, this, &ReferenceList::EditSelectedItem);
     connect(&List(), &ListView::KeyPress, this, &ReferenceList::KeyPress);
     connect(&List(), &ListView::MenuRequested, this, &ReferenceList::ShowMenu);
-    connect(&history_, &RowHistory::Restored, this, &ReferenceList::MarkChanged);
+    connect(&history_, &RowHistory::Restored, this, [this] {
+        gui_.BringIntoSight(List());
+        MarkChanged();
+    });
     List().installEventFilter(this);
     for (const Slot slot : slots_) {
         connect(gui_.NodePicker(slot), &ComboBox::Click, this, [this, slot] { NodeClick(slot); });

@@ -98,6 +98,10 @@ class GUI : public QDialog {
     // Opens the bar that finds rows of a list.
     void Find(ListView& list) { findBar_->Open(list); }
 
+    // Where the screen is too small for all: scrolls to a list, or to its selected item where the list itself
+    // is too high.
+    void BringIntoSight(const ListView& list) const;
+
     QFrame* Frame1;
 
     PickList* cmbNode;

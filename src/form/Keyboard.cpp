@@ -47,10 +47,12 @@ void GUI::MakeShortcuts() {
         NameKey(*list->header(), key);
         OnKey(*this, key, [this, list = list] {
             list->setFocus(Qt::ShortcutFocusReason);
-            upper_->ensureWidgetVisible(list);
+            BringIntoSight(*list);
         });
+        connect(list, &ListView::ItemClick, this, [this, list = list] { BringIntoSight(*list); });
     }
     OnKey(*this, FindKey, [this] { Find(*latestList_); });
+    connect(findBar_, &FindBar::Found, this, &GUI::BringIntoSight);
     for (const auto& [button, key] : {std::pair{cmdFirst, "Alt+Home"},
                                       {cmdPrevious, "Alt+PgUp"},
                                       {cmdNext, "Alt+PgDown"},

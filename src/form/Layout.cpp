@@ -145,6 +145,18 @@ void GUI::FitScreen() {
     setMinimumSize((content() + beside).boundedTo(room));
 }
 
+void GUI::BringIntoSight(const ListView& list) const {
+    QRect wanted(list.mapTo(Frame1, QPoint(0, 0)), list.size());
+    if (const int room = upper_->viewport()->height(); wanted.height() > room) {
+        wanted.setHeight(room);
+        if (const int row = list.SelectedItem(); row >= 0) {
+            wanted = list.CellRect(row, LeadColumn).translated(list.viewport()->mapTo(Frame1, QPoint(0, 0)));
+        }
+    }
+    // A column further right is of less use than the first.
+    upper_->ensureVisible(wanted.left(), wanted.center().y(), 0, wanted.height() / 2 + 1);
+}
+
 void GUI::ShowWhole(QLineEdit& box) const {
     constexpr int frameAndMargins = 10;
     QFont digits = font();
