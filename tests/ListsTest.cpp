@@ -1,7 +1,9 @@
 #include "Person.h"
 
 #include <QAbstractItemView>
+#include <QContextMenuEvent>
 #include <QHeaderView>
+#include <QMenu>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -157,6 +159,152 @@ TEST_F(Lists, ATypeWithoutNumbersIsNotEdited) {
              EXPECT_FALSE(Person::Dirty());
          },
          {noTypes, noTypes});
+}
+
+void Key(QWidget* widget, int key, Qt::KeyboardModifiers with = Qt::ControlModifier) {
+    widget->setFocus();
+    QTest::keyClick(widget, static_cast<Qt::Key>(key), with);
+}
+
+TEST_F(Lists, TakeNoTextThatCouldNotBeChosen) {
+    const std::vector<std::array<const char*, 3>> cases = {
+        {"Actions", " \n\r\n", ""},
+        {"Actions", "1\t2\tMSG\t3\n\n3\t4x\tMSG\t3", "3: a range consists of digits, not of \"4x\""},
+        {"Actions", "\t1\tMSG\t3", "1: a range consists of digits, not of \"\""},
+        {"Actions", "1\t2\tMSG", "1: it has 3 cells instead of 4 or more"},
+        {"Actions", "1\t2\tmsg\t3", "1: the type \"msg\" cannot be chosen here"},
+        {"Actions", "1\t2\tMSG\t251", "1: \"MSG\" has the numbers 1 to 250, not \"251\""},
+        {"Actions", "1\t2\tMSG\t0", "1: \"MSG\" has the numbers 1 to 250, not \"0\""},
+        {"Actions", "1\t2\tMSG\t4294967297", "1: \"MSG\" has the numbers 1 to 250, not \"4294967297\""},
+        {"Actions", "1\t2\tMSG\t\tlabel", "1: \"MSG\" has the numbers 1 to 250, not \"\""},
+        {"Actions", "1\t2\tEMPTY\t7", "1: \"EMPTY\" has no number \"7\""},
+        {"Prompts", "MSG\t1\nEMPTY\t", "2: \"EMPTY\" stands for a list without prompts"},
+        {"Exceptions", "*\tMSG\t1\n*\tMSG\t2", "2: the exception \"*\" is there already"},
+        {"Exceptions", "Star\tMSG\t1", "1: there is no exception \"Star\""},
+        {"Exceptions", "Abort\tM_ON\t1", "1: the type \"M_ON\" cannot be chosen here"},
+    };
+    std::vector<Box> boxes;
+    Edit(1, [&] {
+        for (const auto& [list, text, why] : cases) {
+            QTreeView* view = Person::List(std::string("LV") + list);
+            const auto before = Person::Rows(view->objectName().toStdString());
+            QGuiApplication::clipboard()->setText(text);
+            Key(view, Qt::Key_V);
+            const std::string line = std::string("Line ") + why;
+            const std::size_t colon = line.find(':');
+            const auto told = person_.Boxes();
+            EXPECT_EQ(told, std::vector{Information(colon == std::string::npos
+                                                        ? "There are no rows to paste."
+                                                        : line.substr(0, colon) + " cannot be pasted" +
+                                                              line.substr(colon) + ". Nothing was pasted.")});
+            EXPECT_EQ(Person::Rows(view->objectName().toStdString()), before);
+        }
+        EXPECT_FALSE(Person::Dirty());
+        // What a spreadsheet makes of it.
+        QGuiApplication::clipboard()->setText(" 007 \t9\tMSG\t0012\t=label\tmore\r\n5\t5\tEMPTY\t\r\n");
+        Person::ClickRow("LVActions", 2);
+        Key(Person::List("LVActions"), Qt::Key_V);
+        EXPECT_EQ(Person::Row("LVActions", 2), "3|007-9|MSG 12||MSG|0|12|007|9");
+        EXPECT_EQ(Person::Row("LVActions", 3).substr(0, 12), "4|5-5|EMPTY|");
+        EXPECT_EQ(Person::SelectedRows("LVActions"), (std::vector{2, 3}));
+    });
+}
+
+// From node to node, as text; what came of it is undone there alone.
+TEST_F(Lists, GiveRowsToOtherNodes) {
+    store_.Execute("UPDATE Node_General_Pool SET NodeDescription = '=1+1' || char(9, 10) || '\"'"
+                   " WHERE PartID = 2 AND NodeTypeID = 9 AND NodeNumber = 8");
+    const auto copied = [](const std::string& list, int first, int last) {
+        Person::ClickRow(list, first);
+        Person::ClickRow(list, last, Qt::ShiftModifier);
+        Key(Person::List(list), Qt::Key_C);
+        return QGuiApplication::clipboard()->text().toStdString();
+    };
+    Edit(1, [&] {
+        EXPECT_EQ(copied("LVExceptions", 4, 4), "#\tNONE\t\t\n");
+        EXPECT_EQ(copied("LVPrompts", 1, 2), "MSG\t2\tWelcome, main menu\nMSG\t3\tToday's specials\n");
+        Person::Press("cmdNext");
+        Key(Person::List("LVPrompts"), Qt::Key_V);
+        EXPECT_EQ(Person::Rows("LVPrompts"),
+                  (std::vector<std::string>{"1a: 1|1|MSG 2||MSG|0|2", "2a: 2|2|MSG 3||MSG|0|3"}));
+        // The text box has its own.
+        Person::TypeLabel("x");
+        Key(Person::TextBox("txtDescription"), Qt::Key_Z);
+        EXPECT_EQ(Person::Count("LVPrompts"), 2);
+        Person::MarkUnchanged();
+        Key(Person::List("LVActions"), Qt::Key_Z);
+        EXPECT_EQ(Person::Count("LVPrompts"), 0);
+        EXPECT_TRUE(Person::Dirty());
+        Key(Person::List("LVActions"), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        EXPECT_EQ(Person::Count("LVPrompts"), 2);
+        Person::MarkUnchanged();
+        Person::Press("cmdPrevious");
+        Key(Person::List("LVPrompts"), Qt::Key_Z);
+        EXPECT_EQ(Person::Count("LVPrompts"), 3);
+        EXPECT_FALSE(Person::Dirty());
+        EXPECT_EQ(copied("LVActions", 0, 0), "1\t1\tAUTO\t8\t'=1+1 \"\n");
+    });
+}
+
+TEST_F(Lists, AreSearched) {
+    Edit(1, [] {
+        QTreeView* list = Person::List("LVActions");
+        Key(list, Qt::Key_F);
+        EXPECT_EQ(Person::Focused(), "txtFind");
+        const auto expect = [&](const char* text, int key, Qt::KeyboardModifier with, int row,
+                                const char* told) {
+            auto* box = Person::TextBox("txtFind");
+            if (text != nullptr) {
+                Person::TypeOver("txtFind", text);
+            }
+            QTest::keyClick(box, static_cast<Qt::Key>(key), with);
+            EXPECT_EQ(list->currentIndex().row(), row) << told;
+            EXPECT_EQ(box->accessibleDescription().toStdString(), told);
+        };
+        expect("aUtO", Qt::Key_Shift, Qt::NoModifier, 0, "1 of 4");
+        expect(nullptr, Qt::Key_Return, Qt::NoModifier, 1, "2 of 4");
+        expect(nullptr, Qt::Key_Enter, Qt::ShiftModifier, 0, "1 of 4");
+        expect(nullptr, Qt::Key_Return, Qt::ShiftModifier, 6, "4 of 4");
+        expect(nullptr, Qt::Key_Return, Qt::NoModifier, 0, "1 of 4");
+        expect("15", Qt::Key_Return, Qt::NoModifier, 0, "not found"); // but in a hidden column
+        expect("voice", Qt::Key_Shift, Qt::NoModifier, 4, "1 of 1");
+        expect(nullptr, Qt::Key_Escape, Qt::NoModifier, 4, "1 of 1");
+        EXPECT_EQ(Person::Focused(), "LVActions");
+        EXPECT_FALSE(Person::Find<QWidget>("FindBar")->isVisible() || Person::Dirty());
+    });
+}
+
+TEST_F(Lists, HaveAMenuOfWhatCanBeDone) {
+    Edit(1, [] {
+        const auto choose = [](const std::string& list, const char* chosen) {
+            std::string offered;
+            QTimer::singleShot(0, [&] {
+                auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+                ASSERT_NE(menu, nullptr);
+                for (QAction* action : menu->actions()) {
+                    if (action->isEnabled() && !action->isSeparator()) {
+                        offered += action->text().toStdString() + ' ';
+                    }
+                    if (action->text() == QLatin1String(chosen)) {
+                        menu->setActiveAction(action);
+                    }
+                }
+                QTest::keyClick(menu, Qt::Key_Return);
+            });
+            QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, {});
+            QApplication::sendEvent(Person::List(list), &event);
+            return offered;
+        };
+        QGuiApplication::clipboard()->clear();
+        EXPECT_EQ(choose("LVActions", "Add"), "Add Insert Remove Edit Up Down Quick Find ");
+        EXPECT_EQ(choose("LVActions", "Copy"), "Add Insert Remove Edit Up Down Quick Undo Copy Find ");
+        EXPECT_EQ(choose("LVActions", "Undo"), "Add Insert Remove Edit Up Down Quick Undo Copy Paste Find ");
+        EXPECT_EQ(Person::Count("LVActions"), 9);
+        EXPECT_EQ(choose("LVActions", "Edit"), "Add Insert Remove Edit Up Down Quick Redo Copy Paste Find ");
+        EXPECT_EQ(choose("LVActions", "Edit Off"), "Edit Off Undo Copy Find ");
+        EXPECT_EQ(choose("LVExceptions", "Find"), "Edit Default Undo Paste Find ");
+        EXPECT_EQ(Person::Window("GUI")->focusWidget(), Person::TextBox("txtFind"));
+    });
 }
 
 } // namespace
