@@ -1,5 +1,4 @@
 #include "Person.h"
-#include "TestStore.h"
 #include "platform/RuntimeError.h"
 
 #include <array>
@@ -133,15 +132,6 @@ TEST(EditorOpens, AtAPlaceAmongThePartitionsNodes) {
     store.Execute("DELETE FROM Node_AUTO WHERE PartID = 1 AND NodeNumber <> 2");
     EXPECT_EQ(opened(1, 2), "1 of 1, AUTO 2 Head office, by night");
     EXPECT_EQ(person.Boxes(), std::vector<Box>{});
-}
-
-TEST(EditorOpens, NotOnAMissingNode) {
-    const TestStore store;
-    Person person;
-    Business_Rules rules;
-    EXPECT_FALSE(person.Edit(rules, 25, [] {}));
-    EXPECT_EQ(Person::Window("GUI"), nullptr);
-    EXPECT_EQ(person.Boxes(), std::vector<Box>{Information("AUTO 25 doesn't exist.")});
 }
 
 // What is on screen after a load that failed, and what has no node any more, is never written.

@@ -47,22 +47,12 @@ TEST_F(Nodes, ComeBackAsTheyWereWritten) {
         node.branches.at(static_cast<std::size_t>(branch)) = {
             branch, "T" + std::to_string(branch), 70 + branch, {}};
     }
-    const Texts others = store_.Rows("SELECT * FROM Detail_AUTO_Action WHERE NodeMasterID <> 15");
     WriteAutoNode(dataBase_, Demo, 15, node, "today");
     EXPECT_EQ(Read(15), node);
     EXPECT_EQ(Differences(Read(15), node), Texts{});
     EXPECT_EQ(store_.Rows("SELECT NodeDescription, DateModified FROM Node_General_Pool"
                           " WHERE PartID = 2 AND NodeTypeID = 9 AND NodeNumber = 15"),
               Texts{*node.label + "|today"});
-    EXPECT_EQ(store_.Rows("SELECT * FROM Detail_AUTO_Action WHERE NodeMasterID <> 15"), others);
-
-    // What is Null, and the places in the order, are part of it.
-    node.label.reset();
-    node.settings = {};
-    node.prompts[1].sequence = 7;
-    node.actions[0].low.reset();
-    WriteAutoNode(dataBase_, Demo, 15, node, "today");
-    EXPECT_EQ(Read(15), node);
     EXPECT_FALSE(AutoNodeExists(dataBase_, Demo, 25) || ReadAutoNode(dataBase_, Demo, 25));
     EXPECT_FALSE(AutoNodeExists(dataBase_, {2, 2}, 15) || AutoNodeExists(dataBase_, {1, 1}, 15));
 }

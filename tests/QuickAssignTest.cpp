@@ -81,16 +81,6 @@ TEST_F(QuickAssign, AddsARowForEachNumber) {
         EXPECT_EQ(Person::Key("LVPrompts", 0) + Person::Row("LVPrompts", 0).substr(0, 9), "1a1|1|MSG 9");
         EXPECT_EQ(Person::Key("LVPrompts", 2) + Person::Row("LVPrompts", 2), "3a3|3|MSG 3||MSG|0|3");
     });
-    Edit(7, [&] {
-        Assign("Prompts", "MSG", 5, 3, "cmdAdd");
-        EXPECT_EQ(Person::Rows("LVPrompts"), Strings{"1a: 1|1|EMPTY||EMPTY|999|1"});
-        Assign("Prompts", "MSG", 3, 5, "cmdAdd");
-        EXPECT_EQ(Person::Rows("LVPrompts"),
-                  (Strings{"1a: 1|1|MSG 3||MSG|0|3", "2a: 2|2|MSG 4||MSG|0|4", "3a: 3|3|MSG 5||MSG|0|5"}));
-        Assign("Actions", "M_ON", 9, 10, "cmdAdd");
-        EXPECT_EQ(Person::Rows("LVActions"), (Strings{"1a: 1|0-100|M_ON 9||M_ON|817|9|0|100",
-                                                      "2a: 2|0-100|M_ON 10||M_ON|817|10|0|100"}));
-    });
 }
 
 TEST_F(QuickAssign, RemovesByNameAndNumber) {
@@ -116,11 +106,6 @@ TEST_F(QuickAssign, RemovesByNameAndNumber) {
         // The placeholder goes by its own name here.
         EXPECT_EQ(Person::Rows("LVPrompts"), Strings{"1a: 1|1|EMPTY||EMPTY|999|1"});
         EXPECT_EQ(Person::Combo("cmbPromptsNode")->width(), 111);
-        Assign("Actions", "MSG", 3, 5, "cmdAdd");
-        Assign("Actions", "MSG", 3, 4, "cmdRemove");
-        EXPECT_EQ(Person::Rows("LVActions"), Strings{"1a: 1|0-100|MSG 5||MSG|0|5|0|100"});
-        Assign("Actions", "MSG", 5, 5, "cmdRemove");
-        EXPECT_EQ(Person::Count("LVActions"), 0);
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "ExpectedLists.h"
 
+#include <numeric>
 #include <random>
 
 namespace KAL_AUTO_Node {
@@ -17,7 +18,7 @@ class RandomPerson : public ExpectedLists {
         static const std::vector<Deed> browsing{&This::PressButton, &This::PressButton,  &This::PressButton,
                                                 &This::PressKey,    &This::Point,        &This::Point,
                                                 &This::QuickAssign, &This::CopyAndPaste, &This::Undo};
-        static const std::vector<Deed> editing{&This::ChooseType, &This::ChooseNumber, &This::ChooseNumber,
+        static const std::vector<Deed> editing{&This::ChooseType, &This::ChooseNumber, &This::TypeRange,
                                                &This::CloseEditors};
         Person::MarkUnchanged();
         changed_ = false;
@@ -99,6 +100,28 @@ class RandomPerson : public ExpectedLists {
             }
             row.number = number;
         }
+    }
+
+    // Only digits get into a row, and an emptied box leaves it as it is.
+    void TypeRange(Kind /*list*/) {
+        if (editing_ != A) {
+            return;
+        }
+        const bool low = Below(2) == 0;
+        const std::string box = low ? LowBox : "txtActionsDTMFRangeHigh";
+        std::string digits = OneOf(Strings{"7", "007", "1*2 a", "*"});
+        last_ = box + " " + digits;
+        Person::TypeOver(box, digits);
+        std::erase_if(digits, [](char typed) { return typed < '0' || typed > '9'; });
+        std::string& range = At(A, open_).lead;
+        const std::size_t dash = range.find('-');
+        if (!digits.empty()) {
+            range = low ? digits + range.substr(dash) : range.substr(0, dash + 1) + digits;
+        }
+        Person::Combo("cmbActionsNode")->setFocus();
+        const std::size_t end = range.find('-');
+        EXPECT_EQ(Person::TextBox(box)->text().toStdString(),
+                  low ? range.substr(0, end) : range.substr(end + 1));
     }
 
     void CloseEditors(Kind /*list*/) {
@@ -233,57 +256,41 @@ class RandomPerson : public ExpectedLists {
         }
     }
 
-    // Why a row is not taken in, if it is not.
-    static std::string Refusal(Kind list, const Row& row) {
+    static bool CanBePasted(Kind list, const Row& row) {
         const int last = Types.at(row.name).last;
-        if (list == P && row.name == "EMPTY") {
-            return "\"EMPTY\" stands for a list without prompts";
-        }
-        if (row.name == "LIST" || row.name == "TABLE") {
-            return "the type \"" + row.name + "\" cannot be chosen here";
-        }
-        return last > 0 && std::stoi(row.number) > last
-                   ? '"' + row.name + "\" has the numbers 1 to " + std::to_string(last) + ", not \"" +
-                         row.number + '"'
-                   : "";
+        return (list != P || row.name != "EMPTY") && row.name != "LIST" && row.name != "TABLE" &&
+               (last == 0 || std::stoi(row.number) <= last);
     }
 
     void CopyAndPaste(Kind list) {
         const std::vector<int> selected = Person::SelectedRows(List(list));
-        if (selected.empty()) {
+        if (selected.empty() ||
+            !std::ranges::all_of(selected, [&](int row) { return CanBePasted(list, At(list, row)); })) {
             return;
         }
         last_ = List(list) + " copied and pasted";
-        Person::List(List(list))->setFocus();
         for (const Qt::Key key : {Qt::Key_C, Qt::Key_V}) {
+            Person::List(List(list))->setFocus();
             QTest::keyClick(Person::List(List(list)), key, Qt::ControlModifier);
         }
         Focus(list);
         if (editing_ == list) {
             return;
         }
+        changed_ = true;
         std::vector<Row> copies;
         for (const int row : selected) {
-            copies.push_back(At(list, row));
-            copies.back().label.clear();
-            copies.back().number = copies.back().Numberless() ? "1" : copies.back().number;
-            if (const std::string why = Refusal(list, copies.back()); !why.empty()) {
-                boxes_.push_back(Information("Line " + std::to_string(copies.size()) +
-                                             " cannot be pasted: " + why + ". Nothing was pasted."));
-                return;
-            }
+            const Row& is = At(list, row);
+            copies.push_back({is.name, is.Numberless() ? "1" : is.number, "", is.lead});
         }
-        changed_ = true;
         if (list == E) {
             At(E, selected.front()) = copies.front();
             return;
         }
         const int at = selected.size() == 1 ? selected.front() : Size(list);
         rows_[list].insert(rows_[list].begin() + at, copies.begin(), copies.end());
-        selected_ = {list, {}};
-        for (int row = at; row < at + static_cast<int>(copies.size()); ++row) {
-            selected_->second.push_back(row);
-        }
+        selected_ = {list, std::vector<int>(copies.size())};
+        std::iota(selected_->second.begin(), selected_->second.end(), at);
     }
 
     // Clicks a row, or makes it the selected item in a way that is no click.
