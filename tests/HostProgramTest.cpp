@@ -66,6 +66,7 @@ TEST(HostProgram, OpensTheEditorOnTheNodeAskedForAndTellsWhereItIsMissing) {
         return Program(status, QStringList("edit") + numbers, program.c_str());
     };
     EXPECT_EQ(edit(0, {"1", "2", "010"}).output, "1 2 10\n");
+    EXPECT_EQ(edit(0, {}).output, "1 1 1\n");
     EXPECT_EQ(edit(0, {"32767", "-1", "-32768"}).output, "32767 -1 -32768\n");
     const std::string errors = edit(1, {"3", "4", "404"}).errors;
     ExpectTold(errors, "node 404 of configuration 3, partition 4");

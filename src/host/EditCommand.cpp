@@ -1,6 +1,8 @@
 #include "host/Arguments.h"
 #include "host/Commands.h"
 #include "host/Programs.h"
+#include "nodes/Overview.h"
+#include "store/DataBase.h"
 
 #include <array>
 #include <cerrno>
@@ -28,12 +30,25 @@ bool HasDisplay() {
 
 Subcommand EditCommand(CLI::App& program) {
     auto place = std::make_shared<NodeArguments>();
-    CLI::App* edit = program.add_subcommand("edit", "Open the editor on a node");
-    AddNode(*edit, *place);
+    CLI::App* edit =
+        program.add_subcommand("edit", "Open the editor on a node, or on the first AUTO node of the store");
+    AddNumber(*edit, "CONFIG", place->config, "Configuration number");
+    AddNumber(*edit, "PARTITION", place->partition, "Partition number");
+    CLI::Option* node =
+        AddNumber(*edit, "NODE", place->node, "Number of the AUTO node; 0 for the partition's template");
+    edit->get_option("CONFIG")->needs(node);
     return {
-        edit, [place]() -> int {
+        edit, [place, node]() -> int {
             if (!HasDisplay()) {
                 throw std::runtime_error("there is no display to show the editor on (DISPLAY is not set)");
+            }
+            if (node->count() == 0) {
+                DataBase dataBase;
+                const auto first = FirstAutoNode(dataBase);
+                if (!first) {
+                    throw std::runtime_error("there is no AUTO node in " + dataBase.File().string());
+                }
+                *place = {first->partition.config, first->partition.number, first->number};
             }
             // The window's program takes the place of this one, so that no other command loads the toolkit.
             std::string file = ProgramOfOurs("auto-node-edit").string();

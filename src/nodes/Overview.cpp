@@ -2,6 +2,9 @@
 
 #include "nodes/NodeTypes.h"
 #include "nodes/Record.h"
+#include "nodes/ReferenceData.h"
+
+#include <algorithm>
 
 namespace KAL_AUTO_Node {
 
@@ -13,6 +16,20 @@ std::vector<PartitionCounts> ReadPartitions(DataBase& dataBase) {
                               rows.Number("RegisteredNodes")});
     }
     return partitions;
+}
+
+std::optional<NodePlace> FirstAutoNode(DataBase& dataBase) {
+    const auto partitions = ReadPartitions(dataBase);
+    const auto found =
+        std::ranges::find_if(partitions, [](const PartitionCounts& counts) { return counts.autoNodes > 0; });
+    if (found == partitions.end()) {
+        return std::nullopt;
+    }
+    NodePlace place{found->partition, TemplateNumber};
+    ReadAutoNodes(dataBase, found->partition, [&](std::int16_t number, std::string_view) {
+        place.number = place.number == TemplateNumber ? number : place.number;
+    });
+    return place;
 }
 
 void ReadSummaries(DataBase& dataBase, Partition partition,

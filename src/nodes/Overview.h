@@ -22,6 +22,9 @@ struct PartitionCounts {
 // Every partition that has a node, in order.
 [[nodiscard]] std::vector<PartitionCounts> ReadPartitions(DataBase& dataBase);
 
+// The AUTO node of the lowest number in the first partition that has one besides its template.
+[[nodiscard]] std::optional<NodePlace> FirstAutoNode(DataBase& dataBase);
+
 // An AUTO node without what it refers to.
 struct AutoNodeSummary {
     std::int16_t number = 0;
