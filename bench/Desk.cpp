@@ -1,5 +1,7 @@
 #include "bench/Desk.h"
 
+#include "history/NodeSave.h"
+
 #include <QApplication>
 
 #include <stdexcept>
@@ -35,6 +37,13 @@ std::vector<Performed> CommandsOf(Place place, const std::function<void(Desk&)>&
     Recording::Statements();
     work(desk);
     return Recording::Commands();
+}
+
+void CheckNode(Desk& desk) {
+    DataBase dataBase;
+    History history(dataBase);
+    NodeSave save(dataBase, history, {PartitionOf(desk.Form()), desk.Form().nodeNumber});
+    desk.Rules().CheckForUnReferencedNodes(desk.Form(), save);
 }
 
 void Settle() { QApplication::processEvents(); }

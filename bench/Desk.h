@@ -27,7 +27,8 @@ class Desk {
 [[nodiscard]] std::vector<Performed> CommandsOf(Place place, const std::function<void(Desk&)>& work,
                                                 ComponentFactory components = {});
 
-inline void CheckNode(Desk& desk) { desk.Rules().CheckForUnReferencedNodes(desk.Form()); }
+// As part of a save that makes nothing.
+void CheckNode(Desk& desk);
 
 inline void SaveNode(Desk& desk) { desk.Rules().SaveChanges(desk.Form(), desk.Form().nodeNumber); }
 

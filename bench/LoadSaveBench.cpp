@@ -1,7 +1,59 @@
 #include "bench/Benches.h"
 #include "bench/Desk.h"
+#include "history/NodeSave.h"
+#include "nodes/AutoNodeReader.h"
+#include "nodes/AutoNodeWriter.h"
 
 namespace KAL_AUTO_Node {
+
+namespace {
+
+// A save apart from the window: every node that is referred to is looked up, the node is written and made to
+// last.
+class Saving {
+  public:
+    explicit Saving(Place place)
+        : place_{{BenchConfig, static_cast<std::int16_t>(place.partition)},
+                 static_cast<std::int16_t>(place.node)},
+          node_(ReadAutoNode(dataBase_, place_.partition, place_.number).value()) {}
+
+    void Marked() {
+        NodeSave save(dataBase_, history_, place_);
+        if (save.Begin(node_, 0)) {
+            throw std::logic_error("something stands in the way of a save");
+        }
+        LookUp();
+        save.Renew();
+        Write();
+        save.Finish();
+    }
+
+    void Bare() {
+        LookUp();
+        Write();
+        dataBase_.Flush();
+    }
+
+  private:
+    void LookUp() {
+        for (const auto& [sequence, target] : node_.prompts) {
+            static_cast<void>(IsNodeExisted(dataBase_, place_.partition, target.typeID, target.number));
+        }
+        for (const Action& action : node_.actions) {
+            static_cast<void>(
+                IsNodeExisted(dataBase_, place_.partition, action.target.typeID, action.target.number));
+        }
+    }
+
+    void Write() { WriteAutoNode(dataBase_, place_.partition, place_.number, node_, "11/25/2026"); }
+
+    DataBase dataBase_;
+    History history_{dataBase_};
+    NodePlace place_;
+    AutoNode node_;
+};
+
+} // namespace
 
 void AddLoadSavePairs(Pairs& pairs, const TestStore& store) {
     const auto addLoad = [&](const std::string& work, const SizedPlace& sized) {
@@ -25,6 +77,18 @@ void AddLoadSavePairs(Pairs& pairs, const TestStore& store) {
     }
     for (const SizedPlace& sized : LargeNodes) {
         addLoad("LoadData, by node", sized);
+    }
+
+    for (const SizedPlace& sized : LargeNodes) {
+        const auto pass = [&store, place = sized.place](void (Saving::*save)()) {
+            return [&store, save, saving = std::make_shared<Saving>(place)] {
+                EmptyLog(store);
+                return Seconds([&] { ((*saving).*save)(); });
+            };
+        };
+        pairs.Add(
+            "save with its mark, beside one without", sized.size, [pass] { return pass(&Saving::Marked); },
+            [pass] { return pass(&Saving::Bare); });
     }
 
     for (const SizedPlace& sized : LargeNodes) {

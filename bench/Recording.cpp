@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace KAL_AUTO_Node {
@@ -15,7 +17,17 @@ struct Recorded {
 
 std::vector<Recorded> recorded;
 
+// What a floor leaves out: a save's mark, and what is looked up of earlier ones.
+bool IsOfHistory(std::string_view sql) {
+    constexpr std::array<std::string_view, 5> words = {"Node_AUTO_Version", "Node_Creation", "sqlite_master",
+                                                       "BEGIN", "COMMIT"};
+    return std::ranges::any_of(words, [&](std::string_view word) { return sql.find(word) != sql.npos; });
+}
+
 int Note(unsigned /*event*/, void* /*context*/, void* statement, void* /*sql*/) {
+    if (IsOfHistory(sqlite3_sql(static_cast<sqlite3_stmt*>(statement)))) {
+        return 0;
+    }
     char* expanded = sqlite3_expanded_sql(static_cast<sqlite3_stmt*>(statement));
     recorded.push_back(
         {sqlite3_sql(static_cast<sqlite3_stmt*>(statement)), expanded == nullptr ? "" : expanded});
