@@ -218,5 +218,38 @@ TEST(HostProgram, DrawsTheCallFlowOrOffersItsText) {
     }
 }
 
+TEST(HostProgram, BringsStoresOver) {
+    for (const QStringList& arguments : {QStringList{"import"},
+                                         {"export"},
+                                         {"export", "1", "out.json"},
+                                         {"export", "1", "x", "out.json"},
+                                         {"export", "1", "2", "3", "out.json"}}) {
+        Program(2, arguments);
+    }
+    const TestStore store;
+    const QString file = QString::fromStdString((store.Folder() / "out.json").string());
+    ExpectTold(Program(0, {"export", "1", "2", file}).output, "Wrote 698 rows into ");
+    store.Execute("UPDATE Node_AUTO SET RetryLimit = 7 WHERE PartID = 2 AND NodeNumber = 5;"
+                  "DELETE FROM Node_CMD WHERE PartID = 2 AND NodeNumber = 1");
+    const std::string changes = "AUTO node 5 of configuration 1, partition 2:\n    retry limit 7 \u2192 2\n"
+                                "Node_AUTO: 0 added, 1 changed, 0 removed\n"
+                                "Node_CMD: 1 added, 0 changed, 0 removed\n"
+                                "    added ConfigID 1, PartID 2, NodeNumber 1, NodeTypeID 1\n";
+    ExpectTold(Program(0, {"import", file, "--dry-run"}).output, changes);
+    ExpectTold(Program(0, {"import", file}).output, changes);
+    ExpectTold(Program(0, {"import", file}).output, "Nothing differs");
+    ExpectTold(Program(0, {"history", "1", "2", "5"}).output, "  import\n");
+
+    const QString old = TEST_DATA "/NewDB.mdb";
+    ExpectTold(Program(1, {"import", old}).errors, "rows already");
+    const QString made = QString::fromStdString((store.Folder() / "made.db").string());
+    const std::string told = Program(0, {"import", old, "--into", made}).output;
+    ExpectTold(told, "\nNode_MSG                                         114    114\n");
+    ExpectTold(told, "Not known here and left:\n    Node_AUTO.Remark\n    Scheduler\n");
+    Program(1, {"import", old, "--into", made, "--dry-run"});
+    ExpectTold(Program(1, {"import", AUTO_NODE}).errors, "neither a Jet file nor");
+    ExpectTold(Program(1, {"import", QString::fromStdString(store.Folder().string())}).errors, "folder");
+}
+
 } // namespace
 } // namespace KAL_AUTO_Node

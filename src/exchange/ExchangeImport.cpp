@@ -39,20 +39,41 @@ constexpr std::array<NodeRows, 4> AutoNodeRows = {{{"Node_AUTO", "NodeNumber", "
 // Of them, those whose content is told as the node's.
 constexpr std::size_t TablesToldAsNodes = 3;
 
+// So many rows are added together: on a server each statement costs the way there and back.
+constexpr std::size_t RowsTogether = 50;
+
 // The statements that change one table.
 class TableChanges {
   public:
-    TableChanges(DataBase& dataBase, const StoreTable& table) : table_(table) {
+    TableChanges(DataBase& dataBase, const StoreTable& table) : dataBase_(dataBase), table_(table) {
         const auto columns = AllColumns(table);
         std::ranges::set_difference(columns, Sorted(table.key), std::back_inserter(values_));
-        insert_ = dataBase.Prepare(InsertStatement(table, columns));
         remove_ = dataBase.Prepare("DELETE FROM " + table.name + " WHERE " + Matching(table, table.key));
         if (!values_.empty()) {
             update_ = dataBase.Prepare(UpdateStatement(table, values_));
         }
     }
 
-    void Insert(const StoreRow& row) { Run(*insert_, row); }
+    // At the latest with Finish.
+    void Insert(const StoreRow& row) {
+        added_.insert(added_.end(), row.begin(), row.end());
+        if (added_.size() == RowsTogether * row.size()) {
+            Finish();
+        }
+    }
+
+    void Finish() {
+        const std::size_t rows = added_.size() / table_.columns.size();
+        if (rows == RowsTogether) {
+            if (!insert_) {
+                insert_ = dataBase_.Prepare(InsertStatement(table_, RowsTogether));
+            }
+            Run(*insert_, added_, rows);
+        } else if (rows > 0) {
+            Run(*dataBase_.Prepare(InsertStatement(table_, rows)), added_, rows);
+        }
+        added_.clear();
+    }
 
     void Update(const StoreRow& row) {
         parameters_.clear();
@@ -79,9 +100,9 @@ class TableChanges {
         }
     }
 
-    void Run(Statement& statement, const StoreRow& parameters) const {
+    void Run(Statement& statement, const StoreRow& parameters, std::size_t rows = 1) const {
         statement.Run(parameters);
-        const bool written = statement.RowsWritten() == 1;
+        const bool written = statement.RowsWritten() == static_cast<std::int64_t>(rows);
         statement.Close();
         if (!written) {
             throw RuntimeError(ErrorNumber::StoreFailure,
@@ -89,9 +110,11 @@ class TableChanges {
         }
     }
 
+    DataBase& dataBase_;
     const StoreTable& table_;
-    std::vector<std::size_t> values_; // columns that are no part of the key
-    std::unique_ptr<Statement> insert_;
+    std::vector<std::size_t> values_;   // columns that are no part of the key
+    StoreRow added_;                    // rows that are not inserted yet, one behind another
+    std::unique_ptr<Statement> insert_; // of RowsTogether
     std::unique_ptr<Statement> update_;
     std::unique_ptr<Statement> remove_;
     StoreRow parameters_;
@@ -143,6 +166,7 @@ class ExchangeImport : public ExchangeSink {
 
     void TakeEndOfTable() override {
         RemoveUpTo(nullptr);
+        changes_->Finish();
         if (counts_.added + counts_.changed + counts_.removed > 0) {
             report_.tables.push_back(std::move(counts_));
         }

@@ -76,7 +76,7 @@ class DoubledSequences {
         const auto remove = dataBase.Prepare("DELETE" + from);
         remove->Run(key);
         remove->Close();
-        const auto insert = dataBase.Prepare(InsertStatement(table, columns));
+        const auto insert = dataBase.Prepare(InsertStatement(table));
         std::optional<std::int64_t> before;
         for (StoreRow& row : list) {
             before = before ? std::max(number(row), *before + 1) : number(row);
@@ -114,7 +114,7 @@ class JetImport : public JetSink {
             report_.damage.push_back("the definition of " + table_->name + " cannot be read");
         }
         PlaceColumns(told);
-        insert_ = dataBase_.Prepare(InsertStatement(*table_, AllColumns(*table_)));
+        insert_ = dataBase_.Prepare(InsertStatement(*table_));
         progress_(table_->name, 0, told.rows);
     }
 

@@ -9,8 +9,8 @@ namespace KAL_AUTO_Node {
 
 // Statements on one of the tables. Parameters stand in the order of the columns that they are for.
 
-// Leaves a row alone whose key is there already; then no row was written.
-[[nodiscard]] std::string InsertStatement(const StoreTable& table, std::span<const std::size_t> columns);
+// Inserts rows, all columns of each. Leaves one alone whose key is there already; it counts as not written.
+[[nodiscard]] std::string InsertStatement(const StoreTable& table, std::size_t rows = 1);
 
 // Sets those columns of the row of a key; the key's come last.
 [[nodiscard]] std::string UpdateStatement(const StoreTable& table, std::span<const std::size_t> columns);
