@@ -14,6 +14,7 @@ struct Subcommand {
 };
 
 [[nodiscard]] Subcommand EditCommand(CLI::App& program);
+[[nodiscard]] Subcommand CheckCommand(CLI::App& program);
 [[nodiscard]] Subcommand DiffCommand(CLI::App& program);
 [[nodiscard]] Subcommand DigitsCommand(CLI::App& program);
 [[nodiscard]] Subcommand ExportCommand(CLI::App& program);
@@ -25,5 +26,6 @@ struct Subcommand {
 [[nodiscard]] Subcommand PruneCommand(CLI::App& program);
 [[nodiscard]] Subcommand RestoreCommand(CLI::App& program);
 [[nodiscard]] Subcommand ShowCommand(CLI::App& program);
+[[nodiscard]] Subcommand UsesCommand(CLI::App& program);
 
 } // namespace KAL_AUTO_Node
