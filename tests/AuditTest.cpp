@@ -2,6 +2,7 @@
 #include "audit/DigitSpace.h"
 #include "audit/FixMissing.h"
 #include "audit/PartitionCheck.h"
+#include "audit/Repoint.h"
 #include "history/NodeSave.h"
 #include "nodes/AutoNodeReader.h"
 
@@ -213,6 +214,85 @@ TEST(Check, IsDescribedInItsPage) {
             std::string("| `") + code + "` | " + NameOf(severity) + " | " + meaning + " | " + advice;
         EXPECT_NE(text.find(row + " |\n"), std::string::npos) << row;
     }
+}
+
+TEST(References, AreKnownInEveryColumnOfTheTables) {
+    const TestStore store;
+    // Numbers without a type: how a transfer is made, and which directory is searched.
+    std::set<std::string> others = {"Node_XFER.Style", "Node_DBN.Directory"};
+    // A node's own number.
+    for (const std::string& table :
+         store.Rows("SELECT name FROM sqlite_master WHERE name LIKE 'Node~_%' ESCAPE '~'")) {
+        others.insert(table + '.');
+    }
+    std::set<std::string> listed;
+    for (const ReferenceColumn& column : AllReferenceColumns()) {
+        const std::string name = std::string(column.table) + '.' + std::string(column.word);
+        EXPECT_TRUE(listed.insert(name).second) << name;
+        EXPECT_EQ(store.Value("SELECT COUNT(*) FROM pragma_table_info('" + std::string(column.table) +
+                              "') WHERE name = '" + std::string(column.word) + "NodeTypeID'"),
+                  column.hasTypeID ? "1" : "0")
+            << name;
+    }
+    for (const std::string& name :
+         store.Rows("SELECT t.name || '.' || SUBSTR(c.name, 1, LENGTH(c.name) - 10) FROM sqlite_master AS t,"
+                    " pragma_table_info(t.name) AS c WHERE t.type = 'table' AND c.name LIKE '%NodeNumber'")) {
+        EXPECT_EQ(listed.erase(name) + others.count(name), 1U) << name;
+    }
+    EXPECT_EQ(listed, std::set<std::string>());
+}
+
+// All rows of the templates refer to a message that there is not.
+void ReferEverywhere(const TestStore& store, int message) {
+    for (const ReferenceColumn& column : AllReferenceColumns()) {
+        const std::string word(column.word);
+        store.Execute("UPDATE " + std::string(column.table) + " SET " + word + "NodeType = 'MSG', " + word +
+                      "NodeNumber = " + std::to_string(message) +
+                      (column.hasTypeID ? ", " + word + "NodeTypeID = 0" : "") + " WHERE PartID = 2 AND " +
+                      (column.table.starts_with("Node_") ? "NodeNumber" : "NodeMasterID") + " = 0");
+    }
+}
+
+TEST(References, AreRepointedAllOrNone) {
+    const TestStore store;
+    ReferEverywhere(store, 249);
+    store.Execute(
+        "UPDATE Detail_AUTO_Prompts SET NodeTypeID = 817, NodeType = 'M_ON' WHERE NodeNumber = 249");
+    DataBase dataBase;
+    History history(dataBase);
+    const TypeNames names(dataBase);
+    const Partition partition{1, 2};
+    const auto uses = [&](int number) { return ReadUses(dataBase, partition, names, 0, number).size(); };
+    const auto repoint = [&](NodeID to) {
+        return Repoint(dataBase, history, names, partition, {0, 249}, to, "today").obstacles;
+    };
+    const std::size_t all = AllReferenceColumns().size();
+    EXPECT_EQ(uses(249), all);
+
+    EXPECT_EQ(repoint({0, 248}), std::vector<std::string>{"MSG 248 does not exist"});
+    EXPECT_EQ(repoint({0, 249}).size(), 2U) << "its own place, and it does not exist";
+    // All but the AUTO node's branches, its action, and its prompt, which takes a message.
+    EXPECT_EQ(repoint({9, 1}).size(), all - 6);
+    EXPECT_EQ(repoint({817, 1}).size(), 1 + all - 1) << "no node";
+    store.Execute(
+        "CREATE TRIGGER Refuse BEFORE UPDATE ON Node_XFER BEGIN SELECT RAISE(ABORT, 'not this one'); END");
+    EXPECT_THROW(repoint({0, 60}), RuntimeError);
+    store.Execute("DROP TRIGGER Refuse; CREATE TRIGGER Skip BEFORE UPDATE ON Node_XFER BEGIN SELECT "
+                  "RAISE(IGNORE); END");
+    EXPECT_THROW(repoint({0, 60}), RuntimeError);
+    EXPECT_EQ(uses(249), all);
+    EXPECT_EQ(history.Versions({partition, 0}).size(), 0U);
+
+    store.Execute("DROP TRIGGER Skip");
+    const std::size_t before = uses(60);
+    EXPECT_EQ(repoint({0, 60}), std::vector<std::string>());
+    EXPECT_EQ(uses(249), 0U);
+    EXPECT_EQ(uses(60), before + all);
+    EXPECT_EQ(store.Value("SELECT NodeTypeID || NodeType FROM Detail_AUTO_Prompts WHERE NodeNumber = 60"),
+              "817M_ON");
+    EXPECT_EQ(store.Value("SELECT COUNT(*) FROM Node_General_Pool WHERE DateModified = 'today'"), "10");
+    history.PutBack({partition, 0}, 1, "restore");
+    EXPECT_EQ(uses(249), 7U) << "those of the AUTO node";
 }
 
 } // namespace

@@ -257,5 +257,31 @@ TEST(HostProgram, ChecksAPartitionAndMakesWhatIsMissing) {
     ExpectTold(left, "as-template 1 2 AUTO 33\n");
 }
 
+TEST(HostProgram, TellsWhatUsesANodeAndLetsAnotherTakeItsPlace) {
+    const TestStore store;
+    ExpectTold(Program(0, {"uses", "1", "2", "msg", "44"}).output,
+               "AUTO 12  Voice of Müller  prompt 1  M_ON 44\n");
+    ExpectTold(Program(0, {"uses", "1", "2", "4", "1", "--json"}).output, "\"place\": \"row 2\",");
+    ExpectTold(Program(0, {"uses", "1", "2", "MSG", "44"}).output, "action 5  M_OFF 44");
+    ExpectTold(Program(1, {"uses", "1", "2", "MSGS", "44"}).errors, "'MSGS'");
+
+    const auto repoint = [](int status, const QStringList& more) {
+        return Program(status, QStringList{"repoint", "1", "2", "MSG", "44", "MSG", "43"} + more);
+    };
+    const std::string change = "AUTO 12  action 5  M_OFF 44 → M_OFF 43\n";
+    ExpectTold(repoint(0, {"--dry-run"}).output, change + "Would change 4 references in 1 node\n");
+    {
+        DataBase dataBase;
+        History history(dataBase);
+        NodeSave save(dataBase, history, {{1, 2}, 12});
+        ASSERT_FALSE(save.Begin(ReadAutoNode(dataBase, {1, 2}, 12).value(), 0));
+        ExpectTold(repoint(1, {}).errors, "AUTO 12 is being saved by ");
+        save.Finish();
+    }
+    ExpectTold(repoint(0, {}).output, change + "Changed 4 references in 1 node\n");
+    ExpectTold(Program(0, {"history", "1", "2", "12"}).output, "  repoint\n    prompt 1 M_ON 44 → M_ON 43\n");
+    ExpectTold(repoint(0, {}).output, "Nothing refers to MSG 44.");
+}
+
 } // namespace
 } // namespace KAL_AUTO_Node

@@ -64,11 +64,6 @@ std::set<std::string> ReadAccepted(const std::string& file) {
     return keys;
 }
 
-std::string CountOf(std::size_t count, const char* what) {
-    std::string text = std::to_string(count) + ' ' + what;
-    return count == 1 ? text : text + 's';
-}
-
 // Checks one partition after the other, and prints what is found as it goes.
 class Checking {
   public:
@@ -220,10 +215,10 @@ class Checking {
             legend.Print(std::cout);
             std::cout << '\n';
         }
-        std::cout << CountOf(autoNodes_, "AUTO node")
-                  << " checked: " << CountOf(Count(Severity::Error), "error") << ", "
-                  << CountOf(Count(Severity::Warning), "warning") << ", "
-                  << CountOf(Count(Severity::Note), "note");
+        std::cout << Counted(autoNodes_, "AUTO node")
+                  << " checked: " << Counted(Count(Severity::Error), "error") << ", "
+                  << Counted(Count(Severity::Warning), "warning") << ", "
+                  << Counted(Count(Severity::Note), "note");
         if (acceptedCount_ > 0) {
             std::cout << "; " << acceptedCount_ << " accepted";
         }

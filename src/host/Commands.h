@@ -24,6 +24,7 @@ struct Subcommand {
 [[nodiscard]] Subcommand InitCommand(CLI::App& program);
 [[nodiscard]] Subcommand ListCommand(CLI::App& program);
 [[nodiscard]] Subcommand PruneCommand(CLI::App& program);
+[[nodiscard]] Subcommand RepointCommand(CLI::App& program);
 [[nodiscard]] Subcommand RestoreCommand(CLI::App& program);
 [[nodiscard]] Subcommand ShowCommand(CLI::App& program);
 [[nodiscard]] Subcommand UsesCommand(CLI::App& program);

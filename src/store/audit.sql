@@ -53,3 +53,16 @@ SELECT NodeTypeID, NodeNumber FROM Node_TABLE
 UNION ALL
 SELECT NodeTypeID, NodeNumber FROM Node_DBN
  WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID;
+
+-- The sets of types that nodes of a type may refer to, and whether each has the given type.
+-- name: Get_Sets_With_Node_Type
+SELECT Set_ID, MAX(CASE WHEN Child_Node_Type_ID = :Given_ChildTypeID THEN 1 ELSE 0 END) AS Offers
+  FROM SR_Node_Type_can_contain_Node_Type
+ WHERE Parent_Node_Type_ID = :Given_ParentTypeID
+ GROUP BY Set_ID
+ ORDER BY Set_ID;
+
+-- name: Date_General_Pool
+UPDATE Node_General_Pool SET DateModified = :Given_DateModified
+ WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeTypeID = :Given_NodeTypeID
+   AND NodeNumber = :Given_NodeNumber;
