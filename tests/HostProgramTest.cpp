@@ -249,6 +249,7 @@ TEST(HostProgram, BringsStoresOver) {
     const std::string told = Program(0, {"import", old, "--into", made}).output;
     ExpectTold(told, "\nNode_MSG                                         114    114\n");
     ExpectTold(told, "Not known here and left:\n    Node_AUTO.Remark\n    Scheduler\n");
+    ExpectTold(told, "missing-node");
     Program(1, {"import", old, "--into", made, "--dry-run"});
     ExpectTold(Program(1, {"import", AUTO_NODE}).errors, "neither a Jet file nor");
     ExpectTold(Program(1, {"import", QString::fromStdString(store.Folder().string())}).errors, "folder");

@@ -2,6 +2,7 @@
 #include "audit/PartitionCheck.h"
 #include "history/History.h"
 #include "host/Arguments.h"
+#include "host/CheckReport.h"
 #include "host/Commands.h"
 #include "host/Table.h"
 #include "nodes/AutoNodeReader.h"
@@ -67,7 +68,8 @@ std::set<std::string> ReadAccepted(const std::string& file) {
 // Checks one partition after the other, and prints what is found as it goes.
 class Checking {
   public:
-    explicit Checking(const Options& options) : options_(options) {
+    Checking(const Options& options, std::unique_ptr<DataBase> dataBase)
+        : options_(options), owned_(std::move(dataBase)) {
         if (!options_.accept.empty()) {
             accepted_ = ReadAccepted(options_.accept);
         }
@@ -227,7 +229,8 @@ class Checking {
 
     const Options& options_;
     std::set<std::string> accepted_;
-    DataBase dataBase_;
+    std::unique_ptr<DataBase> owned_;
+    DataBase& dataBase_ = *owned_;
     History history_{dataBase_};
     std::size_t autoNodes_ = 0;
     std::size_t registeredNodes_ = 0;
@@ -237,6 +240,11 @@ class Checking {
 };
 
 } // namespace
+
+void PrintCheckOf(const std::filesystem::path& store) {
+    const Options options;
+    Checking(options, std::make_unique<DataBase>(store)).Run();
+}
 
 Subcommand CheckCommand(CLI::App& program) {
     auto options = std::make_shared<Options>();
@@ -264,7 +272,7 @@ Subcommand CheckCommand(CLI::App& program) {
     return {command, [options, partition, node] {
                 options->onePartition = partition->count() > 0;
                 options->oneNode = node->count() > 0;
-                return Checking(*options).Run();
+                return Checking(*options, std::make_unique<DataBase>()).Run();
             }};
 }
 

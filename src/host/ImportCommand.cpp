@@ -2,6 +2,7 @@
 #include "exchange/FileKind.h"
 #include "exchange/JetImport.h"
 #include "host/Changes.h"
+#include "host/CheckReport.h"
 #include "host/Commands.h"
 #include "host/Programs.h"
 #include "host/Table.h"
@@ -98,8 +99,13 @@ int BringOver(const Options& options) {
         }
     }
     Print(report);
-    // Here what a check finds in the new store is to be told.
-    std::cout << (exists ? "Filled " : "Created ") << store.string() << '\n';
+    std::cout << (exists ? "Filled " : "Created ") << store.string() << "\n\n";
+    try {
+        PrintCheckOf(store);
+    } catch (const RuntimeError& error) {
+        // All is in the store, whatever a check says.
+        std::cout << "The check of it could not be made: " << Visible(error.what()) << '\n';
+    }
     return 0;
 }
 
