@@ -45,7 +45,7 @@ class Account {
 
     Rows now;
 
-    [[nodiscard]] bool CanUndo() const { return !past_.empty(); }
+    [[nodiscard]] bool CanRestore(bool undo) const { return !(undo ? past_ : future_).empty(); }
 
     // Those on one row while it is edited belong together; the others have no such row, 0.
     void NoteDeed(const Rows& before, int editedRow) {
@@ -64,22 +64,19 @@ class Account {
         }
     }
 
-    // Returns whether there is anything to take back or to do again.
-    bool Undo() { return Move(past_, future_); }
-
-    bool Redo() { return Move(future_, past_); }
-
-  private:
-    bool Move(std::vector<Rows>& from, std::vector<Rows>& to) {
-        if (from.empty()) {
+    // Takes a deed back, or does it again; returns whether there was one.
+    bool Restore(bool undo) {
+        if (!CanRestore(undo)) {
             return false;
         }
-        to.push_back(std::exchange(now, from.back()));
+        auto& from = undo ? past_ : future_;
+        (undo ? future_ : past_).push_back(std::exchange(now, from.back()));
         from.pop_back();
         latest_ = 0;
         return true;
     }
 
+  private:
     std::vector<Rows> past_;
     std::vector<Rows> future_;
     int latest_ = 0;

@@ -209,7 +209,7 @@ TEST_F(Lists, GiveRowsToOtherNodes) {
     Edit(1, [&] {
         EXPECT_EQ(copied("LVExceptions", 4, 4), "#\tNONE\t\t\n");
         EXPECT_EQ(copied("LVPrompts", 1, 2), "MSG\t2\tWelcome, main menu\nMSG\t3\tToday's specials\n");
-        Person::Press("cmdNext");
+        Person::Choose("cmbNode", "AUTO 7");
         Key(Person::List("LVPrompts"), Qt::Key_V);
         EXPECT_EQ(Person::Rows("LVPrompts"),
                   (std::vector<std::string>{"1a: 1|1|MSG 2||MSG|0|2", "2a: 2|2|MSG 3||MSG|0|3"}));
@@ -219,12 +219,12 @@ TEST_F(Lists, GiveRowsToOtherNodes) {
         EXPECT_EQ(Person::Count("LVPrompts"), 2);
         Person::MarkUnchanged();
         Key(Person::List("LVActions"), Qt::Key_Z);
-        EXPECT_EQ(Person::Count("LVPrompts"), 0);
+        EXPECT_EQ(Person::Row("LVPrompts", 0), "1|1|EMPTY||EMPTY|999|1");
         EXPECT_TRUE(Person::Dirty());
         Key(Person::List("LVActions"), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
         EXPECT_EQ(Person::Count("LVPrompts"), 2);
         Person::MarkUnchanged();
-        Person::Press("cmdPrevious");
+        Person::Choose("cmbNode", "AUTO 1");
         Key(Person::List("LVPrompts"), Qt::Key_Z);
         EXPECT_EQ(Person::Count("LVPrompts"), 3);
         EXPECT_FALSE(Person::Dirty());

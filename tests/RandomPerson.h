@@ -36,16 +36,10 @@ class RandomPerson : public ExpectedLists {
         }
     }
 
-    // Takes everything back, and does it again.
-    void UndoAndRedoAll(const Account::Rows& first) {
-        const Account::Rows last = rows_;
-        while (account_.CanUndo()) {
-            Restore(P, true);
-            Check();
-        }
-        EXPECT_TRUE(rows_ == first);
-        while (rows_ != last && !testing::Test::HasFailure()) {
-            Restore(P, false);
+    // Takes everything back, or does it again.
+    void RestoreAll(bool undo) {
+        while (account_.CanRestore(undo) && !testing::Test::HasFailure()) {
+            Restore(P, undo);
             Check();
         }
     }
@@ -200,7 +194,7 @@ class RandomPerson : public ExpectedLists {
     void Restore(Kind list, bool undo) {
         selected_.reset();
         const Account::Rows before = rows_;
-        const bool restores = undo ? account_.Undo() : account_.Redo();
+        const bool restores = account_.Restore(undo);
         last_ = List(list) + (undo ? " undo" : " redo");
         Person::List(List(list))->setFocus();
         QTest::keyClick(Person::List(List(list)), Qt::Key_Z,

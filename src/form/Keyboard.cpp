@@ -45,6 +45,7 @@ void GUI::MakeShortcuts() {
          {std::pair{LVPrompts, "Alt+1"}, {LVActions, "Alt+2"}, {LVExceptions, "Alt+3"}}) {
         list->header()->setToolTip(list->accessibleName());
         NameKey(*list->header(), key);
+        list->header()->setToolTip(list->header()->toolTip() + "; the Menu key shows what can be done there");
         OnKey(*this, key, [this, list = list] {
             list->setFocus(Qt::ShortcutFocusReason);
             BringIntoSight(*list);
