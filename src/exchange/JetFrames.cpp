@@ -241,7 +241,7 @@ void JetFrameWriter::TakeTable(const JetTable& table) {
 void JetFrameWriter::TakeRow(std::span<const JetValue> row) {
     Begin(RowFrame);
     for (const JetValue& value : row) {
-        buffer_ += value.state;
+        buffer_ += static_cast<char>(value.state);
         if (value.state != JetValue::Null) {
             Add(value.text);
         }

@@ -27,7 +27,7 @@ using namespace std::chrono_literals;
 // Reading takes a second for some 50 MiB and little more memory than a page and a row; these are what only a
 // file can take that leads the library astray.
 constexpr rlim_t MostMemory = rlim_t{512} << 20U;
-constexpr rlim_t LeastSeconds = 5;
+constexpr rlim_t LeastSeconds = 3;
 constexpr rlim_t MebibytesPerSecond = 4;
 // Of waiting for the program, on a machine that is busy with other things.
 constexpr int WaitPerSecondOfWork = 4;

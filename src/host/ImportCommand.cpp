@@ -42,7 +42,7 @@ class ProgressLine {
     ProgressLine& operator=(const ProgressLine&) = delete;
 
   private:
-    void Show(const std::string& text) {
+    static void Show(const std::string& text) {
         if (isatty(STDERR_FILENO) != 0) {
             std::cerr << '\r' << text << "\x1b[K" << std::flush;
         }

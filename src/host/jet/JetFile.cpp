@@ -141,9 +141,9 @@ void JetFile::TellTable(MdbCatalogEntry* entry, bool withRows, JetSink& sink) {
         std::vector<JetValue> values(table->num_cols);
         unreadable = ForEachRow(table.get(), [&](const std::vector<MdbField>& fields, const Row& row) {
             std::size_t bytes = 0;
-            for (std::size_t i = 0; i < fields.size(); ++i) {
-                const auto column = static_cast<unsigned>(fields[i].colnum);
-                ReadValue(*ItemOf<MdbColumn>(table->columns, column), fields[i], row, texts[column],
+            for (const MdbField& field : fields) {
+                const auto column = static_cast<unsigned>(field.colnum);
+                ReadValue(*ItemOf<MdbColumn>(table->columns, column), field, row, texts[column],
                           values[column]);
                 bytes += values[column].text.size();
                 if (bytes > MostJetFrameBytes / 2) {
