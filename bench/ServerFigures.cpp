@@ -1,6 +1,6 @@
 // Loading and saving a node on a server, each beside a program on the client library alone, which sends the
 // same statements with the same values in the same pipelines, prepared before, and copies every value it
-// gets. serverbench LINK [TURNS], where LINK names a demo store on a server of the bench's own.
+// gets. ServerFigures LINK [TURNS], where LINK names a demo store on a server of the bench's own.
 
 #include "history/NodeSave.h"
 #include "nodes/AutoNodeReader.h"
@@ -274,7 +274,7 @@ int main(int argc, char** argv) {
                                       ("link-" + std::to_string(getpid())),
                                   argc > 2 ? std::atoi(argv[2]) : 25);
     } catch (const std::exception& error) {
-        std::cerr << "serverbench: " << error.what() << '\n';
+        std::cerr << "ServerFigures: " << error.what() << '\n';
         return 1;
     }
 }
