@@ -229,9 +229,10 @@ bool DataBase::IsRemote() {
 std::vector<StatementRun> DataBase::RunsOf(const std::vector<CommandRun>& runs) {
     std::vector<StatementRun> statements;
     statements.reserve(runs.size());
-    for (const auto& [command, parameters] : runs) {
+    for (const CommandRun& run : runs) {
         statements.push_back(
-            {Describing(command, [&] { return &StatementOf(command, parameters.size()); }), parameters});
+            {Describing(run.command, [&] { return &StatementOf(run.command, run.parameters.size()); }),
+             run.parameters});
     }
     return statements;
 }

@@ -70,7 +70,7 @@ class PostgresConnection : public Connection {
 
     // In the order in which the results come.
     struct Sent {
-        enum Kind { Beginning, Preparation, Run, Plain } kind;
+        enum Kind { Beginning, Preparation, Execution, Plain } kind;
 
         std::size_t run; // which of the runs, or the one reached by then
     };

@@ -157,7 +157,7 @@ void PostgresConnection::Send(const StatementRun& run, std::vector<Sent>& sent, 
     }
     Require(PQsendQueryPrepared(connection, statement.name_.c_str(), static_cast<int>(values.size()),
                                 values.data(), nullptr, nullptr, 0));
-    sent.push_back({Sent::Run, index});
+    sent.push_back({Sent::Execution, index});
 }
 
 void PostgresConnection::SendPlain(const char* sql) {
@@ -182,7 +182,7 @@ PostgresConnection::Receive(std::span<const StatementRun> runs, const std::vecto
         while (Next()) {
         }
         const auto status = PQresultStatus(result.get());
-        auto* const statement = kind == Sent::Preparation || kind == Sent::Run
+        auto* const statement = kind == Sent::Preparation || kind == Sent::Execution
                                     ? static_cast<PostgresStatement*>(runs[index].statement)
                                     : nullptr;
         if (kind == Sent::Preparation && status != PGRES_COMMAND_OK) {
@@ -191,7 +191,7 @@ PostgresConnection::Receive(std::span<const StatementRun> runs, const std::vecto
         if (status == PGRES_FATAL_ERROR && !failure) {
             failure = ErrorOf(result.get(), statement != nullptr ? &statement->text_ : nullptr);
             outdated = IsOutdated(result.get());
-        } else if (!failure && (kind == Sent::Run || kind == Sent::Plain)) {
+        } else if (!failure && (kind == Sent::Execution || kind == Sent::Plain)) {
             results.push_back(std::move(result));
         }
         if (PQstatus(connection_.get()) == CONNECTION_BAD) {
