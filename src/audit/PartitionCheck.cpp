@@ -202,7 +202,11 @@ class PartitionCheck {
     void CheckActions(int number, const AutoNode& node) {
         const int digits = NumberOfDigits(node);
         const auto where = [](const Action& action) {
-            return "action " + std::to_string(action.sequence) + " (" + EntryText(action) + ')';
+            std::string text = "action ";
+            text += std::to_string(action.sequence);
+            text += " (";
+            text += EntryText(action);
+            return text += ')';
         };
         ScratchList entries;
         for (const Action& action : node.actions) {
@@ -220,9 +224,14 @@ class PartitionCheck {
             const Action& action = node.actions[position];
             const std::string otherEntry = EntryText(node.actions[other]);
             if (EntryText(action) != otherEntry) {
-                std::string digitsText = low == high ? low : low + '-' + high;
-                Add(Fault::SharedDigits, AutoType, number, where(action),
-                    std::move(digitsText) + ", also in " + otherEntry);
+                std::string text = low;
+                if (low != high) {
+                    text += '-';
+                    text += high;
+                }
+                text += ", also in ";
+                text += otherEntry;
+                Add(Fault::SharedDigits, AutoType, number, where(action), std::move(text));
             }
         }
     }

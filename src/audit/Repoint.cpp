@@ -100,13 +100,14 @@ class Planning {
     }
 
     bool Offers(Slot slot) {
-        const auto [known, added] = offers_.try_emplace(slot, false);
+        const auto [entry, added] = offers_.try_emplace(slot, false);
+        bool& offers = entry->second;
         if (added) {
             ReadContainableTypes(dataBase_, partition_, slot, lists_, [&](int typeID, const std::string&) {
-                known->second = known->second || typeID == to_.typeID;
+                offers = offers || typeID == to_.typeID;
             });
         }
-        return known->second;
+        return offers;
     }
 
     bool OffersEverywhere(int holderTypeID) {

@@ -60,6 +60,7 @@ void ReadWholeAutoNodes(DataBase& dataBase, Partition partition,
                                            takeOrphans);
     const std::size_t numberColumn = records.Column("NodeNumber");
     std::vector<ReferenceColumns> branches;
+    branches.reserve(BranchRules.size());
     for (const BranchRule& rule : BranchRules) {
         branches.emplace_back(records, rule.column);
     }

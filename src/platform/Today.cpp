@@ -3,7 +3,6 @@
 #include <array>
 #include <clocale>
 #include <ctime>
-#include <locale.h>
 #include <memory>
 #include <type_traits>
 
