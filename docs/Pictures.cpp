@@ -41,7 +41,7 @@ class Photographer {
         person_.Edit(6, [&] {
             nextBox_ = "message-missing-node";
             person_.WillAnswer({QMessageBox::Cancel});
-            Person::Type(Person::TextBox("txtDescription"), "Opening");
+            Person::TypeOver("txtDescription", "Opening");
             Person::Press("cmdApply");
         });
         nextBox_ = "message-no-node";
@@ -75,15 +75,15 @@ class Photographer {
     }
 
     void Refusals() {
-        Person::Type(Person::TextBox("txtDescription"), "it''s");
+        Person::TypeOver("txtDescription", "it''s");
         nextBox_ = "message-label";
         Person::Press("cmdApply");
         nextBox_ = "message-save";
         Person::Press("cmdNext");
         Person::ClickRow("LVActions", 0);
         Person::Press("cmdActionsEdit");
-        Person::Type(Person::TextBox("txtActionsDTMFRangeLow"), "9");
-        Person::Type(Person::TextBox("txtActionsDTMFRangeHigh"), "9");
+        Person::TypeOver("txtActionsDTMFRangeLow", "9");
+        Person::TypeOver("txtActionsDTMFRangeHigh", "9");
         nextBox_ = "message-duplicate";
         Person::Press("cmdApply");
         Person::ClickRow("LVPrompts", 0);
