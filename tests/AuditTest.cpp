@@ -1,10 +1,18 @@
+#include "TestStore.h"
 #include "audit/DigitSpace.h"
+#include "audit/FixMissing.h"
+#include "audit/PartitionCheck.h"
+#include "audit/Repoint.h"
+#include "history/NodeSave.h"
+#include "nodes/AutoNodeReader.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <random>
+#include <set>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -70,8 +78,221 @@ TEST(DigitSpace, TellsOfEverySequenceWhatHoldsItAndWhatCouldFollow) {
             }
             ASSERT_EQ(next, held.size());
         }
-        EXPECT_EQ(SharesDigits(actions, digits), shared);
+        EXPECT_EQ(FindSharedDigits(actions, digits).empty(), !shared);
     }
+}
+
+// A store of a few types; partition 1 is sound.
+constexpr const char* Sound =
+    "INSERT INTO SR_Node_Type_Names VALUES (0,'MSG'), (4,'XFER'), (8,'LIST'), (9,'AUTO'), (13,'TABLE'), "
+    "(814,'NONE'),"
+    " (817,'M_ON'), (818,'M_OFF'), (999,'EMPTY');"
+    "INSERT INTO SR_Node_Type_can_contain_Node_Type VALUES (9,7,0), (9,7,999), (9,6,0), (9,6,4), (9,6,9),"
+    " (9,1,0), (9,1,9), (9,3,0), (9,3,9), (9,5,0), (9,5,9), (9,8,814), (9,8,9), (9,9,814);"
+    "INSERT INTO Node_Type_Max SELECT 1, PartID, ID, 20 FROM SR_Node_Type_Names,"
+    " (SELECT 1 AS PartID UNION SELECT 2) WHERE ID < 814;"
+    "INSERT INTO Node_MSG (ConfigID, PartID, NodeTypeID, NodeNumber) VALUES (1,1,0,0), (1,1,0,1), (1,2,0,0), "
+    "(1,2,0,1);"
+    "INSERT INTO Node_XFER (ConfigID, PartID, NodeTypeID, NodeNumber, HoldNodeType, HoldNodeNumber, "
+    "MOHNodeType,"
+    " MOHNodeNumber) VALUES (1,1,4,1,'MSG',1,'NONE',0);"
+    "INSERT INTO Node_AUTO SELECT 1, PartID, 9, Number, 2, '#', 5, 3, 2, 'MSG', 1, 'MSG', 1, 'MSG', 1, "
+    "'AUTO',"
+    " 'Label', 0, 0, 0, 814, 814, 'NONE', 0, 'NONE', 0 FROM (SELECT 1 AS PartID UNION SELECT 2),"
+    " (SELECT 0 AS Number UNION SELECT 1 UNION SELECT 2);"
+    "UPDATE Node_AUTO SET NodeDescription = 'Menu ' || NodeNumber WHERE NodeNumber > 0;"
+    "INSERT INTO Detail_AUTO_Prompts SELECT 1, PartID, 1, 0, 1, NodeNumber, 'MSG' FROM Node_AUTO WHERE "
+    "NodeNumber > 0;"
+    "INSERT INTO Detail_AUTO_Action SELECT 1, PartID, 1, 9, 3 - NodeNumber, NodeNumber, '1', '1', 'AUTO'"
+    " FROM Node_AUTO WHERE NodeNumber > 0;"
+    "INSERT INTO Node_General_Pool SELECT 1, PartID, 0, NodeNumber, 'MSG', 'Message', '' FROM Node_MSG;"
+    "INSERT INTO Node_General_Pool SELECT 1, PartID, 9, NodeNumber, 'AUTO', NodeDescription, '' FROM "
+    "Node_AUTO;"
+    "INSERT INTO Node_General_Pool VALUES (1, 1, 4, 1, 'XFER', 'Transfer', '');";
+
+// What is done to the second partition, and what is found then.
+struct Case {
+    const char* sql;
+    std::vector<std::string> found;
+};
+
+const std::vector<Case> Cases = {
+    {"UPDATE Node_AUTO SET AbortNodeNumber = 7 WHERE NodeNumber = 1", {"missing-node AUTO 1 MSG 7"}},
+    {"INSERT INTO Node_XFER (ConfigID, PartID, NodeTypeID, NodeNumber, Busy1NodeType, Busy1NodeNumber)"
+     " VALUES (1,2,4,3,'M_ON',7); INSERT INTO Node_General_Pool VALUES (1,2,4,3,'XFER','','')",
+     {"missing-node XFER 3 MSG 7"}},
+    {"UPDATE Node_AUTO SET StarNodeTypeID = 0, StarNodeType = 'MSG', StarNodeNumber = 1 WHERE NodeNumber = 1",
+     {"type-not-offered AUTO 1 MSG 1"}},
+    {"UPDATE Detail_AUTO_Prompts SET NodeNumber = 21 WHERE NodeMasterID = 1",
+     {"beyond-maximum AUTO 1 MSG 21", "missing-node AUTO 1 MSG 21"}},
+    {"UPDATE Detail_AUTO_Prompts SET NodeType = 'OLD' WHERE NodeMasterID = 1",
+     {"type-name AUTO 1 'OLD' for MSG"}},
+    {"UPDATE Node_General_Pool SET NodeType = 'OLD' WHERE NodeTypeID = 0 AND NodeNumber = 1",
+     {"type-name MSG 1 'OLD' for MSG"}},
+    {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'1','1','MSG')", {"duplicate-entry AUTO 1 1-1"}},
+    {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'0','2','MSG'), (1,2,8,0,1,1,'01','02','MSG')",
+     {"shared-digits AUTO 1 1, also in 0-2"}},
+    {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'9','8','MSG')", {"reversed-range AUTO 1 9-8"}},
+    {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'001','001','MSG')",
+     {"range-too-long AUTO 1 001-001"}},
+    {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'1','10','MSG')", {"range-lengths AUTO 1 1-10"}},
+    {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'*','*','MSG')", {"range-not-digits AUTO 1 *-*"}},
+    {"UPDATE Node_AUTO SET RetryLimit = 6, TerminatingDigit = 'no', NumberOfDigits = NULL WHERE NodeNumber = "
+     "1",
+     {"setting-outside AUTO 1 number of digits none", "setting-outside AUTO 1 retry limit 6"}},
+    {"UPDATE Detail_AUTO_Prompts SET NodeTypeID = 999, NodeType = 'EMPTY' WHERE NodeMasterID = 1",
+     {"no-prompts AUTO 1"}},
+    {"UPDATE Node_AUTO SET TimeoutNodeTypeID = 9, TimeoutNodeType = 'AUTO', InvalidNodeTypeID = 9,"
+     " InvalidNodeType = 'AUTO', AbortNodeTypeID = 9, AbortNodeType = 'AUTO'",
+     {"no-way-out AUTO 1", "no-way-out AUTO 2"}},
+    {"UPDATE Detail_AUTO_Action SET NodeNumber = 1", {"unreferenced AUTO 2"}},
+    {"INSERT INTO Detail_AUTO_Prompts VALUES (1,2,1,0,1,-3,'MSG'), (1,2,1,0,1,9,'MSG'), (1,2,2,0,1,9,'MSG');"
+     "INSERT INTO Detail_LIST VALUES (1,2,1,0,1,5,'MSG'), (1,2,2,0,1,5,'MSG')",
+     {"orphan-rows AUTO -3 1 prompts", "orphan-rows AUTO 9 2 prompts",
+      "orphan-rows LIST 5 2 of Detail_LIST"}},
+    {"INSERT INTO Node_General_Pool VALUES (1,2,13,1,'TABLE','',''), (1,2,77,1,'other','','')",
+     {"registered-without-node TABLE 1"}},
+    {"DELETE FROM Node_General_Pool WHERE PartID = 2 AND NodeTypeID = 9 AND NodeNumber = 2",
+     {"missing-node AUTO 1 AUTO 2", "not-registered AUTO 2"}},
+    {"DELETE FROM Detail_AUTO_Action WHERE NodeMasterID = 1; DELETE FROM Detail_AUTO_Prompts WHERE "
+     "NodeMasterID = 1;"
+     "UPDATE Node_AUTO SET NodeDescription = 'Label' WHERE NodeNumber = 1",
+     {"as-template AUTO 1", "no-prompts AUTO 1", "unreferenced AUTO 2"}},
+};
+
+std::vector<std::string> Found(DataBase& dataBase, std::int16_t partition) {
+    History history(dataBase);
+    std::vector<std::string> keys;
+    for (const Finding& finding : CheckPartition(dataBase, history, {1, partition}).findings) {
+        std::string key = finding.Key({1, partition});
+        const std::string place = " 1 " + std::to_string(partition);
+        keys.push_back(key.erase(key.find(place), place.size()));
+    }
+    std::ranges::sort(keys);
+    return keys;
+}
+
+TEST(Check, FindsEveryFaultAndNothingInASoundPartition) {
+    std::set<std::string> codes;
+    for (const auto& [sql, found] : Cases) {
+        SCOPED_TRACE(sql);
+        const TestStore store(StoreContent::Empty);
+        store.Execute(Sound);
+        DataBase dataBase;
+        EXPECT_EQ(Found(dataBase, 1), std::vector<std::string>());
+        EXPECT_EQ(Found(dataBase, 2), std::vector<std::string>());
+        store.Execute(sql);
+        EXPECT_EQ(Found(dataBase, 2), found);
+        for (const std::string& key : found) {
+            codes.insert(key.substr(0, key.find(' ')));
+        }
+    }
+    EXPECT_EQ(codes.size() + 1, FaultRules.size()) << "all but the one below";
+}
+
+TEST(Check, FindsASaveThatDidNotFinishAndLeavesItThere) {
+    const TestStore store(StoreContent::Empty);
+    store.Execute(Sound);
+    DataBase dataBase;
+    History history(dataBase);
+    NodeSave save(dataBase, history, {{1, 2}, 1});
+    ASSERT_FALSE(save.Begin(ReadAutoNode(dataBase, {1, 2}, 1).value(), 0));
+    store.Execute("UPDATE Node_AUTO SET NodeDescription = 'half' WHERE NodeNumber = 1");
+    EXPECT_TRUE(save.Fail());
+    ASSERT_EQ(Found(dataBase, 2).size(), 1U);
+    EXPECT_TRUE(Found(dataBase, 2).front().starts_with("unfinished-save AUTO 1 begun "));
+    store.Execute("UPDATE Node_AUTO SET NodeDescription = 'Menu 1' WHERE NodeNumber = 1");
+    EXPECT_EQ(Found(dataBase, 2), std::vector<std::string>()) << "it has left the node as it was";
+    EXPECT_EQ(store.Value("SELECT State FROM Node_AUTO_Version"), "failed");
+}
+
+TEST(Check, IsDescribedInItsPage) {
+    std::ifstream page(CHECK_PAGE);
+    const std::string text(std::istreambuf_iterator<char>(page), {});
+    for (const auto& [code, severity, meaning, advice] : FaultRules) {
+        const std::string row =
+            std::string("| `") + code + "` | " + NameOf(severity) + " | " + meaning + " | " + advice;
+        EXPECT_NE(text.find(row + " |\n"), std::string::npos) << row;
+    }
+}
+
+TEST(References, AreKnownInEveryColumnOfTheTables) {
+    const TestStore store;
+    // Numbers without a type: how a transfer is made, and which directory is searched.
+    std::set<std::string> others = {"Node_XFER.Style", "Node_DBN.Directory"};
+    // A node's own number.
+    for (const std::string& table :
+         store.Rows("SELECT name FROM sqlite_master WHERE name LIKE 'Node~_%' ESCAPE '~'")) {
+        others.insert(table + '.');
+    }
+    std::set<std::string> listed;
+    for (const ReferenceColumn& column : AllReferenceColumns()) {
+        const std::string name = std::string(column.table) + '.' + std::string(column.word);
+        EXPECT_TRUE(listed.insert(name).second) << name;
+        EXPECT_EQ(store.Value("SELECT COUNT(*) FROM pragma_table_info('" + std::string(column.table) +
+                              "') WHERE name = '" + std::string(column.word) + "NodeTypeID'"),
+                  column.hasTypeID ? "1" : "0")
+            << name;
+    }
+    for (const std::string& name :
+         store.Rows("SELECT t.name || '.' || SUBSTR(c.name, 1, LENGTH(c.name) - 10) FROM sqlite_master AS t,"
+                    " pragma_table_info(t.name) AS c WHERE t.type = 'table' AND c.name LIKE '%NodeNumber'")) {
+        EXPECT_EQ(listed.erase(name) + others.count(name), 1U) << name;
+    }
+    EXPECT_EQ(listed, std::set<std::string>());
+}
+
+// All rows of the templates refer to a message that there is not.
+void ReferEverywhere(const TestStore& store, int message) {
+    for (const ReferenceColumn& column : AllReferenceColumns()) {
+        const std::string word(column.word);
+        store.Execute("UPDATE " + std::string(column.table) + " SET " + word + "NodeType = 'MSG', " + word +
+                      "NodeNumber = " + std::to_string(message) +
+                      (column.hasTypeID ? ", " + word + "NodeTypeID = 0" : "") + " WHERE PartID = 2 AND " +
+                      (column.table.starts_with("Node_") ? "NodeNumber" : "NodeMasterID") + " = 0");
+    }
+}
+
+TEST(References, AreRepointedAllOrNone) {
+    const TestStore store;
+    ReferEverywhere(store, 249);
+    store.Execute(
+        "UPDATE Detail_AUTO_Prompts SET NodeTypeID = 817, NodeType = 'M_ON' WHERE NodeNumber = 249");
+    DataBase dataBase;
+    History history(dataBase);
+    const TypeNames names(dataBase);
+    const Partition partition{1, 2};
+    const auto uses = [&](int number) { return ReadUses(dataBase, partition, names, 0, number).size(); };
+    const auto repoint = [&](NodeID to) {
+        return Repoint(dataBase, history, names, partition, {0, 249}, to, "today").obstacles;
+    };
+    const std::size_t all = AllReferenceColumns().size();
+    EXPECT_EQ(uses(249), all);
+
+    EXPECT_EQ(repoint({0, 248}), std::vector<std::string>{"MSG 248 does not exist"});
+    EXPECT_EQ(repoint({0, 249}).size(), 2U) << "its own place, and it does not exist";
+    // All but the AUTO node's branches, its action, and its prompt, which takes a message.
+    EXPECT_EQ(repoint({9, 1}).size(), all - 6);
+    EXPECT_EQ(repoint({817, 1}).size(), 1 + all - 1) << "no node";
+    store.Execute(
+        "CREATE TRIGGER Refuse BEFORE UPDATE ON Node_XFER BEGIN SELECT RAISE(ABORT, 'not this one'); END");
+    EXPECT_THROW(repoint({0, 60}), RuntimeError);
+    store.Execute("DROP TRIGGER Refuse; CREATE TRIGGER Skip BEFORE UPDATE ON Node_XFER BEGIN SELECT "
+                  "RAISE(IGNORE); END");
+    EXPECT_THROW(repoint({0, 60}), RuntimeError);
+    EXPECT_EQ(uses(249), all);
+    EXPECT_EQ(history.Versions({partition, 0}).size(), 0U);
+
+    store.Execute("DROP TRIGGER Skip");
+    const std::size_t before = uses(60);
+    EXPECT_EQ(repoint({0, 60}), std::vector<std::string>());
+    EXPECT_EQ(uses(249), 0U);
+    EXPECT_EQ(uses(60), before + all);
+    EXPECT_EQ(store.Value("SELECT NodeTypeID || NodeType FROM Detail_AUTO_Prompts WHERE NodeNumber = 60"),
+              "817M_ON");
+    EXPECT_EQ(store.Value("SELECT COUNT(*) FROM Node_General_Pool WHERE DateModified = 'today'"), "10");
+    history.PutBack({partition, 0}, 1, "restore");
+    EXPECT_EQ(uses(249), 7U) << "those of the AUTO node";
 }
 
 } // namespace

@@ -7,12 +7,10 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QCursor>
-#include <QDate>
 #include <QEvent>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QLocale>
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPointer>
@@ -26,6 +24,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <ctime>
 #include <deque>
 #include <exception>
 #include <functional>
@@ -65,7 +65,10 @@ inline Box SaveQuestion() {
 }
 
 inline std::string ShortDateOfToday() {
-    return QLocale::system().toString(QDate::currentDate(), QLocale::ShortFormat).toStdString();
+    const std::time_t now = std::time(nullptr);
+    std::array<char, 64> text{};
+    std::strftime(text.data(), text.size(), "%x", std::localtime(&now));
+    return text.data();
 }
 
 // A person before the screen: answers the message boxes that appear, in order, by pressing their buttons, and

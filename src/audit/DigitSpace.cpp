@@ -137,14 +137,25 @@ std::vector<DigitLength> DigitSpaceOf(const std::vector<Action>& actions, int di
     return lengths;
 }
 
-bool SharesDigits(const std::vector<Action>& actions, int digits) {
+std::vector<SharedDigits> FindSharedDigits(const std::vector<Action>& actions, int digits) {
     std::vector<Range> ranges = RangesOf(actions, digits);
     std::ranges::sort(ranges, [](const Range& a, const Range& b) {
-        return std::tie(a.length, a.low) < std::tie(b.length, b.low);
+        return std::tie(a.length, a.low, a.action) < std::tie(b.length, b.low, b.action);
     });
-    // Where two of one length meet, two neighbours do.
-    const auto meet = [](const Range& a, const Range& b) { return a.length == b.length && b.low <= a.high; };
-    return std::ranges::adjacent_find(ranges, meet) != ranges.end();
+    std::vector<SharedDigits> shared;
+    const Range* furthest = nullptr;
+    for (const Range& range : ranges) {
+        const bool beside = furthest != nullptr && furthest->length == range.length;
+        if (beside && range.low <= furthest->high) {
+            const DigitLength form{range.length, {}};
+            shared.push_back({range.action, furthest->action, form.Text(range.low),
+                              form.Text(std::min(range.high, furthest->high))});
+        }
+        if (!beside || range.high > furthest->high) {
+            furthest = &range;
+        }
+    }
+    return shared;
 }
 
 } // namespace KAL_AUTO_Node

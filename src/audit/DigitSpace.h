@@ -67,8 +67,16 @@ struct DigitLength {
 // a fault of their range take no part.
 [[nodiscard]] std::vector<DigitLength> DigitSpaceOf(const std::vector<Action>& actions, int digits);
 
-// Whether any sequence stands in the ranges of two actions; for a whole partition's nodes much faster than
-// the above.
-[[nodiscard]] bool SharesDigits(const std::vector<Action>& actions, int digits);
+// Sequences that stand in the ranges of two actions.
+struct SharedDigits {
+    std::size_t action; // by position from 0
+    std::size_t other;  // of all that begin no later, the one that reaches furthest
+    std::string low;
+    std::string high;
+};
+
+// For each action that meets one which begins no later, once, in the order of their ranges. Takes n log n
+// time.
+[[nodiscard]] std::vector<SharedDigits> FindSharedDigits(const std::vector<Action>& actions, int digits);
 
 } // namespace KAL_AUTO_Node

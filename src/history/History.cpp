@@ -103,8 +103,10 @@ NodeContent History::Before(const NodePlace& place, int version) {
     return ContentOf(std::string(row.Text("Content")));
 }
 
-std::optional<Version> History::Unfinished(const NodePlace& place) {
-    TryToMarkEnded();
+std::optional<Version> History::Unfinished(const NodePlace& place, bool onlyRead) {
+    if (!onlyRead) {
+        TryToMarkEnded();
+    }
     const auto versions = Versions(place);
     if (std::ranges::any_of(versions, IsBeingMade)) {
         return std::nullopt;
@@ -117,7 +119,7 @@ std::optional<Version> History::Unfinished(const NodePlace& place) {
             return version;
         }
         // The number of one that is dropped is given anew, and its owner would take the other for its own.
-        if (IsSurelyOver(version)) {
+        if (!onlyRead && IsSurelyOver(version)) {
             Drop(place, version.number);
         }
     }
@@ -179,6 +181,13 @@ int History::Add(Batch& batch, const NodePlace& place, const char* work, const c
     batch.Add(Command::Prune_AUTO_Versions,
               {partition.config, partition.number, node, number - KeptVersions, TimeStamp(KeptDays)});
     return number;
+}
+
+bool History::HasBegun(Partition partition, int typeID, int number) {
+    return !dataBase_
+                .Query(Command::Get_Creation,
+                       {partition.config, partition.number, NodeTypeOf(typeID), number})
+                .AtEnd();
 }
 
 void History::SetState(Batch& batch, const NodePlace& place, int version, const char* state) {

@@ -37,8 +37,8 @@ class History {
     [[nodiscard]] NodeContent Before(const NodePlace& place, int version);
 
     // The newest change that never got to its end, is not being made now and has left the node another than
-    // it was. One that has not is dropped once it is surely over.
-    [[nodiscard]] std::optional<Version> Unfinished(const NodePlace& place);
+    // it was. One that has not is dropped once it is surely over, unless the store is only to be read.
+    [[nodiscard]] std::optional<Version> Unfinished(const NodePlace& place, bool onlyRead = false);
 
     // Marks a change of this process's that is over as finished or failed; one that is finished has gone over
     // those before it. Where the mark cannot be written, the change is over for this history all the same,
@@ -53,6 +53,9 @@ class History {
     // Keeps the node as it is, before a change that is whole with the transaction that this is part of;
     // returns what is kept. Raises Busy while the node is being saved.
     NodeContent Keep(const NodePlace& place, const char* work);
+
+    // Whether a save began to make that node from its template. Needs a store with a history.
+    [[nodiscard]] bool HasBegun(Partition partition, int typeID, int number);
 
     // Makes the store hold the node as it was before a change, in one step that is itself a version. Raises
     // Busy while the node is being saved.

@@ -76,15 +76,11 @@ Creation NodeSave::Create(int typeID, int number, const std::string& date) {
     const auto& [partition, node] = place_;
     auto existing = Existing::Refuse;
     if (Guarded()) {
-        const int type = NodeTypeOf(typeID);
-        const bool begun =
-            !dataBase_.Query(Command::Get_Creation, {partition.config, partition.number, type, number})
-                 .AtEnd();
-        if (begun) {
+        if (history_.HasBegun(partition, typeID, number)) {
             existing = Existing::Keep;
         } else {
-            dataBase_.Execute(Command::Add_Creation,
-                              {partition.config, partition.number, type, number, version_, node, date});
+            dataBase_.Execute(Command::Add_Creation, {partition.config, partition.number, NodeTypeOf(typeID),
+                                                      number, version_, node, date});
         }
     }
     return CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, number, typeID, date, existing);

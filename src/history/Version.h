@@ -10,7 +10,8 @@ namespace KAL_AUTO_Node {
 // before.
 struct Version {
     int number = 0;      // from 1, ascending with time
-    std::string work;    // what changed the node: "save", "restore", "put back", "import"
+    std::string work;    // what changed the node: "save", "restore", "put back", "import",
+                         // "repoint"
     std::string state;   // one of those below
     std::string begunAt; // UTC, YYYY-MM-DDTHH:MM:SS.mmmZ
     ProcessIdentity author;

@@ -19,6 +19,12 @@ class DataBase;
 CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::int16_t& number,
                        const std::string& description);
 
+// CONFIG PARTITION, both required.
+void AddPartition(CLI::App& command, std::int16_t& config, std::int16_t& partition);
+
+// A node type by its name or its ID.
+void AddType(CLI::App& command, const std::string& name, std::string& type);
+
 struct NodeArguments {
     std::int16_t config = 0;
     std::int16_t partition = 0;

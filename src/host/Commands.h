@@ -14,6 +14,7 @@ struct Subcommand {
 };
 
 [[nodiscard]] Subcommand EditCommand(CLI::App& program);
+[[nodiscard]] Subcommand CheckCommand(CLI::App& program);
 [[nodiscard]] Subcommand DiffCommand(CLI::App& program);
 [[nodiscard]] Subcommand DigitsCommand(CLI::App& program);
 [[nodiscard]] Subcommand ExportCommand(CLI::App& program);
@@ -23,7 +24,9 @@ struct Subcommand {
 [[nodiscard]] Subcommand InitCommand(CLI::App& program);
 [[nodiscard]] Subcommand ListCommand(CLI::App& program);
 [[nodiscard]] Subcommand PruneCommand(CLI::App& program);
+[[nodiscard]] Subcommand RepointCommand(CLI::App& program);
 [[nodiscard]] Subcommand RestoreCommand(CLI::App& program);
 [[nodiscard]] Subcommand ShowCommand(CLI::App& program);
+[[nodiscard]] Subcommand UsesCommand(CLI::App& program);
 
 } // namespace KAL_AUTO_Node

@@ -6,6 +6,10 @@
 
 namespace KAL_AUTO_Node {
 
+std::string Counted(std::size_t count, const std::string& what) {
+    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
+}
+
 void Table::Add(std::vector<std::string> cells) {
     std::ranges::transform(cells, cells.begin(), Visible);
     cells.resize(columns_.size());

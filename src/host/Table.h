@@ -7,6 +7,9 @@
 
 namespace KAL_AUTO_Node {
 
+// A count with what is counted: "1 node", "2 nodes".
+[[nodiscard]] std::string Counted(std::size_t count, const std::string& what);
+
 // Rows of texts, printed in aligned columns. Texts are made visible.
 class Table {
   public:

@@ -18,6 +18,7 @@ int main(int argc, char** argv) {
         EditCommand(program),    InitCommand(program),   ListCommand(program),    ShowCommand(program),
         HistoryCommand(program), DiffCommand(program),   RestoreCommand(program), PruneCommand(program),
         ImportCommand(program),  ExportCommand(program), DigitsCommand(program),  GraphCommand(program),
+        CheckCommand(program),   UsesCommand(program),   RepointCommand(program),
     };
     try {
         program.parse(argc, argv);

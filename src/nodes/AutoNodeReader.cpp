@@ -4,30 +4,16 @@
 
 namespace KAL_AUTO_Node {
 
-// Where a reference stands; an exception branch's columns have its name before their own.
-struct AutoNodeReader::Columns {
-    explicit Columns(const ResultSet& rows, const std::string& branch = "")
-        : typeID(rows.Column(branch + "NodeTypeID")), type(rows.Column(branch + "NodeType")),
-          number(rows.Column(branch + "NodeNumber")) {}
-
-    std::size_t typeID;
-    std::size_t type;
-    std::size_t number;
-};
-
 std::string LabelOf(DataBase& dataBase, Partition partition, int typeID, int number) {
     const ResultSet node =
         dataBase.Query(Command::Get_Description, {partition.config, partition.number, typeID, number});
     return node.AtEnd() ? std::string() : std::string(node.Field("NodeDescription").value_or(""));
 }
 
-Reference AutoNodeReader::ReadReference(const ResultSet& row, const Columns& columns) {
-    Reference reference{
-        row.Number(columns.typeID), std::string(row.Text(columns.type)), row.Number(columns.number), {}};
+void AutoNodeReader::ReadLabel(Reference& reference) {
     if (labels_ == Labels::Read) {
         reference.label = LabelOf(dataBase_, partition_, reference.typeID, reference.number);
     }
-    return reference;
 }
 
 void ReadLabelAhead(ReadAhead& ahead, Partition partition, int typeID, int number) {
@@ -42,15 +28,15 @@ void ReadAutoNodeAhead(ReadAhead& ahead, Partition partition, std::int16_t numbe
 
 // The rows of both lists are here by now; what cannot be read of them is told when they are read.
 void AutoNodeReader::ReadLabelsAhead(ReadAhead& ahead) try {
-    const auto add = [&](const ResultSet& row, const Columns& columns) {
-        ReadLabelAhead(ahead, partition_, row.Number(columns.typeID), row.Number(columns.number));
+    const auto add = [&](const ResultSet& row, const ReferenceColumns& columns) {
+        ReadLabelAhead(ahead, partition_, columns.TypeID(row), columns.Number(row));
     };
     for (const BranchRule& branch : BranchRules) {
-        add(*record_, Columns(*record_, branch.column));
+        add(*record_, ReferenceColumns(*record_, branch.column));
     }
     for (const Command list : {Command::Get_AUTO_PromptsNode, Command::Get_AUTO_ActionsNode}) {
         ResultSet rows = dataBase_.Query(list, {partition_.config, partition_.number, number_});
-        for (const Columns columns(rows); !rows.AtEnd(); rows.MoveNext()) {
+        for (const ReferenceColumns columns(rows); !rows.AtEnd(); rows.MoveNext()) {
             add(rows, columns);
         }
     }
@@ -70,9 +56,7 @@ bool AutoNodeReader::ReadRecord(AutoNode& node) {
     if (record_->AtEnd()) {
         return false;
     }
-    node.type = record_->Field("NodeType").value_or("");
-    node.label = OptionalText(*record_, "NodeDescription");
-    node.settings = ReadSettings(*record_);
+    KAL_AUTO_Node::ReadRecord(*record_, node);
     if (ahead.Helps() && labels_ == Labels::Read) {
         ReadLabelsAhead(ahead);
         ahead.Fetch();
@@ -80,38 +64,29 @@ bool AutoNodeReader::ReadRecord(AutoNode& node) {
     return true;
 }
 
-template <class Item, class ColumnsBeside>
-void AutoNodeReader::ReadItems(Command command, std::vector<Item>& items, ColumnsBeside columnsBeside) {
+template <class Columns, class Item>
+void AutoNodeReader::ReadItems(Command command, std::vector<Item>& items) {
     items.clear();
     ResultSet rows = dataBase_.Query(command, {partition_.config, partition_.number, number_});
-    const Columns columns(rows);
-    const std::size_t sequence = rows.Column("SequenceNo");
-    const auto fill = columnsBeside(rows);
-    for (; !rows.AtEnd(); rows.MoveNext()) {
-        Item item;
-        item.target = ReadReference(rows, columns);
-        item.sequence = rows.Number(sequence);
-        fill(item);
+    for (const Columns columns(rows); !rows.AtEnd(); rows.MoveNext()) {
+        Item item = columns.Read(rows);
+        ReadLabel(item.target);
         items.push_back(std::move(item));
     }
 }
 
 void AutoNodeReader::ReadPrompts(AutoNode& node) {
-    ReadItems(Command::Get_AUTO_PromptsNode, node.prompts, [](const ResultSet&) { return [](Prompt&) {}; });
+    ReadItems<PromptColumns>(Command::Get_AUTO_PromptsNode, node.prompts);
 }
 
 void AutoNodeReader::ReadActions(AutoNode& node) {
-    ReadItems(Command::Get_AUTO_ActionsNode, node.actions, [](const ResultSet& rows) {
-        return
-            [&rows, low = rows.Column("DTMFRangeLow"), high = rows.Column("DTMFRangeHigh")](Action& action) {
-                action.low = rows.Field(low);
-                action.high = rows.Field(high);
-            };
-    });
+    ReadItems<ActionColumns>(Command::Get_AUTO_ActionsNode, node.actions);
 }
 
 void AutoNodeReader::ReadBranch(AutoNode& node, std::size_t branch) {
-    node.branches.at(branch) = ReadReference(*record_, Columns(*record_, BranchRules.at(branch).column));
+    Reference& target = node.branches.at(branch);
+    target = ReferenceColumns(*record_, BranchRules.at(branch).column).Read(*record_);
+    ReadLabel(target);
 }
 
 std::optional<AutoNode> ReadAutoNode(DataBase& dataBase, Partition partition, std::int16_t number,

@@ -25,13 +25,10 @@ class AutoNodeReader {
     void ReadBranch(AutoNode& node, std::size_t branch);
 
   private:
-    struct Columns;
-
-    Reference ReadReference(const ResultSet& row, const Columns& columns);
+    void ReadLabel(Reference& reference);
     void ReadLabelsAhead(ReadAhead& ahead);
-    // Of the columns besides position and reference, looked up once, comes what fills an item from a row.
-    template <class Item, class ColumnsBeside>
-    void ReadItems(Command command, std::vector<Item>& items, ColumnsBeside columnsBeside);
+    template <class Columns, class Item>
+    void ReadItems(Command command, std::vector<Item>& items);
 
     DataBase& dataBase_;
     Partition partition_;

@@ -6,6 +6,10 @@
 
 namespace KAL_AUTO_Node {
 
+bool IsWithin(const SettingRule& rule, const Settings& settings) {
+    return settings.*rule.value == ValueOf(rule, settings);
+}
+
 int ValueOf(const SettingRule& rule, const Settings& settings) {
     const auto value = (settings.*rule.value).value_or(rule.first);
     return value >= rule.first && value <= rule.last ? static_cast<int>(value) : rule.first;
@@ -32,6 +36,11 @@ std::string TerminatingDigitText(const Settings& settings) {
     return settings.terminatingDigit == shown
                ? shown
                : settings.terminatingDigit.value_or("none") + " (shown as " + shown + ')';
+}
+
+bool IsTerminatingDigit(const Settings& settings) {
+    return settings.terminatingDigit && FoldCase(*settings.terminatingDigit) ==
+                                            FoldCase(TerminatingDigits.at(TerminatingDigitOf(settings)));
 }
 
 } // namespace KAL_AUTO_Node

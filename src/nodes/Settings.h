@@ -43,6 +43,10 @@ inline constexpr std::array<SettingRule, 4> SettingRules = {{
 
 inline constexpr std::array<const char*, 4> TerminatingDigits = {"No", "*", "#", "*/#"};
 
+// Whether a setting is stored with one of its values.
+[[nodiscard]] bool IsWithin(const SettingRule& rule, const Settings& settings);
+[[nodiscard]] bool IsTerminatingDigit(const Settings& settings);
+
 // The position among the terminating digits, whatever the stored text's case; 0 for any other.
 [[nodiscard]] std::size_t TerminatingDigitOf(const Settings& settings);
 [[nodiscard]] std::string TerminatingDigitText(const Settings& settings);

@@ -56,6 +56,18 @@ std::string MessageFileName(int partition, int number) {
 
 } // namespace
 
+const char* WhyNotCreated(Creation outcome) {
+    switch (outcome) {
+    case Creation::Unregistered:
+        return "The rows of these nodes were copied, but they are not registered: their template has no row "
+               "in Node_General_Pool.";
+    case Creation::Empty:
+        return "These nodes were registered, but they have no rows of their own: neither has their template.";
+    default:
+        return "These nodes could not be created: there is no template for them.";
+    }
+}
+
 Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int source, int destination,
                                 int typeID, const std::string& date, Existing existing) {
     const auto rule = std::ranges::find(CopyRules, NodeTypeOf(typeID), &CopyRule::typeID);
@@ -102,6 +114,10 @@ Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int sou
 
 void LookUpAhead(ReadAhead& ahead, Partition partition, int typeID, int number) {
     ahead.Add(Command::Get_Description, {partition.config, partition.number, NodeTypeOf(typeID), number});
+}
+
+bool HasCopyRule(int typeID) {
+    return std::ranges::find(CopyRules, typeID, &CopyRule::typeID) != CopyRules.end();
 }
 
 bool IsNodeExisted(DataBase& dataBase, Partition partition, int typeID, int number) {

@@ -18,6 +18,9 @@ enum class Creation {
     Empty,        // it was registered, but the template has no rows of its own
 };
 
+// What to tell a person of nodes of which that came.
+[[nodiscard]] const char* WhyNotCreated(Creation outcome);
+
 // What is done about rows of the new number that are there already.
 enum class Existing {
     Refuse, // DuplicateKey is raised
@@ -28,6 +31,10 @@ enum class Existing {
 // A reference to a message stands for the message. The date is today's as dates are stored.
 Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int source, int destination,
                                 int typeID, const std::string& date, Existing existing = Existing::Refuse);
+
+// Whether there is a rule for copying nodes of a type; those are the types whose nodes the store has tables
+// for.
+[[nodiscard]] bool HasCopyRule(int typeID);
 
 // Whether the register has a node; a reference to a message stands for the message.
 void LookUpAhead(ReadAhead& ahead, Partition partition, int typeID, int number);

@@ -7,8 +7,8 @@
 #include "nodes/RequiredNodes.h"
 #include "nodes/Templates.h"
 #include "platform/NumericValue.h"
+#include "platform/Today.h"
 #include "rules/NodeRules.h"
-#include "rules/Today.h"
 #include "rules/Utf8.h"
 
 #include <QStringList>
@@ -27,19 +27,6 @@ namespace {
 int NumberIn(const QString& cell) {
     const auto value = NumericValue(cell.toStdString());
     return std::in_range<int>(value) ? static_cast<int>(value) : -1;
-}
-
-const char* Reason(Creation outcome) {
-    switch (outcome) {
-    case Creation::Unregistered:
-        return "The rows of these nodes were copied, but they are not registered: their template has no row "
-               "in "
-               "Node_General_Pool.";
-    case Creation::Empty:
-        return "These nodes were registered, but they have no rows of their own: neither has their template.";
-    default:
-        return "These nodes could not be created: there is no template for them.";
-    }
 }
 
 // Fetches from a server whether nodes exist: of all at once and, where nodes are created, which makes that
@@ -82,8 +69,8 @@ void TellNotCreated(const std::map<Creation, QStringList>& nodesByOutcome) {
     constexpr int shown = 20;
     QStringList paragraphs;
     for (const auto& [outcome, nodes] : nodesByOutcome) {
-        QString text =
-            QString::fromLatin1(Reason(outcome)) + "\r\n" + nodes.mid(0, shown).join(QStringLiteral(", "));
+        QString text = QString::fromLatin1(WhyNotCreated(outcome)) + "\r\n" +
+                       nodes.mid(0, shown).join(QStringLiteral(", "));
         if (nodes.size() > shown) {
             text += QStringLiteral(" and %1 more").arg(nodes.size() - shown);
         }

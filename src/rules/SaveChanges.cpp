@@ -7,10 +7,10 @@
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
 #include "platform/RuntimeError.h"
+#include "platform/Today.h"
 #include "rules/Conflicts.h"
 #include "rules/Gathering.h"
 #include "rules/NodeRules.h"
-#include "rules/Today.h"
 
 #include <utility>
 

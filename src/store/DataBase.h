@@ -23,7 +23,7 @@ class Statement;
 struct StatementRun;
 
 // The named commands, in the order of the files where their statements stand: commands.sql,
-// overview.sql, history.sql.
+// overview.sql, history.sql, audit.sql, references.sql.
 enum class Command {
 #define COMMAND(name, sql) name,
 #include "store/Commands.inc"

@@ -1,0 +1,155 @@
+#include "audit/PartitionCheck.h"
+#include "audit/References.h"
+#include "history/History.h"
+#include "tests/TestStore.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+// The check and the uses of a partition of 10,000 AUTO nodes with 20 rows each, beside reading the same rows
+// through the engine's interface, every value copied. The two take turns; the medians are told.
+namespace {
+
+using namespace KAL_AUTO_Node;
+
+constexpr Partition Measured{1, 3};
+constexpr int Turns = 9;
+
+void Fill(const TestStore& store) {
+    const std::string numbers = "WITH RECURSIVE Numbers (Number) AS (VALUES (0) UNION ALL SELECT Number + 1 "
+                                "FROM Numbers WHERE Number < ";
+    const std::string nodes = numbers + "10000) ";
+    const std::string rows = numbers + "9), Nodes AS (SELECT NodeNumber FROM Node_AUTO WHERE PartID = 3) ";
+    store.Execute(
+        "BEGIN;"
+        "INSERT INTO Node_Type_Max SELECT 1, 3, ID, 32767 FROM SR_Node_Type_Names WHERE ID < 814;" +
+        nodes +
+        "INSERT INTO Node_AUTO SELECT 1, 3, 9, Number, 2, 'No', 5, 3, 2, 'MSG', 1, 'MSG', 1, 'MSG', 1, "
+        "'AUTO', 'Menu ' || Number, 0, 0, 0, 814, 814, 'NONE', 0, 'NONE', 0 FROM Numbers;" +
+        rows +
+        "INSERT INTO Detail_AUTO_Prompts SELECT 1, 3, Number + 1, 0, Number + 1, NodeNumber, 'MSG' "
+        "FROM Nodes, Numbers;" +
+        rows +
+        "INSERT INTO Detail_AUTO_Action SELECT 1, 3, Number + 1, 9, (NodeNumber + Number) % 10000 + 1, "
+        "NodeNumber, Number, Number, 'AUTO' FROM Nodes, Numbers;" +
+        nodes +
+        "INSERT INTO Node_MSG (ConfigID, PartID, NodeTypeID, NodeNumber) SELECT 1, 3, 0, Number FROM "
+        "Numbers;" +
+        "INSERT INTO Node_General_Pool SELECT 1, 3, 9, NodeNumber, 'AUTO', NodeDescription, '' FROM "
+        "Node_AUTO "
+        "WHERE PartID = 3;"
+        "INSERT INTO Node_General_Pool SELECT 1, 3, 0, NodeNumber, 'MSG', 'Message', '' FROM Node_MSG "
+        "WHERE PartID = 3; COMMIT");
+}
+
+class Raw {
+  public:
+    explicit Raw(const std::string& file) { sqlite3_open(file.c_str(), &database_); }
+
+    ~Raw() { sqlite3_close(database_); }
+
+    Raw(const Raw&) = delete;
+    Raw& operator=(const Raw&) = delete;
+
+    std::size_t Read(Command command, std::initializer_list<const char*> values) {
+        sqlite3_stmt* statement = nullptr;
+        sqlite3_prepare_v2(database_, CommandText(command).c_str(), -1, &statement, nullptr);
+        int parameter = 0;
+        for (const char* value : values) {
+            sqlite3_bind_text(statement, ++parameter, value, -1, SQLITE_STATIC);
+        }
+        std::size_t rows = 0;
+        copied_.clear();
+        for (; sqlite3_step(statement) == SQLITE_ROW; ++rows) {
+            for (int column = 0; column < sqlite3_column_count(statement); ++column) {
+                const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+                copied_.append(text == nullptr ? "" : text);
+            }
+        }
+        sqlite3_finalize(statement);
+        return rows;
+    }
+
+  private:
+    sqlite3* database_ = nullptr;
+    std::string copied_;
+};
+
+template <class Work>
+double Milliseconds(Work work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+template <class Ours, class Floor>
+void Compare(const char* name, Ours ours, Floor floor) {
+    std::vector<double> our;
+    std::vector<double> raw;
+    for (int turn = 0; turn < Turns; ++turn) {
+        our.push_back(Milliseconds(ours));
+        raw.push_back(Milliseconds(floor));
+    }
+    std::ranges::sort(our);
+    std::ranges::sort(raw);
+    std::printf("%s: %.1f ms, raw %.1f ms, %.2fx\n", name, our[Turns / 2], raw[Turns / 2],
+                our[Turns / 2] / raw[Turns / 2]);
+}
+
+std::string PeakMemory() {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("VmHWM")) {
+            return line;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+int main() {
+    const TestStore store;
+    Fill(store);
+    std::printf("before: %s\n", PeakMemory().c_str());
+    DataBase dataBase;
+    History history(dataBase);
+    Raw raw(store.File().string());
+    std::size_t found = 0;
+    std::size_t rows = 0;
+    found = CheckPartition(dataBase, history, Measured).findings.size();
+    std::printf("after a check: %s\n", PeakMemory().c_str());
+    Compare(
+        "check", [&] { found = CheckPartition(dataBase, history, Measured).findings.size(); },
+        [&] {
+            rows = 0;
+            rows += raw.Read(Command::Get_All_AUTO_Nodes, {"1", "3", "9"});
+            for (const Command command :
+                 {Command::Get_All_AUTO_Prompts, Command::Get_All_AUTO_Actions, Command::Get_Register,
+                  Command::Get_Other_Nodes, Command::Get_Other_References}) {
+                rows += raw.Read(command, {"1", "3"});
+            }
+        });
+    std::printf("%zu rows, %zu findings\n", rows, found);
+    const TypeNames names(dataBase);
+    Compare(
+        "uses of AUTO 5000", [&] { found = ReadUses(dataBase, Measured, names, AutoType, 5000).size(); },
+        [&] {
+            rows = raw.Read(Command::Get_Uses, {"1", "3", "5000", "9", "9", "9", "AUTO", "AUTO", "AUTO"});
+        });
+    std::printf("%zu rows, %zu uses\n", rows, found);
+    Compare(
+        "uses of MSG 1", [&] { found = ReadUses(dataBase, Measured, names, MessageType, 1).size(); },
+        [&] {
+            rows = raw.Read(Command::Get_Uses, {"1", "3", "1", "0", "817", "818", "MSG", "M_ON", "M_OFF"});
+        });
+    std::printf("%zu rows, %zu uses\n", rows, found);
+}

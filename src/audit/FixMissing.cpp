@@ -1,0 +1,24 @@
+#include "audit/FixMissing.h"
+
+#include "history/History.h"
+#include "store/DataBase.h"
+
+namespace KAL_AUTO_Node {
+
+Creation CreateMissing(DataBase& dataBase, History& history, Partition partition, const RequiredNode& node,
+                       const std::string& date) {
+    const bool guarded = history.Exists();
+    Transaction all(dataBase);
+    // Somebody else may have made it meanwhile.
+    if (IsNodeExisted(dataBase, partition, node.typeID, node.number)) {
+        return Creation::Created;
+    }
+    const bool begun = guarded && history.HasBegun(partition, node.typeID, node.number);
+    const Creation outcome =
+        CreateNodeFromTemplate(dataBase, partition, TemplateNumber, node.number, node.typeID, date,
+                               begun ? Existing::Keep : Existing::Refuse);
+    all.Commit();
+    return outcome;
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "nodes/Identity.h"
+#include "nodes/RequiredNodes.h"
+#include "nodes/Templates.h"
+
+#include <string>
+
+namespace KAL_AUTO_Node {
+
+class DataBase;
+class History;
+
+// Makes a missing node from its template as the editor does in a save, wholly or not at all; one that a save
+// began to make and never finished is made whole. Raises what keeps it from being made, DuplicateKey where
+// rows of it are there without an entry of the register.
+Creation CreateMissing(DataBase& dataBase, History& history, Partition partition, const RequiredNode& node,
+                       const std::string& date);
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "nodes/AutoNode.h"
+
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+namespace KAL_AUTO_Node {
+
+// How the AUTO nodes of a partition lead to one another, by their numbers.
+class Flow {
+  public:
+    void Add(int number, const AutoNode& node);
+
+    // Some node of another type refers to this one.
+    void AddReferenceTo(int number) { referredTo_.insert(number); }
+
+    // Nodes of which every exception and action leads to themselves or to nodes of which the same holds, or
+    // nowhere. Nodes of other types lead on, and so do those that do not exist: what comes after them is not
+    // known here.
+    [[nodiscard]] std::vector<int> WithoutWayOut() const;
+
+    // Nodes that none but themselves refers to.
+    [[nodiscard]] std::vector<int> Unreferenced() const;
+
+  private:
+    std::unordered_map<int, bool> nodes_;    // and whether they lead to something other than AUTO nodes
+    std::vector<std::pair<int, int>> edges_; // from, to
+    std::unordered_set<int> referredTo_;
+};
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,329 @@
+#include "audit/PartitionCheck.h"
+
+#include "audit/DigitSpace.h"
+#include "audit/Flow.h"
+#include "audit/References.h"
+#include "history/History.h"
+#include "nodes/AutoNodeReader.h"
+#include "nodes/PartitionReader.h"
+#include "nodes/ReferenceData.h"
+#include "nodes/ScratchList.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <tuple>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+constexpr unsigned BitOf(Slot slot) { return 1U << static_cast<unsigned>(slot); }
+
+class PartitionCheck {
+  public:
+    PartitionCheck(DataBase& dataBase, History& history, Partition partition)
+        : dataBase_(dataBase), history_(history), partition_(partition), names_(dataBase) {}
+
+    PartitionFindings Run() {
+        ReadTypes();
+        ReadRegister();
+        template_ = ReadAutoNode(dataBase_, partition_, TemplateNumber);
+        ReadWholeAutoNodes(
+            dataBase_, partition_, [this](int number, const AutoNode& node) { CheckNode(number, node); },
+            [this](Slot list, int number, int rows) {
+                const char* kind = list == Slot::Prompts ? " prompts" : " actions";
+                Add(Fault::OrphanRows, AutoType, number, "", std::to_string(rows) + kind);
+            });
+        CheckOtherNodes();
+        CheckRegister();
+        CheckFlow();
+        CheckSaves();
+        std::ranges::stable_sort(result_.findings, [](const Finding& a, const Finding& b) {
+            return std::tie(a.holder.typeID, a.holder.number) < std::tie(b.holder.typeID, b.holder.number);
+        });
+        for (Finding& finding : result_.findings) {
+            if (const Registered* entry = Find({finding.holder.typeID, finding.holder.number})) {
+                finding.label = entry->label;
+            }
+        }
+        return std::move(result_);
+    }
+
+  private:
+    using NodeKey = std::pair<int, int>; // type ID, number
+
+    struct HashKey {
+        std::size_t operator()(const NodeKey& key) const {
+            return std::hash<std::int64_t>()((static_cast<std::int64_t>(key.first) << 32) ^ key.second);
+        }
+    };
+
+    struct Registered {
+        std::string label;
+        bool hasRecord = false;
+    };
+
+    struct Type {
+        std::string name;
+        int maximum = 0;
+        unsigned offered = 0; // bits of the slots that may refer to it
+    };
+
+    void ReadTypes() {
+        NodeLists lists;
+        ReadNodeNames(dataBase_, partition_, lists);
+        for (const auto& [typeID, name] : names_.All()) {
+            types_[typeID] = {name, lists.MaxNodeNumberCollection[typeID]};
+        }
+        for (std::size_t slot = 0; slot < SlotRules.size(); ++slot) {
+            ReadContainableTypes(dataBase_, partition_, static_cast<Slot>(slot), lists,
+                                 [&](int typeID, const std::string&) {
+                                     types_[typeID].offered |= BitOf(static_cast<Slot>(slot));
+                                 });
+        }
+    }
+
+    void ReadRegister() {
+        ResultSet rows = dataBase_.Query(Command::Get_Register, {partition_.config, partition_.number});
+        const std::size_t type = rows.Column("NodeTypeID");
+        const std::size_t number = rows.Column("NodeNumber");
+        const std::size_t name = rows.Column("NodeType");
+        const std::size_t label = rows.Column("NodeDescription");
+        for (; !rows.AtEnd(); rows.MoveNext()) {
+            const NodeKey key{rows.Number(type), rows.Number(number)};
+            register_[key] = {std::string(rows.Field(label).value_or(""))};
+            CheckTypeName(key.first, key.second, "register", key.first, rows.Field(name).value_or(""));
+        }
+        result_.registeredNodes = register_.size();
+    }
+
+    Registered* Find(const NodeKey& key) {
+        const auto found = register_.find(key);
+        return found == register_.end() ? nullptr : &found->second;
+    }
+
+    void Add(Fault fault, int holderType, int holder, std::string where, std::string subject) {
+        result_.findings.push_back(
+            {fault, {holderType, names_.Name(holderType), holder}, {}, std::move(where), std::move(subject)});
+    }
+
+    void CheckTypeName(int holderType, int holder, const std::string& where, int typeID,
+                       std::string_view stored) {
+        const auto type = types_.find(typeID);
+        if (type != types_.end() && type->second.name != stored) {
+            Add(Fault::TypeName, holderType, holder, where,
+                '\'' + std::string(stored) + "' for " + type->second.name);
+        }
+    }
+
+    // Where is a function that gives the place as text.
+    template <class Where>
+    void CheckTarget(int holder, const Reference& target, Slot slot, Where where) {
+        const auto found = types_.find(target.typeID);
+        const bool known = found != types_.end();
+        if (!known || (found->second.offered & BitOf(slot)) == 0) {
+            Add(Fault::TypeNotOffered, AutoType, holder, where(), DisplayText(target, slot));
+        } else if (target.typeID != NumberlessTypeOf(slot) && target.number > found->second.maximum) {
+            Add(Fault::BeyondMaximum, AutoType, holder, where(), DisplayText(target, slot));
+        }
+        if (known && found->second.name != target.type) {
+            CheckTypeName(AutoType, holder, where(), target.typeID, target.type);
+        }
+        CheckExists(AutoType, holder, target.typeID, target.number, where);
+    }
+
+    template <class Where>
+    void CheckExists(int holderType, int holder, int typeID, int number, Where where) {
+        const NodeKey key{NodeTypeOf(typeID), number};
+        if (RefersToNode(typeID) && Find(key) == nullptr) {
+            std::string name = NodeName{key.first, names_.Name(key.first), number}.Text();
+            Add(Fault::MissingNode, holderType, holder, where(), name);
+            if (missing_.insert(key).second) {
+                result_.missing.push_back({std::move(name), key.first, number});
+            }
+        }
+    }
+
+    void NoteRecord(int typeID, int number) {
+        if (Registered* entry = Find({typeID, number})) {
+            entry->hasRecord = true;
+        } else {
+            Add(Fault::NotRegistered, typeID, number, "", "");
+        }
+    }
+
+    void CheckNode(int number, const AutoNode& node) {
+        ++result_.autoNodes;
+        NoteRecord(AutoType, number);
+        flow_.Add(number, node);
+        CheckTypeName(AutoType, number, "record", AutoType, node.type);
+        CheckSettings(number, node.settings);
+        for (const Prompt& prompt : node.prompts) {
+            CheckTarget(number, prompt.target, Slot::Prompts,
+                        [&] { return "prompt " + std::to_string(prompt.sequence); });
+        }
+        CheckActions(number, node);
+        for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
+            CheckTarget(number, node.branches.at(branch), BranchRules.at(branch).slot,
+                        [&] { return std::string(BranchRules.at(branch).label); });
+        }
+        // The template is no menu that anybody calls.
+        if (number == TemplateNumber) {
+            return;
+        }
+        if (std::ranges::all_of(
+                node.prompts, [](const Prompt& prompt) { return prompt.target.typeID == NumberlessType; })) {
+            Add(Fault::NoPrompts, AutoType, number, "", "");
+        }
+        if (node == template_) {
+            Add(Fault::AsTemplate, AutoType, number, "", "");
+        }
+    }
+
+    void CheckSettings(int number, const Settings& settings) {
+        const auto add = [&](const std::string& name, const std::string& stored) {
+            Add(Fault::SettingOutside, AutoType, number, "settings", name + ' ' + stored);
+        };
+        for (const SettingRule& rule : SettingRules) {
+            if (!IsWithin(rule, settings)) {
+                const auto& stored = settings.*rule.value;
+                add(rule.name, stored ? std::to_string(*stored) : "none");
+            }
+        }
+        if (!IsTerminatingDigit(settings)) {
+            add("terminating digit", settings.terminatingDigit.value_or("none"));
+        }
+    }
+
+    void CheckActions(int number, const AutoNode& node) {
+        const int digits = NumberOfDigits(node);
+        const auto where = [](const Action& action) {
+            return "action " + std::to_string(action.sequence) + " (" + EntryText(action) + ')';
+        };
+        ScratchList entries;
+        for (const Action& action : node.actions) {
+            CheckTarget(number, action.target, Slot::Actions, [&] { return where(action); });
+            if (const auto fault = RangeFault(action, digits)) {
+                Add(*fault, AutoType, number, where(action), EntryText(action));
+            }
+            std::string entry = EntryText(action);
+            if (entries.FindStringExact(entry)) {
+                Add(Fault::DuplicateEntry, AutoType, number, where(action), entry);
+            }
+            entries.AddItem(std::move(entry));
+        }
+        for (const auto& [position, other, low, high] : FindSharedDigits(node.actions, digits)) {
+            const Action& action = node.actions[position];
+            const std::string otherEntry = EntryText(node.actions[other]);
+            if (EntryText(action) != otherEntry) {
+                std::string digitsText = low == high ? low : low + '-' + high;
+                Add(Fault::SharedDigits, AutoType, number, where(action),
+                    std::move(digitsText) + ", also in " + otherEntry);
+            }
+        }
+    }
+
+    void CheckOtherNodes() {
+        std::unordered_set<NodeKey, HashKey> nodes;
+        {
+            ResultSet rows =
+                dataBase_.Query(Command::Get_Other_Nodes, {partition_.config, partition_.number});
+            const std::size_t type = rows.Column("NodeTypeID");
+            const std::size_t number = rows.Column("NodeNumber");
+            for (; !rows.AtEnd(); rows.MoveNext()) {
+                const NodeKey key{rows.Number(type), rows.Number(number)};
+                nodes.insert(key);
+                NoteRecord(key.first, key.second);
+            }
+        }
+        std::map<std::tuple<int, int, std::string_view>, std::set<int>> orphans; // holder and table, rows
+        ReadOtherReferences(dataBase_, partition_, [&](const StoredReference& reference) {
+            const ReferenceColumn& column = reference.Column();
+            if (reference.row != 0 && !nodes.contains({reference.holderTypeID, reference.holder})) {
+                orphans[{reference.holderTypeID, reference.holder, column.table}].insert(reference.row);
+            }
+            const auto typeID = column.hasTypeID ? reference.typeID : names_.ID(reference.type);
+            if (!typeID || !reference.number) {
+                return;
+            }
+            const auto where = [&] { return PlaceText(column, reference.row); };
+            if (column.hasTypeID) {
+                const auto type = types_.find(*typeID);
+                if (type != types_.end() && type->second.name != reference.type) {
+                    CheckTypeName(reference.holderTypeID, reference.holder, where(), *typeID, reference.type);
+                }
+            }
+            CheckExists(reference.holderTypeID, reference.holder, *typeID, *reference.number, where);
+            if (*typeID == AutoType) {
+                flow_.AddReferenceTo(*reference.number);
+            }
+        });
+        for (const auto& [place, rows] : orphans) {
+            const auto& [type, number, table] = place;
+            Add(Fault::OrphanRows, type, number, "",
+                std::to_string(rows.size()) + " of " + std::string(table));
+        }
+    }
+
+    void CheckRegister() {
+        for (const auto& [key, entry] : register_) {
+            if (!entry.hasRecord && HasCopyRule(key.first)) {
+                Add(Fault::RegisteredWithoutNode, key.first, key.second, "", "");
+            }
+        }
+    }
+
+    void CheckFlow() {
+        for (const int number : flow_.WithoutWayOut()) {
+            if (number != TemplateNumber) {
+                Add(Fault::NoWayOut, AutoType, number, "", "");
+            }
+        }
+        for (const int number : flow_.Unreferenced()) {
+            if (number != TemplateNumber) {
+                Add(Fault::Unreferenced, AutoType, number, "", "");
+            }
+        }
+    }
+
+    void CheckSaves() {
+        if (!history_.Exists()) {
+            return;
+        }
+        std::vector<std::int16_t> numbers;
+        for (ResultSet rows =
+                 dataBase_.Query(Command::Get_Unfinished_AUTO_Nodes, {partition_.config, partition_.number});
+             !rows.AtEnd(); rows.MoveNext()) {
+            numbers.push_back(rows.Number16("NodeNumber"));
+        }
+        for (const std::int16_t number : numbers) {
+            if (const auto save = history_.Unfinished({partition_, number}, true)) {
+                Add(Fault::UnfinishedSave, AutoType, number, "",
+                    "begun " + LocalTime(save->begunAt) + " by " + AuthorText(*save));
+            }
+        }
+    }
+
+    DataBase& dataBase_;
+    History& history_;
+    Partition partition_;
+    TypeNames names_;
+    std::unordered_map<int, Type> types_;
+    std::unordered_map<NodeKey, Registered, HashKey> register_;
+    std::optional<AutoNode> template_;
+    Flow flow_;
+    std::set<NodeKey> missing_;
+    PartitionFindings result_;
+};
+
+} // namespace
+
+PartitionFindings CheckPartition(DataBase& dataBase, History& history, Partition partition) {
+    return PartitionCheck(dataBase, history, partition).Run();
+}
+
+} // namespace KAL_AUTO_Node

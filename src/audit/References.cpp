@@ -1,0 +1,108 @@
+#include "audit/References.h"
+
+#include "nodes/Slots.h"
+#include "platform/FoldCase.h"
+#include "platform/RuntimeError.h"
+
+#include <algorithm>
+#include <array>
+#include <tuple>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+constexpr auto Columns = std::to_array<ReferenceColumn>({
+#define REFERENCE(table, type, word, hasTypeID, repoint) {#table, type, word, hasTypeID, Command::repoint},
+#include "store/References.inc"
+#undef REFERENCE
+});
+
+// Hands over references, of which the rows have the number or not.
+void Read(ResultSet rows, std::optional<int> number,
+          const std::function<void(const StoredReference& reference)>& take) {
+    const std::size_t holderTypeID = rows.Column("HolderTypeID");
+    const std::size_t holder = rows.Column("HolderNumber");
+    const std::size_t column = rows.Column("ReferenceNo");
+    const std::size_t row = rows.Column("RowNo");
+    const std::size_t typeID = rows.Column("NodeTypeID");
+    const std::size_t type = rows.Column("NodeType");
+    const auto numberColumn = number ? std::nullopt : std::optional(rows.Column("NodeNumber"));
+    const auto orNothing = [&](std::size_t field) {
+        return rows.Field(field) ? std::optional(rows.Number(field)) : std::nullopt;
+    };
+    for (; !rows.AtEnd(); rows.MoveNext()) {
+        take({rows.Number(holderTypeID), rows.Number(holder), static_cast<std::size_t>(rows.Number(column)),
+              rows.Number(row), orNothing(typeID), std::string(rows.Field(type).value_or("")),
+              numberColumn ? orNothing(*numberColumn) : number});
+    }
+}
+
+} // namespace
+
+std::span<const ReferenceColumn> AllReferenceColumns() { return Columns; }
+
+std::string PlaceText(const ReferenceColumn& column, int row) {
+    if (column.table.starts_with("Node_")) {
+        const auto branch = std::ranges::find(BranchRules, column.word, &BranchRule::column);
+        return branch != BranchRules.end() ? branch->label : std::string(column.word);
+    }
+    std::string place = column.table.ends_with("_Prompts")  ? "prompt "
+                        : column.table.ends_with("_Action") ? "action "
+                                                            : "row ";
+    place += std::to_string(row);
+    // Each row of such prompts has the one reference.
+    const bool only = column.word.empty() || column.table.ends_with("_Prompts");
+    return only ? place : place + ", " + std::string(column.word);
+}
+
+void ReadOtherReferences(DataBase& dataBase, Partition partition,
+                         const std::function<void(const StoredReference& reference)>& take) {
+    Read(dataBase.Query(Command::Get_Other_References, {partition.config, partition.number}), std::nullopt,
+         take);
+}
+
+TypeNames::TypeNames(DataBase& dataBase) {
+    for (ResultSet rows = dataBase.Query(Command::Get_Node_Names, {}); !rows.AtEnd(); rows.MoveNext()) {
+        names_.emplace_back(rows.Number("ID"), rows.Text("English_Name"));
+    }
+}
+
+std::string TypeNames::Name(int typeID) const {
+    const auto found = std::ranges::find(names_, typeID, &std::pair<int, std::string>::first);
+    return found == names_.end() ? std::to_string(typeID) : found->second;
+}
+
+std::optional<int> TypeNames::ID(std::string_view name) const {
+    const auto found = std::ranges::find(names_, name, &std::pair<int, std::string>::second);
+    return found == names_.end() ? std::nullopt : std::optional(found->first);
+}
+
+int TypeNames::Meant(const std::string& text) const {
+    const std::string folded = FoldCase(text);
+    for (const auto& [typeID, name] : names_) {
+        if (FoldCase(name) == folded || std::to_string(typeID) == text) {
+            return typeID;
+        }
+    }
+    throw RuntimeError(ErrorNumber::InvalidProcedureCall, "There is no node type '" + text + "'");
+}
+
+std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition, const TypeNames& names,
+                                      int typeID, int number) {
+    typeID = NodeTypeOf(typeID);
+    const bool message = typeID == MessageType;
+    const std::array types = {typeID, message ? MessageOnType : typeID, message ? MessageOffType : typeID};
+    std::vector<StoredReference> uses;
+    Read(dataBase.Query(Command::Get_Uses,
+                        {partition.config, partition.number, number, types[0], types[1], types[2],
+                         names.Name(types[0]), names.Name(types[1]), names.Name(types[2])}),
+         number, [&](const StoredReference& use) { uses.push_back(use); });
+    std::ranges::sort(uses, [](const StoredReference& a, const StoredReference& b) {
+        return std::tie(a.holderTypeID, a.holder, a.column, a.row) <
+               std::tie(b.holderTypeID, b.holder, b.column, b.row);
+    });
+    return uses;
+}
+
+} // namespace KAL_AUTO_Node

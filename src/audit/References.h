@@ -1,0 +1,70 @@
+#pragma once
+
+#include "audit/Findings.h"
+#include "store/DataBase.h"
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace KAL_AUTO_Node {
+
+// A column triple (type ID, type, number) of the store by which nodes refer to others.
+struct ReferenceColumn {
+    std::string_view table;
+    int holderTypeID;      // of the nodes whose rows these are
+    std::string_view word; // with which the columns' names begin
+    bool hasTypeID;        // otherwise the type's name stands for it
+    Command repoint;       // changes what it refers to
+};
+
+// All of them, of the nodes of every type.
+[[nodiscard]] std::span<const ReferenceColumn> AllReferenceColumns();
+
+// A reference of a node of any type, as it is stored.
+struct StoredReference {
+    int holderTypeID = 0;
+    int holder = 0;
+    std::size_t column = 0; // by its position among all
+    int row = 0;            // its number among the rows of the holder; 0 where the holder has one row
+    std::optional<int> typeID;
+    std::string type;
+    std::optional<int> number;
+
+    [[nodiscard]] const ReferenceColumn& Column() const { return AllReferenceColumns()[column]; }
+};
+
+// Where a reference stands: "prompt 3", "Timeout", "row 2, Prompt".
+[[nodiscard]] std::string PlaceText(const ReferenceColumn& column, int row);
+
+// The references of the nodes that are no AUTO nodes.
+void ReadOtherReferences(DataBase& dataBase, Partition partition,
+                         const std::function<void(const StoredReference& reference)>& take);
+
+// The names of node types and their IDs.
+class TypeNames {
+  public:
+    explicit TypeNames(DataBase& dataBase);
+
+    [[nodiscard]] const auto& All() const { return names_; }
+
+    // The name of a type; its ID as text where it has none.
+    [[nodiscard]] std::string Name(int typeID) const;
+    [[nodiscard]] std::optional<int> ID(std::string_view name) const;
+    // The type that a person means by its name, whatever the case, or by its ID. Raises InvalidProcedureCall
+    // where there is none.
+    [[nodiscard]] int Meant(const std::string& text) const;
+
+  private:
+    std::vector<std::pair<int, std::string>> names_; // by ID
+};
+
+// All references to a node, in the order of their holders; those under all of its types where it is a
+// message.
+[[nodiscard]] std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition,
+                                                    const TypeNames& names, int typeID, int number);
+
+} // namespace KAL_AUTO_Node
