@@ -1,9 +1,8 @@
 #include "diagram/CallFlow.h"
 
-#include "nodes/AutoNodeReader.h"
+#include "audit/PartitionCheck.h"
 #include "nodes/NodeTypes.h"
-#include "nodes/Overview.h"
-#include "nodes/ReferenceData.h"
+#include "nodes/PartitionReader.h"
 #include "store/DataBase.h"
 
 #include <algorithm>
@@ -54,6 +53,22 @@ void Reach(int from, int depth, Neighbours neighbours, std::set<int>& reached) {
     reached.merge(seen);
 }
 
+// What is found in the AUTO nodes, but for what their picture shows by itself.
+void AddRemarks(CallFlow& flow, const std::vector<Finding>& findings) {
+    for (const Finding& finding : findings) {
+        const auto& [code, severity, meaning, advice] = RuleOf(finding.fault);
+        if (finding.holder.typeID != AutoType || finding.fault == Fault::MissingNode ||
+            severity == Severity::Note) {
+            continue;
+        }
+        std::string text = code;
+        for (const std::string& part : {finding.where, finding.subject}) {
+            text += part.empty() ? part : ' ' + part;
+        }
+        flow.remarks[finding.holder.number].push_back({severity == Severity::Error, std::move(text)});
+    }
+}
+
 } // namespace
 
 bool CallFlow::IsMissing(const Reference& reference) const {
@@ -73,17 +88,13 @@ std::string CallFlow::LabelOf(const Reference& reference) const {
     return found == registered.end() ? std::string() : found->second;
 }
 
-CallFlow ReadCallFlow(DataBase& dataBase, Partition partition) {
+CallFlow ReadCallFlow(DataBase& dataBase, History& history, Partition partition) {
     CallFlow flow{partition, {}, {}, {}};
-    std::vector<std::int16_t> numbers;
-    ReadAutoNodes(dataBase, partition,
-                  [&](std::int16_t number, std::string_view) { numbers.push_back(number); });
-    for (const std::int16_t number : numbers) {
-        if (auto node = ReadAutoNode(dataBase, partition, number)) {
-            flow.nodes.emplace(number, *std::move(node));
-        }
-    }
-    ResultSet rows = dataBase.Query(Command::Get_Registered_Nodes, {partition.config, partition.number});
+    ReadWholeAutoNodes(
+        dataBase, partition, [&](int number, const AutoNode& node) { flow.nodes.emplace(number, node); },
+        [](Slot /*list*/, int /*number*/, int /*rows*/) {});
+    AddRemarks(flow, CheckPartition(dataBase, history, partition).findings);
+    ResultSet rows = dataBase.Query(Command::Get_Register, {partition.config, partition.number});
     const std::size_t type = rows.Column("NodeTypeID");
     const std::size_t number = rows.Column("NodeNumber");
     const std::size_t label = rows.Column("NodeDescription");

@@ -13,6 +13,7 @@
 namespace KAL_AUTO_Node {
 
 class DataBase;
+class History;
 
 // What is to be said about an AUTO node beside what it holds.
 struct Remark {
@@ -35,8 +36,8 @@ struct CallFlow {
     [[nodiscard]] std::string LabelOf(const Reference& reference) const;
 };
 
-// Reads the whole partition.
-[[nodiscard]] CallFlow ReadCallFlow(DataBase& dataBase, Partition partition);
+// Reads the whole partition, with what is found wrong in it.
+[[nodiscard]] CallFlow ReadCallFlow(DataBase& dataBase, History& history, Partition partition);
 
 // All ways from a node to one other, either by digits or by exceptions.
 struct Link {

@@ -1,5 +1,6 @@
 #include "diagram/DotText.h"
 #include "diagram/Graphviz.h"
+#include "history/History.h"
 #include "host/Arguments.h"
 #include "host/Commands.h"
 #include "store/DataBase.h"
@@ -57,7 +58,8 @@ void WriteFile(const std::string& file, const std::string& content) {
 std::string GraphOf(const Options& options) {
     const auto [config, partition, number] = options.place;
     DataBase dataBase;
-    const CallFlow flow = ReadCallFlow(dataBase, {config, partition});
+    History history(dataBase);
+    const CallFlow flow = ReadCallFlow(dataBase, history, {config, partition});
     const std::string place =
         "configuration " + std::to_string(config) + ", partition " + std::to_string(partition);
     if (options.oneNode) {

@@ -19,9 +19,3 @@ SELECT Node_AUTO.*,
   FROM Node_AUTO
  WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeTypeID = :Given_NodeTypeID
  ORDER BY NodeNumber;
-
--- name: Get_Registered_Nodes
-SELECT NodeTypeID, NodeNumber, NodeDescription
-  FROM Node_General_Pool
- WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID
- ORDER BY NodeTypeID, NodeNumber;
