@@ -60,6 +60,8 @@ TEST(HostProgram, TellsHowToUseIt) {
 }
 
 TEST(HostProgram, OpensTheEditorOnTheNodeAskedForAndTellsWhereItIsMissing) {
+    const EnvironmentVariable platform("QT_QPA_PLATFORM");
+    platform.Set("offscreen");
     const TestStore store;
     const TemporaryFolder programs;
     const std::string program = (programs.Path() / "auto-node").string();
@@ -76,7 +78,7 @@ TEST(HostProgram, OpensTheEditorOnTheNodeAskedForAndTellsWhereItIsMissing) {
     ExpectTold(errors, store.File().string());
 }
 
-TEST(HostProgram, MakesAStoreOnceWithItsFolders) {
+TEST(StoreFile, IsMadeOnceWithItsFolders) {
     for (const bool demo : {false, true}) {
         const TestStore store;
         const std::string file = store.File().string();
@@ -94,7 +96,7 @@ TEST(HostProgram, MakesAStoreOnceWithItsFolders) {
     }
 }
 
-TEST(HostProgram, LeavesNoHalfOfAStore) {
+TEST(StoreFile, IsNeverHalfMade) {
     const TestStore store;
     const auto folder = store.File().parent_path();
     const auto file = [&](const char* ending) { return store.File().string() + ending; };

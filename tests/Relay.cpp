@@ -2,12 +2,14 @@
 
 #include <arpa/inet.h>
 #include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <deque>
 #include <list>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <stdexcept>
+#include <string_view>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -53,8 +55,41 @@ struct Line {
     Line(const Line&) = delete;
     Line& operator=(const Line&) = delete;
 
+    // How many of the client's messages that end here wait for an answer.
+    int Questions(const std::vector<char>& bytes) {
+        unread += std::string(bytes.begin(), bytes.end());
+        int questions = 0;
+        while (true) {
+            // A length, which counts itself, behind the kind; the connection's first messages have no kind.
+            const std::size_t kind = started ? 1 : 0;
+            if (unread.size() < (started ? 5U : 8U)) {
+                return questions;
+            }
+            const auto number = [&](std::size_t at) {
+                std::uint32_t value = 0;
+                for (std::size_t i = at; i < at + 4; ++i) {
+                    value = value << 8 | static_cast<unsigned char>(unread[i]);
+                }
+                return value;
+            };
+            const std::size_t length = kind + number(kind);
+            if (unread.size() < length) {
+                return questions;
+            }
+            if (!started) {
+                constexpr std::uint32_t version3 = 3U << 16;
+                started = number(4) == version3;
+                ++questions;
+            } else if (std::string_view("SQp").find(unread[0]) != std::string_view::npos) {
+                ++questions; // the end of a pipeline, a simple query, a password
+            }
+            unread.erase(0, length);
+        }
+    }
+
     std::array<Direction, 2> ways; // there and back
-    bool answered = true;          // by the server since the client last sent
+    std::string unread;            // of what the client has sent
+    bool started = false;
     bool over = false;
 };
 
@@ -126,14 +161,13 @@ void Relay::Work(const std::stop_token& stop) {
                         continue;
                     }
                     bytes.resize(static_cast<std::size_t>(count));
-                    if (there && line.answered) {
+                    for (int i = there ? line.Questions(bytes) : 0; i > 0; --i) {
                         ++ways_;
                         ++wayNumber_;
                         if (AtWay) {
                             AtWay(wayNumber_);
                         }
                     }
-                    line.answered = !there;
                     way.chunks.push_back({Clock::now() + delay_, std::move(bytes)});
                 }
                 while (!way.chunks.empty() && (way.chunks.front().due <= Clock::now() || line.over)) {

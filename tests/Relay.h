@@ -27,8 +27,8 @@ class Relay {
     [[nodiscard]] std::string AddressOf(const std::string& database,
                                         const std::string& user = "tester") const;
 
-    // How often the client has sent something after it had heard from the server, a connection's beginning
-    // included, since this was last asked.
+    // How often the client has sent what it waits for an answer to, a connection's beginning included, since
+    // this was last asked.
     int Ways() { return ways_.exchange(0); }
 
     // Called with the number of each way since the beginning, before what the client sends goes on. Set while

@@ -147,24 +147,29 @@ class TestStore {
         return server_ ? server_->Place() : "file '" + File().string() + '\'';
     }
 
-    // From now on a kind of write, "INSERT ON Node_AUTO", fails where the condition holds.
+    // From now on a kind of write, "INSERT ON Node_AUTO", fails where the condition holds; or does nothing.
     void Refuse(const std::string& write, const std::string& condition = "TRUE",
                 const std::string& message = "the disk is on fire") const {
-        Allow();
-        const std::string trigger = "CREATE TRIGGER failing BEFORE " + write;
-        Execute(
-            server_
-                ? "CREATE FUNCTION fail() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN RAISE EXCEPTION '" +
-                      message + "'; END $$; " + trigger + " FOR EACH ROW WHEN (" + condition +
-                      ") EXECUTE FUNCTION fail()"
-                : trigger + " WHEN " + condition + " BEGIN SELECT RAISE(ABORT, '" + message + "'); END");
+        Hinder(write, condition,
+               server_ ? "RAISE EXCEPTION '" + message + '\'' : "ABORT, '" + message + '\'');
     }
+
+    void Skip(const std::string& write) const { Hinder(write, "TRUE", server_ ? "RETURN NULL" : "IGNORE"); }
 
     void Allow() const {
         Execute(server_ ? "DROP FUNCTION IF EXISTS fail CASCADE" : "DROP TRIGGER IF EXISTS failing");
     }
 
   private:
+    void Hinder(const std::string& write, const std::string& condition, const std::string& what) const {
+        Allow();
+        const std::string trigger = "CREATE TRIGGER failing BEFORE " + write;
+        Execute(server_ ? "CREATE FUNCTION fail() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN " + what +
+                              "; END $$; " + trigger + " FOR EACH ROW WHEN (" + condition +
+                              ") EXECUTE FUNCTION fail()"
+                        : trigger + " WHEN " + condition + " BEGIN SELECT RAISE(" + what + "); END");
+    }
+
     TemporaryFolder folder_;
     EnvironmentVariable programData_{"PROGRAMDATA"};
     mutable std::optional<TestDatabase> server_;

@@ -21,8 +21,8 @@ bool SameLetter(char a, char b) {
 
 // The server tells names in lower case.
 std::string_view AsWrittenIn(std::string_view sql, std::string_view name) {
-    const auto found = std::ranges::search(sql, name, SameLetter);
-    return found.empty() ? name : std::string_view(found.begin(), found.end());
+    const auto found = std::search(sql.begin(), sql.end(), name.begin(), name.end(), SameLetter);
+    return found == sql.end() ? name : sql.substr(static_cast<std::size_t>(found - sql.begin()), name.size());
 }
 
 // In a message they stand in quotes.
