@@ -48,7 +48,8 @@ class RawServer {
         for (const auto& [sql, values] : all) {
             auto& name = names_[sql];
             if (name.empty()) {
-                name = "r" + std::to_string(names_.size());
+                name = 'r';
+                name += std::to_string(names_.size());
                 PQsendPrepare(connection_.get(), name.c_str(), sql.c_str(), 0, nullptr);
                 ++results;
             }
