@@ -240,7 +240,7 @@ PostgresConnection::Result PostgresConnection::Next() {
     while (PQisBusy(connection_.get()) != 0) {
         Await();
     }
-    return Result(PQgetResult(connection_.get()), PQclear);
+    return {PQgetResult(connection_.get()), PQclear};
 }
 
 void PostgresConnection::Await() {
