@@ -112,8 +112,7 @@ Subcommand GraphCommand(CLI::App& program) {
     auto options = std::make_shared<Options>();
     CLI::App* command =
         program.add_subcommand("graph", "Draw the call flow of a partition, or of the nodes around one");
-    AddNumber(*command, "CONFIG", options->place.config, "Configuration number")->required();
-    AddNumber(*command, "PARTITION", options->place.partition, "Partition number")->required();
+    AddPartition(*command, options->place.config, options->place.partition);
     CLI::Option* node = AddNumber(*command, "NODE", options->place.node,
                                   "Number of the AUTO node whose surroundings are drawn; 0 for the template");
     command->add_option("--depth", options->depth, "How many steps from NODE onwards and back; 2 by default")
