@@ -3,6 +3,7 @@
 #include "exchange/ExchangeFormat.h"
 #include "exchange/FileKind.h"
 #include "exchange/TableCursor.h"
+#include "nodes/JsonText.h"
 #include "platform/NewFile.h"
 #include "platform/RuntimeError.h"
 #include "store/DataBase.h"
@@ -18,17 +19,9 @@ using Json = nlohmann::json;
 
 constexpr std::size_t BytesAtOnce = 64U << 10U;
 
-bool IsPlain(char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; }
-
 void AppendText(std::string& line, const std::string& text) {
-    if (std::ranges::all_of(text, IsPlain)) {
-        line += '"';
-        line += text;
-        line += '"';
-        return;
-    }
     try {
-        line += Json(text).dump();
+        AppendJsonText(line, text, NotUtf8::Refuse);
     } catch (const Json::type_error&) {
         static constexpr std::string_view digits = "0123456789abcdef";
         line += R"({"bytes": ")";

@@ -46,55 +46,51 @@ void WriteEntry(Batch& batch, Partition partition, std::int16_t number, const Re
     }
 }
 
-Json OrNull(const std::optional<std::string>& text) { return text ? Json(*text) : Json(); }
-
 std::optional<std::string> TextIn(const Json& member) {
     return member.is_null() ? std::nullopt : std::optional(member.get<std::string>());
 }
 
-// JSON is UTF-8, and texts of the store are whatever other programs have written. Where one is no UTF-8, all
-// of the content's stand as a letter for each byte, and a member of this name says so.
+// Says that the texts stand as letters, a byte each.
 constexpr const char* BytesMember = "bytes";
-
-std::string LetterPerByte(const std::string& bytes) {
-    std::string letters;
-    for (const char byte : bytes) {
-        const auto value = static_cast<unsigned char>(byte);
-        if (value < 0x80) {
-            letters += byte;
-        } else {
-            letters += static_cast<char>(0xC0 | value >> 6);
-            letters += static_cast<char>(0x80 | (value & 0x3F));
-        }
-    }
-    return letters;
-}
-
-std::string BytePerLetter(const std::string& letters) {
-    std::string bytes;
-    unsigned lead = 0;
-    for (const char byte : letters) {
-        const auto value = static_cast<unsigned char>(byte);
-        if (value >= 0xC0) {
-            lead = value;
-        } else {
-            bytes += value < 0x80 ? byte : static_cast<char>(lead << 6 | (value & 0x3F));
-        }
-    }
-    return bytes;
-}
 
 // No content has more levels; a text from elsewhere may have as many as exhaust the stack.
 constexpr int MostLevels = 8;
 
-void TurnTexts(Json& document, std::string (*turn)(const std::string&), int levels = MostLevels) {
+void BringBytesBack(Json& document, int levels = MostLevels) {
     if (document.is_string()) {
-        document = turn(document.get_ref<const std::string&>());
+        document = BytesOfLetters(document.get_ref<const std::string&>());
     } else if (document.is_structured() && levels > 0) {
         for (Json& member : document) {
-            TurnTexts(member, turn, levels - 1);
+            BringBytesBack(member, levels - 1);
         }
     }
+}
+
+std::string TextOf(Partition partition, std::int16_t number, const NodeContent& content, NotUtf8 how) {
+    std::string text;
+    JsonWriter json(text, how);
+    json.Begin('{');
+    json.Name("node");
+    if (content.node) {
+        WriteNode(json, partition, number, *content.node, Labels::Leave);
+    } else {
+        json.Null();
+    }
+    json.Name("register");
+    if (content.entry) {
+        json.Begin('{');
+        json.Member("type", content.entry->type);
+        json.Member("label", content.entry->label);
+        json.Member("dateModified", content.entry->dateModified);
+        json.End('}');
+    } else {
+        json.Null();
+    }
+    if (how == NotUtf8::Letters) {
+        json.Member(BytesMember, true);
+    }
+    json.End('}');
+    return text;
 }
 
 } // namespace
@@ -122,19 +118,10 @@ void WriteContent(DataBase& dataBase, Partition partition, std::int16_t number, 
 }
 
 std::string TextOf(Partition partition, std::int16_t number, const NodeContent& content) {
-    Json document{{"node", content.node ? ToJson(partition, number, *content.node, Labels::Leave) : Json()},
-                  {"register", Json()}};
-    if (content.entry) {
-        document["register"] = {{"type", content.entry->type},
-                                {"label", OrNull(content.entry->label)},
-                                {"dateModified", OrNull(content.entry->dateModified)}};
-    }
     try {
-        return document.dump();
+        return TextOf(partition, number, content, NotUtf8::Refuse);
     } catch (const Json::type_error&) {
-        TurnTexts(document, &LetterPerByte);
-        document[BytesMember] = true;
-        return document.dump();
+        return TextOf(partition, number, content, NotUtf8::Letters);
     }
 }
 
@@ -142,7 +129,7 @@ NodeContent ContentOf(const std::string& text) {
     try {
         Json document = Json::parse(text);
         if (document.contains(BytesMember)) {
-            TurnTexts(document, &BytePerLetter);
+            BringBytesBack(document);
         }
         NodeContent content;
         if (const Json& node = document.at("node"); !node.is_null()) {

@@ -9,11 +9,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-template <class Value>
-Json OrNull(const std::optional<Value>& value) {
-    return value ? Json(*value) : Json();
-}
-
 [[noreturn]] void Refuse(const char* name, const Json& member) {
     throw Json::type_error::create(302, std::string("unexpected ") + name + ": " + member.type_name(),
                                    &member);
@@ -60,27 +55,28 @@ constexpr SettingMember SettingMembers[] = {{"numberOfDigits", &Settings::number
 
 constexpr const char* TerminatingDigitMember = "terminatingDigit";
 
-void AddTo(Json& document, const Reference& reference, Labels labels) {
-    document["typeID"] = reference.typeID;
-    document["type"] = reference.type;
-    document["number"] = reference.number;
+void Write(JsonWriter& json, const Settings& settings) {
+    json.Begin('{');
+    for (const auto& [name, value] : SettingMembers) {
+        json.Member(name, settings.*value);
+    }
+    json.Member(TerminatingDigitMember, settings.terminatingDigit);
+    json.End('}');
+}
+
+// Within an object.
+void Write(JsonWriter& json, const Reference& reference, Labels labels) {
+    json.Member("typeID", reference.typeID);
+    json.Member("type", reference.type);
+    json.Member("number", reference.number);
     if (labels == Labels::Read) {
-        document["label"] = reference.label;
+        json.Member("label", reference.label);
     }
 }
 
 Reference ReferenceFrom(const Json& document) {
     return {MemberOf<int>(document, "typeID"), MemberOf<std::string>(document, "type"),
             MemberOf<int>(document, "number"), document.value("label", std::string())};
-}
-
-Json ToJson(const Settings& settings) {
-    Json document = Json::object();
-    for (const auto& [name, value] : SettingMembers) {
-        document[name] = OrNull(settings.*value);
-    }
-    document[TerminatingDigitMember] = OrNull(settings.terminatingDigit);
-    return document;
 }
 
 Settings SettingsFrom(const Json& document) {
@@ -94,32 +90,53 @@ Settings SettingsFrom(const Json& document) {
 
 } // namespace
 
-Json ToJson(Partition partition, std::int16_t number, const AutoNode& node, Labels labels) {
-    Json prompts = Json::array();
+void WriteNode(JsonWriter& json, Partition partition, std::int16_t number, const AutoNode& node,
+               Labels labels) {
+    json.Begin('{');
+    json.Member("config", partition.config);
+    json.Member("partition", partition.number);
+    json.Member("number", number);
+    json.Member("type", node.type);
+    json.Member("label", node.label);
+    json.Name("settings");
+    Write(json, node.settings);
+    json.Name("prompts");
+    json.Begin('[');
     for (const Prompt& prompt : node.prompts) {
-        Json row{{"sequence", prompt.sequence}};
-        AddTo(row, prompt.target, labels);
-        prompts.push_back(std::move(row));
+        json.Begin('{');
+        json.Member("sequence", prompt.sequence);
+        Write(json, prompt.target, labels);
+        json.End('}');
     }
-    Json actions = Json::array();
+    json.End(']');
+    json.Name("actions");
+    json.Begin('[');
     for (const Action& action : node.actions) {
-        Json row{{"sequence", action.sequence}, {"low", OrNull(action.low)}, {"high", OrNull(action.high)}};
-        AddTo(row, action.target, labels);
-        actions.push_back(std::move(row));
+        json.Begin('{');
+        json.Member("sequence", action.sequence);
+        json.Member("low", action.low);
+        json.Member("high", action.high);
+        Write(json, action.target, labels);
+        json.End('}');
     }
-    Json branches = Json::object();
+    json.End(']');
+    json.Name("branches");
+    json.Begin('{');
     for (std::size_t i = 0; i < BranchRules.size(); ++i) {
-        AddTo(branches[BranchRules[i].label], node.branches[i], labels);
+        json.Name(BranchRules[i].label);
+        json.Begin('{');
+        Write(json, node.branches[i], labels);
+        json.End('}');
     }
-    return {{"config", partition.config},
-            {"partition", partition.number},
-            {"number", number},
-            {"type", node.type},
-            {"label", OrNull(node.label)},
-            {"settings", ToJson(node.settings)},
-            {"prompts", std::move(prompts)},
-            {"actions", std::move(actions)},
-            {"branches", std::move(branches)}};
+    json.End('}');
+    json.End('}');
+}
+
+Json ToJson(Partition partition, std::int16_t number, const AutoNode& node, Labels labels) {
+    std::string text;
+    JsonWriter json(text, NotUtf8::Replace);
+    WriteNode(json, partition, number, node, labels);
+    return Json::parse(text);
 }
 
 AutoNode NodeFromJson(const Json& document) {
@@ -143,9 +160,12 @@ AutoNode NodeFromJson(const Json& document) {
 }
 
 Json ToJson(const AutoNodeSummary& node) {
+    std::string settings;
+    JsonWriter json(settings, NotUtf8::Replace);
+    Write(json, node.settings);
     return {{"number", node.number},
-            {"label", OrNull(node.label)},
-            {"settings", ToJson(node.settings)},
+            {"label", node.label ? Json(*node.label) : Json()},
+            {"settings", Json::parse(settings)},
             {"prompts", node.prompts},
             {"actions", node.actions}};
 }
@@ -155,10 +175,6 @@ Json ToJson(const PartitionCounts& partition) {
             {"partition", partition.partition.number},
             {"autoNodes", partition.autoNodes},
             {"registeredNodes", partition.registeredNodes}};
-}
-
-std::string JsonText(const Json& document) {
-    return document.dump(2, ' ', false, Json::error_handler_t::replace);
 }
 
 } // namespace KAL_AUTO_Node

@@ -2,6 +2,7 @@
 
 #include "nodes/AutoNode.h"
 #include "nodes/Identity.h"
+#include "nodes/JsonText.h"
 #include "nodes/Overview.h"
 
 #include <cstdint>
@@ -12,6 +13,9 @@ namespace KAL_AUTO_Node {
 
 // Nodes as JSON, members in one fixed order; docs/json.md tells the form. What is Null in the store is null.
 // Labels of the nodes referred to are given where they were read.
+void WriteNode(JsonWriter& json, Partition partition, std::int16_t number, const AutoNode& node,
+               Labels labels);
+// The same as a document; bytes that are no UTF-8 become replacement characters.
 [[nodiscard]] nlohmann::ordered_json ToJson(Partition partition, std::int16_t number, const AutoNode& node,
                                             Labels labels);
 // The node of such a document. Throws nlohmann::json::exception for a document of another form.
@@ -19,8 +23,5 @@ namespace KAL_AUTO_Node {
 
 [[nodiscard]] nlohmann::ordered_json ToJson(const AutoNodeSummary& node);
 [[nodiscard]] nlohmann::ordered_json ToJson(const PartitionCounts& partition);
-
-// The text of a document, lines indented. Bytes that are no UTF-8 become replacement characters.
-[[nodiscard]] std::string JsonText(const nlohmann::ordered_json& document);
 
 } // namespace KAL_AUTO_Node
