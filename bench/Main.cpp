@@ -1,6 +1,6 @@
 #include "bench/Benches.h"
 #include "bench/Figures.h"
-#include "tests/faults/FaultySystem.h"
+#include "faults/FaultySystem.h"
 
 #include <QApplication>
 #include <QMessageBox>

@@ -1,6 +1,6 @@
 #include "Scene.h"
 
-#include "history/NodeSave.h"
+#include "Saver.h"
 #include "nodes/AutoNodeWriter.h"
 #include "platform/RuntimeError.h"
 
@@ -112,31 +112,29 @@ void Scene::Judge(Row& row) {
 }
 
 void Scene::JudgeNode(Row& row) {
-    DataBase dataBase;
-    History history(dataBase);
-    const auto stored = [&] { return ReadContent(dataBase, Place.partition, Place.number); };
-    const NodeContent found = stored();
-    const auto mark = history.Unfinished(Place);
-    const auto versions = history.Versions(Place);
+    Saver saver;
+    const NodeContent found = saver.Read();
+    const auto mark = saver.Versions().Unfinished(Place);
+    const auto versions = saver.Versions().Versions(Place);
     if (found == before_) {
         if (mark) {
             row.Wrong("a mark on a node that is as before");
         } else if (!versions.empty() && versions.front().state != VersionState::PutBack &&
                    versions.front().work != "put back") {
-            row.Wrong("as before, and the history says: " + StatesOf(history));
+            row.Wrong("as before, and the history says: " + StatesOf(saver.Versions()));
         }
         ++row.asBefore;
     } else if (!mark) {
         const bool finished = !versions.empty() && versions.front().state == VersionState::Finished;
         if (found != IntendedContent(before_, 1, rows_)) {
-            row.Unseen("half saved, and the history says: " + StatesOf(history));
+            row.Unseen("half saved, and the history says: " + StatesOf(saver.Versions()));
         } else if (!finished) {
-            row.Wrong("whole, and the history says: " + StatesOf(history));
+            row.Wrong("whole, and the history says: " + StatesOf(saver.Versions()));
         }
         ++row.whole;
     } else {
-        history.PutBack(Place, mark->number, "put back");
-        if (stored() != before_ || history.Unfinished(Place)) {
+        saver.Versions().PutBack(Place, mark->number, "put back");
+        if (saver.Read() != before_ || saver.Versions().Unfinished(Place)) {
             row.Lost("not put back as it was");
         }
         ++row.putBack;
@@ -150,30 +148,17 @@ void Scene::RequireSound(Row& row) const {
 }
 
 void Scene::SaveAnew(Row& row, bool creating) const {
-    DataBase dataBase;
-    History history(dataBase);
-    const auto loaded = ReadContent(dataBase, Place.partition, Place.number);
-    NodeSave save(dataBase, history, Place);
-    const auto versions = history.Versions(Place);
-    if (save.Begin(*loaded.node, versions.empty() ? 0 : versions.front().number)) {
-        row.Wrong("a further save is kept from beginning: " + StatesOf(history));
-        return;
-    }
-    if (creating) {
-        for (const auto& [typeID, number] : MissingNodes) {
-            if (!IsNodeExisted(dataBase, Place.partition, typeID, number) &&
-                save.Create(typeID, number, SaveDate) != Creation::Created) {
-                row.Wrong("a node of type " + std::to_string(typeID) + " cannot be created");
-            }
+    Saver saver;
+    const AutoNode& loaded = saver.Load();
+    const auto obstacle = saver.Save(Intended(loaded, FurtherSaver, rows_), [&](NodeSave& save) {
+        if (creating) {
+            CreateMissing(saver.Store(), save);
         }
-    }
-    save.Renew();
-    WriteAutoNode(dataBase, Place.partition, Place.number, Intended(*loaded.node, FurtherSaver, rows_),
-                  SaveDate);
-    save.Finish();
-    if (ReadContent(dataBase, Place.partition, Place.number) !=
-            IntendedContent(before_, FurtherSaver, rows_) ||
-        history.Unfinished(Place)) {
+    });
+    if (obstacle) {
+        row.Wrong("a further save is kept from beginning: " + StatesOf(saver.Versions()));
+    } else if (saver.Read() != IntendedContent(before_, FurtherSaver, rows_) ||
+               saver.Versions().Unfinished(Place)) {
         row.Lost("a further save");
     }
 }

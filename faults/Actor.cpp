@@ -1,9 +1,7 @@
 #include "Actor.h"
 
 #include "FaultySystem.h"
-#include "Scene.h"
-#include "history/NodeSave.h"
-#include "nodes/AutoNodeWriter.h"
+#include "Saver.h"
 #include "platform/RuntimeError.h"
 
 #include <algorithm>
@@ -44,12 +42,13 @@ class Window {
         std::string verb;
         words >> verb;
         if (verb == "load") {
-            Load();
+            saver_.PutBack();
+            loaded_ = saver_.Load();
             Say("loaded");
         } else if (verb == "save") {
             Say(Save(words));
         } else if (verb == "put") {
-            Say("put back " + std::to_string(PutBack()));
+            Say("put back " + std::to_string(saver_.PutBack()));
         } else if (verb == "arm") {
             std::string fault;
             std::string lasting;
@@ -61,7 +60,7 @@ class Window {
             Disarm();
             Say(std::to_string(WritesSinceArmed()));
         } else if (verb == "read") {
-            read_.emplace(dataBase_.Query(Command::Get_AUTO_ActionsNode, {1, 2, Place.number}));
+            read_.emplace(saver_.Store().Query(Command::Get_AUTO_ActionsNode, {1, 2, Place.number}));
             Say("reading");
         } else if (verb == "keep") {
             Say("reading");
@@ -71,7 +70,7 @@ class Window {
         } else if (verb == "lock") {
             int milliseconds = 0;
             words >> milliseconds;
-            const Transaction all(dataBase_);
+            const Transaction all(saver_.Store());
             Say("locked");
             std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
         } else if (verb == "be") {
@@ -83,27 +82,6 @@ class Window {
     }
 
   private:
-    void Load() {
-        PutBack();
-        loaded_ = *ReadAutoNode();
-    }
-
-    std::optional<AutoNode> ReadAutoNode() {
-        const auto versions = history_.Versions(Place);
-        version_ = versions.empty() ? 0 : versions.front().number;
-        return ReadContent(dataBase_, Place.partition, Place.number).node;
-    }
-
-    // Where it is offered, the answer is yes.
-    int PutBack() {
-        int count = 0;
-        while (const auto save = history_.Unfinished(Place)) {
-            history_.PutBack(Place, save->number, "put back");
-            ++count;
-        }
-        return count;
-    }
-
     // As the window does it.
     std::string Save(std::istringstream& words) {
         int saver = 0;
@@ -113,58 +91,44 @@ class Window {
         for (std::string option; words >> option;) {
             options.insert(option);
         }
-        const AutoNode node = Intended(loaded_, saver, rows);
-        NodeSave save(dataBase_, history_, Place);
-        if (const auto obstacle = save.Begin(loaded_, version_)) {
-            return obstacle->kind == Obstacle::Changed      ? "told changed"
-                   : obstacle->kind == Obstacle::BeingSaved ? "told being saved"
-                                                            : "told gone";
-        }
         std::string failure;
-        try {
+        const auto obstacle = saver_.Save(Intended(loaded_, saver, rows), [&](NodeSave& save) {
             if (options.contains("create")) {
                 failure = Create(save);
             }
             if (options.contains("hold")) {
                 Hold("holding");
             }
-            save.Renew();
-            WriteAutoNode(dataBase_, Place.partition, Place.number, node, SaveDate);
-            save.Finish();
-        } catch (...) {
-            static_cast<void>(save.Fail());
-            throw;
+        });
+        if (obstacle) {
+            return obstacle->kind == Obstacle::Changed      ? "told changed"
+                   : obstacle->kind == Obstacle::BeingSaved ? "told being saved"
+                                                            : "told gone";
         }
-        loaded_ = node;
-        version_ = save.VersionNumber();
         return failure.empty() ? "saved" : "saved but " + failure;
     }
 
     // A creation that fails ends the others, not the save.
-    static std::string Create(NodeSave& save) {
+    std::string Create(NodeSave& save) {
         try {
-            for (const auto& [typeID, number] : MissingNodes) {
-                save.Create(typeID, number, SaveDate);
-            }
+            CreateMissing(saver_.Store(), save);
             return {};
-        } catch (const RuntimeError& error) {
+        } catch (const std::runtime_error& error) {
             return error.what();
         }
     }
 
     void KeepReading() {
         try {
-            static_cast<void>(ReadContent(dataBase_, Place.partition, Place.number));
+            static_cast<void>(saver_.Read());
         } catch (const RuntimeError&) {
             // Locked out for a moment.
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 
-    DataBase dataBase_;
-    History history_{dataBase_};
+    Saver saver_;
     AutoNode loaded_;
-    int version_ = 0;
     std::optional<ResultSet> read_;
 };
 

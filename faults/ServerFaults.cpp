@@ -4,10 +4,8 @@
 
 #include "Relay.h"
 #include "Report.h"
-#include "Scene.h"
+#include "Saver.h"
 #include "TestServerProcess.h"
-#include "history/NodeSave.h"
-#include "nodes/AutoNodeWriter.h"
 #include "platform/RuntimeError.h"
 #include "store/CreateServerStore.h"
 
@@ -19,39 +17,17 @@
 namespace KAL_AUTO_Node {
 namespace {
 
-struct Saver {
-    explicit Saver(const std::filesystem::path& link) : dataBase(link) {}
-
-    [[nodiscard]] NodeContent Read() { return ReadContent(dataBase, Place.partition, Place.number); }
-
-    // With nodes made from their templates, as the window does it.
-    void Save(int saver, bool creating) {
-        const NodeContent before = Read();
-        const AutoNode node = Intended(*before.node, saver, 10);
-        NodeSave save(dataBase, history, Place);
-        if (save.Begin(*before.node, 1000)) {
-            throw std::logic_error("something stands in the way of a save");
+// With nodes made from their templates, where that is asked for.
+void Save(Saver& saver, int number, bool creating) {
+    const auto obstacle = saver.Save(Intended(saver.Load(), number, 10), [&](NodeSave& save) {
+        if (creating) {
+            CreateMissing(saver.Store(), save);
         }
-        try {
-            if (creating) {
-                for (const auto& [typeID, number] : MissingNodes) {
-                    if (!IsNodeExisted(dataBase, Place.partition, typeID, number)) {
-                        save.Create(typeID, number, SaveDate);
-                    }
-                }
-            }
-            save.Renew();
-            WriteAutoNode(dataBase, Place.partition, Place.number, node, SaveDate);
-            save.Finish();
-        } catch (...) {
-            static_cast<void>(save.Fail());
-            throw;
-        }
+    });
+    if (obstacle) {
+        throw std::logic_error("something stands in the way of a save");
     }
-
-    DataBase dataBase;
-    History history{dataBase};
-};
+}
 
 void WriteLink(const std::filesystem::path& link, const std::string& address) {
     std::ofstream(link, std::ios::trunc) << address << '\n';
@@ -76,7 +52,7 @@ void Break(Row& row, Relay& relay, const std::filesystem::path& link, int way, b
     };
     bool said = false;
     try {
-        saver.Save(number, creating);
+        Save(saver, number, creating);
         said = true;
     } catch (const RuntimeError&) {
         ++row.told;
@@ -90,10 +66,7 @@ void Break(Row& row, Relay& relay, const std::filesystem::path& link, int way, b
     // The same window, and another.
     Saver other(link);
     for (Saver* one : {&saver, &other}) {
-        while (const auto half = one->history.Unfinished(Place)) {
-            one->history.PutBack(Place, half->number, "put back");
-            ++row.putBack;
-        }
+        row.putBack += one->PutBack();
         const NodeContent now = one->Read();
         if (now == intended) {
             row.whole += one == &other ? 1 : 0;
@@ -106,9 +79,9 @@ void Break(Row& row, Relay& relay, const std::filesystem::path& link, int way, b
         }
     }
     try {
-        saver.Save(number + 1, creating);
+        Save(saver, number + 1, creating);
         for (const auto& [typeID, node] : MissingNodes) {
-            if (creating && !IsNodeExisted(saver.dataBase, Place.partition, typeID, node)) {
+            if (creating && !IsNodeExisted(saver.Store(), Place.partition, typeID, node)) {
                 row.Wrong("way " + std::to_string(way) + ": a node cannot be made any more");
             }
         }

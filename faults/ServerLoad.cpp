@@ -2,10 +2,8 @@
 // window does. Afterwards every node has to hold what its own last save wrote, and the history every save
 // that was finished. ServerLoad [SECONDS [PROCESSES]]
 
-#include "Scene.h"
+#include "Saver.h"
 #include "TestServerProcess.h"
-#include "history/NodeSave.h"
-#include "nodes/AutoNodeWriter.h"
 #include "platform/RuntimeError.h"
 #include "store/CreateServerStore.h"
 
@@ -25,19 +23,12 @@ NodePlace PlaceOf(int editor) { return {{1, 2}, static_cast<std::int16_t>(FirstN
 
 // Prints how many saves were finished, and the last one's number.
 int Edit(const std::filesystem::path& link, int editor, Clock::time_point end) {
-    const NodePlace place = PlaceOf(editor);
-    DataBase dataBase(link);
-    History history(dataBase);
+    Saver saver(link, PlaceOf(editor));
     int saves = 0;
     while (Clock::now() < end) {
-        const auto loaded = ReadContent(dataBase, place.partition, place.number).node.value();
-        NodeSave save(dataBase, history, place);
-        if (save.Begin(loaded, saves)) {
+        if (saver.Save(Intended(saver.Load(), saves + 1, 20))) {
             throw std::logic_error("something stands in the way of a save");
         }
-        save.Renew();
-        WriteAutoNode(dataBase, place.partition, place.number, Intended(loaded, saves + 1, 20), SaveDate);
-        save.Finish();
         ++saves;
     }
     std::ofstream(link.string() + '.' + std::to_string(editor)) << saves;
@@ -85,9 +76,7 @@ int Run(int seconds, int editors) {
         failed += waitpid(process, &status, 0) == process && status == 0 ? 0 : 1;
     }
 
-    DataBase dataBase(link);
-    History history(dataBase);
-    const NodeContent before = ReadContent(dataBase, {1, 2}, 8);
+    const AutoNode before = Saver(link, {{1, 2}, 8}).Load();
     long long saves = 0;
     int wrong = 0;
     for (int editor = 0; editor < editors; ++editor) {
@@ -95,9 +84,9 @@ int Run(int seconds, int editors) {
         std::ifstream(link.string() + '.' + std::to_string(editor)) >> own;
         saves += own;
         const NodePlace place = PlaceOf(editor);
-        const auto versions = history.Versions(place);
-        const NodeContent now = ReadContent(dataBase, place.partition, place.number);
-        wrong += own > 0 && now.node == Intended(*before.node, own, 20) && !versions.empty() &&
+        Saver saver(link, place);
+        const auto versions = saver.Versions().Versions(place);
+        wrong += own > 0 && saver.Load() == Intended(before, own, 20) && !versions.empty() &&
                          versions.front().number == own && versions.front().state == VersionState::Finished
                      ? 0
                      : 1;
