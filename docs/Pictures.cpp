@@ -3,6 +3,8 @@
 #include "tests/Person.h"
 #include "tests/TestStore.h"
 
+#include <QContextMenuEvent>
+#include <QPainter>
 #include <QPalette>
 #include <QStyle>
 #include <QStyleFactory>
@@ -21,7 +23,8 @@ class Photographer {
     }
 
     void TakeAll() {
-        person_.Edit(1, [&] {
+        Edit(8, [&] { FindAndOpenMenu("find-menu"); });
+        Edit(1, [&] {
             TakeWindow("editor");
             EditRow("LVPrompts", "cmdPromptsEdit", 1, "prompts-editing");
             EditRow("LVActions", "cmdActionsEdit", 5, "actions-editing");
@@ -30,35 +33,43 @@ class Photographer {
             QuickAssign("cmdQuickActions", "quick-actions");
             Refusals();
         });
-        person_.Edit(4, [&] {
-            Person::ClickRow("LVActions", 40);
-            EditRow("LVActions", "cmdActionsEdit", 40, "actions-scrolled");
-        });
-        person_.Edit(5, [&] {
+        Edit(4, [&] { EditRow("LVActions", "cmdActionsEdit", 40, "actions-scrolled"); });
+        Edit(5, [&] {
             nextBox_ = "message-max-number";
             EditRow("LVActions", "cmdActionsEdit", 0, "");
         });
-        person_.Edit(6, [&] {
+        Edit(6, [&] {
             nextBox_ = "message-missing-node";
             person_.WillAnswer({QMessageBox::Cancel});
             Person::TypeOver("txtDescription", "Opening");
             Person::Press("cmdApply");
         });
         nextBox_ = "message-no-node";
-        person_.Edit(25, [] {});
+        Edit(25, [] {});
         person_.Boxes(); // all are in the pictures
     }
 
   private:
+    void Edit(int node, const std::function<void()>& deeds) {
+        person_.Edit(node, [&] {
+            QCoreApplication::processEvents(); // by one of them the window becomes the active one
+            deeds();
+        });
+    }
+
     void Take(QWidget& widget, const std::string& name) {
         if (!name.empty()) {
             QCoreApplication::processEvents();
-            const auto file = folder_ / (name + ".png");
-            if (!widget.grab().save(QString::fromStdString(file.string()))) {
-                throw std::runtime_error("cannot write " + file.string());
-            }
-            std::cout << file.string() << '\n';
+            Save(widget.grab(), name);
         }
+    }
+
+    void Save(const QPixmap& picture, const std::string& name) {
+        const auto file = folder_ / (name + ".png");
+        if (!picture.save(QString::fromStdString(file.string()))) {
+            throw std::runtime_error("cannot write " + file.string());
+        }
+        std::cout << file.string() << '\n';
     }
 
     void TakeWindow(const std::string& name) { Take(*Person::Window("GUI"), name); }
@@ -72,6 +83,26 @@ class Photographer {
 
     void QuickAssign(const char* button, const std::string& name) {
         person_.InQuickAssign(button, [&] { Take(*Person::Window("frmQuickAssign"), name); });
+    }
+
+    void FindAndOpenMenu(const std::string& name) {
+        QTreeView* list = Person::List("LVActions");
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_F, Qt::ControlModifier);
+        QTest::keyClicks(Person::TextBox("txtFind"), "sale");
+        QTest::keyClick(Person::TextBox("txtFind"), Qt::Key_Return);
+        QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
+        QTimer::singleShot(0, [&] {
+            QWidget* menu = QApplication::activePopupWidget();
+            const QWidget* window = Person::Window("GUI");
+            // A window of its own, above the other.
+            QPixmap picture = Person::Window("GUI")->grab();
+            QPainter(&picture).drawPixmap(window->mapFromGlobal(menu->pos()), menu->grab());
+            Save(picture, name);
+            menu->close();
+        });
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, {});
+        QApplication::sendEvent(list, &event);
     }
 
     void Refusals() {

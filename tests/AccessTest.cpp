@@ -144,12 +144,13 @@ TEST_F(Access, TheTreeHoldsWhatCanBeUsedByItsName) {
         Walk(QAccessible::queryAccessibleInterface(Person::Window("GUI")), found);
         const std::string changing = "button Add, button Insert, button Remove, button Edit, button Up, "
                                      "button Down, button Quick, ";
-        EXPECT_EQ(found, "button OK, button Cancel, button Apply, button First node, button Previous node, "
-                         "box Node, button Next node, button Last node, text Label, box Number of Digits, "
+        EXPECT_EQ(found, "button First node, button Previous node, box Node, button Next node, button Last "
+                         "node, text Label, box Number of Digits, "
                          "box Terminating Digit, box Retry Limit, box Selection Time Out(sec), "
                          "box Digit Time Out(sec), group Prompts, list Prompts, " +
                              changing + "group Actions, list Actions, " + changing +
-                             "group Exceptions, list Exceptions, button Edit, button Default, ");
+                             "group Exceptions, list Exceptions, button Edit, button Default, "
+                             "button OK, button Cancel, button Apply, ");
         for (const auto& [label, box] : {std::pair{"lblLabel", "txtDescription"},
                                          {"lblNumDigits", "cmbNumDigits"},
                                          {"lblTermDigit", "cmbTermDigit"},

@@ -52,27 +52,42 @@ TEST(Diagram, IsCutIntoSectionsThatCanBeTakenIn) {
     const Outline outline(flow, All(flow), 0);
     std::set<int> numbers;
     for (const Section& section : outline.Sections()) {
-        EXPECT_LE(section.numbers.size(), 30U);
-        EXPECT_EQ(section.first, section.numbers.front());
-        for (const int number : section.numbers) {
+        EXPECT_LE(section.nodes.size(), 30U);
+        EXPECT_EQ(section.first, section.nodes.front());
+        for (const auto& [type, number] : section.nodes) {
             EXPECT_TRUE(numbers.insert(number).second) << number << " is in two sections";
         }
     }
     EXPECT_EQ(numbers.size(), 500U);
     EXPECT_LE(outline.Sections().size(), 40U);
-    EXPECT_TRUE(outline.IsLine(100, 500));
-    EXPECT_FALSE(outline.IsLine(1, 500));
+    EXPECT_TRUE(outline.IsLine({AutoType, 100}, {AutoType, 500}));
+    EXPECT_FALSE(outline.IsLine({AutoType, 1}, {AutoType, 500}));
     const CallFlow small = Tree(20);
     const Outline whole(small, All(small), 0);
     EXPECT_EQ(whole.Sections().size(), 1U);
-    EXPECT_TRUE(whole.IsLine(1, 2));
-    EXPECT_FALSE(whole.IsLine(2, 1)) << "everything leads there";
+    EXPECT_TRUE(whole.IsLine({AutoType, 1}, {AutoType, 2}));
+    EXPECT_FALSE(whole.IsLine({AutoType, 2}, {AutoType, 1})) << "everything leads there";
 }
 
 TEST(Diagram, SurroundsANodeByStepsOnwardsAndBack) {
-    const CallFlow flow = Tree(200);
+    CallFlow flow = Tree(200);
     EXPECT_EQ(Surroundings(flow, 7, 0), std::set{7});
     EXPECT_EQ(Surroundings(flow, 7, 1), (std::set{1, 2, 7, 32, 33, 34, 35, 36}));
+    // Over nodes of other types it is one step.
+    const Reference command = {1, "CMD", 1, {}};
+    const Reference time = {2, "TIME", 1, {}};
+    flow.nodes[7].actions.push_back(By("9", command));
+    flow.registered = {{KeyOf(command), {"CMD", "Closed"}}, {KeyOf(time), {"TIME", "Open"}}};
+    flow.others[KeyOf(command)] = {{time, "TIME 1", false, {"row 2"}}};
+    flow.others[KeyOf(time)] = {{Auto(201), "AUTO 201", false, {"row 1"}},
+                                {Auto(100), "AUTO 100", false, {"row 2"}}};
+    EXPECT_TRUE(Surroundings(flow, 7, 1).contains(100));
+    EXPECT_EQ(Surroundings(flow, 100, 1), (std::set{1, 7, 20, 100}));
+    const std::string text = DotText(flow, {7, 1}, 7);
+    for (const char* shown : {"auto7 -> way", "label=<row 2>", "type1_1 -> way", "-> type2_1 ",
+                              "row 2 → AUTO 100 Menu", "✗ AUTO 201 is missing"}) {
+        EXPECT_NE(text.find(shown), std::string::npos) << shown << " in " << text;
+    }
 }
 
 TEST(Diagram, ShowsTextsOfTheStoreAsTexts) {
@@ -104,7 +119,7 @@ TEST(Diagram, MergesWaysIntoOneLineAndMuchIntoOneStack) {
     AutoNode& node = flow.nodes[1] = Menu("Directory");
     for (int number = 1; number <= 60; ++number) {
         node.actions.push_back(By(std::to_string(600 + number), {4, "XFER", number, {}}));
-        flow.registered[{4, number}] = "";
+        flow.registered[{4, number}] = {};
     }
     node.actions.push_back(By("099", {5, "HOLD", 1, {}}));
     node.actions.push_back(By("100", {5, "HOLD", 1, {}}));

@@ -214,6 +214,7 @@ TEST(HostProgram, DrawsTheCallFlowOrOffersItsText) {
     EXPECT_TRUE(std::filesystem::exists(file.toStdString() + ".dot"));
     ExpectTold(Program(0, {"graph", "1", "2", "6"}).output, "MSG 240 is missing");
     ExpectTold(Program(0, {"graph", "1", "2", "7"}).output, "<B>!</B> no-prompts");
+    ExpectTold(Program(0, {"graph", "1", "2", "10"}).output, "row 2 → AUTO 10 After hours");
     ExpectTold(draw(1, {"25"}).errors, "AUTO node 25");
     ExpectTold(Program(1, {"graph", "9", "9"}).errors, "no AUTO nodes");
     for (const QStringList& arguments : {QStringList{"graph", "1"},

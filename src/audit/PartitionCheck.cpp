@@ -25,8 +25,8 @@ constexpr unsigned BitOf(Slot slot) { return 1U << static_cast<unsigned>(slot); 
 
 class PartitionCheck {
   public:
-    PartitionCheck(DataBase& dataBase, History& history, Partition partition)
-        : dataBase_(dataBase), history_(history), partition_(partition), names_(dataBase) {}
+    PartitionCheck(DataBase& dataBase, History& history, Partition partition, const CheckReader& reader)
+        : dataBase_(dataBase), history_(history), partition_(partition), reader_(reader), names_(dataBase) {}
 
     PartitionFindings Run() {
         ReadTypes();
@@ -54,8 +54,6 @@ class PartitionCheck {
     }
 
   private:
-    using NodeKey = std::pair<int, int>; // type ID, number
-
     struct HashKey {
         std::size_t operator()(const NodeKey& key) const {
             return std::hash<std::int64_t>()((static_cast<std::int64_t>(key.first) << 32) ^ key.second);
@@ -95,8 +93,10 @@ class PartitionCheck {
         const std::size_t label = rows.Column("NodeDescription");
         for (; !rows.AtEnd(); rows.MoveNext()) {
             const NodeKey key{rows.Number(type), rows.Number(number)};
-            register_[key] = {std::string(rows.Field(label).value_or(""))};
-            CheckTypeName(key.first, key.second, "register", key.first, rows.Field(name).value_or(""));
+            const std::string_view stored = rows.Field(name).value_or("");
+            Registered& entry = register_[key] = {std::string(rows.Field(label).value_or(""))};
+            reader_.takeRegistered(key, stored, entry.label);
+            CheckTypeName(key.first, key.second, "register", key.first, stored);
         }
         result_.registeredNodes = register_.size();
     }
@@ -160,6 +160,7 @@ class PartitionCheck {
         ++result_.autoNodes;
         NoteRecord(AutoType, number);
         flow_.Add(number, node);
+        reader_.takeAutoNode(number, node);
         CheckTypeName(AutoType, number, "record", AutoType, node.type);
         CheckSettings(number, node.settings);
         for (const Prompt& prompt : node.prompts) {
@@ -267,6 +268,7 @@ class PartitionCheck {
                 }
             }
             CheckExists(reference.holderTypeID, reference.holder, *typeID, *reference.number, where);
+            reader_.takeReference(reference, *typeID);
             if (*typeID == AutoType) {
                 flow_.AddReferenceTo(*reference.number);
             }
@@ -320,6 +322,7 @@ class PartitionCheck {
     DataBase& dataBase_;
     History& history_;
     Partition partition_;
+    const CheckReader& reader_;
     TypeNames names_;
     std::unordered_map<int, Type> types_;
     std::unordered_map<NodeKey, Registered, HashKey> register_;
@@ -331,8 +334,9 @@ class PartitionCheck {
 
 } // namespace
 
-PartitionFindings CheckPartition(DataBase& dataBase, History& history, Partition partition) {
-    return PartitionCheck(dataBase, history, partition).Run();
+PartitionFindings CheckPartition(DataBase& dataBase, History& history, Partition partition,
+                                 const CheckReader& reader) {
+    return PartitionCheck(dataBase, history, partition, reader).Run();
 }
 
 } // namespace KAL_AUTO_Node

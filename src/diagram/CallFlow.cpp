@@ -1,56 +1,134 @@
 #include "diagram/CallFlow.h"
 
 #include "audit/PartitionCheck.h"
+#include "audit/References.h"
 #include "nodes/NodeTypes.h"
-#include "nodes/PartitionReader.h"
-#include "store/DataBase.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace KAL_AUTO_Node {
 
 namespace {
 
-std::pair<int, int> Led(const Reference& reference) {
-    return {NodeTypeOf(reference.typeID), reference.number};
-}
-
 class Links {
   public:
-    void Add(const Reference& target, Slot from, std::string entry) {
-        const bool exception = from != Slot::Actions;
+    void Add(const Reference& target, std::string name, bool exception, std::string entry) {
         const auto known = std::ranges::find_if(
             links_, [&](const Link& link) { return link.exception == exception && link.target == target; });
         if (known != links_.end()) {
             known->entries.push_back(std::move(entry));
         } else {
-            links_.push_back({target, DisplayText(target, from), exception, {std::move(entry)}});
+            links_.push_back({target, std::move(name), exception, {std::move(entry)}});
         }
     }
 
-    [[nodiscard]] std::vector<Link> Take() { return std::move(links_); }
+    [[nodiscard]] std::vector<Link> Take() { return std::exchange(links_, {}); }
 
   private:
     std::vector<Link> links_;
 };
 
-// Adds what is reached within so many steps over the neighbours that are given.
-template <class Neighbours>
-void Reach(int from, int depth, Neighbours neighbours, std::set<int>& reached) {
-    std::set<int> seen = {from};
-    std::vector<int> edge = {from};
-    for (; depth > 0 && !edge.empty(); --depth) {
-        std::vector<int> next;
-        for (const int number : edge) {
-            for (const int neighbour : neighbours(number)) {
+std::vector<Link> LinksOf(const AutoNode& node) {
+    Links links;
+    for (const Action& action : node.actions) {
+        const auto [low, high] = RangeOf(action);
+        links.Add(action.target, DisplayText(action.target, Slot::Actions), false,
+                  low == high ? std::string(low) : EntryText(action));
+    }
+    for (std::size_t i = 0; i < BranchRules.size(); ++i) {
+        const Reference& target = node.branches[i];
+        if (target.typeID != NumberlessExceptionType) {
+            links.Add(target, DisplayText(target, BranchRules[i].slot), true, BranchRules[i].label);
+        }
+    }
+    return links.Take();
+}
+
+bool IsException(const ReferenceColumn& column) {
+    return std::ranges::find(BranchRules, column.word, &BranchRule::column) != BranchRules.end();
+}
+
+// Whether a call goes on there, and does not only hear something.
+bool IsWay(const ReferenceColumn& column, int typeID) {
+    return RefersToNode(typeID) && NodeTypeOf(typeID) != MessageType && !column.table.ends_with("_Prompts") &&
+           !column.word.ends_with("Prompt");
+}
+
+// The ways of nodes of other types, in their order.
+std::map<NodeKey, std::vector<Link>> OtherLinks(std::vector<StoredReference> ways) {
+    const auto order = [](const StoredReference& way) {
+        return std::tuple(way.holderTypeID, way.holder, IsException(way.Column()), way.row, way.column);
+    };
+    std::ranges::sort(ways, {}, order);
+    std::map<NodeKey, std::vector<Link>> others;
+    Links links;
+    for (auto way = ways.begin(); way != ways.end();) {
+        const NodeKey holder{way->holderTypeID, way->holder};
+        for (; way != ways.end() && NodeKey{way->holderTypeID, way->holder} == holder; ++way) {
+            links.Add({*way->typeID, way->type, *way->number, {}},
+                      way->type + ' ' + std::to_string(*way->number), IsException(way->Column()),
+                      PlaceText(way->Column(), way->row));
+        }
+        others.emplace(holder, links.Take());
+    }
+    return others;
+}
+
+// Leaves the nodes that are there and from which AUTO nodes are reached; whether those are there does not
+// matter.
+void LeaveLeadingOn(CallFlow& flow) {
+    std::erase_if(flow.others, [&](const auto& other) { return !flow.registered.contains(other.first); });
+    std::map<NodeKey, std::vector<NodeKey>> back;
+    std::set<NodeKey> kept;
+    std::vector<NodeKey> reached;
+    const auto keep = [&](const NodeKey& node) {
+        if (kept.insert(node).second) {
+            reached.push_back(node);
+        }
+    };
+    for (const auto& [node, links] : flow.others) {
+        for (const Link& link : links) {
+            if (link.target.typeID == AutoType) {
+                keep(node);
+            } else {
+                back[KeyOf(link.target)].push_back(node);
+            }
+        }
+    }
+    while (!reached.empty()) {
+        const NodeKey node = reached.back();
+        reached.pop_back();
+        std::ranges::for_each(back[node], keep);
+    }
+    std::erase_if(flow.others, [&](const auto& other) { return !kept.contains(other.first); });
+}
+
+// Adds the AUTO nodes that are reached within so many steps over the neighbours that are given.
+void Reach(int from, int depth, const std::map<NodeKey, std::vector<NodeKey>>& neighbours,
+           std::set<int>& reached) {
+    std::set<NodeKey> seen = {{AutoType, from}};
+    std::vector<NodeKey> edge(seen.begin(), seen.end());
+    for (; !edge.empty(); --depth) {
+        std::vector<NodeKey> next;
+        while (!edge.empty()) {
+            const NodeKey node = edge.back();
+            edge.pop_back();
+            if (node.first == AutoType) {
+                reached.insert(node.second);
+            }
+            const auto found = neighbours.find(node);
+            if (depth <= 0 || found == neighbours.end()) {
+                continue;
+            }
+            for (const NodeKey& neighbour : found->second) {
                 if (seen.insert(neighbour).second) {
-                    next.push_back(neighbour);
+                    (neighbour.first == AutoType ? next : edge).push_back(neighbour);
                 }
             }
         }
         edge = std::move(next);
     }
-    reached.merge(seen);
 }
 
 // What is found in the AUTO nodes, but for what their picture shows by itself.
@@ -71,69 +149,70 @@ void AddRemarks(CallFlow& flow, const std::vector<Finding>& findings) {
 
 } // namespace
 
+NodeKey KeyOf(const Reference& reference) { return {NodeTypeOf(reference.typeID), reference.number}; }
+
 bool CallFlow::IsMissing(const Reference& reference) const {
     return RefersToNode(reference.typeID) && !LeadsOn(reference) &&
-           (reference.typeID == AutoType || !registered.contains(Led(reference)));
+           (reference.typeID == AutoType || !registered.contains(KeyOf(reference)));
 }
 
 bool CallFlow::LeadsOn(const Reference& reference) const {
-    return reference.typeID == AutoType && nodes.contains(reference.number);
+    return reference.typeID == AutoType ? nodes.contains(reference.number)
+                                        : others.contains(KeyOf(reference));
 }
 
 std::string CallFlow::LabelOf(const Reference& reference) const {
-    if (LeadsOn(reference)) {
+    if (reference.typeID == AutoType && LeadsOn(reference)) {
         return nodes.at(reference.number).label.value_or("");
     }
-    const auto found = registered.find(Led(reference));
-    return found == registered.end() ? std::string() : found->second;
+    const auto found = registered.find(KeyOf(reference));
+    return found == registered.end() ? std::string() : found->second.label;
+}
+
+std::vector<Link> CallFlow::LinksFrom(const NodeKey& node) const {
+    return node.first == AutoType ? LinksOf(nodes.at(node.second)) : others.at(node);
 }
 
 CallFlow ReadCallFlow(DataBase& dataBase, History& history, Partition partition) {
-    CallFlow flow{partition, {}, {}, {}};
-    ReadWholeAutoNodes(
-        dataBase, partition, [&](int number, const AutoNode& node) { flow.nodes.emplace(number, node); },
-        [](Slot /*list*/, int /*number*/, int /*rows*/) {});
-    AddRemarks(flow, CheckPartition(dataBase, history, partition).findings);
-    ResultSet rows = dataBase.Query(Command::Get_Register, {partition.config, partition.number});
-    const std::size_t type = rows.Column("NodeTypeID");
-    const std::size_t number = rows.Column("NodeNumber");
-    const std::size_t label = rows.Column("NodeDescription");
-    for (; !rows.AtEnd(); rows.MoveNext()) {
-        flow.registered.emplace(std::pair(rows.Number(type), rows.Number(number)),
-                                rows.Field(label).value_or(""));
-    }
+    CallFlow flow;
+    flow.partition = partition;
+    std::vector<StoredReference> ways;
+    const CheckReader reader = {[&](const NodeKey& node, std::string_view type, const std::string& label) {
+                                    flow.registered[node] = {std::string(type), label};
+                                },
+                                [&](int number, const AutoNode& node) { flow.nodes.emplace(number, node); },
+                                [&](const StoredReference& reference, int typeID) {
+                                    if (IsWay(reference.Column(), typeID)) {
+                                        ways.push_back(reference);
+                                        ways.back().typeID = typeID;
+                                    }
+                                }};
+    AddRemarks(flow, CheckPartition(dataBase, history, partition, reader).findings);
+    flow.others = OtherLinks(std::move(ways));
+    LeaveLeadingOn(flow);
     return flow;
 }
 
-std::vector<Link> LinksOf(const AutoNode& node) {
-    Links links;
-    for (const Action& action : node.actions) {
-        const auto [low, high] = RangeOf(action);
-        links.Add(action.target, Slot::Actions, low == high ? std::string(low) : EntryText(action));
-    }
-    for (std::size_t i = 0; i < BranchRules.size(); ++i) {
-        if (node.branches[i].typeID != NumberlessExceptionType) {
-            links.Add(node.branches[i], BranchRules[i].slot, BranchRules[i].label);
-        }
-    }
-    return links.Take();
-}
-
 std::set<int> Surroundings(const CallFlow& flow, int number, int depth) {
-    std::map<int, std::set<int>> onwards;
-    std::map<int, std::set<int>> backwards;
-    for (const auto& [from, node] : flow.nodes) {
-        for (const Link& link : LinksOf(node)) {
+    std::map<NodeKey, std::vector<NodeKey>> onwards;
+    std::map<NodeKey, std::vector<NodeKey>> backwards;
+    const auto add = [&](const NodeKey& from) {
+        for (const Link& link : flow.LinksFrom(from)) {
             if (flow.LeadsOn(link.target)) {
-                onwards[from].insert(link.target.number);
-                backwards[link.target.number].insert(from);
+                onwards[from].push_back(KeyOf(link.target));
+                backwards[KeyOf(link.target)].push_back(from);
             }
         }
+    };
+    for (const auto& [from, node] : flow.nodes) {
+        add({AutoType, from});
+    }
+    for (const auto& [from, links] : flow.others) {
+        add(from);
     }
     std::set<int> reached;
-    for (auto* neighbours : {&onwards, &backwards}) {
-        Reach(
-            number, depth, [&](int from) -> const std::set<int>& { return (*neighbours)[from]; }, reached);
+    for (const auto* neighbours : {&onwards, &backwards}) {
+        Reach(number, depth, *neighbours, reached);
     }
     return reached;
 }

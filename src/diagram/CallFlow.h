@@ -21,36 +21,49 @@ struct Remark {
     std::string text;
 };
 
-// A partition's AUTO nodes, and which nodes there are that they may lead to.
-struct CallFlow {
-    Partition partition;
-    std::map<int, AutoNode> nodes;                         // by number, the template among them
-    std::map<std::pair<int, int>, std::string> registered; // labels by type and number
-    std::map<int, std::vector<Remark>> remarks;            // by the number of the AUTO node
-
-    // Whether the reference should lead to a node and there is none.
-    [[nodiscard]] bool IsMissing(const Reference& reference) const;
-    // Whether it leads to an AUTO node that is there.
-    [[nodiscard]] bool LeadsOn(const Reference& reference) const;
-    // Of the node that the reference leads to; empty where it has none.
-    [[nodiscard]] std::string LabelOf(const Reference& reference) const;
+// A node that is there, of whatever type.
+struct RegisteredNode {
+    std::string type; // its name
+    std::string label;
 };
 
-// Reads the whole partition, with what is found wrong in it.
-[[nodiscard]] CallFlow ReadCallFlow(DataBase& dataBase, History& history, Partition partition);
-
-// All ways from a node to one other, either by digits or by exceptions.
+// All ways from a node to one other, either by what is keyed or by exceptions.
 struct Link {
     Reference target;
     std::string name; // the target as it is shown
     bool exception = false;
-    std::vector<std::string> entries; // the digits, or the exceptions' names, in the node's order
+    // The digits, of nodes of other types the rows; or the exceptions' names. In the node's order.
+    std::vector<std::string> entries;
 };
 
-// By digits first, in the order of the node's rows. Exceptions that lead nowhere are left out.
-[[nodiscard]] std::vector<Link> LinksOf(const AutoNode& node);
+// A partition's AUTO nodes, and what they lead to.
+struct CallFlow {
+    Partition partition;
+    std::map<int, AutoNode> nodes; // by number, the template among them
+    std::map<NodeKey, RegisteredNode> registered;
+    // Of the nodes of other types from which AUTO nodes are reached, the ways to other nodes than messages.
+    std::map<NodeKey, std::vector<Link>> others;
+    std::map<int, std::vector<Remark>> remarks; // by the number of the AUTO node
 
-// The nodes within so many steps from one, onwards and backwards, itself among them.
+    // Whether the reference should lead to a node and there is none.
+    [[nodiscard]] bool IsMissing(const Reference& reference) const;
+    // Whether it leads to a node that is there and of which the ways are known.
+    [[nodiscard]] bool LeadsOn(const Reference& reference) const;
+    // Of the node that the reference leads to; empty where it has none.
+    [[nodiscard]] std::string LabelOf(const Reference& reference) const;
+    // Of a node of which the ways are known: those by digits or rows first, in their order. Exceptions that
+    // lead nowhere are left out.
+    [[nodiscard]] std::vector<Link> LinksFrom(const NodeKey& node) const;
+};
+
+// The node that the reference leads to.
+[[nodiscard]] NodeKey KeyOf(const Reference& reference);
+
+// Reads the whole partition once, with what is found wrong in it.
+[[nodiscard]] CallFlow ReadCallFlow(DataBase& dataBase, History& history, Partition partition);
+
+// The AUTO nodes within so many steps from one, onwards and backwards, itself among them. A step goes to the
+// next AUTO node, over whatever nodes of other types.
 [[nodiscard]] std::set<int> Surroundings(const CallFlow& flow, int number, int depth);
 
 } // namespace KAL_AUTO_Node

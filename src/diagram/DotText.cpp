@@ -66,12 +66,12 @@ class Writer {
         std::size_t count = 0;
         for (const Section& section : outline_.Sections()) {
             // A frame keeps what is beside a node from the neighbours'.
-            const bool framed = detailed_ || section.numbers.size() > 1;
+            const bool framed = detailed_ || section.nodes.size() > 1;
             if (framed) {
                 out_ << "subgraph cluster_" << ++count << " {\ngraph [label=<" << SectionTitle(section)
                      << ">];\n";
             }
-            std::ranges::for_each(section.numbers, [&](int number) { WriteNode(number); });
+            std::ranges::for_each(section.nodes, [&](const NodeKey& node) { WriteNode(node); });
             out_ << (framed ? "}\n" : "");
         }
         out_ << "}\n";
@@ -88,21 +88,28 @@ class Writer {
              << "       style=rounded, color=\"#808080\", fontsize=11, labeljust=l, labelloc=t,\n"
              << "       label=<<B>Configuration " << config << ", partition " << number
              << "</B><BR ALIGN=\"LEFT\"/>"
-             << "Lines: by digits. Dashed: by exceptions. → the way goes on at that AUTO node. "
-             << "✗ and octagons: missing. ‼ error, ! warning.<BR ALIGN=\"LEFT\"/>>];\n"
+             << "Lines: by digits, from nodes of other types by rows. Dashed: by exceptions. "
+             << "→ the way goes on at that node. ✗ and octagons: missing. ‼ error, ! warning."
+             << "<BR ALIGN=\"LEFT\"/>Nodes of other types with a name in bold lead on to AUTO nodes; where "
+             << "they lead, but for messages, is shown.<BR ALIGN=\"LEFT\"/>>];\n"
              << "node [" << font << ", fontsize=10, margin=\"0.1,0.04\", height=0.3];\n"
              << "edge [" << font << ", fontsize=9, arrowsize=0.7];\n";
     }
 
     [[nodiscard]] std::string SectionTitle(const Section& section) const {
-        return section.numbers.size() < 2
-                   ? std::string()
-                   : Title(section.first) + ": " + std::to_string(section.numbers.size()) + " AUTO nodes";
+        const auto count = std::ranges::count(section.nodes, AutoType, &NodeKey::first);
+        return count < 2 ? std::string()
+                         : Title(section.first) + ": " + std::to_string(count) + " AUTO nodes";
     }
 
-    [[nodiscard]] std::string Title(int number) const {
-        const AutoNode& node = flow_.nodes.at(number);
-        return Markup(node.type + ' ' + std::to_string(number), node.label.value_or(""));
+    [[nodiscard]] std::string Title(const NodeKey& node) const {
+        const auto& [typeID, number] = node;
+        if (typeID != AutoType) {
+            const auto& [type, label] = flow_.registered.at(node);
+            return Markup(type + ' ' + std::to_string(number), label);
+        }
+        const AutoNode& autoNode = flow_.nodes.at(number);
+        return Markup(autoNode.type + ' ' + std::to_string(number), autoNode.label.value_or(""));
     }
 
     [[nodiscard]] std::string Marked(const std::string& name, const Reference& target) const {
@@ -111,24 +118,27 @@ class Writer {
     }
 
     // A minus sign would have to be quoted everywhere.
-    static std::string Id(int number) {
-        return (number < 0 ? "auto_" : "auto") + std::to_string(std::abs(number));
+    static std::string Id(const NodeKey& node) {
+        const auto& [typeID, number] = node;
+        std::string id = typeID == AutoType ? "auto" : "type" + std::to_string(typeID) + '_';
+        id += number < 0 ? "_" : "";
+        return id += std::to_string(std::abs(number));
     }
 
-    void WriteNode(int number) {
-        const AutoNode& node = flow_.nodes.at(number);
+    void WriteNode(const NodeKey& node) {
         std::string ways; // rows for those that are no lines
         std::vector<Link> lines;
         std::vector<Link> others;
         std::map<std::string, std::size_t> counts; // of others that are not shown, by type
-        for (Link& link : LinksOf(node)) {
+        for (Link& link : flow_.LinksFrom(node)) {
             if (flow_.LeadsOn(link.target)) {
-                if (outline_.IsLine(number, link.target.number)) {
+                const NodeKey target = KeyOf(link.target);
+                if (outline_.IsLine(node, target)) {
                     lines.push_back(std::move(link));
                 } else {
                     ways += RowMarkup(EntriesMarkup(link.entries) + " → " +
                                           Markup(link.name, flow_.LabelOf(link.target)),
-                                      nullptr, Id(link.target.number));
+                                      nullptr, outline_.Has(target) ? Id(target) : "");
                 }
             } else if (detailed_ || flow_.IsMissing(link.target)) {
                 others.push_back(std::move(link));
@@ -136,19 +146,32 @@ class Writer {
                 ++counts[link.target.type];
             }
         }
-        out_ << Id(number) << " [shape=plain, id=\"" << Id(number) << "\", label=<<TABLE BORDER=\""
-             << (number == emphasized_ ? 4 : 0)
-             << R"(" CELLBORDER="1" CELLSPACING="0" CELLPADDING="4" BGCOLOR="white">)"
-             << RowMarkup("<B>" + Title(number) + "</B>", TitleFill)
-             << (detailed_ ? RowMarkup(SettingsMarkup(node.settings)) : "") << RowMarkup(PromptsMarkup(node))
-             << RowMarkup(CountsMarkup(counts)) << ways << Remarks(number) << "</TABLE>>];\n";
+        ways.insert(0, RowMarkup(CountsMarkup(counts)));
+        out_ << Id(node) << " [id=\"" << Id(node) << "\", ";
+        if (node.first == AutoType) {
+            WriteAutoNode(node.second, ways);
+        } else {
+            const TypeShape& shape = ShapeOf(node.first);
+            out_ << "shape=" << shape.shape << ", style=filled, fillcolor=\"" << shape.fill
+                 << R"(", label=<<TABLE BORDER="0" CELLSPACING="0" CELLPADDING="1">)"
+                 << RowMarkup("<B>" + Title(node) + "</B>") << ways << "</TABLE>>];\n";
+        }
         // What is written first comes to lie lowest.
         std::for_each(lines.rbegin(), lines.rend(), [&](const Link& link) {
-            WriteLine(number, Id(link.target.number), EntriesMarkup(link.entries), link.exception);
+            WriteLine(node, Id(KeyOf(link.target)), EntriesMarkup(link.entries), link.exception);
         });
         const auto stacks = Stacks(std::move(others));
         std::for_each(stacks.rbegin(), stacks.rend(),
-                      [&](const std::vector<Other>& stack) { WriteOther(number, stack); });
+                      [&](const std::vector<Other>& stack) { WriteOther(node, stack); });
+    }
+
+    void WriteAutoNode(int number, const std::string& ways) {
+        const AutoNode& node = flow_.nodes.at(number);
+        out_ << "shape=plain, label=<<TABLE BORDER=\"" << (number == emphasized_ ? 4 : 0)
+             << R"(" CELLBORDER="1" CELLSPACING="0" CELLPADDING="4" BGCOLOR="white">)"
+             << RowMarkup("<B>" + Title({AutoType, number}) + "</B>", TitleFill)
+             << (detailed_ ? RowMarkup(SettingsMarkup(node.settings)) : "") << RowMarkup(PromptsMarkup(node))
+             << ways << Remarks(number) << "</TABLE>>];\n";
     }
 
     static std::string SettingsMarkup(const Settings& settings) {
@@ -225,7 +248,7 @@ class Writer {
     }
 
     // One, or a stack of them.
-    void WriteOther(int from, const std::vector<Other>& others) {
+    void WriteOther(const NodeKey& from, const std::vector<Other>& others) {
         const std::string id = Id(from) + '_' + std::to_string(++others_);
         const Reference& target = others.front().target;
         const TypeShape& shape = ShapeOf(target.typeID);
@@ -254,7 +277,7 @@ class Writer {
     }
 
     // The text is a node on the line: dot loses the labels of lines where it packs sections.
-    void WriteLine(int from, const std::string& to, const std::string& text, bool exception) {
+    void WriteLine(const NodeKey& from, const std::string& to, const std::string& text, bool exception) {
         const std::string id = "way" + std::to_string(++ways_);
         const char* style = exception ? " [style=dashed" : " [style=solid";
         out_ << id << " [shape=plain, fontsize=9, label=<" << text << ">];\n"

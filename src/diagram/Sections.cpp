@@ -1,5 +1,7 @@
 #include "diagram/Sections.h"
 
+#include "nodes/NodeTypes.h"
+
 #include <algorithm>
 #include <functional>
 
@@ -16,79 +18,96 @@ constexpr std::size_t ManySources = 5;
 } // namespace
 
 Outline::Outline(const CallFlow& flow, const std::set<int>& shown, int first) {
-    for (const int number : shown) {
-        places_.try_emplace(number);
-    }
-    for (const int from : shown) {
-        for (const Link& link : LinksOf(flow.nodes.at(from))) {
-            if (flow.LeadsOn(link.target) && shown.contains(link.target.number)) {
-                places_[link.target.number].comeFrom.insert(from);
-            }
-        }
-    }
-    std::set<int> reached;
-    const auto follow = [&](int start) {
-        if (!reached.insert(start).second) {
-            return;
-        }
-        order_.push_back(start);
-        for (std::size_t next = order_.size() - 1; next < order_.size(); ++next) {
-            const int from = order_[next];
-            for (const Link& link : LinksOf(flow.nodes.at(from))) {
-                const int to = link.target.number;
-                if (flow.LeadsOn(link.target) && shown.contains(to) && reached.insert(to).second) {
-                    order_.push_back(to);
-                    places_[to].parent = from;
-                    places_[to].hangs = true;
-                    places_[from].children.push_back(to);
-                }
-            }
-        }
-    };
+    FindPlaces(flow, shown);
+    std::set<NodeKey> reached;
     if (shown.contains(first)) {
-        follow(first);
+        Follow({AutoType, first}, reached);
     }
-    std::ranges::for_each(shown, follow);
+    std::ranges::for_each(shown, [&](int number) { Follow({AutoType, number}, reached); });
     Cut();
 }
 
+void Outline::FindPlaces(const CallFlow& flow, const std::set<int>& shown) {
+    std::vector<NodeKey> found;
+    for (const int number : shown) {
+        places_.try_emplace(found.emplace_back(AutoType, number));
+    }
+    for (std::size_t next = 0; next < found.size(); ++next) {
+        const NodeKey from = found[next];
+        for (const Link& link : flow.LinksFrom(from)) {
+            const NodeKey to = KeyOf(link.target);
+            if (!flow.LeadsOn(link.target) || (to.first == AutoType && !shown.contains(to.second))) {
+                continue;
+            }
+            const auto [place, isNew] = places_.try_emplace(to);
+            if (isNew) {
+                found.push_back(to);
+            }
+            place->second.comeFrom.insert(from);
+            places_[from].onwards.push_back(to);
+        }
+    }
+}
+
+void Outline::Follow(const NodeKey& start, std::set<NodeKey>& reached) {
+    if (!reached.insert(start).second) {
+        return;
+    }
+    order_.push_back(start);
+    for (std::size_t next = order_.size() - 1; next < order_.size(); ++next) {
+        const NodeKey from = order_[next];
+        Place& place = places_[from];
+        for (const NodeKey& to : place.onwards) {
+            if (reached.insert(to).second) {
+                order_.push_back(to);
+                places_[to].parent = from;
+                places_[to].hangs = true;
+                place.children.push_back(to);
+            }
+        }
+    }
+}
+
 void Outline::Cut() {
-    std::unordered_map<int, std::size_t> sizes;
-    std::for_each(order_.rbegin(), order_.rend(), [&](int number) {
-        Place& place = places_[number];
+    std::map<NodeKey, std::size_t> sizes;
+    std::for_each(order_.rbegin(), order_.rend(), [&](const NodeKey& node) {
+        Place& place = places_[node];
         std::size_t size = 1;
-        for (const int child : place.children) {
+        for (const NodeKey& child : place.children) {
             size += sizes[child];
         }
         // The largest go first, so that few are cut off.
-        std::ranges::sort(place.children, std::greater(), [&](int child) { return sizes[child]; });
+        std::ranges::sort(place.children, std::greater(), [&](const NodeKey& child) { return sizes[child]; });
         for (auto child = place.children.begin(); size > SectionLimit; ++child) {
             places_[*child].hangs = false;
             size -= sizes[*child];
         }
-        sizes[number] = size;
+        sizes[node] = size;
     });
-    for (const int number : order_) {
-        Place& place = places_[number];
+    for (const NodeKey& node : order_) {
+        Place& place = places_[node];
         if (place.hangs) {
             place.section = places_[place.parent].section;
         } else {
             place.section = sections_.size();
-            sections_.push_back({number, {}});
+            sections_.push_back({node, {}});
         }
-        sections_[place.section].numbers.push_back(number);
+        sections_[place.section].nodes.push_back(node);
     }
 }
 
-bool Outline::IsLine(int from, int to) const {
+bool Outline::IsLine(const NodeKey& from, const NodeKey& to) const {
     const auto source = places_.find(from);
     const auto target = places_.find(to);
     if (from == to || source == places_.end() || target == places_.end() ||
         source->second.section != target->second.section) {
         return false;
     }
-    return (target->second.hangs && target->second.parent == from) ||
-           target->second.comeFrom.size() < ManySources;
+    const auto hangsOn = [](const Place& place, const NodeKey& node) {
+        return place.hangs && place.parent == node;
+    };
+    return hangsOn(target->second, from) ||
+           (target->second.comeFrom.size() < ManySources && !hangsOn(source->second, to));
 }
 
 } // namespace KAL_AUTO_Node

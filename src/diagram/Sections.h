@@ -2,46 +2,51 @@
 
 #include "diagram/CallFlow.h"
 
+#include <map>
 #include <set>
-#include <unordered_map>
 #include <vector>
 
 namespace KAL_AUTO_Node {
 
 // A part of a call flow small enough to be drawn by itself.
 struct Section {
-    int first = 0; // the node through which it is entered
-    std::vector<int> numbers;
+    NodeKey first; // the node through which it is entered
+    std::vector<NodeKey> nodes;
 };
 
-// How the AUTO nodes that are shown hang together. The flow is followed from one node after the other,
-// breadth first, which gives each node one that it hangs on; where too many hang together, branches are cut
-// off.
+// How the AUTO nodes that are shown, and the nodes of other types between them, hang together. The flow is
+// followed from one node after the other, breadth first, which gives each node one that it hangs on; where
+// too many hang together, branches are cut off.
 class Outline {
   public:
-    // Begins with the node of that number where it is shown, then goes by numbers, so that a main menu, which
-    // everything leads back to, comes before its parts.
+    // Begins with the AUTO node of that number where it is shown, then goes by numbers, so that a main menu,
+    // which everything leads back to, comes before its parts.
     Outline(const CallFlow& flow, const std::set<int>& shown, int first);
 
     [[nodiscard]] const std::vector<Section>& Sections() const { return sections_; }
 
-    // Whether a way between two nodes is drawn as a line: within a section, and not as one of the many that
-    // lead back to the same node.
-    [[nodiscard]] bool IsLine(int from, int to) const;
+    [[nodiscard]] bool Has(const NodeKey& node) const { return places_.contains(node); }
+
+    // Whether a way between two nodes is drawn as a line: within a section, and neither back to what the node
+    // hangs on nor as one of the many that lead to the same node.
+    [[nodiscard]] bool IsLine(const NodeKey& from, const NodeKey& to) const;
 
   private:
     struct Place {
-        int parent = 0;
+        NodeKey parent;
         bool hangs = false; // on the parent
-        std::vector<int> children;
-        std::set<int> comeFrom;
+        std::vector<NodeKey> children;
+        std::vector<NodeKey> onwards;
+        std::set<NodeKey> comeFrom;
         std::size_t section = 0;
     };
 
+    void FindPlaces(const CallFlow& flow, const std::set<int>& shown);
+    void Follow(const NodeKey& start, std::set<NodeKey>& reached);
     void Cut();
 
-    std::unordered_map<int, Place> places_;
-    std::vector<int> order_; // each after what it hangs on
+    std::map<NodeKey, Place> places_;
+    std::vector<NodeKey> order_; // each after what it hangs on
     std::vector<Section> sections_;
 };
 

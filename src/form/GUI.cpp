@@ -12,6 +12,7 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QLineEdit>
+#include <QScrollArea>
 
 #include <algorithm>
 #include <iterator>
@@ -110,6 +111,8 @@ GUI::GUI() {
 GUI::~GUI() { disconnect(qApp, &QApplication::focusChanged, this, nullptr); }
 
 void GUI::CreateControls() {
+    // Before the buttons, because assistive technology reads what a window holds in the order of its making.
+    upper_ = new QScrollArea(this);
     Frame1 = Named(new QFrame(this), "Frame1");
 
     cmdFirst = ArrowButton(Frame1, "cmdFirst", Arrow::First, "First node");

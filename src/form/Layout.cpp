@@ -101,7 +101,6 @@ void GUI::LayOut() {
     cmdOK->setDefault(true);
 
     // On a screen that is too small for all, what is left over can be scrolled to; the buttons stay.
-    upper_ = new QScrollArea(this);
     upper_->setFrameShape(QFrame::NoFrame);
     upper_->setWidgetResizable(true);
     upper_->setFocusPolicy(Qt::NoFocus);

@@ -1,8 +1,6 @@
 #include "host/Arguments.h"
 #include "host/Commands.h"
 #include "host/Programs.h"
-#include "nodes/Overview.h"
-#include "store/DataBase.h"
 
 #include <array>
 #include <cerrno>
@@ -42,20 +40,15 @@ Subcommand EditCommand(CLI::App& program) {
             if (!HasDisplay()) {
                 throw std::runtime_error("there is no display to show the editor on (DISPLAY is not set)");
             }
-            if (node->count() == 0) {
-                DataBase dataBase;
-                const auto first = FirstAutoNode(dataBase);
-                if (!first) {
-                    throw std::runtime_error("there is no AUTO node in " + dataBase.File().string());
-                }
-                *place = {first->partition.config, first->partition.number, first->number};
-            }
             // The window's program takes the place of this one, so that no other command loads the toolkit.
             std::string file = ProgramOfOurs("auto-node-edit").string();
             std::array<std::string, 3> numbers = {
                 std::to_string(place->config), std::to_string(place->partition), std::to_string(place->node)};
             std::array<char*, 5> arguments = {file.data(), numbers[0].data(), numbers[1].data(),
                                               numbers[2].data(), nullptr};
+            if (node->count() == 0) {
+                arguments[1] = nullptr;
+            }
             execv(file.c_str(), arguments.data());
             throw std::system_error(errno, std::generic_category(), "cannot start the editor, " + file);
         }};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 namespace KAL_AUTO_Node {
 
@@ -26,6 +27,9 @@ struct NodePlace {
         return part(partition.config) << 32 | part(partition.number) << 16 | part(number);
     }
 };
+
+// A node of a partition, whatever its type: the type's ID, the number.
+using NodeKey = std::pair<int, int>;
 
 // Of this number every type has the partition's template, from which new nodes are made.
 inline constexpr int TemplateNumber = 0;
