@@ -147,7 +147,7 @@ class ExchangeImport : public ExchangeSink {
             cursor_->Next();
             return;
         }
-        const auto key = KeyOf(*table_, row);
+        const StoreKey key = KeyOf(*table_, row);
         stored = RemoveUpTo(&key);
         if (stored == nullptr || cursor_->Key() != key) {
             const bool isNode = Touch(row);
@@ -187,7 +187,7 @@ class ExchangeImport : public ExchangeSink {
     using Place = std::tuple<std::int16_t, std::int16_t, std::int16_t>;
 
     // Removes what the store has before that key, or all the rest; returns the row reached.
-    const StoreRow* RemoveUpTo(const std::vector<std::int64_t>* key) {
+    const StoreRow* RemoveUpTo(const StoreKey* key) {
         const StoreRow* stored = cursor_->Row();
         for (; stored != nullptr && (key == nullptr || cursor_->Key() < *key); stored = cursor_->Row()) {
             const bool isNode = Touch(*stored);
