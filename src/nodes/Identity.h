@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 
 namespace KAL_AUTO_Node {
@@ -9,7 +10,7 @@ struct Partition {
     std::int16_t config = 0;
     std::int16_t number = 0;
 
-    friend bool operator==(const Partition&, const Partition&) = default;
+    friend auto operator<=>(const Partition&, const Partition&) = default;
 };
 
 // An AUTO node of the store.
@@ -17,7 +18,7 @@ struct NodePlace {
     Partition partition;
     std::int16_t number = 0;
 
-    friend bool operator==(const NodePlace&, const NodePlace&) = default;
+    friend auto operator<=>(const NodePlace&, const NodePlace&) = default;
 
     // Another for each place: for transactions that keep out one another only where they are about the same
     // node.
