@@ -5,7 +5,6 @@
 #include "exchange/TableCursor.h"
 #include "history/History.h"
 #include "nodes/NodeTypes.h"
-#include "platform/NumericValue.h"
 #include "platform/RuntimeError.h"
 #include "store/DataBase.h"
 
@@ -24,7 +23,7 @@ namespace {
 // More are counted, but a person has seen enough by then.
 constexpr std::size_t MostRowsTold = 100;
 
-// In which tables an AUTO node has rows, and which columns say whose they are.
+// In which tables an AUTO node has rows, and which columns of their keys say whose they are.
 struct NodeRows {
     const char* table;
     const char* number;
@@ -54,8 +53,8 @@ class ExchangeImport : public ExchangeSink {
         nodeRows_ = std::ranges::find(AutoNodeRows, table.name, &NodeRows::table);
         isToldAsNodes_ = nodeRows_ - AutoNodeRows.begin() < std::ptrdiff_t{TablesToldAsNodes};
         if (nodeRows_ != AutoNodeRows.end()) {
-            number_ = FindColumn(table, nodeRows_->number).value();
-            type_ = nodeRows_->type != nullptr ? FindColumn(table, nodeRows_->type) : std::nullopt;
+            number_ = PlaceInKey(nodeRows_->number);
+            type_ = nodeRows_->type != nullptr ? std::optional(PlaceInKey(nodeRows_->type)) : std::nullopt;
         }
     }
 
@@ -68,11 +67,11 @@ class ExchangeImport : public ExchangeSink {
         const StoreKey key = KeyOf(*table_, row);
         stored = RemoveUpTo(&key);
         if (stored == nullptr || cursor_->Key() != key) {
-            Change(&RowWrites::Insert, counts_.added, "added", row);
+            Change(&RowWrites::Insert, counts_.added, "added", row, key);
             return;
         }
         if (*stored != row) {
-            Change(&RowWrites::Update, counts_.changed, "changed", row, Differing(*stored, row));
+            Change(&RowWrites::Update, counts_.changed, "changed", row, key, Differing(*stored, row));
         }
         cursor_->Next();
     }
@@ -99,34 +98,39 @@ class ExchangeImport : public ExchangeSink {
     }
 
   private:
+    [[nodiscard]] std::size_t PlaceInKey(const char* column) const {
+        const auto found = std::ranges::find(table_->key, FindColumn(*table_, column).value());
+        return static_cast<std::size_t>(found - table_->key.begin());
+    }
+
     // Removes what the store has before that key, or all the rest; returns the row reached.
     const StoreRow* RemoveUpTo(const StoreKey* key) {
         const StoreRow* stored = cursor_->Row();
         for (; stored != nullptr && (key == nullptr || cursor_->Key() < *key); stored = cursor_->Row()) {
-            Change(&RowWrites::Remove, counts_.removed, "removed", *stored);
+            Change(&RowWrites::Remove, counts_.removed, "removed", *stored, cursor_->Key());
             cursor_->Next();
         }
         return stored;
     }
 
-    // Whether the row is one of an AUTO node's. Before the first of them changes, the node is kept as it is.
-    bool Touch(const StoreRow& row) {
+    // Whether the row of that key is one of an AUTO node's. Before the first of them changes, the node is
+    // kept as it is.
+    bool Touch(const StoreKey& key) {
         if (nodeRows_ == AutoNodeRows.end()) {
             return false;
         }
-        const auto number = [&](std::size_t column) { return NumericValue(row[column].value_or("")); };
-        const std::array<std::int64_t, 3> numbers = {number(table_->key[0]), number(table_->key[1]),
-                                                     number(number_)};
+        const std::array numbers = {key[0], key[1], key.at(number_)};
         // A number that no AUTO node can have is another program's.
-        if ((type_ && number(*type_) != AutoType) ||
+        if ((type_ && key.at(*type_) != AutoType) ||
             !std::ranges::all_of(numbers, [](std::int64_t n) { return std::in_range<std::int16_t>(n); })) {
             return false;
         }
         const auto small = [&](std::size_t i) { return static_cast<std::int16_t>(numbers[i]); };
         const NodePlace place{{small(0), small(1)}, small(2)};
-        if (touched_.try_emplace(place).second) {
+        if (place != latest_ && touched_.try_emplace(place).second) {
             newlyTouched_.push_back(place);
         }
+        latest_ = place;
         return true;
     }
 
@@ -148,8 +152,8 @@ class ExchangeImport : public ExchangeSink {
     }
 
     void Change(void (RowWrites::*write)(const StoreRow&), std::uint64_t& count, const char* what,
-                const StoreRow& row, const std::string& columns = "") {
-        const bool isNode = Touch(row);
+                const StoreRow& row, const StoreKey& key, const std::string& columns = "") {
+        const bool isNode = Touch(key);
         ((*writes_).*write)(row);
         if (writes_->AreMany()) {
             Write();
@@ -188,9 +192,10 @@ class ExchangeImport : public ExchangeSink {
     ExchangeReport::Table counts_;
     const NodeRows* nodeRows_ = AutoNodeRows.end(); // the end where no row of the table is an AUTO node's
     bool isToldAsNodes_ = false;
-    std::size_t number_ = 0;
+    std::size_t number_ = 0; // where in the key
     std::optional<std::size_t> type_;
     std::map<NodePlace, std::optional<AutoNode>> touched_; // as they were
+    std::optional<NodePlace> latest_;                      // of them
     std::vector<NodePlace> newlyTouched_;                  // by what is not written yet, and not kept yet
 };
 

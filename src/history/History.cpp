@@ -182,8 +182,10 @@ int History::Add(Batch& batch, const NodePlace& place, const std::vector<Version
     batch.Add(Command::Add_AUTO_Version,
               {partition.config, partition.number, node, number, work, state, TimeStamp(), author.user,
                author.host, author.program, author.process, author.start, TextOf(partition, node, before)});
-    batch.Add(Command::Prune_AUTO_Versions,
-              {partition.config, partition.number, node, number - KeptVersions, TimeStamp(KeptDays)});
+    if (number > KeptVersions) {
+        batch.Add(Command::Prune_AUTO_Versions,
+                  {partition.config, partition.number, node, number - KeptVersions, TimeStamp(KeptDays)});
+    }
     return number;
 }
 
@@ -221,8 +223,10 @@ void History::Keep(std::span<const NodePlace> places, const char* work, const Ta
             RequireIdle(place, versions);
             NodeContent before = ReadContent(dataBase_, place.partition, place.number);
             const int version = Add(batch, place, versions, work, VersionState::Finished, before);
-            batch.Add(Command::Leave_AUTO_Versions,
-                      {place.partition.config, place.partition.number, place.number, version});
+            if (!versions.empty()) {
+                batch.Add(Command::Leave_AUTO_Versions,
+                          {place.partition.config, place.partition.number, place.number, version});
+            }
             if (take) {
                 take(place, std::move(before));
             }
