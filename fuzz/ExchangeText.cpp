@@ -21,7 +21,7 @@ class Told : public ExchangeSink {
     void TakeTable(const StoreTable& table) override {
         Require(table_ == nullptr, "a table ends before the next begins");
         table_ = &table;
-        before_.clear();
+        before_.reset();
     }
 
     void TakeRow(const StoreRow& row) override {
@@ -31,11 +31,11 @@ class Told : public ExchangeSink {
             Require(!WhyNot(table_->columns[column], value) && value == row[column],
                     "its column can hold a value");
         }
-        auto key = KeyOf(*table_, row);
-        Require(before_ < key, "rows come in the order of their keys");
+        const StoreKey key = KeyOf(*table_, row);
+        Require(!before_ || *before_ < key, "rows come in the order of their keys");
         Require(!scope_ || (key[0] == scope_->config && key[1] == scope_->number),
                 "a row is one of the scope");
-        before_ = std::move(key);
+        before_ = key;
     }
 
     void TakeEndOfTable() override { table_ = nullptr; }
@@ -43,7 +43,7 @@ class Told : public ExchangeSink {
   private:
     std::optional<Partition> scope_;
     const StoreTable* table_ = nullptr;
-    std::vector<std::int64_t> before_;
+    std::optional<StoreKey> before_;
 };
 
 } // namespace

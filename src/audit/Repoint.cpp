@@ -3,6 +3,7 @@
 #include "history/History.h"
 #include "nodes/ReferenceData.h"
 #include "platform/RuntimeError.h"
+#include "store/Batch.h"
 
 #include <algorithm>
 #include <map>
@@ -206,14 +207,18 @@ RepointPlan Repoint(DataBase& dataBase, History& history, const TypeNames& names
         for (const RepointPlan::Change& change : plan.changes) {
             holders.emplace(change.from.holderTypeID, change.from.holder);
         }
+        std::vector<NodePlace> autoNodes;
+        Batch dates(dataBase);
         for (const auto& [typeID, number] : holders) {
             if (typeID == AutoType) {
-                const NodePlace place = PlaceOf(partition, number);
-                static_cast<void>(history.Keep(place, Work));
+                autoNodes.push_back(PlaceOf(partition, number));
             }
-            dataBase.Execute(Command::Date_General_Pool,
-                             {date, partition.config, partition.number, typeID, number});
         }
+        history.Keep(autoNodes, Work);
+        for (const auto& [typeID, number] : holders) {
+            dates.Add(Command::Date_General_Pool, {date, partition.config, partition.number, typeID, number});
+        }
+        dates.Run();
         Write(dataBase, partition, from, to, plan);
         all.Commit();
     }

@@ -4,6 +4,8 @@
 #include "platform/RuntimeError.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <istream>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -78,17 +80,23 @@ class Handler {
 
     bool boolean(bool /*value*/) { Fail("true and false stand nowhere in this form"); }
 
-    bool number_integer(Json::number_integer_t number) { return Value(std::to_string(number), Kind::Number); }
+    bool number_integer(Json::number_integer_t number) { return Whole(number); }
 
-    bool number_unsigned(Json::number_unsigned_t number) {
-        return Value(std::to_string(number), Kind::Number);
-    }
+    bool number_unsigned(Json::number_unsigned_t number) { return Whole(number); }
 
     bool number_float(Json::number_float_t /*number*/, const std::string& text) {
         return Value(text, Kind::Number);
     }
 
-    bool string(std::string& text) { return Value(std::move(text), Kind::Text); }
+    bool string(std::string& text) {
+        if (place_ != Place::Row) {
+            return Value(text, Kind::Text);
+        }
+        // The parser goes on with the memory of a row before.
+        Field().swap(text);
+        Check(Kind::Text);
+        return true;
+    }
 
     bool binary(Json::binary_t& /*bytes*/) { Fail("bytes stand nowhere in this form"); }
 
@@ -107,6 +115,7 @@ class Handler {
             place_ = Place::Row;
             row_.resize(table_->columns.size());
             given_.assign(table_->columns.size(), false);
+            missing_ = given_.size();
             column_.reset();
             break;
         case Place::Row:
@@ -149,7 +158,8 @@ class Handler {
                 Fail("a value that is no text has one member, bytes");
             }
             place_ = Place::Row;
-            Put(std::exchange(bytes_, std::nullopt), Kind::Text);
+            Field().swap(*bytes_);
+            Check(Kind::Text);
             break;
         case Place::Tables:
             place_ = Place::Head;
@@ -168,7 +178,7 @@ class Handler {
             Fail("nothing is told by a list here");
         }
         place_ = Place::Rows;
-        before_.clear();
+        before_.reset();
         sink_.TakeTable(*table_);
         return true;
     }
@@ -245,15 +255,29 @@ class Handler {
             Fail("the column " + name + " stands there twice");
         }
         given_[*column_] = true;
+        --missing_;
     }
 
-    bool Value(std::optional<std::string> value, Kind kind) {
+    template <class Number>
+    bool Whole(Number number) {
+        if (place_ == Place::Row && Column().number && std::in_range<std::int32_t>(number)) {
+            // As nearly all are: in the one form that the column's numbers have.
+            std::array<char, 12> digits{};
+            const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+            Field().assign(digits.data(), end);
+            return true;
+        }
+        return Value(std::to_string(number), Kind::Number);
+    }
+
+    bool Value(const std::optional<std::string>& value, Kind kind) {
         switch (place_) {
         case Place::Head:
             PutMember(value.value_or(""), kind);
             break;
         case Place::Row:
-            Put(std::move(value), kind);
+            row_[*column_] = value;
+            Check(kind);
             break;
         case Place::Bytes:
             PutBytes(value.value_or(""), kind);
@@ -303,31 +327,39 @@ class Handler {
         }
     }
 
-    void Put(std::optional<std::string> value, Kind kind) {
-        const StoreColumn& column = table_->columns[*column_];
-        if (kind == Kind::Number && !column.number) {
-            Fail(column.name + " is a text, and stands in quotes");
+    [[nodiscard]] const StoreColumn& Column() const { return table_->columns[*column_]; }
+
+    // The column's field in the row, as a text to be filled.
+    std::string& Field() {
+        auto& field = row_[*column_];
+        return field ? *field : field.emplace();
+    }
+
+    // What the column's field was given.
+    void Check(Kind kind) {
+        if (kind == Kind::Number && !Column().number) {
+            Fail(Column().name + " is a text, and stands in quotes");
         }
-        if (const auto why = WhyNot(column, value)) {
-            Fail(column.name + ' ' + *why);
+        if (const auto why = WhyNot(Column(), row_[*column_])) {
+            Fail(Column().name + ' ' + *why);
         }
-        row_[*column_] = std::move(value);
     }
 
     void EndRow() {
-        if (const auto missing = std::ranges::find(given_, false); missing != given_.end()) {
+        if (missing_ > 0) {
+            const auto missing = std::ranges::find(given_, false);
             Fail("the row has no " +
                  table_->columns[static_cast<std::size_t>(missing - given_.begin())].name);
         }
-        auto key = KeyOf(*table_, row_);
-        if (!before_.empty() && key <= before_) {
+        const StoreKey key = KeyOf(*table_, row_);
+        if (before_ && key <= *before_) {
             Fail("the rows of " + table_->name + " stand in the order of their keys, no key twice; " +
                  KeyText(*table_, row_) + " does not");
         }
         if (scope_ && (key[0] != scope_->config || key[1] != scope_->number)) {
             Fail("the row is one of another partition");
         }
-        before_ = std::move(key);
+        before_ = key;
         sink_.TakeRow(row_);
     }
 
@@ -345,7 +377,8 @@ class Handler {
     std::optional<std::size_t> column_;
     StoreRow row_;
     std::vector<bool> given_;
-    std::vector<std::int64_t> before_; // the key of the row before
+    std::size_t missing_ = 0;        // columns that are not given yet
+    std::optional<StoreKey> before_; // the key of the row before
     std::optional<std::string> bytes_;
 };
 

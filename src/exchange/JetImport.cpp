@@ -2,6 +2,7 @@
 
 #include "exchange/JetFrames.h"
 #include "exchange/JetProcess.h"
+#include "exchange/RowWrites.h"
 #include "exchange/Statements.h"
 #include "platform/FoldCase.h"
 #include "platform/NumericValue.h"
@@ -58,9 +59,9 @@ class DoubledSequences {
     static void SettleList(DataBase& dataBase, const StoreTable& table, std::span<const std::size_t> owner,
                            const StoreRow& key, std::vector<StoreRow> doubled) {
         const auto columns = AllColumns(table);
-        const std::string from = " FROM " + table.name + " WHERE " + Matching(table, owner);
         std::vector<StoreRow> list;
-        const auto select = dataBase.Prepare("SELECT " + Listed(table, columns) + from);
+        const auto select = dataBase.Prepare("SELECT " + Listed(table, columns) + " FROM " + table.name +
+                                             " WHERE " + Matching(table, owner));
         for (select->Run(key); !select->AtEnd(); select->MoveNext()) {
             StoreRow& row = list.emplace_back();
             for (const std::size_t column : columns) {
@@ -73,17 +74,17 @@ class DoubledSequences {
         const std::size_t sequence = table.key.back();
         const auto number = [&](const StoreRow& row) { return NumericValue(row[sequence].value_or("")); };
         std::ranges::stable_sort(list, {}, number);
-        const auto remove = dataBase.Prepare("DELETE" + from);
+        const auto remove = dataBase.Prepare(DeleteStatement(table, owner));
         remove->Run(key);
         remove->Close();
-        const auto insert = dataBase.Prepare(InsertStatement(table));
+        RowWrites writes(dataBase, table);
         std::optional<std::int64_t> before;
         for (StoreRow& row : list) {
             before = before ? std::max(number(row), *before + 1) : number(row);
             row[sequence] = std::to_string(*before);
-            insert->Run(row);
-            insert->Close();
+            writes.Insert(row);
         }
+        writes.Send([](const StoreRow&) {}); // the list has no other rows
     }
 
     std::vector<StoreRow> rows_;
@@ -114,7 +115,7 @@ class JetImport : public JetSink {
             report_.damage.push_back("the definition of " + table_->name + " cannot be read");
         }
         PlaceColumns(told);
-        insert_ = dataBase_.Prepare(InsertStatement(*table_));
+        writes_.emplace(dataBase_, *table_);
         progress_(table_->name, 0, told.rows);
     }
 
@@ -124,7 +125,11 @@ class JetImport : public JetSink {
         }
         ++read_;
         if (Gather(values)) {
-            Insert();
+            ++count_->taken;
+            writes_->Insert(row_);
+            if (writes_->AreMany()) {
+                Send();
+            }
         }
         if (read_ % RowsBetweenProgress == 0) {
             progress_(table_->name, read_, *count_->stored);
@@ -135,7 +140,8 @@ class JetImport : public JetSink {
         if (table_ == nullptr) {
             return;
         }
-        insert_.reset();
+        Send();
+        writes_.reset();
         if (const std::size_t lists = doubled_.Settle(dataBase_, *table_); lists > 0) {
             report_.remarks.push_back(table_->name + ": sequence numbers were doubled in " +
                                       std::to_string(lists) + (lists == 1 ? " list" : " lists") +
@@ -217,32 +223,34 @@ class JetImport : public JetSink {
                 whole = whole && !column.required;
             }
         }
+        if (!lost.empty() && MayTell()) {
+            Send(); // so that rows are told in their order
+        }
         for (const std::string& value : lost) {
             (whole ? report_.valuesNotTaken : report_.rowsNotTaken) +=
                 whole || &value == &lost.front() ? 1 : 0;
-            TellNotTaken((whole ? "the value: " : "the row: ") + value);
+            TellNotTaken(row_, (whole ? "the value: " : "the row: ") + value);
         }
         return whole;
     }
 
-    void Insert() {
-        insert_->Run(row_);
-        const bool written = insert_->RowsWritten() > 0;
-        insert_->Close();
-        if (!written && table_->columns[table_->key.back()].name != SequenceColumn) {
+    void Send() {
+        writes_->Send([&](const StoreRow& row) {
+            if (table_->columns[table_->key.back()].name == SequenceColumn) {
+                doubled_.Add(row);
+                return;
+            }
+            --count_->taken;
             ++report_.rowsNotTaken;
-            TellNotTaken("the row: another one has its key");
-            return;
-        }
-        if (!written) {
-            doubled_.Add(row_);
-        }
-        ++count_->taken;
+            TellNotTaken(row, "the row: another one has its key");
+        });
     }
 
-    void TellNotTaken(const std::string& what) {
-        if (report_.notTaken.size() < MostTold) {
-            report_.notTaken.push_back(table_->name + ", " + KeyText(*table_, row_) + ", " + what);
+    [[nodiscard]] bool MayTell() const { return report_.notTaken.size() < MostTold; }
+
+    void TellNotTaken(const StoreRow& row, const std::string& what) {
+        if (MayTell()) {
+            report_.notTaken.push_back(table_->name + ", " + KeyText(*table_, row) + ", " + what);
         }
     }
 
@@ -257,7 +265,7 @@ class JetImport : public JetSink {
     std::vector<std::size_t> columns_; // of the store that the file has, in its order
     std::vector<std::size_t> places_;  // of their values in the file's row
     StoreRow row_;
-    std::unique_ptr<Statement> insert_;
+    std::optional<RowWrites> writes_;
     DoubledSequences doubled_;
 };
 

@@ -44,15 +44,14 @@ std::string UpdateStatement(const StoreTable& table, std::span<const std::size_t
            Matching(table, table.key);
 }
 
-std::string InsertStatement(const StoreTable& table, std::size_t rows) {
-    std::string text = "INSERT INTO " + table.name + " (" + Listed(table, AllColumns(table)) + ") VALUES ";
-    for (std::size_t row = 0; row < rows; ++row) {
-        const std::string prefix = ":Row" + std::to_string(row) + '_';
-        text += row == 0 ? "(" : ", (";
-        text += Listed(table, AllColumns(table), prefix.c_str());
-        text += ')';
-    }
-    return text + " ON CONFLICT DO NOTHING";
+std::string DeleteStatement(const StoreTable& table, std::span<const std::size_t> columns) {
+    return "DELETE FROM " + table.name + " WHERE " + Matching(table, columns);
+}
+
+std::string InsertStatement(const StoreTable& table) {
+    const auto columns = AllColumns(table);
+    return "INSERT INTO " + table.name + " (" + Listed(table, columns) + ") VALUES (" +
+           Listed(table, columns, ":") + ") ON CONFLICT DO NOTHING";
 }
 
 } // namespace KAL_AUTO_Node

@@ -9,11 +9,14 @@ namespace KAL_AUTO_Node {
 
 // Statements on one of the tables. Parameters stand in the order of the columns that they are for.
 
-// Inserts rows, all columns of each. Leaves one alone whose key is there already; it counts as not written.
-[[nodiscard]] std::string InsertStatement(const StoreTable& table, std::size_t rows = 1);
+// Inserts a row. Leaves one alone whose key is there already; it counts as not written.
+[[nodiscard]] std::string InsertStatement(const StoreTable& table);
 
 // Sets those columns of the row of a key; the key's come last.
 [[nodiscard]] std::string UpdateStatement(const StoreTable& table, std::span<const std::size_t> columns);
+
+// Deletes the rows with those columns.
+[[nodiscard]] std::string DeleteStatement(const StoreTable& table, std::span<const std::size_t> columns);
 
 // Positions of all columns.
 [[nodiscard]] std::vector<std::size_t> AllColumns(const StoreTable& table);

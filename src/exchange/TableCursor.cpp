@@ -54,11 +54,11 @@ void TableCursor::Next() {
         at_ = count_ > 0 && KeyOf(table_, rows_.front()) == key_ ? 1 : 0;
     }
     if (at_ < count_) {
-        auto key = KeyOf(table_, rows_[at_]);
+        const StoreKey key = KeyOf(table_, rows_[at_]);
         if (key <= key_) {
             FailOrder(rows_[at_]);
         }
-        key_ = std::move(key);
+        key_ = key;
     }
 }
 

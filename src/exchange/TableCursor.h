@@ -25,7 +25,7 @@ class TableCursor {
     [[nodiscard]] const StoreRow* Row();
 
     // Of the row reached.
-    [[nodiscard]] const std::vector<std::int64_t>& Key() const { return key_; }
+    [[nodiscard]] const StoreKey& Key() const { return key_; }
 
     void Next();
 
@@ -41,7 +41,7 @@ class TableCursor {
     std::vector<StoreRow> rows_;
     std::size_t count_ = 0; // of them
     std::size_t at_ = 0;
-    std::vector<std::int64_t> key_; // of the row reached, or of the last one at the end
+    StoreKey key_{}; // of the row reached, or of the last one at the end
     bool begun_ = false;
 };
 

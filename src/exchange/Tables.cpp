@@ -103,11 +103,11 @@ std::string KeyText(const StoreTable& table, const StoreRow& row) {
     return text;
 }
 
-std::vector<std::int64_t> KeyOf(const StoreTable& table, const StoreRow& row) {
-    std::vector<std::int64_t> key;
-    key.reserve(table.key.size());
-    for (const std::size_t column : table.key) {
-        key.push_back(NumericValue(row[column].value_or("")));
+StoreKey KeyOf(const StoreTable& table, const StoreRow& row) {
+    StoreKey key{};
+    for (std::size_t i = 0; i < table.key.size(); ++i) {
+        const auto& field = row[table.key[i]];
+        key.at(i) = field ? NumericValue(*field) : 0;
     }
     return key;
 }

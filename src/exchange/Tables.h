@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -20,6 +21,9 @@ struct StoreColumn {
 // A row's fields stand in the order of its table's columns; nothing stands for Null.
 using StoreRow = std::vector<std::optional<std::string>>;
 
+// The numbers that tell a row from all others of its table, in the order of the key's columns; 0 behind them.
+using StoreKey = std::array<std::int64_t, 4>;
+
 struct StoreTable {
     std::string name;
     std::vector<StoreColumn> columns;
@@ -38,7 +42,7 @@ struct StoreTable {
 [[nodiscard]] std::string KeyText(const StoreTable& table, const StoreRow& row);
 
 // The row's key, to tell rows in their order.
-[[nodiscard]] std::vector<std::int64_t> KeyOf(const StoreTable& table, const StoreRow& row);
+[[nodiscard]] StoreKey KeyOf(const StoreTable& table, const StoreRow& row);
 
 // Why the column cannot hold the value, in words; nothing where it can. A number is brought into its one
 // form.

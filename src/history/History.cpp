@@ -170,7 +170,11 @@ void History::Forget(const NodePlace& place, int version) {
 
 int History::Add(Batch& batch, const NodePlace& place, const char* work, const char* state,
                  const NodeContent& before) {
-    const auto versions = Versions(place);
+    return Add(batch, place, Versions(place), work, state, before);
+}
+
+int History::Add(Batch& batch, const NodePlace& place, const std::vector<Version>& versions, const char* work,
+                 const char* state, const NodeContent& before) {
     const int number = versions.empty() ? 1 : versions.front().number + 1;
     Forget(place, number); // it was that of a change that never was
     const ProcessIdentity author = ThisProcess();
@@ -178,8 +182,10 @@ int History::Add(Batch& batch, const NodePlace& place, const char* work, const c
     batch.Add(Command::Add_AUTO_Version,
               {partition.config, partition.number, node, number, work, state, TimeStamp(), author.user,
                author.host, author.program, author.process, author.start, TextOf(partition, node, before)});
-    batch.Add(Command::Prune_AUTO_Versions,
-              {partition.config, partition.number, node, number - KeptVersions, TimeStamp(KeptDays)});
+    if (number > KeptVersions) {
+        batch.Add(Command::Prune_AUTO_Versions,
+                  {partition.config, partition.number, node, number - KeptVersions, TimeStamp(KeptDays)});
+    }
     return number;
 }
 
@@ -195,29 +201,44 @@ void History::SetState(Batch& batch, const NodePlace& place, int version, const 
               {state, place.partition.config, place.partition.number, place.number, version});
 }
 
-void History::RequireIdle(const NodePlace& place) {
-    const auto versions = Versions(place);
+void History::RequireIdle(const NodePlace& place, const std::vector<Version>& versions) {
     if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
         throw RuntimeError(ErrorNumber::Busy, Named(place) + " is being saved by " + AuthorText(*made) +
                                                   " since " + LocalTime(made->begunAt));
     }
 }
 
-NodeContent History::Keep(const NodePlace& place, const char* work) {
-    RequireIdle(place);
-    NodeContent before = ReadContent(dataBase_, place.partition, place.number);
-    Batch batch(dataBase_);
-    const int version = Add(batch, place, work, VersionState::Finished, before);
-    batch.Add(Command::Leave_AUTO_Versions,
-              {place.partition.config, place.partition.number, place.number, version});
-    batch.Run();
-    return before;
+void History::Keep(std::span<const NodePlace> places, const char* work, const TakeContent& take) {
+    while (!places.empty()) {
+        const auto together = TakeTogether(places);
+        ReadAhead ahead(dataBase_);
+        for (const NodePlace& place : together) {
+            ReadVersionsAhead(ahead, place);
+            ReadContentAhead(ahead, place.partition, place.number);
+        }
+        ahead.Fetch();
+        Batch batch(dataBase_);
+        for (const NodePlace& place : together) {
+            const auto versions = Versions(place);
+            RequireIdle(place, versions);
+            NodeContent before = ReadContent(dataBase_, place.partition, place.number);
+            const int version = Add(batch, place, versions, work, VersionState::Finished, before);
+            if (!versions.empty()) {
+                batch.Add(Command::Leave_AUTO_Versions,
+                          {place.partition.config, place.partition.number, place.number, version});
+            }
+            if (take) {
+                take(place, std::move(before));
+            }
+        }
+        batch.Run();
+    }
 }
 
 void History::PutBack(const NodePlace& place, int version, const char* work) {
     {
         Transaction all(dataBase_, place.Number());
-        RequireIdle(place);
+        RequireIdle(place, Versions(place));
         const NodeContent before = Before(place, version);
         if (!before.node) {
             throw RuntimeError(ErrorNumber::InvalidProcedureCall,

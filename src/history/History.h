@@ -50,9 +50,9 @@ class History {
     int Add(Batch& batch, const NodePlace& place, const char* work, const char* state,
             const NodeContent& before);
 
-    // Keeps the node as it is, before a change that is whole with the transaction that this is part of;
-    // returns what is kept. Raises Busy while the node is being saved.
-    NodeContent Keep(const NodePlace& place, const char* work);
+    // Keeps nodes as they are, before a change that is whole with the transaction that this is part of; tells
+    // in order what is kept. Raises Busy while one of them is being saved. No place stands there twice.
+    void Keep(std::span<const NodePlace> places, const char* work, const TakeContent& take = {});
 
     // Whether a save began to make that node from its template. Needs a store with a history.
     [[nodiscard]] bool HasBegun(Partition partition, int typeID, int number);
@@ -72,7 +72,10 @@ class History {
     };
 
     [[nodiscard]] std::vector<Version> Stored(const NodePlace& place);
-    void RequireIdle(const NodePlace& place);
+    static void RequireIdle(const NodePlace& place, const std::vector<Version>& versions);
+    // Behind those versions.
+    int Add(Batch& batch, const NodePlace& place, const std::vector<Version>& versions, const char* work,
+            const char* state, const NodeContent& before);
     void MarkEnded();
     void TryToMarkEnded() noexcept;
     void Forget(const NodePlace& place, int version);

@@ -8,11 +8,15 @@
 #include "platform/RuntimeError.h"
 #include "store/Batch.h"
 
+#include <algorithm>
+
 namespace KAL_AUTO_Node {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+constexpr std::size_t NodesTogether = 100;
 
 // A register that cannot be read holds up nothing here; the save tells of it where it needs it.
 std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, Partition partition, std::int16_t number) try {
@@ -102,6 +106,26 @@ void ReadContentAhead(ReadAhead& ahead, Partition partition, std::int16_t number
 
 NodeContent ReadContent(DataBase& dataBase, Partition partition, std::int16_t number) {
     return {ReadAutoNode(dataBase, partition, number), ReadEntry(dataBase, partition, number)};
+}
+
+std::span<const NodePlace> TakeTogether(std::span<const NodePlace>& rest) {
+    const auto together = rest.first(std::min(rest.size(), NodesTogether));
+    rest = rest.subspan(together.size());
+    return together;
+}
+
+void ReadContents(DataBase& dataBase, std::span<const NodePlace> places, const TakeContent& take) {
+    while (!places.empty()) {
+        const auto together = TakeTogether(places);
+        ReadAhead ahead(dataBase);
+        for (const auto& [partition, number] : together) {
+            ReadContentAhead(ahead, partition, number);
+        }
+        ahead.Fetch();
+        for (const NodePlace& place : together) {
+            take(place, ReadContent(dataBase, place.partition, place.number));
+        }
+    }
 }
 
 void WriteContent(DataBase& dataBase, Partition partition, std::int16_t number, const NodeContent& content) {

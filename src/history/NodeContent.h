@@ -4,7 +4,9 @@
 #include "nodes/Identity.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace KAL_AUTO_Node {
@@ -31,6 +33,15 @@ struct NodeContent {
 
 [[nodiscard]] NodeContent ReadContent(DataBase& dataBase, Partition partition, std::int16_t number);
 void ReadContentAhead(ReadAhead& ahead, Partition partition, std::int16_t number);
+
+// Takes the first places off the rest: as many as are read together, which saves ways to a server and holds
+// little in memory.
+[[nodiscard]] std::span<const NodePlace> TakeTogether(std::span<const NodePlace>& rest);
+
+using TakeContent = std::function<void(const NodePlace& place, NodeContent content)>;
+
+// Reads many nodes, in order.
+void ReadContents(DataBase& dataBase, std::span<const NodePlace> places, const TakeContent& take);
 
 // Makes the store hold exactly that of the node. Part of a transaction.
 void WriteContent(DataBase& dataBase, Partition partition, std::int16_t number, const NodeContent& content);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <utility>
 
@@ -10,7 +11,7 @@ struct Partition {
     std::int16_t config = 0;
     std::int16_t number = 0;
 
-    friend bool operator==(const Partition&, const Partition&) = default;
+    friend auto operator<=>(const Partition&, const Partition&) = default;
 };
 
 // An AUTO node of the store.
@@ -18,7 +19,7 @@ struct NodePlace {
     Partition partition;
     std::int16_t number = 0;
 
-    friend bool operator==(const NodePlace&, const NodePlace&) = default;
+    friend auto operator<=>(const NodePlace&, const NodePlace&) = default;
 
     // Another for each place: for transactions that keep out one another only where they are about the same
     // node.

@@ -206,6 +206,12 @@ std::unique_ptr<Statement> DataBase::Prepare(const std::string& sql) {
     return Describing("preparing ", sql, [&] { return Open().Prepare(sql); });
 }
 
+std::vector<std::int64_t> DataBase::RunTogether(std::span<const StatementRun> runs) {
+    std::size_t reached = 0;
+    return runs.empty() ? std::vector<std::int64_t>()
+                        : connection_->RunTogether(runs, Connection::Then::Stay, reached);
+}
+
 void DataBase::Flush() {
     if (connection_) {
         Describing("making the changes last", "", [this] { connection_->Flush(); });

@@ -9,6 +9,7 @@
 #include <initializer_list>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -146,6 +147,9 @@ class DataBase {
     // A statement that is no named command, for work on whole tables. It ends before the data base does, and
     // its errors are the engine's own.
     [[nodiscard]] std::unique_ptr<Statement> Prepare(const std::string& sql);
+    // Runs such statements without result rows in their order; to a server they go together. Tells how many
+    // rows each wrote.
+    std::vector<std::int64_t> RunTogether(std::span<const StatementRun> runs);
 
     // Makes all that was written so far outlast a power cut. Call it at the end of a run of statements.
     void Flush();
