@@ -198,8 +198,8 @@ TEST_F(Lists, TakeNoTextThatCouldNotBeChosen) {
 
 // From node to node, as text; what came of it is undone there alone.
 TEST_F(Lists, GiveRowsToOtherNodes) {
-    store_.Execute("UPDATE Node_General_Pool SET NodeDescription = '=1+1' || char(9, 10) || '\"'"
-                   " WHERE PartID = 2 AND NodeTypeID = 9 AND NodeNumber = 8");
+    store_.Execute("UPDATE Node_General_Pool SET NodeDescription = iif(NodeNumber = 8, '=1+1' || char(9, 10),"
+                   " '\"B\"') WHERE PartID = 2 AND NodeTypeID = 9 AND NodeNumber IN (8, 9)");
     const auto copied = [](const std::string& list, int first, int last) {
         Person::ClickRow(list, first);
         Person::ClickRow(list, last, Qt::ShiftModifier);
@@ -228,7 +228,7 @@ TEST_F(Lists, GiveRowsToOtherNodes) {
         Key(Person::List("LVPrompts"), Qt::Key_Z);
         EXPECT_EQ(Person::Count("LVPrompts"), 3);
         EXPECT_FALSE(Person::Dirty());
-        EXPECT_EQ(copied("LVActions", 0, 0), "1\t1\tAUTO\t8\t'=1+1 \"\n");
+        EXPECT_EQ(copied("LVActions", 0, 1), "1\t1\tAUTO\t8\t'=1+1\n2\t2\tAUTO\t9\t\"\"\"B\"\"\"\n");
     });
 }
 

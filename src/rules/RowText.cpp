@@ -45,9 +45,13 @@ std::span<const Column> LeadColumns(RowKind kind) {
     return {};
 }
 
-// A label is anybody's text, and a spreadsheet would compute what begins like a formula.
+// A label is anybody's text: a spreadsheet would compute what begins like a formula, and look for the end of
+// what begins with a quote in the next rows.
 QString AsCell(const QString& label) {
-    const QString cell = label.simplified();
+    QString cell = label.simplified();
+    if (cell.startsWith('"')) {
+        return '"' + cell.replace('"', QStringLiteral("\"\"")) + '"';
+    }
     return cell.startsWith('=') || cell.startsWith('+') || cell.startsWith('-') || cell.startsWith('@')
                ? '\'' + cell
                : cell;
