@@ -92,6 +92,10 @@ class Reader {
                 if (!IsDigits(digits)) {
                     throw Refusal("a range consists of digits, not of " + Quoted(digits));
                 }
+                // The box would cut it off when it is opened on the row.
+                if (const int most = gui_.txtActionsDTMFRangeLow->maxLength(); digits.size() > most) {
+                    throw Refusal(Quoted(digits) + " has more than " + QString::number(most) + " digits");
+                }
             }
             rows_.push_back(ActionRowAt(position, cells[0], cells[1], Target(Slot::Actions, type, number)));
             break;
