@@ -254,9 +254,20 @@ TEST_F(Lists, AreSearched) {
         expect(nullptr, Qt::Key_Return, Qt::NoModifier, 0, "1 of 4");
         expect("15", Qt::Key_Return, Qt::NoModifier, 0, "not found"); // but in a hidden column
         expect("voice", Qt::Key_Shift, Qt::NoModifier, 4, "1 of 1");
-        expect(nullptr, Qt::Key_Escape, Qt::NoModifier, 4, "1 of 1");
-        EXPECT_EQ(Person::Focused(), "LVActions");
-        EXPECT_FALSE(Person::Find<QWidget>("FindBar")->isVisible() || Person::Dirty());
+        Person::Choose("cmbNode", "AUTO 2");
+        expect(nullptr, Qt::Key_Shift, Qt::NoModifier, -1, "");
+        Person::Choose("cmbNode", "AUTO 1");
+        expect("auto", Qt::Key_Shift, Qt::NoModifier, 0, "1 of 4");
+        Key(Person::Find<QWidget>("cmdFindPrevious"), Qt::Key_Return, {});
+        EXPECT_EQ(list->currentIndex().row(), 6);
+        // Escape ends it from wherever the focus is, before it closes the window.
+        for (QWidget* place :
+             {static_cast<QWidget*>(Person::TextBox("txtFind")), static_cast<QWidget*>(list)}) {
+            Key(list, Qt::Key_F);
+            Key(place, Qt::Key_Escape, {});
+            EXPECT_EQ(Person::Focused(), "LVActions");
+            EXPECT_FALSE(Person::Find<QWidget>("FindBar")->isVisible() || Person::Dirty());
+        }
     });
 }
 
