@@ -184,6 +184,10 @@ TEST_F(Editor, KeepsValueBoxesAtNumbersTheyMayHold) {
             Person::Choose(name, becomes);
             EXPECT_TRUE(Person::Dirty());
         }
+        // What needs no correction can be taken back there.
+        Person::TypeOver("cmbRetryLimit", "2");
+        QTest::keyClick(Person::Combo("cmbRetryLimit"), Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_EQ(Person::Text("cmbRetryLimit"), "5");
         Person::TypeOver("cmbSelTimeOut", "05");
         EXPECT_EQ(Person::Text("cmbSelTimeOut"), "15") << "corrected key by key";
     });

@@ -198,8 +198,8 @@ TEST_F(Lists, TakeNoTextThatCouldNotBeChosen) {
 
 // From node to node, as text; what came of it is undone there alone.
 TEST_F(Lists, GiveRowsToOtherNodes) {
-    store_.Execute("UPDATE Node_General_Pool SET NodeDescription = '=1+1' || char(9, 10) || '\"'"
-                   " WHERE PartID = 2 AND NodeTypeID = 9 AND NodeNumber = 8");
+    store_.Execute("UPDATE Node_General_Pool SET NodeDescription = iif(NodeNumber = 8, '=1+1' || char(9, 10),"
+                   " '\"B\"') WHERE PartID = 2 AND NodeTypeID = 9 AND NodeNumber IN (8, 9)");
     const auto copied = [](const std::string& list, int first, int last) {
         Person::ClickRow(list, first);
         Person::ClickRow(list, last, Qt::ShiftModifier);
@@ -228,7 +228,7 @@ TEST_F(Lists, GiveRowsToOtherNodes) {
         Key(Person::List("LVPrompts"), Qt::Key_Z);
         EXPECT_EQ(Person::Count("LVPrompts"), 3);
         EXPECT_FALSE(Person::Dirty());
-        EXPECT_EQ(copied("LVActions", 0, 0), "1\t1\tAUTO\t8\t'=1+1 \"\n");
+        EXPECT_EQ(copied("LVActions", 0, 1), "1\t1\tAUTO\t8\t'=1+1\n2\t2\tAUTO\t9\t\"\"\"B\"\"\"\n");
     });
 }
 
@@ -254,9 +254,20 @@ TEST_F(Lists, AreSearched) {
         expect(nullptr, Qt::Key_Return, Qt::NoModifier, 0, "1 of 4");
         expect("15", Qt::Key_Return, Qt::NoModifier, 0, "not found"); // but in a hidden column
         expect("voice", Qt::Key_Shift, Qt::NoModifier, 4, "1 of 1");
-        expect(nullptr, Qt::Key_Escape, Qt::NoModifier, 4, "1 of 1");
-        EXPECT_EQ(Person::Focused(), "LVActions");
-        EXPECT_FALSE(Person::Find<QWidget>("FindBar")->isVisible() || Person::Dirty());
+        Person::Choose("cmbNode", "AUTO 2");
+        expect(nullptr, Qt::Key_Shift, Qt::NoModifier, -1, "");
+        Person::Choose("cmbNode", "AUTO 1");
+        expect("auto", Qt::Key_Shift, Qt::NoModifier, 0, "1 of 4");
+        Key(Person::Find<QWidget>("cmdFindPrevious"), Qt::Key_Return, {});
+        EXPECT_EQ(list->currentIndex().row(), 6);
+        // Escape ends it from wherever the focus is, before it closes the window.
+        for (QWidget* place :
+             {static_cast<QWidget*>(Person::TextBox("txtFind")), static_cast<QWidget*>(list)}) {
+            Key(list, Qt::Key_F);
+            Key(place, Qt::Key_Escape, {});
+            EXPECT_EQ(Person::Focused(), "LVActions");
+            EXPECT_FALSE(Person::Find<QWidget>("FindBar")->isVisible() || Person::Dirty());
+        }
     });
 }
 

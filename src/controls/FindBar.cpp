@@ -3,6 +3,7 @@
 #include "controls/ArrowIcon.h"
 #include "controls/ListView.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -66,7 +67,14 @@ FindBar::FindBar(QWidget* parent)
 }
 
 void FindBar::Open(ListView& list) {
-    list_ = &list;
+    if (list_ != &list) {
+        if (list_ != nullptr) {
+            disconnect(list_, nullptr, this, nullptr);
+        }
+        list_ = &list;
+        // What was counted may not be there any more, as in another node.
+        connect(list_, &ListView::Changing, this, [this] { Tell({}); });
+    }
     caption_->setText("Find in " + list.accessibleName() + ':');
     text_->setAccessibleName("Find in " + list.accessibleName());
     show();
@@ -76,7 +84,9 @@ void FindBar::Open(ListView& list) {
 }
 
 void FindBar::Close() {
-    list_->setFocus(Qt::OtherFocusReason);
+    if (isAncestorOf(QApplication::focusWidget())) {
+        list_->setFocus(Qt::OtherFocusReason);
+    }
     hide();
 }
 
@@ -107,22 +117,22 @@ void FindBar::Find(int from, int step) {
         emit Found(*list_);
         told = QString::number(found - rows.begin() + 1) + " of " + QString::number(rows.size());
     }
-    found_->setText(told);
+    Tell(told);
+}
+
+void FindBar::Tell(const QString& found) {
+    found_->setText(found);
     // The focus stays in the text, where it is heard.
-    text_->setAccessibleDescription(told);
+    text_->setAccessibleDescription(found);
 }
 
 void FindBar::keyPressEvent(QKeyEvent* event) {
-    switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        event->modifiers().testFlag(Qt::ShiftModifier) ? FindPrevious() : FindNext();
-        break;
-    case Qt::Key_Escape:
-        Close();
-        break;
-    default:
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
         QWidget::keyPressEvent(event);
+    } else if (auto* button = qobject_cast<QToolButton*>(focusWidget())) {
+        button->click();
+    } else {
+        event->modifiers().testFlag(Qt::ShiftModifier) ? FindPrevious() : FindNext();
     }
 }
 

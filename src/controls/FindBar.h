@@ -10,7 +10,7 @@ namespace KAL_AUTO_Node {
 class ListView;
 
 // Finds rows of a list by what they show, whatever the case: the next one as a person types, then onward with
-// Enter and back with Shift+Enter, round the ends. Escape closes the bar and goes back to the list.
+// Enter and back with Shift+Enter, round the ends. On one of the bar's buttons Enter presses that.
 class FindBar : public QWidget {
     Q_OBJECT
 
@@ -21,6 +21,9 @@ class FindBar : public QWidget {
     // For a list, which outlives the bar; the text of last time is there to be typed over.
     void Open(ListView& list);
 
+    // A focus that is in the bar goes to the list.
+    void Close();
+
   signals:
     // A row was found and is the list's selected item now.
     void Found(const ListView& list);
@@ -29,11 +32,11 @@ class FindBar : public QWidget {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    void Close();
     // Selects the first row found from one on, in steps of 1 or -1.
     void Find(int from, int step);
     void FindNext();
     void FindPrevious();
+    void Tell(const QString& found);
 
     ListView* list_ = nullptr;
     QLabel* caption_;

@@ -157,6 +157,15 @@ void ListRows::Remove(std::span<const int> rows) {
 
 void ListRows::Renumber(int from, int alsoColumn) {
     RequireColumn(alsoColumn);
+    // Rows that have theirs stay shared with whoever holds a copy of them.
+    const auto isRight = [&](int row) {
+        const QString& number = Cell(row, 0);
+        return At(row).key == RowKey(row) && number == QString::number(row + 1) &&
+               Cell(row, alsoColumn) == number;
+    };
+    while (from < Count() && isRight(from)) {
+        ++from;
+    }
     for (int row = from; row < Count(); ++row) {
         keys_.remove(RowAt(row).key);
     }

@@ -127,7 +127,11 @@ void NumberBox::Change() {
         const QScopedValueRollback once(changing_, true);
         if (corrects) {
             const std::u16string typed = Text().toStdU16String();
-            lineEdit()->setText(QString::number(TypedNumber(typed, numbers_->First(), numbers_->Last())));
+            const QString number = QString::number(TypedNumber(typed, numbers_->First(), numbers_->Last()));
+            // Setting a text, even the same, leaves nothing for the box's own undo.
+            if (number != Text()) {
+                lineEdit()->setText(number);
+            }
             lineEdit()->end(false);
         }
         // Keeps the chosen entry in step with the text: the toolkit would otherwise choose it, and run Click,

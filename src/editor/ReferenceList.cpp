@@ -106,7 +106,8 @@ std::vector<QWidget*> ReferenceList::Editors() const {
 
 void ReferenceList::HideEditors(QWidget& heir) {
     const std::vector<QWidget*> editors = Editors();
-    if (std::ranges::any_of(editors, &QWidget::hasFocus)) {
+    // The window's, which it has also before it is active again after a message.
+    if (std::ranges::find(editors, gui_.focusWidget()) != editors.end()) {
         heir.setFocus(Qt::OtherFocusReason);
     }
     for (QWidget* editor : editors) {

@@ -107,8 +107,11 @@ void RowList::Remove_Click() {
 void RowList::TakeIn(std::vector<ListRow> rows) {
     const Hourglass busy;
     const std::vector<int> selected = List().SelectedRows();
+    const int before = List().Count();
     BeforeAppending();
-    const int at = selected.size() == 1 ? std::min(selected.front(), List().Count()) : List().Count();
+    // What that took out stood first.
+    const int gone = before - List().Count();
+    const int at = selected.size() == 1 ? std::max(0, selected.front() - gone) : List().Count();
     std::vector<ListRow> all = List().Rows();
     for (ListRow& row : rows) {
         // The keys of the positions are still others'.

@@ -121,6 +121,11 @@ bool GUI::focusNextPrevChild(bool next) {
 }
 
 void GUI::keyPressEvent(QKeyEvent* event) {
+    // Wherever the focus went meanwhile, the search ends before the window does.
+    if (event->key() == Qt::Key_Escape && findBar_->isVisible()) {
+        findBar_->Close();
+        return;
+    }
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     const bool editing =
         IsEditing(*cmdPromptsEdit) || IsEditing(*cmdActionsEdit) || IsEditing(*cmdExceptionsEdit);

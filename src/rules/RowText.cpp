@@ -45,9 +45,13 @@ std::span<const Column> LeadColumns(RowKind kind) {
     return {};
 }
 
-// A label is anybody's text, and a spreadsheet would compute what begins like a formula.
+// A label is anybody's text: a spreadsheet would compute what begins like a formula, and look for the end of
+// what begins with a quote in the next rows.
 QString AsCell(const QString& label) {
-    const QString cell = label.simplified();
+    QString cell = label.simplified();
+    if (cell.startsWith('"')) {
+        return '"' + cell.replace('"', QStringLiteral("\"\"")) + '"';
+    }
     return cell.startsWith('=') || cell.startsWith('+') || cell.startsWith('-') || cell.startsWith('@')
                ? '\'' + cell
                : cell;
@@ -87,6 +91,10 @@ class Reader {
             for (const QString& digits : {cells[0], cells[1]}) {
                 if (!IsDigits(digits)) {
                     throw Refusal("a range consists of digits, not of " + Quoted(digits));
+                }
+                // The box would cut it off when it is opened on the row.
+                if (const int most = gui_.txtActionsDTMFRangeLow->maxLength(); digits.size() > most) {
+                    throw Refusal(Quoted(digits) + " has more than " + QString::number(most) + " digits");
                 }
             }
             rows_.push_back(ActionRowAt(position, cells[0], cells[1], Target(Slot::Actions, type, number)));
