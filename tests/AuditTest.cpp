@@ -206,6 +206,11 @@ TEST(Check, FindsASaveThatDidNotFinishAndLeavesItThere) {
     EXPECT_EQ(store.Value("SELECT State FROM Node_AUTO_Version"), "failed");
 }
 
+TEST(Check, TellsAFindingByALineThatNoEditorShortens) {
+    const Finding finding{Fault::SettingOutside, {AutoType, "AUTO", 1}, "", "settings", "terminating digit "};
+    EXPECT_EQ(finding.Key({1, 2}), "setting-outside 1 2 AUTO 1 terminating digit");
+}
+
 TEST(Check, IsDescribedInItsPage) {
     std::ifstream page(CHECK_PAGE);
     const std::string text(std::istreambuf_iterator<char>(page), {});
@@ -263,8 +268,8 @@ TEST(References, AreRepointedAllOrNone) {
     const TypeNames names(dataBase);
     const Partition partition{1, 2};
     const auto uses = [&](int number) { return ReadUses(dataBase, partition, names, 0, number).size(); };
-    const auto repoint = [&](NodeID to) {
-        return Repoint(dataBase, history, names, partition, {0, 249}, to, "today").obstacles;
+    const auto repoint = [&](NodeID to, NodeID from = {0, 249}) {
+        return Repoint(dataBase, history, names, partition, from, to, "today").obstacles;
     };
     const std::size_t all = AllReferenceColumns().size();
     EXPECT_EQ(uses(249), all);
@@ -274,6 +279,7 @@ TEST(References, AreRepointedAllOrNone) {
     // All but the AUTO node's branches, its action, and its prompt, which takes a message.
     EXPECT_EQ(repoint({9, 1}).size(), all - 6);
     EXPECT_EQ(repoint({817, 1}).size(), 1 + all - 1) << "no node";
+    EXPECT_EQ(repoint({0, 60}, {999, 1}), std::vector<std::string>{"EMPTY 1 is no node"});
     store.Refuse("UPDATE ON Node_XFER");
     EXPECT_THROW(repoint({0, 60}), RuntimeError);
     store.Skip("UPDATE ON Node_XFER");

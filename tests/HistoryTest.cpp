@@ -102,6 +102,7 @@ TEST_F(HistoryOfANode, StandsInTheWayOfASaveThatWouldGoOverAnothersUnseen) {
     EXPECT_THROW(ben_.history.PutBack(Place, 1, "restore"), RuntimeError);
     for (const auto& [host, begunAt, lives] : {std::tuple{std::string("elsewhere"), TimeStamp(), true},
                                                {"elsewhere", TimeStamp(1), false},
+                                               {"elsewhere", TimeStamp(-1), false},
                                                {HostName(), TimeStamp(), false}}) {
         Disguise(host, 1, begunAt);
         EXPECT_EQ(IsBeingMade(ben_.history.Versions(Place).front()), lives) << host << begunAt;
@@ -156,6 +157,15 @@ TEST_F(HistoryOfANode, TellsAndTakesBackASaveThatDidNotFinish) {
         EXPECT_EQ(Stored(), before);
     }
     EXPECT_FALSE(ben_.history.Unfinished(Place));
+
+    // What is put back further than its state before goes with it; what cannot be read is told all the same.
+    begin();
+    store_.Execute("UPDATE Node_AUTO SET NodeDescription = 'Half' WHERE PartID = 2 AND NodeNumber = 8");
+    Disguise(HostName(), 1, TimeStamp());
+    EXPECT_EQ(ben_.history.PutBack(Place, 2, "restore").node->label, "Half");
+    EXPECT_FALSE(ben_.history.Unfinished(Place));
+    store_.Execute("UPDATE Node_AUTO_Version SET State = 'failed', Content = '{}' WHERE VersionNo = 6");
+    EXPECT_TRUE(ben_.history.Unfinished(Place));
 }
 
 TEST_F(HistoryOfANode, IsMadeWhereAStoreHasNoneAndDoneWithoutWhereItMayNot) {

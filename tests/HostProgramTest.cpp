@@ -193,6 +193,16 @@ TEST(HostProgram, TellsWhatChangedAndPutsItBack) {
     EXPECT_EQ(store.Value("SELECT NodeDescription FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 8"),
               "Sales");
     ExpectTold(Program(0, {"prune"}).output, "Dropped 0");
+    Program(2, {"diff", "1", "2", "8"});
+    Program(2, {"restore", "1", "2", "8", "0"});
+    store.Execute("UPDATE Node_AUTO_Version SET State = 'begun', HostName = '\x1b[31m', BegunAt = '" +
+                  TimeStamp() + "' WHERE VersionNo = 2");
+    ExpectTold(Program(1, {"restore", "1", "2", "8", "--dry-run"}).errors, " on \\x1b[31m with ");
+
+    QProcess cut;
+    cut.setStandardOutputFile("/dev/full");
+    cut.start(AUTO_NODE, {"history", "1", "2", "8"});
+    EXPECT_TRUE(cut.waitForFinished() && cut.exitCode() == 1);
 }
 
 TEST(HostProgram, DrawsTheCallFlowOrOffersItsText) {

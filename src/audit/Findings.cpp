@@ -21,7 +21,9 @@ std::string Finding::Key(Partition partition) const {
     std::string key = RuleOf(fault).code;
     key += ' ' + std::to_string(partition.config) + ' ' + std::to_string(partition.number) + ' ' +
            Visible(holder.Text());
-    return subject.empty() ? key : key + ' ' + Visible(subject);
+    key += ' ' + Visible(subject);
+    key.erase(key.find_last_not_of(' ') + 1);
+    return key;
 }
 
 } // namespace KAL_AUTO_Node

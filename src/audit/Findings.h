@@ -116,7 +116,8 @@ struct Finding {
     std::string where;   // the row or setting; empty where it is the whole node
     std::string subject; // what is wrong there, such as the node referred to
 
-    // One line that tells the finding from others and stays as it is while rows move within their list.
+    // One line that tells the finding from others and stays as it is while rows move within their list. No
+    // blanks end it, which a person's editor would take away.
     [[nodiscard]] std::string Key(Partition partition) const;
 };
 

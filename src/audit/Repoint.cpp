@@ -47,6 +47,11 @@ class Planning {
             plan_.obstacles.push_back(NameOfNew() + " would take its own place");
         }
         CheckNew();
+        if (!RefersToNode(from_.typeID)) {
+            plan_.obstacles.push_back(NodeName{from_.typeID, names_.Name(from_.typeID), from_.number}.Text() +
+                                      " is no node");
+            return std::move(plan_);
+        }
         std::set<int> autoHolders;
         for (StoredReference& use : ReadUses(dataBase_, partition_, names_, from_.typeID, from_.number)) {
             CheckPlace(use);

@@ -1,9 +1,8 @@
 #pragma once
 
-namespace KAL_AUTO_Node {
-
 // The names of the text form that stores are carried over in; docs/exchange.md describes it.
-namespace Exchange {
+namespace KAL_AUTO_Node::Exchange {
+
 inline constexpr const char* Format = "auto-node-exchange";
 inline constexpr int Version = 1;
 inline constexpr const char* FormatMember = "format";
@@ -13,6 +12,5 @@ inline constexpr const char* PartitionMember = "partition";
 inline constexpr const char* TablesMember = "tables";
 // In the place of a text that is no UTF-8: its bytes, two digits of base 16 each.
 inline constexpr const char* BytesMember = "bytes";
-} // namespace Exchange
 
-} // namespace KAL_AUTO_Node
+} // namespace KAL_AUTO_Node::Exchange

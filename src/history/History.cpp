@@ -1,6 +1,7 @@
 #include "history/History.h"
 
 #include "platform/RuntimeError.h"
+#include "platform/VisibleText.h"
 #include "store/Batch.h"
 #include "store/Scripts.h"
 
@@ -100,7 +101,24 @@ NodeContent History::Before(const NodePlace& place, int version) {
     if (row.AtEnd()) {
         throw RuntimeError(ErrorNumber::InvalidProcedureCall, missing);
     }
-    return ContentOf(std::string(row.Text("Content")));
+    try {
+        return ContentOf(std::string(row.Text("Content")));
+    } catch (const RuntimeError& error) {
+        throw RuntimeError(error.Number(),
+                           Named(place) + ", version " + std::to_string(version) + ": " + error.what());
+    }
+}
+
+bool History::IsAsBefore(const NodePlace& place, int version) {
+    try {
+        return ReadContent(dataBase_, place.partition, place.number) == Before(place, version);
+    } catch (const RuntimeError& error) {
+        // Nobody can tell, and a change that never got to its end must not go unseen.
+        if (error.Number() == ErrorNumber::StoreNotRecognized) {
+            return false;
+        }
+        throw;
+    }
 }
 
 std::optional<Version> History::Unfinished(const NodePlace& place, bool onlyRead) {
@@ -115,7 +133,7 @@ std::optional<Version> History::Unfinished(const NodePlace& place, bool onlyRead
         if (!IsUnfinished(version)) {
             continue;
         }
-        if (ReadContent(dataBase_, place.partition, place.number) != Before(place, version.number)) {
+        if (!IsAsBefore(place, version.number)) {
             return version;
         }
         // The number of one that is dropped is given anew, and its owner would take the other for its own.
@@ -203,8 +221,9 @@ void History::SetState(Batch& batch, const NodePlace& place, int version, const 
 
 void History::RequireIdle(const NodePlace& place, const std::vector<Version>& versions) {
     if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
-        throw RuntimeError(ErrorNumber::Busy, Named(place) + " is being saved by " + AuthorText(*made) +
-                                                  " since " + LocalTime(made->begunAt));
+        throw RuntimeError(ErrorNumber::Busy, Named(place) + " is being saved by " +
+                                                  Visible(AuthorText(*made)) + " since " +
+                                                  LocalTime(made->begunAt));
     }
 }
 
@@ -235,25 +254,43 @@ void History::Keep(std::span<const NodePlace> places, const char* work, const Ta
     }
 }
 
-void History::PutBack(const NodePlace& place, int version, const char* work) {
+NodeContent History::ToPutBack(const NodePlace& place, int version) {
+    RequireIdle(place, Versions(place));
+    NodeContent before = Before(place, version);
+    if (!before.node) {
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                           Named(place) + " did not exist before version " + std::to_string(version));
+    }
+    return before;
+}
+
+NodeContent History::PutBack(const NodePlace& place, int version, const char* work) {
+    NodeContent replaced;
+    std::vector<int> undone = {version};
     {
         Transaction all(dataBase_, place.Number());
-        RequireIdle(place, Versions(place));
-        const NodeContent before = Before(place, version);
-        if (!before.node) {
-            throw RuntimeError(ErrorNumber::InvalidProcedureCall,
-                               Named(place) + " did not exist before version " + std::to_string(version));
-        }
+        const NodeContent before = ToPutBack(place, version);
         Batch batch(dataBase_);
-        Add(batch, place, work, VersionState::Finished,
-            ReadContent(dataBase_, place.partition, place.number));
+        // What a later change has left half-way goes with it.
+        for (const Version& later : Versions(place)) {
+            if (later.number > version && IsUnfinished(later)) {
+                undone.push_back(later.number);
+            }
+        }
+        replaced = ReadContent(dataBase_, place.partition, place.number);
+        Add(batch, place, work, VersionState::Finished, replaced);
         batch.Run();
         WriteContent(dataBase_, place.partition, place.number, before);
-        SetState(batch, place, version, VersionState::PutBack);
+        for (const int number : undone) {
+            SetState(batch, place, number, VersionState::PutBack);
+        }
         all.Commit(batch);
     }
     dataBase_.Flush();
-    FinishCreations(place, version);
+    for (const int number : undone) {
+        FinishCreations(place, number);
+    }
+    return replaced;
 }
 
 void History::FinishCreations(const NodePlace& place, int version) {

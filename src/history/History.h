@@ -57,9 +57,12 @@ class History {
     // Whether a save began to make that node from its template. Needs a store with a history.
     [[nodiscard]] bool HasBegun(Partition partition, int typeID, int number);
 
-    // Makes the store hold the node as it was before a change, in one step that is itself a version. Raises
-    // Busy while the node is being saved.
-    void PutBack(const NodePlace& place, int version, const char* work);
+    // The node as PutBack makes it. Raises Busy while the node is being saved, and InvalidProcedureCall where
+    // there was none.
+    [[nodiscard]] NodeContent ToPutBack(const NodePlace& place, int version);
+    // Makes the store hold the node as it was before a change, in one step that is itself a version; the
+    // change and those after it are undone. Returns what the step replaced.
+    NodeContent PutBack(const NodePlace& place, int version, const char* work);
 
     // Drops what is kept no longer of all nodes; returns how many versions went.
     std::int64_t Prune();
@@ -76,6 +79,8 @@ class History {
     // Behind those versions.
     int Add(Batch& batch, const NodePlace& place, const std::vector<Version>& versions, const char* work,
             const char* state, const NodeContent& before);
+    // Whether the node is now what it was before a change; not where that cannot be read.
+    [[nodiscard]] bool IsAsBefore(const NodePlace& place, int version);
     void MarkEnded();
     void TryToMarkEnded() noexcept;
     void Forget(const NodePlace& place, int version);

@@ -4,6 +4,7 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <optional>
 #include <string_view>
@@ -51,7 +52,7 @@ bool IsBeingMade(const Version& version) {
         return false;
     }
     const auto begun = Read(version.begunAt);
-    return begun && std::time(nullptr) - *begun < std::time_t{OwnerLimitMinutes} * 60;
+    return begun && std::abs(std::time(nullptr) - *begun) < std::time_t{OwnerLimitMinutes} * 60;
 }
 
 bool IsSurelyOver(const Version& version) {

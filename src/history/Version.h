@@ -29,8 +29,8 @@ inline constexpr const char* PutBack = "put back";  // not whole, and undone
 // Whether the change never got to its end, and nothing has been done about that.
 [[nodiscard]] bool IsUnfinished(const Version& version);
 
-// Whether the change is still being made, as far as can be told: it began less than OwnerLimitMinutes ago,
-// and its process, where that is one of this host, runs.
+// Whether the change is still being made, as far as can be told: it began less than OwnerLimitMinutes ago, or
+// ahead by a clock that goes wrong, and its process, where that is one of this host, runs.
 [[nodiscard]] bool IsBeingMade(const Version& version);
 
 // Whether the change is over for certain: told so by its own process, or that ran on this host and is gone.

@@ -3,21 +3,35 @@
 #include "nodes/AutoNodeReader.h"
 
 #include <charconv>
+#include <limits>
 #include <stdexcept>
 #include <string>
 
 namespace KAL_AUTO_Node {
 
+namespace {
+
 // By itself the parser takes octal numbers and empty texts, too.
-std::int16_t ReadNumber(const std::string& name, const std::string& text) {
-    std::int16_t number = 0;
+template <class Whole>
+Whole ReadWhole(const std::string& name, const std::string& text, Whole first) {
+    constexpr Whole last = std::numeric_limits<Whole>::max();
+    Whole number = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, failure] = std::from_chars(text.data(), end, number);
-    if (failure != std::errc() || stop != end) {
-        throw CLI::ValidationError(name, "'" + text + "' is no whole number from -32768 to 32767");
+    if (failure != std::errc() || stop != end || number < first) {
+        throw CLI::ValidationError(name, "'" + text + "' is no whole number from " + std::to_string(first) +
+                                             " to " + std::to_string(last));
     }
     return number;
 }
+
+} // namespace
+
+std::int16_t ReadNumber(const std::string& name, const std::string& text) {
+    return ReadWhole(name, text, std::numeric_limits<std::int16_t>::min());
+}
+
+int ReadVersion(const std::string& name, const std::string& text) { return ReadWhole(name, text, 1); }
 
 CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::int16_t& number,
                        const std::string& description) {

@@ -16,6 +16,8 @@ class DataBase;
 
 // A whole number of 16 bits, in decimal. Throws CLI::ValidationError for another text.
 [[nodiscard]] std::int16_t ReadNumber(const std::string& name, const std::string& text);
+// The number of a version, likewise.
+[[nodiscard]] int ReadVersion(const std::string& name, const std::string& text);
 CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::int16_t& number,
                        const std::string& description);
 

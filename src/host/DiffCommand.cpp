@@ -54,23 +54,37 @@ Subcommand DiffCommand(CLI::App& program) {
     AddNode(*command, options->place);
     CLI::Option* versions =
         command
-            ->add_option("--versions", options->versions,
-                         "The node as it was before one change, against before another or as it is now")
+            ->add_option_function<std::vector<std::string>>(
+                "--versions",
+                [options](const std::vector<std::string>& texts) {
+                    for (const std::string& text : texts) {
+                        options->versions.push_back(ReadVersion("--versions", text));
+                    }
+                },
+                "The node as it was before one change, against before another or as it is now")
             ->expected(1, 2)
             ->type_name("OLD [NEW]");
-    command->add_option("--node", options->other, "Another node, by configuration, partition and number")
+    command
+        ->add_option_function<std::vector<std::string>>(
+            "--node",
+            [options](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts) {
+                    options->other.push_back(ReadNumber("--node", text));
+                }
+            },
+            "Another node, by configuration, partition and number")
         ->expected(3)
         ->type_name("CONFIG PARTITION NODE")
         ->excludes(versions);
     command->add_option("--store", options->store, "The file of another store, in which the other node is")
         ->type_name("FILE")
         ->excludes(versions);
-    return {command, [options] {
-                if (options->versions.empty() && options->other.empty() && options->store.empty()) {
-                    throw std::runtime_error("diff takes --versions, --node or --store");
-                }
-                return Run(*options);
-            }};
+    command->callback([options] {
+        if (options->versions.empty() && options->other.empty() && options->store.empty()) {
+            throw CLI::ValidationError("diff", "takes --versions, --node or --store");
+        }
+    });
+    return {command, [options] { return Run(*options); }};
 }
 
 } // namespace KAL_AUTO_Node

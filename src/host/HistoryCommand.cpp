@@ -2,12 +2,15 @@
 #include "host/Arguments.h"
 #include "host/Changes.h"
 #include "host/Commands.h"
+#include "host/Table.h"
 #include "nodes/NodeJson.h"
+#include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
 #include "store/DataBase.h"
 
 #include <iostream>
 #include <memory>
+#include <optional>
 
 namespace KAL_AUTO_Node {
 
@@ -19,12 +22,26 @@ struct Change {
     std::vector<std::string> words;
 };
 
+// Nothing where the content of the one version cannot be read; the others tell their changes all the same.
+std::optional<NodeContent> ReadBefore(History& history, const NodePlace& place, int version) {
+    try {
+        return history.Before(place, version);
+    } catch (const RuntimeError& error) {
+        if (error.Number() == ErrorNumber::StoreNotRecognized) {
+            return std::nullopt;
+        }
+        throw;
+    }
+}
+
 std::vector<Change> ReadChanges(DataBase& dataBase, History& history, const NodePlace& place) {
     std::vector<Change> changes;
-    NodeContent after = ReadContent(dataBase, place.partition, place.number);
+    std::optional after = ReadContent(dataBase, place.partition, place.number);
     for (Version& version : history.Versions(place)) {
-        NodeContent before = history.Before(place, version.number);
-        changes.push_back({std::move(version), ChangesInWords(before.node, after.node)});
+        auto before = ReadBefore(history, place, version.number);
+        auto words = before && after ? ChangesInWords(before->node, after->node)
+                                     : std::vector<std::string>{"what it changed cannot be read"};
+        changes.push_back({std::move(version), std::move(words)});
         after = std::move(before);
     }
     return changes;
@@ -92,7 +109,8 @@ Subcommand PruneCommand(CLI::App& program) {
                      std::to_string(History::KeptDays) + " days");
     return {command, [] {
                 DataBase dataBase;
-                std::cout << "Dropped " << History(dataBase).Prune() << " versions\n";
+                const auto dropped = static_cast<std::size_t>(History(dataBase).Prune());
+                std::cout << "Dropped " << Counted(dropped, "version") << '\n';
                 return 0;
             }};
 }

@@ -20,32 +20,34 @@ Subcommand RestoreCommand(CLI::App& program) {
     auto options = std::make_shared<Options>();
     CLI::App* command = program.add_subcommand("restore", "Put an AUTO node back as it was before a change");
     AddNode(*command, options->place);
-    command->add_option("VERSION", options->version, "Number of the change; the latest where none is given")
-        ->check(CLI::PositiveNumber);
+    command
+        ->add_option_function<std::string>(
+            "VERSION",
+            [options](const std::string& text) { options->version = ReadVersion("VERSION", text); },
+            "Number of the change; the latest where none is given")
+        ->type_name("");
     command->add_flag("--dry-run", options->dryRun, "Only tell what would change");
-    return {command, [options] {
-                const NodePlace place = PlaceOf(options->place);
-                DataBase dataBase;
-                History history(dataBase);
-                int version = options->version;
-                if (version == 0) {
-                    const auto versions = history.Versions(place);
-                    if (versions.empty()) {
-                        throw RuntimeError(ErrorNumber::InvalidProcedureCall,
-                                           "No changes of this node are kept");
-                    }
-                    version = versions.front().number;
+    return {
+        command, [options] {
+            const NodePlace place = PlaceOf(options->place);
+            DataBase dataBase;
+            History history(dataBase);
+            int version = options->version;
+            if (version == 0) {
+                const auto versions = history.Versions(place);
+                if (versions.empty()) {
+                    throw RuntimeError(ErrorNumber::InvalidProcedureCall, "No changes of this node are kept");
                 }
-                const auto changes = ChangesInWords(ReadContent(dataBase, place.partition, place.number).node,
-                                                    history.Before(place, version).node);
-                if (!options->dryRun) {
-                    history.PutBack(place, version, "restore");
-                }
-                std::cout << (options->dryRun ? "Would put back" : "Put back") << " AUTO node "
-                          << place.number << " as it was before version " << version << ":\n";
-                PrintChanges(changes);
-                return 0;
-            }};
+                version = versions.front().number;
+            }
+            const NodeContent after = history.ToPutBack(place, version);
+            const NodeContent before = options->dryRun ? ReadContent(dataBase, place.partition, place.number)
+                                                       : history.PutBack(place, version, "restore");
+            std::cout << (options->dryRun ? "Would put back" : "Put back") << " AUTO node " << place.number
+                      << " as it was before version " << version << ":\n";
+            PrintChanges(ChangesInWords(before.node, after.node));
+            return 0;
+        }};
 }
 
 } // namespace KAL_AUTO_Node

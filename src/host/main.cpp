@@ -1,11 +1,32 @@
 #include "host/Commands.h"
+#include "platform/VisibleText.h"
 
 #include <iostream>
+#include <sstream>
+#include <string>
 
 namespace {
 
 constexpr int Failed = 1;
 constexpr int UsageError = 2;
+
+// What is stored, or what an engine says of it, may be part of the text.
+void Tell(const std::string& error) {
+    std::istringstream lines(error);
+    const char* before = "auto-node: ";
+    for (std::string line; std::getline(lines, line); before = "") {
+        std::cerr << before << KAL_AUTO_Node::Visible(line) << '\n';
+    }
+}
+
+// A program that reads a cut output must not take it for the whole.
+int Ended(int status) {
+    if (std::cout.flush()) {
+        return status;
+    }
+    Tell("the output could not be written as a whole");
+    return Failed;
+}
 
 } // namespace
 
@@ -23,16 +44,16 @@ int main(int argc, char** argv) {
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return program.exit(error) == 0 ? 0 : UsageError;
+        return program.exit(error) == 0 ? Ended(0) : UsageError;
     }
     try {
         for (const Subcommand& command : commands) {
             if (command.options->parsed()) {
-                return command.run();
+                return Ended(command.run());
             }
         }
     } catch (const std::exception& error) {
-        std::cerr << "auto-node: " << error.what() << '\n';
+        Tell(error.what());
     }
     return Failed;
 }

@@ -1,6 +1,7 @@
 #include "nodes/PartitionReader.h"
 
 #include "nodes/Record.h"
+#include "platform/RuntimeError.h"
 #include "store/DataBase.h"
 
 #include <optional>
@@ -67,12 +68,20 @@ void ReadWholeAutoNodes(DataBase& dataBase, Partition partition,
     AutoNode node;
     for (; !records.AtEnd(); records.MoveNext()) {
         const int number = records.Number(numberColumn);
-        ReadRecord(records, node);
-        for (std::size_t branch = 0; branch < branches.size(); ++branch) {
-            node.branches.at(branch) = branches[branch].Read(records);
+        try {
+            ReadRecord(records, node);
+            for (std::size_t branch = 0; branch < branches.size(); ++branch) {
+                node.branches.at(branch) = branches[branch].Read(records);
+            }
+            prompts.Read(number, node.prompts);
+            actions.Read(number, node.actions);
+        } catch (const RuntimeError& error) {
+            throw RuntimeError(error.Number(),
+                               "AUTO node " + std::to_string(number) + " of configuration " +
+                                   std::to_string(partition.config) + ", partition " +
+                                   std::to_string(partition.number) + ": " + error.what(),
+                               error.Source());
         }
-        prompts.Read(number, node.prompts);
-        actions.Read(number, node.actions);
         take(number, node);
     }
     prompts.PassOrphans();

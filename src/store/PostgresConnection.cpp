@@ -160,10 +160,12 @@ std::unique_ptr<Statement> PostgresConnection::Prepare(const std::string& sql) {
 void PostgresConnection::Begin(std::optional<std::int64_t> number) {
     BeReady();
     // Sent with the first statement. A change of one thing keeps out others of the same, and one of
-    // everything keeps out all.
+    // everything keeps out all. Each statement has to see what was there when the lock was got, whatever the
+    // server's own default.
     const std::string application = std::to_string(StoreApplicationId);
-    beginning_ = {"BEGIN", "SELECT pg_advisory_xact_lock" + std::string(number ? "_shared" : "") + '(' +
-                               application + ", 0)"};
+    beginning_ = {"BEGIN ISOLATION LEVEL READ COMMITTED"};
+    beginning_.push_back("SELECT pg_advisory_xact_lock" + std::string(number ? "_shared" : "") + '(' +
+                         application + ", 0)");
     if (number) {
         beginning_.push_back("SELECT pg_advisory_xact_lock(" + std::to_string(*number) + ')');
     }

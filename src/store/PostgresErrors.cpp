@@ -119,6 +119,7 @@ RuntimeError ErrorOf(const PGresult* failed, const NumberedStatement* statement)
 std::string Trimmed(const char* message) {
     std::string text(message);
     text.erase(text.find_last_not_of(" \r\n") + 1);
+    std::erase(text, '\t'); // at the beginning of further lines
     std::ranges::replace(text, '\n', ' ');
     return text;
 }

@@ -6,6 +6,9 @@
 #include <SQLiteCpp/Exception.h>
 #include <sqlite3.h>
 
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -27,13 +30,22 @@ constexpr std::chrono::seconds RunLimit(10);
 // How many of the engine's steps pass between two looks at the clock; a few milliseconds.
 constexpr int StepsBetweenLooks = 100'000;
 
+// Asks the file system alone: to open a file here would take away the locks on it.
+bool IsProtected(const std::string& file) {
+    return faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) != 0 && errno == EACCES;
+}
+
 // The engine's words for a result, and what to do where they name the file though the folder may be what it
-// could not write.
-std::string Words(int result, std::string words) {
-    if ((result & 0xFF) == SQLITE_READONLY) {
+// could not write. Of a file that was protected while it was open here the engine only says that writing
+// failed: it gives the journal the file's rights, and cannot write it the next time.
+std::string Words(int result, std::string words, sqlite3* database = nullptr) {
+    const std::string file = database != nullptr ? sqlite3_db_filename(database, "main") : "";
+    const bool failed = (result & 0xFF) == SQLITE_IOERR || (result & 0xFF) == SQLITE_CANTOPEN;
+    if ((result & 0xFF) == SQLITE_READONLY ||
+        (failed && !file.empty() && (IsProtected(file) || IsProtected(file + "-journal")))) {
         words +=
-            "; saving needs the right to write the store's file and the folder that it lies in, where the "
-            "engine keeps its journal";
+            "; the engine needs the right to write the store's file and the folder that it lies in, where "
+            "it keeps its journal";
     }
     return words;
 }
@@ -154,7 +166,7 @@ class SqliteStatement : public Statement {
             const int cause = sqlite3_extended_errcode(database_);
             const bool duplicate = cause == SQLITE_CONSTRAINT_PRIMARYKEY || cause == SQLITE_CONSTRAINT_UNIQUE;
             throw RuntimeError(duplicate ? ErrorNumber::DuplicateKey : ErrorNumber::StoreFailure,
-                               Words(cause, sqlite3_errmsg(database_)), "SQLite");
+                               Words(cause, sqlite3_errmsg(database_), database_), "SQLite");
         }
     }
 
@@ -279,7 +291,7 @@ bool SqliteConnection::HasTable(const std::string& name) {
 
 void SqliteConnection::RunScript(const char* sql) {
     if (const int result = database_.tryExec(sql); result != SQLITE_OK) {
-        const std::string what = Words(result, database_.getErrorMsg());
+        const std::string what = Words(result, database_.getErrorMsg(), database_.getHandle());
         // What is not so for a moment only.
         const bool denied = result == SQLITE_READONLY || result == SQLITE_PERM || result == SQLITE_AUTH ||
                             result == SQLITE_ERROR;
