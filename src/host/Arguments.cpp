@@ -39,18 +39,18 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::int16_t&
     return command.add_option_function<std::string>(name, read, description)->type_name("");
 }
 
-void AddPartition(CLI::App& command, std::int16_t& config, std::int16_t& partition) {
-    AddNumber(command, "CONFIG", config, "Configuration number")->required();
-    AddNumber(command, "PARTITION", partition, "Partition number")->required();
+void AddPartition(CLI::App& command, Partition& partition) {
+    AddNumber(command, "CONFIG", partition.config, "Configuration number")->required();
+    AddNumber(command, "PARTITION", partition.number, "Partition number")->required();
 }
 
 void AddType(CLI::App& command, const std::string& name, std::string& type) {
     command.add_option(name, type, "Node type, by name (MSG, AUTO, ...) or ID")->required()->type_name("");
 }
 
-void AddNode(CLI::App& command, NodeArguments& place) {
-    AddPartition(command, place.config, place.partition);
-    AddNumber(command, "NODE", place.node, "Number of the AUTO node; 0 for the partition's template")
+void AddNode(CLI::App& command, NodePlace& place) {
+    AddPartition(command, place.partition);
+    AddNumber(command, "NODE", place.number, "Number of the AUTO node; 0 for the partition's template")
         ->required();
 }
 

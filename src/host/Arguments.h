@@ -22,23 +22,13 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::int16_t&
                        const std::string& description);
 
 // CONFIG PARTITION, both required.
-void AddPartition(CLI::App& command, std::int16_t& config, std::int16_t& partition);
+void AddPartition(CLI::App& command, Partition& partition);
 
 // A node type by its name or its ID.
 void AddType(CLI::App& command, const std::string& name, std::string& type);
 
-struct NodeArguments {
-    std::int16_t config = 0;
-    std::int16_t partition = 0;
-    std::int16_t node = 0;
-};
-
-[[nodiscard]] inline NodePlace PlaceOf(const NodeArguments& place) {
-    return {{place.config, place.partition}, place.node};
-}
-
 // CONFIG PARTITION NODE, all required.
-void AddNode(CLI::App& command, NodeArguments& place);
+void AddNode(CLI::App& command, NodePlace& place);
 
 // The node with the labels of those that it refers to. Throws where there is none.
 [[nodiscard]] AutoNode RequireAutoNode(DataBase& dataBase, const NodePlace& place);

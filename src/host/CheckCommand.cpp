@@ -30,7 +30,7 @@ constexpr int ErrorsFound = 1;
 constexpr int WarningsFound = 3;
 
 struct Options {
-    NodeArguments place;
+    NodePlace place;
     bool onePartition = false;
     bool oneNode = false;
     bool json = false;
@@ -77,7 +77,7 @@ class Checking {
 
     int Run() {
         if (options_.onePartition) {
-            const Partition partition = PlaceOf(options_.place).partition;
+            const Partition partition = options_.place.partition;
             Check(partition);
             if (autoNodes_ + registeredNodes_ + reported_.size() == 0) {
                 throw std::runtime_error("configuration " + std::to_string(partition.config) +
@@ -126,12 +126,12 @@ class Checking {
     PartitionFindings Find(Partition partition) {
         PartitionFindings checked = CheckPartition(dataBase_, history_, partition);
         if (options_.oneNode) {
-            const int number = options_.place.node;
+            const int number = options_.place.number;
             std::erase_if(checked.findings, [&](const Finding& finding) {
                 return finding.holder.typeID != AutoType || finding.holder.number != number;
             });
             if (checked.findings.empty()) {
-                static_cast<void>(RequireAutoNode(dataBase_, PlaceOf(options_.place)));
+                static_cast<void>(RequireAutoNode(dataBase_, options_.place));
             }
         }
         return checked;
@@ -252,10 +252,10 @@ Subcommand CheckCommand(CLI::App& program) {
         "check",
         "Tell what is wrong in all partitions, in one, or with one AUTO node; exits with 1 where there are "
         "errors, 3 where there are warnings only");
-    NodeArguments& place = options->place;
-    CLI::Option* config = AddNumber(*command, "CONFIG", place.config, "Configuration number");
-    CLI::Option* partition = AddNumber(*command, "PARTITION", place.partition, "Partition number");
-    CLI::Option* node = AddNumber(*command, "NODE", place.node, "Number of the AUTO node");
+    NodePlace& place = options->place;
+    CLI::Option* config = AddNumber(*command, "CONFIG", place.partition.config, "Configuration number");
+    CLI::Option* partition = AddNumber(*command, "PARTITION", place.partition.number, "Partition number");
+    CLI::Option* node = AddNumber(*command, "NODE", place.number, "Number of the AUTO node");
     config->needs(partition);
     CLI::Option* json = command->add_flag("--json", options->json, "Print JSON, for programs");
     CLI::Option* keys =

@@ -12,7 +12,7 @@ namespace KAL_AUTO_Node {
 namespace {
 
 struct Options {
-    NodeArguments place;
+    NodePlace place;
     std::vector<int> versions;
     std::vector<std::int16_t> other; // node: configuration, partition, number
     std::string store;
@@ -24,7 +24,7 @@ std::optional<AutoNode> NodeBefore(DataBase& dataBase, const NodePlace& place, s
 }
 
 int Run(const Options& options) {
-    const NodePlace place = PlaceOf(options.place);
+    const NodePlace& place = options.place;
     const NodePlace otherPlace =
         options.other.empty() ? place : NodePlace{{options.other[0], options.other[1]}, options.other[2]};
     const auto version = [&](std::size_t position) {

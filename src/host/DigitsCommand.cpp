@@ -61,11 +61,11 @@ std::string LeadsTo(const AutoNode& node, const DigitInterval& interval) {
                             : "not known which: " + Named(node, leads, true);
 }
 
-void Print(const NodeArguments& place, const AutoNode& node, int digits,
+void Print(const NodePlace& place, const AutoNode& node, int digits,
            const std::vector<DigitLength>& lengths) {
     const Reference& invalid = node.branches[static_cast<std::size_t>(
         std::ranges::find(BranchRules, Slot::Invalid, &BranchRule::slot) - BranchRules.begin())];
-    std::cout << Visible(node.type) << ' ' << place.node << "  " << Visible(node.label.value_or(""))
+    std::cout << Visible(node.type) << ' ' << place.number << "  " << Visible(node.label.value_or(""))
               << "\nTakes 1 to " << digits << " digits; Invalid is "
               << Visible(DisplayText(invalid, Slot::Invalid)) << '\n';
     for (const DigitLength& length : lengths) {
@@ -107,10 +107,11 @@ Json SetJson(const AutoNode& node, const ActionSet& actions) {
     return {{"count", actions.count}, {"first", sequences}};
 }
 
-Json ToJson(const NodeArguments& place, const AutoNode& node, int digits,
+Json ToJson(const NodePlace& place, const AutoNode& node, int digits,
             const std::vector<DigitLength>& lengths) {
-    Json document{{"config", place.config},   {"partition", place.partition}, {"number", place.node},
-                  {"numberOfDigits", digits}, {"lengths", Json::array()},     {"takeNoPart", Json::array()}};
+    Json document{{"config", place.partition.config}, {"partition", place.partition.number},
+                  {"number", place.number},           {"numberOfDigits", digits},
+                  {"lengths", Json::array()},         {"takeNoPart", Json::array()}};
     for (const DigitLength& length : lengths) {
         Json member{{"length", length.length}};
         for (const Question& question : Questions) {
@@ -137,7 +138,7 @@ Json ToJson(const NodeArguments& place, const AutoNode& node, int digits,
 
 Subcommand DigitsCommand(CLI::App& program) {
     struct Options {
-        NodeArguments place;
+        NodePlace place;
         bool json = false;
     };
 
@@ -148,7 +149,7 @@ Subcommand DigitsCommand(CLI::App& program) {
     command->add_flag("--json", options->json, "Print JSON, for programs");
     return {command, [options] {
                 DataBase dataBase;
-                const AutoNode node = RequireAutoNode(dataBase, PlaceOf(options->place));
+                const AutoNode node = RequireAutoNode(dataBase, options->place);
                 const int digits = NumberOfDigits(node);
                 const auto lengths = DigitSpaceOf(node.actions, digits);
                 if (options->json) {

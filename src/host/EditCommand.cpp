@@ -27,31 +27,33 @@ bool HasDisplay() {
 } // namespace
 
 Subcommand EditCommand(CLI::App& program) {
-    auto place = std::make_shared<NodeArguments>();
+    auto place = std::make_shared<NodePlace>();
     CLI::App* edit =
         program.add_subcommand("edit", "Open the editor on a node, or on the first AUTO node of the store");
-    AddNumber(*edit, "CONFIG", place->config, "Configuration number");
-    AddNumber(*edit, "PARTITION", place->partition, "Partition number");
+    AddNumber(*edit, "CONFIG", place->partition.config, "Configuration number");
+    AddNumber(*edit, "PARTITION", place->partition.number, "Partition number");
     CLI::Option* node =
-        AddNumber(*edit, "NODE", place->node, "Number of the AUTO node; 0 for the partition's template");
+        AddNumber(*edit, "NODE", place->number, "Number of the AUTO node; 0 for the partition's template");
     edit->get_option("CONFIG")->needs(node);
-    return {
-        edit, [place, node]() -> int {
-            if (!HasDisplay()) {
-                throw std::runtime_error("there is no display to show the editor on (DISPLAY is not set)");
-            }
-            // The window's program takes the place of this one, so that no other command loads the toolkit.
-            std::string file = ProgramOfOurs("auto-node-edit").string();
-            std::array<std::string, 3> numbers = {
-                std::to_string(place->config), std::to_string(place->partition), std::to_string(place->node)};
-            std::array<char*, 5> arguments = {file.data(), numbers[0].data(), numbers[1].data(),
-                                              numbers[2].data(), nullptr};
-            if (node->count() == 0) {
-                arguments[1] = nullptr;
-            }
-            execv(file.c_str(), arguments.data());
-            throw std::system_error(errno, std::generic_category(), "cannot start the editor, " + file);
-        }};
+    return {edit, [place, node]() -> int {
+                if (!HasDisplay()) {
+                    throw std::runtime_error(
+                        "there is no display to show the editor on (DISPLAY is not set)");
+                }
+                // The window's program takes the place of this one, so that no other command loads the
+                // toolkit.
+                std::string file = ProgramOfOurs("auto-node-edit").string();
+                std::array<std::string, 3> numbers = {std::to_string(place->partition.config),
+                                                      std::to_string(place->partition.number),
+                                                      std::to_string(place->number)};
+                std::array<char*, 5> arguments = {file.data(), numbers[0].data(), numbers[1].data(),
+                                                  numbers[2].data(), nullptr};
+                if (node->count() == 0) {
+                    arguments[1] = nullptr;
+                }
+                execv(file.c_str(), arguments.data());
+                throw std::system_error(errno, std::generic_category(), "cannot start the editor, " + file);
+            }};
 }
 
 } // namespace KAL_AUTO_Node

@@ -21,7 +21,7 @@ constexpr std::array<const char*, 4> Formats = {"svg", "png", "pdf", "dot"};
 constexpr std::chrono::seconds TimeLimit{60};
 
 struct Options {
-    NodeArguments place;
+    NodePlace place;
     bool oneNode = false;
     int depth = 2; // steps
     std::string file;
@@ -56,12 +56,12 @@ void WriteFile(const std::string& file, const std::string& content) {
 }
 
 std::string GraphOf(const Options& options) {
-    const auto [config, partition, number] = options.place;
+    const auto& [partition, number] = options.place;
     DataBase dataBase;
     History history(dataBase);
-    const CallFlow flow = ReadCallFlow(dataBase, history, {config, partition});
-    const std::string place =
-        "configuration " + std::to_string(config) + ", partition " + std::to_string(partition);
+    const CallFlow flow = ReadCallFlow(dataBase, history, partition);
+    const std::string place = "configuration " + std::to_string(partition.config) + ", partition " +
+                              std::to_string(partition.number);
     if (options.oneNode) {
         if (!flow.nodes.contains(number)) {
             throw std::runtime_error("AUTO node " + std::to_string(number) + " of " + place +
@@ -112,8 +112,8 @@ Subcommand GraphCommand(CLI::App& program) {
     auto options = std::make_shared<Options>();
     CLI::App* command =
         program.add_subcommand("graph", "Draw the call flow of a partition, or of the nodes around one");
-    AddPartition(*command, options->place.config, options->place.partition);
-    CLI::Option* node = AddNumber(*command, "NODE", options->place.node,
+    AddPartition(*command, options->place.partition);
+    CLI::Option* node = AddNumber(*command, "NODE", options->place.number,
                                   "Number of the AUTO node whose surroundings are drawn; 0 for the template");
     command->add_option("--depth", options->depth, "How many steps from NODE onwards and back; 2 by default")
         ->check(CLI::NonNegativeNumber)

@@ -85,7 +85,7 @@ void PrintJson(const std::vector<Change>& changes) {
 
 Subcommand HistoryCommand(CLI::App& program) {
     struct Options {
-        NodeArguments place;
+        NodePlace place;
         bool json = false;
     };
 
@@ -96,7 +96,7 @@ Subcommand HistoryCommand(CLI::App& program) {
     return {command, [options] {
                 DataBase dataBase;
                 History history(dataBase);
-                const auto changes = ReadChanges(dataBase, history, PlaceOf(options->place));
+                const auto changes = ReadChanges(dataBase, history, options->place);
                 options->json ? PrintJson(changes) : Print(changes);
                 return 0;
             }};

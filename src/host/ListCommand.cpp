@@ -15,8 +15,7 @@ namespace {
 using enum Table::Align;
 
 struct Options {
-    std::int16_t config = 0;
-    std::int16_t partition = 0;
+    Partition partition;
     bool json = false;
 };
 
@@ -70,14 +69,14 @@ void ListNodes(DataBase& dataBase, Partition partition, bool json) {
 Subcommand ListCommand(CLI::App& program) {
     auto options = std::make_shared<Options>();
     CLI::App* list = program.add_subcommand("list", "List the partitions, or the AUTO nodes of one");
-    CLI::Option* config = AddNumber(*list, "CONFIG", options->config, "Configuration number");
-    CLI::Option* partition = AddNumber(*list, "PARTITION", options->partition, "Partition number");
+    CLI::Option* config = AddNumber(*list, "CONFIG", options->partition.config, "Configuration number");
+    CLI::Option* partition = AddNumber(*list, "PARTITION", options->partition.number, "Partition number");
     config->needs(partition);
     list->add_flag("--json", options->json, "Print JSON, for programs");
     return {list, [options, partition] {
                 DataBase dataBase;
                 if (partition->count() > 0) {
-                    ListNodes(dataBase, {options->config, options->partition}, options->json);
+                    ListNodes(dataBase, options->partition, options->json);
                 } else {
                     ListPartitions(dataBase, options->json);
                 }

@@ -18,8 +18,7 @@ namespace {
 using enum Table::Align;
 
 struct Options {
-    std::int16_t config = 0;
-    std::int16_t partition = 0;
+    Partition partition;
     std::string type;
     std::int16_t number = 0;
     std::string newType;
@@ -28,7 +27,7 @@ struct Options {
 };
 
 int Run(const Options& options) {
-    const Partition partition{options.config, options.partition};
+    const Partition partition = options.partition;
     DataBase dataBase;
     History history(dataBase);
     const TypeNames names(dataBase);
@@ -69,7 +68,7 @@ Subcommand RepointCommand(CLI::App& program) {
     auto options = std::make_shared<Options>();
     CLI::App* command = program.add_subcommand(
         "repoint", "Let all that refers to a node refer to another, in one step or not at all");
-    AddPartition(*command, options->config, options->partition);
+    AddPartition(*command, options->partition);
     AddType(*command, "TYPE", options->type);
     AddNumber(*command, "NUMBER", options->number, "Number of the node")->required();
     AddType(*command, "NEW_TYPE", options->newType);

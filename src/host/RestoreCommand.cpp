@@ -12,7 +12,7 @@ namespace KAL_AUTO_Node {
 
 Subcommand RestoreCommand(CLI::App& program) {
     struct Options {
-        NodeArguments place;
+        NodePlace place;
         int version = 0; // the latest
         bool dryRun = false;
     };
@@ -29,7 +29,7 @@ Subcommand RestoreCommand(CLI::App& program) {
     command->add_flag("--dry-run", options->dryRun, "Only tell what would change");
     return {
         command, [options] {
-            const NodePlace place = PlaceOf(options->place);
+            const NodePlace& place = options->place;
             DataBase dataBase;
             History history(dataBase);
             int version = options->version;

@@ -20,11 +20,12 @@ void Print(const char* title, const Table& table) {
     table.Print(std::cout);
 }
 
-void Print(NodeArguments place, const AutoNode& node) {
+void Print(const NodePlace& place, const AutoNode& node) {
     Table title({Left, Left});
-    title.Add({node.type + ' ' + std::to_string(place.node), node.label.value_or("")});
+    title.Add({node.type + ' ' + std::to_string(place.number), node.label.value_or("")});
     title.Print(std::cout);
-    std::cout << "Configuration " << place.config << ", partition " << place.partition << '\n';
+    std::cout << "Configuration " << place.partition.config << ", partition " << place.partition.number
+              << '\n';
     Table settings({Left, Left}, Indent);
     for (const SettingRule& rule : SettingRules) {
         settings.Add({rule.name, SettingText(rule, node.settings)});
@@ -58,7 +59,7 @@ void Print(NodeArguments place, const AutoNode& node) {
 
 Subcommand ShowCommand(CLI::App& program) {
     struct Options {
-        NodeArguments place;
+        NodePlace place;
         bool json = false;
     };
 
@@ -68,12 +69,11 @@ Subcommand ShowCommand(CLI::App& program) {
     AddNode(*show, options->place);
     show->add_flag("--json", options->json, "Print JSON, for programs");
     return {show, [options] {
-                const NodeArguments place = options->place;
+                const NodePlace& place = options->place;
                 DataBase dataBase;
-                const AutoNode node = RequireAutoNode(dataBase, PlaceOf(place));
+                const AutoNode node = RequireAutoNode(dataBase, place);
                 if (options->json) {
-                    std::cout << JsonText(ToJson(PlaceOf(place).partition, place.node, node, Labels::Read))
-                              << '\n';
+                    std::cout << JsonText(ToJson(place.partition, place.number, node, Labels::Read)) << '\n';
                 } else {
                     Print(place, node);
                 }

@@ -16,15 +16,14 @@ namespace {
 using enum Table::Align;
 
 struct Options {
-    std::int16_t config = 0;
-    std::int16_t partition = 0;
+    Partition partition;
     std::string type;
     std::int16_t number = 0;
     bool json = false;
 };
 
 int Run(const Options& options) {
-    const Partition partition{options.config, options.partition};
+    const Partition partition = options.partition;
     DataBase dataBase;
     const TypeNames names(dataBase);
     const int typeID = names.Meant(options.type);
@@ -70,7 +69,7 @@ Subcommand UsesCommand(CLI::App& program) {
     auto options = std::make_shared<Options>();
     CLI::App* command =
         program.add_subcommand("uses", "List all that refers to a node, whatever the types of the two");
-    AddPartition(*command, options->config, options->partition);
+    AddPartition(*command, options->partition);
     AddType(*command, "TYPE", options->type);
     AddNumber(*command, "NUMBER", options->number, "Number of the node")->required();
     command->add_flag("--json", options->json, "Print JSON, for programs");
