@@ -229,6 +229,13 @@ void ListView::keyPressEvent(QKeyEvent* event) {
             return;
         }
     }
+    // Elsewhere this is the key of keyboards without one for menus; the toolkit knows only that one on X11.
+    if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
+        const QPoint middle = viewport()->rect().center();
+        QContextMenuEvent menu(QContextMenuEvent::Keyboard, middle, viewport()->mapToGlobal(middle));
+        contextMenuEvent(&menu);
+        return;
+    }
     emit KeyDown(event->key());
     const int row = SelectedItem();
     const int position = verticalScrollBar()->value();
