@@ -83,9 +83,14 @@ TEST(Diagram, SurroundsANodeByStepsOnwardsAndBack) {
                                 {Auto(100), "AUTO 100", false, {"row 2"}}};
     EXPECT_TRUE(Surroundings(flow, 7, 1).contains(100));
     EXPECT_EQ(Surroundings(flow, 100, 1), (std::set{1, 7, 20, 100}));
+    // A call comes in there.
+    const Reference date = {3, "DATE", 1, {}};
+    flow.registered[KeyOf(date)] = {"DATE", "Holidays"};
+    flow.others[KeyOf(date)] = {{Auto(7), "AUTO 7", false, {"row 4"}}};
     const std::string text = DotText(flow, {7, 1}, 7);
-    for (const char* shown : {"auto7 -> way", "label=<row 2>", "type1_1 -> way", "-> type2_1 ",
-                              "row 2 → AUTO 100 Menu", "✗ AUTO 201 is missing"}) {
+    for (const char* shown :
+         {"auto7 -> way", "label=<row 2>", "type1_1 -> way", "-> type2_1 ", "row 2 → AUTO 100 Menu",
+          "✗ AUTO 201 is missing", "DATE 1 Holidays", "row 4 → AUTO 7 Menu"}) {
         EXPECT_NE(text.find(shown), std::string::npos) << shown << " in " << text;
     }
 }

@@ -9,7 +9,7 @@
 namespace KAL_AUTO_Node {
 
 // The AUTO nodes that are shown as a graph in the language of Graphviz's dot, with the nodes of other types
-// over which they lead on to AUTO nodes. Up to DetailLimit of them come with what else they lead to and with
+// over which calls come to them. Up to DetailLimit of them come with what else they lead to and with
 // their prompts, more only with counts of those. What is missing is shown in any case.
 [[nodiscard]] std::string DotText(const CallFlow& flow, const std::set<int>& shown,
                                   std::optional<int> emphasized);

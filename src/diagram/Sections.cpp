@@ -18,20 +18,41 @@ constexpr std::size_t ManySources = 5;
 } // namespace
 
 Outline::Outline(const CallFlow& flow, const std::set<int>& shown, int first) {
-    FindPlaces(flow, shown);
+    const auto entries = FindPlaces(flow, shown);
     std::set<NodeKey> reached;
     if (shown.contains(first)) {
         Follow({AutoType, first}, reached);
     }
+    std::ranges::for_each(entries, [&](const NodeKey& entry) { Follow(entry, reached); });
     std::ranges::for_each(shown, [&](int number) { Follow({AutoType, number}, reached); });
     Cut();
 }
 
-void Outline::FindPlaces(const CallFlow& flow, const std::set<int>& shown) {
+std::vector<NodeKey> Outline::FindPlaces(const CallFlow& flow, const std::set<int>& shown) {
     std::vector<NodeKey> found;
     for (const int number : shown) {
         places_.try_emplace(found.emplace_back(AutoType, number));
     }
+    FindOnwards(flow, shown, std::move(found));
+    const auto leadsHere = [&](const auto& other) {
+        return !places_.contains(other.first) && std::ranges::any_of(other.second, [&](const Link& link) {
+            return places_.contains(KeyOf(link.target));
+        });
+    };
+    std::vector<NodeKey> entries;
+    for (;;) {
+        const auto entry = std::ranges::find_if(flow.others, leadsHere);
+        if (entry == flow.others.end()) {
+            return entries;
+        }
+        // Before those that it leads to.
+        entries.insert(entries.begin(), entry->first);
+        places_.try_emplace(entry->first);
+        FindOnwards(flow, shown, {entry->first});
+    }
+}
+
+void Outline::FindOnwards(const CallFlow& flow, const std::set<int>& shown, std::vector<NodeKey> found) {
     for (std::size_t next = 0; next < found.size(); ++next) {
         const NodeKey from = found[next];
         for (const Link& link : flow.LinksFrom(from)) {

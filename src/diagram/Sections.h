@@ -14,8 +14,8 @@ struct Section {
     std::vector<NodeKey> nodes;
 };
 
-// How the AUTO nodes that are shown, and the nodes of other types between them, hang together. The flow is
-// followed from one node after the other, breadth first, which gives each node one that it hangs on; where
+// How the AUTO nodes that are shown, and the nodes of other types that lead to them, hang together. The flow
+// is followed from one node after the other, breadth first, which gives each node one that it hangs on; where
 // too many hang together, branches are cut off.
 class Outline {
   public:
@@ -41,7 +41,9 @@ class Outline {
         std::size_t section = 0;
     };
 
-    void FindPlaces(const CallFlow& flow, const std::set<int>& shown);
+    // Returns the nodes of other types at which a call comes in from elsewhere: what is shown leads to none.
+    std::vector<NodeKey> FindPlaces(const CallFlow& flow, const std::set<int>& shown);
+    void FindOnwards(const CallFlow& flow, const std::set<int>& shown, std::vector<NodeKey> found);
     void Follow(const NodeKey& start, std::set<NodeKey>& reached);
     void Cut();
 

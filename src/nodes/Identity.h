@@ -11,6 +11,7 @@ struct Partition {
     std::int16_t config = 0;
     std::int16_t number = 0;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): finds a 0 in what the compiler writes
     friend auto operator<=>(const Partition&, const Partition&) = default;
 };
 
@@ -19,6 +20,7 @@ struct NodePlace {
     Partition partition;
     std::int16_t number = 0;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the same
     friend auto operator<=>(const NodePlace&, const NodePlace&) = default;
 
     // Another for each place: for transactions that keep out one another only where they are about the same
