@@ -18,6 +18,18 @@ struct Options {
     std::string store;
 };
 
+template <class Number>
+CLI::Option* AddNumbers(CLI::App& command, const std::string& name, std::vector<Number>& numbers,
+                        Number (*read)(const std::string& name, const std::string& text),
+                        const std::string& description) {
+    const auto readAll = [name, &numbers, read](const std::vector<std::string>& texts) {
+        for (const std::string& text : texts) {
+            numbers.push_back(read(name, text));
+        }
+    };
+    return command.add_option_function<std::vector<std::string>>(name, readAll, description);
+}
+
 std::optional<AutoNode> NodeBefore(DataBase& dataBase, const NodePlace& place, std::optional<int> version) {
     return version ? History(dataBase).Before(place, *version).node
                    : ReadContent(dataBase, place.partition, place.number).node;
@@ -53,26 +65,12 @@ Subcommand DiffCommand(CLI::App& program) {
         "Tell what turns an AUTO node into another: an older state of it, another node, another store's");
     AddNode(*command, options->place);
     CLI::Option* versions =
-        command
-            ->add_option_function<std::vector<std::string>>(
-                "--versions",
-                [options](const std::vector<std::string>& texts) {
-                    for (const std::string& text : texts) {
-                        options->versions.push_back(ReadVersion("--versions", text));
-                    }
-                },
-                "The node as it was before one change, against before another or as it is now")
+        AddNumbers(*command, "--versions", options->versions, &ReadVersion,
+                   "The node as it was before one change, against before another or as it is now")
             ->expected(1, 2)
             ->type_name("OLD [NEW]");
-    command
-        ->add_option_function<std::vector<std::string>>(
-            "--node",
-            [options](const std::vector<std::string>& texts) {
-                for (const std::string& text : texts) {
-                    options->other.push_back(ReadNumber("--node", text));
-                }
-            },
-            "Another node, by configuration, partition and number")
+    AddNumbers(*command, "--node", options->other, &ReadNumber,
+               "Another node, by configuration, partition and number")
         ->expected(3)
         ->type_name("CONFIG PARTITION NODE")
         ->excludes(versions);

@@ -1,30 +1,19 @@
 #include "host/Commands.h"
-#include "platform/VisibleText.h"
+#include "host/TellError.h"
 
 #include <iostream>
-#include <sstream>
-#include <string>
 
 namespace {
 
 constexpr int Failed = 1;
 constexpr int UsageError = 2;
 
-// What is stored, or what an engine says of it, may be part of the text.
-void Tell(const std::string& error) {
-    std::istringstream lines(error);
-    const char* before = "auto-node: ";
-    for (std::string line; std::getline(lines, line); before = "") {
-        std::cerr << before << KAL_AUTO_Node::Visible(line) << '\n';
-    }
-}
-
 // A program that reads a cut output must not take it for the whole.
 int Ended(int status) {
     if (std::cout.flush()) {
         return status;
     }
-    Tell("the output could not be written as a whole");
+    KAL_AUTO_Node::TellError("the output could not be written as a whole");
     return Failed;
 }
 
@@ -53,7 +42,7 @@ int main(int argc, char** argv) {
             }
         }
     } catch (const std::exception& error) {
-        Tell(error.what());
+        TellError(error.what());
     }
     return Failed;
 }

@@ -74,6 +74,22 @@ void Write(JsonWriter& json, const Reference& reference, Labels labels) {
     }
 }
 
+// Each list's rows have members of their own between the number and the node referred to.
+template <class Row, class WriteOwn>
+void WriteRows(JsonWriter& json, const char* name, const std::vector<Row>& rows, Labels labels,
+               WriteOwn writeOwn) {
+    json.Name(name);
+    json.Begin('[');
+    for (const Row& row : rows) {
+        json.Begin('{');
+        json.Member("sequence", row.sequence);
+        writeOwn(row);
+        Write(json, row.target, labels);
+        json.End('}');
+    }
+    json.End(']');
+}
+
 Reference ReferenceFrom(const Json& document) {
     return {MemberOf<int>(document, "typeID"), MemberOf<std::string>(document, "type"),
             MemberOf<int>(document, "number"), document.value("label", std::string())};
@@ -100,26 +116,11 @@ void WriteNode(JsonWriter& json, Partition partition, std::int16_t number, const
     json.Member("label", node.label);
     json.Name("settings");
     Write(json, node.settings);
-    json.Name("prompts");
-    json.Begin('[');
-    for (const Prompt& prompt : node.prompts) {
-        json.Begin('{');
-        json.Member("sequence", prompt.sequence);
-        Write(json, prompt.target, labels);
-        json.End('}');
-    }
-    json.End(']');
-    json.Name("actions");
-    json.Begin('[');
-    for (const Action& action : node.actions) {
-        json.Begin('{');
-        json.Member("sequence", action.sequence);
+    WriteRows(json, "prompts", node.prompts, labels, [](const Prompt&) {});
+    WriteRows(json, "actions", node.actions, labels, [&](const Action& action) {
         json.Member("low", action.low);
         json.Member("high", action.high);
-        Write(json, action.target, labels);
-        json.End('}');
-    }
-    json.End(']');
+    });
     json.Name("branches");
     json.Begin('{');
     for (std::size_t i = 0; i < BranchRules.size(); ++i) {

@@ -3,6 +3,7 @@
 
 #include "KAL_AUTO_Node/Business_Rules.h"
 #include "desktop/MessageBox.h"
+#include "host/TellError.h"
 #include "nodes/Overview.h"
 #include "store/DataBase.h"
 
@@ -35,9 +36,10 @@ int Edit(const NodePlace& place) {
     Business_Rules rules;
     rules.ShowNodeEditor(partition.config, partition.number, node);
     if (!rules.Opened()) {
-        std::cerr << "auto-node: AUTO node " << node << " of configuration " << partition.config
-                  << ", partition " << partition.number << " could not be opened as it should from "
-                  << DataBase().File().string() << "; see the messages shown\n";
+        TellError("AUTO node " + std::to_string(node) + " of configuration " +
+                  std::to_string(partition.config) + ", partition " + std::to_string(partition.number) +
+                  " could not be opened as it should from " + DataBase().File().string() +
+                  "; see the messages shown");
         return 1;
     }
     return 0;
@@ -63,7 +65,7 @@ int main(int argc, char** argv) {
         }
         return Edit(argc == 1 ? FirstNode() : NodePlace{{numbers[0], numbers[1]}, numbers[2]});
     } catch (const std::exception& error) {
-        std::cerr << "auto-node: " << error.what() << '\n';
+        TellError(error.what());
         // Nobody sees what is written by a program that was started from a menu.
         if (!HasTerminal()) {
             // The component has made one where it got that far.
