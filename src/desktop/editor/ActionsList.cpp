@@ -1,0 +1,163 @@
+#include "editor/ActionsList.h"
+
+#include "controls/FocusReason.h"
+#include "controls/Twips.h"
+#include "controls/Visibility.h"
+#include "feedback/MessageBox.h"
+#include "platform/NumericValue.h"
+
+#include <QEvent>
+
+#include <algorithm>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+constexpr int RangeBoxWidth = 750; // twips
+constexpr int DashWidth = 100;
+
+bool IsDigit(QChar character) { return character >= u'0' && character <= u'9'; }
+
+} // namespace
+
+ActionsList::ActionsList(GUI& gui, QUndoStack& undo, const ComponentFactory& components)
+    : RowList(gui, undo, components, gui.LVActions,
+              {gui.cmdActionsEdit, gui.cmdActionsAdd, gui.cmdActionsInsert, gui.cmdActionsRemove,
+               gui.cmdActionsUp, gui.cmdActionsDown, gui.cmdQuickActions},
+              {.kind = RowKind::Actions,
+               .numberlessType = NumberlessType,
+               .numberlessOpens = false,
+               .numberNeedsHighlight = false,
+               .firstOwnColumn = LeadColumn,
+               .browsingSelection = QAbstractItemView::ExtendedSelection,
+               .resetColumns = &GUI::ResetActionsListView},
+              {.slot = Slot::Actions,
+               .positionColumn = PositionColumn,
+               .quickList = QuickAssignDialog::List::Actions,
+               .prepareQuick = &QuickAssignDialog::PrepareActionsTypes,
+               .quickCaption = "Quick Actions Editor for "}) {
+    ConnectRangeBox(gui.txtActionsDTMFRangeLow, DTMFRangeLowColumn);
+    ConnectRangeBox(gui.txtActionsDTMFRangeHigh, DTMFRangeHighColumn);
+}
+
+bool ActionsList::MayMakeRows() {
+    if (NodePicker().ListCount() == 0) {
+        Inform("Please check the \"Max Number of each Node\" in Partition Settings.");
+        return false;
+    }
+    return true;
+}
+
+bool ActionsList::InsertsOtherwise(bool oneSelected) {
+    if (!oneSelected) {
+        Add_Click();
+    }
+    return !oneSelected;
+}
+
+void ActionsList::ChooseDefaultType() {
+    NodePicker().SetListIndex(std::max(0, NodePicker().IndexOf(QStringLiteral("MSG"))));
+}
+
+ListRow ActionsList::MakeRow(int position, const Reference& target) const {
+    const QString digits = QString::number(position);
+    return ActionRowAt(position, digits, digits, target);
+}
+
+void ActionsList::ChooseNumberless(Slot /*slot*/) {
+    if (const int row = List().SelectedItem(); row >= 0) {
+        WriteNumberless(row);
+    }
+}
+
+QString ActionsList::UnavailableName(int row) const {
+    const auto type = NumericValue(List().Cell(row, NodeTypeIDColumn).toStdString());
+    return type == MessageOnType || type == MessageOffType ? QStringLiteral("MSG")
+                                                           : RowList::UnavailableName(row);
+}
+
+bool ActionsList::IsNodeTypeAvailable(Slot slot, const QString& name) const {
+    // Both are messages, under their own names.
+    const bool message = name.compare(QLatin1String("M_ON"), Qt::CaseInsensitive) == 0 ||
+                         name.compare(QLatin1String("M_OFF"), Qt::CaseInsensitive) == 0;
+    return RowList::IsNodeTypeAvailable(slot, message ? QStringLiteral("MSG") : name);
+}
+
+void ActionsList::MouseUp() {
+    for (QLineEdit* box : {Form().txtActionsDTMFRangeLow, Form().txtActionsDTMFRangeHigh}) {
+        if (!IsHiddenByCode(*box)) {
+            box->end(false);
+            return;
+        }
+    }
+}
+
+std::vector<QWidget*> ActionsList::RangeEditors() const {
+    return {Form().txtActionsDTMFRangeLow, Form().txtActionsDash, Form().txtActionsDTMFRangeHigh};
+}
+
+void ActionsList::PlaceRangeEditors(const QRect& row) {
+    int left = row.left();
+    const auto place = [&](QLineEdit* box, int twips) {
+        box->setGeometry(left, row.top(), Pixels(twips), row.height());
+        left += box->width();
+    };
+    place(Form().txtActionsDTMFRangeLow, RangeBoxWidth);
+    place(Form().txtActionsDash, DashWidth);
+    place(Form().txtActionsDTMFRangeHigh, RangeBoxWidth);
+}
+
+void ActionsList::FillRangeEditors(int row) {
+    Form().txtActionsDTMFRangeLow->setText(List().Cell(row, DTMFRangeLowColumn));
+    Form().txtActionsDTMFRangeHigh->setText(List().Cell(row, DTMFRangeHighColumn));
+    // It got the focus, and with it the selection, before it got its text.
+    if (QLineEdit* low = Form().txtActionsDTMFRangeLow; low->hasFocus()) {
+        low->selectAll();
+    }
+}
+
+void ActionsList::ConnectRangeBox(QLineEdit* box, int column) {
+    box->setInputMethodHints(Qt::ImhDigitsOnly);
+    connect(box, &QLineEdit::textChanged, this, [this, box, column] { RangeChange(*box, column); });
+    box->installEventFilter(this);
+}
+
+void ActionsList::RangeChange(QLineEdit& box, int column) {
+    Handle(box, "Change", [&] {
+        const QString text = box.text();
+        QString digits;
+        std::ranges::copy_if(text, std::back_inserter(digits), IsDigit);
+        if (digits != text) {
+            box.setText(digits);
+        } else if (const int row = List().SelectedItem(); row >= 0 && !text.isEmpty()) {
+            List().SetCell(row, column, digits);
+            List().SetCell(row, LeadColumn,
+                           List().Cell(row, DTMFRangeLowColumn) + '-' +
+                               List().Cell(row, DTMFRangeHighColumn));
+        }
+    });
+}
+
+void ActionsList::RangeLostFocus(QLineEdit& box, int column) {
+    Handle(box, "LostFocus", [&] {
+        if (const int row = List().SelectedItem(); row >= 0 && box.text().isEmpty()) {
+            box.setText(List().Cell(row, column));
+        }
+    });
+}
+
+bool ActionsList::eventFilter(QObject* watched, QEvent* event) {
+    const bool low = watched == Form().txtActionsDTMFRangeLow;
+    if ((low || watched == Form().txtActionsDTMFRangeHigh) && MovesFocus(*event)) {
+        QLineEdit& box = low ? *Form().txtActionsDTMFRangeLow : *Form().txtActionsDTMFRangeHigh;
+        if (event->type() == QEvent::FocusIn) {
+            Handle(box, "GotFocus", [&] { box.selectAll(); });
+        } else {
+            RangeLostFocus(box, low ? DTMFRangeLowColumn : DTMFRangeHighColumn);
+        }
+    }
+    return RowList::eventFilter(watched, event);
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,81 @@
+#include "editor/PromptsList.h"
+
+#include "controls/Visibility.h"
+#include "feedback/MessageBox.h"
+#include "platform/NumericValue.h"
+
+namespace KAL_AUTO_Node {
+
+PromptsList::PromptsList(GUI& gui, QUndoStack& undo, const ComponentFactory& components)
+    : RowList(gui, undo, components, gui.LVPrompts,
+              {gui.cmdPromptsEdit, gui.cmdPromptsAdd, gui.cmdPromptsInsert, gui.cmdPromptsRemove,
+               gui.cmdPromptsUp, gui.cmdPromptsDown, gui.cmdQuickPrompts},
+              {.kind = RowKind::Prompts,
+               .numberlessType = NumberlessType,
+               .numberlessOpens = true,
+               .numberNeedsHighlight = true,
+               .firstOwnColumn = CommandNodeColumn,
+               .browsingSelection = QAbstractItemView::ExtendedSelection,
+               .resetColumns = &GUI::ResetPromptsListView},
+              {.slot = Slot::Prompts,
+               .positionColumn = LeadColumn,
+               .quickList = QuickAssignDialog::List::Prompts,
+               .prepareQuick = &QuickAssignDialog::PreparePromptsTypes,
+               .quickCaption = "Quick Prompts Editor for "}) {}
+
+bool PromptsList::InsertsOtherwise(bool oneSelected) {
+    if (!oneSelected) {
+        return true;
+    }
+    if (HoldsEmptyRow(List())) {
+        Add_Click();
+        return true;
+    }
+    return false;
+}
+
+void PromptsList::BeforeAppending() { RemoveEmptyRow(List()); }
+
+void PromptsList::ChooseDefaultType() {
+    if (Form().Lists().NotAvailablePromptsNode.Count() > 0) {
+        NodePicker().SetListIndex(0);
+    } else {
+        NodePicker().SetText(QStringLiteral("MSG"));
+    }
+}
+
+ListRow PromptsList::MakeRow(int position, const Reference& target) const {
+    return PromptRowAt(position, target);
+}
+
+void PromptsList::AfterEmptied() {
+    List().Append({EmptyRow(Form().NodeName(NumberlessType))});
+    Form().SetNodePickerWidth(Slot::Prompts, GUI::WidePicker);
+}
+
+void PromptsList::ChooseNumberless(Slot slot) {
+    const int row = List().SelectedItem();
+    if (row < 0 || NumericValue(List().Cell(row, NodeTypeIDColumn).toStdString()) == NumberlessType) {
+        return;
+    }
+    const auto answer = MsgBox(QStringLiteral("Do you want to vacate Prompts Table?"), QMessageBox::Question,
+                               QMessageBox::Yes | QMessageBox::No, QStringLiteral("Confirmation"));
+    if (answer == QMessageBox::Yes) {
+        GUI::ClearListView(List());
+        HideEditors();
+        ListRow empty = EmptyRow(Form().NodeName(NumberlessType));
+        empty.cells[CommandNodeColumn] = NodePicker().Text();
+        List().Append({std::move(empty)});
+    } else {
+        Form().SetNodePickerWidth(slot, GUI::NarrowPicker);
+        NodePicker().SetText(List().Cell(row, NodeNameColumn));
+    }
+}
+
+void PromptsList::MouseUp() {
+    if (!IsHiddenByCode(NodePicker())) {
+        NodePicker().setFocus(Qt::MouseFocusReason);
+    }
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,383 @@
+#include "editor/ReferenceList.h"
+
+#include "controls/Twips.h"
+#include "controls/Visibility.h"
+#include "feedback/MessageBox.h"
+#include "form/Shortcuts.h"
+#include "platform/NumericValue.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMenu>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+// Numbers of more digits than usual get the room that they need; the label beside them is empty then.
+int NumberPickerWidth(const NumberBox& number) {
+    constexpr int usual = 700; // twips
+    return std::max(Pixels(usual), number.NumbersWidth());
+}
+
+bool IsEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+
+} // namespace
+
+ReferenceList::ReferenceList(GUI& gui, QUndoStack& undo, Controls controls, Rules rules,
+                             std::vector<Slot> used)
+    : gui_(gui), undo_(undo), controls_(std::move(controls)), rules_(rules), slots_(std::move(used)),
+      history_(List(), undo) {
+    connect(controls_.edit, &QPushButton::clicked, this, &ReferenceList::Edit_Click);
+    connect(&List(), &ListView::ItemClick, this, &ReferenceList::ItemClick);
+    connect(&List(), &ListView::MouseUp, this, [this] { Handle(List(), "MouseUp", [this] { MouseUp(); }); });
+    connect(&List(), &ListView::Rearranged, this, &ReferenceList::Follow);
+    connect(&List(), &ListView::ItemDoubleClick, this, &ReferenceList::EditSelectedItem);
+    connect(&List(), &ListView::KeyPress, this, &ReferenceList::KeyPress);
+    connect(&List(), &ListView::MenuRequested, this, &ReferenceList::ShowMenu);
+    connect(&history_, &RowHistory::Restored, this, [this] {
+        gui_.BringIntoSight(List());
+        MarkChanged();
+    });
+    List().installEventFilter(this);
+    for (const Slot slot : slots_) {
+        connect(gui_.NodePicker(slot), &ComboBox::Click, this, [this, slot] { NodeClick(slot); });
+        connect(gui_.NumberPicker(slot), &ComboBox::Click, this, [this, slot] { NumberClick(slot); });
+        gui_.NodePicker(slot)->installEventFilter(this);
+        gui_.NumberPicker(slot)->installEventFilter(this);
+    }
+}
+
+void ReferenceList::Edit_Click() {
+    Handle(*controls_.edit, "Click", [this] {
+        const bool editing = !Editing();
+        GUI::ShowEditing(*controls_.edit, editing);
+        if (editing) {
+            // A button that is disabled with the focus would hand it on, maybe to where edit mode ends; and
+            // one that stays in another list would not end it when the person goes on there.
+            controls_.edit->setFocus(Qt::OtherFocusReason);
+        }
+        for (QPushButton* button : controls_.buttons) {
+            button->setEnabled(!editing || button == controls_.edit);
+        }
+        List().setSelectionMode(editing ? QAbstractItemView::SingleSelection : rules_.browsingSelection);
+        if (!editing) {
+            // Not the list itself: its getting the focus ends the edit mode of the list that takes over.
+            HideEditors(*controls_.edit);
+            open_ = QPersistentModelIndex();
+        } else {
+            if (const int row = List().SelectedItem(); row >= 0) {
+                ItemClick(row);
+            }
+            emit EditingBegan();
+        }
+        MarkChanged();
+    });
+}
+
+void ReferenceList::EditSelectedItem() {
+    const int row = List().SelectedItem();
+    if (row >= 0 && Editing()) {
+        ItemClick(row);
+    } else if (row >= 0) {
+        Edit_Click();
+    }
+}
+
+std::vector<QWidget*> ReferenceList::Editors(Slot slot) const {
+    std::vector<QWidget*> editors = RangeEditors();
+    editors.push_back(gui_.NodePicker(slot));
+    editors.push_back(gui_.NumberPicker(slot));
+    return editors;
+}
+
+std::vector<QWidget*> ReferenceList::Editors() const {
+    std::vector<QWidget*> editors;
+    for (const Slot slot : slots_) {
+        std::ranges::copy(Editors(slot), std::back_inserter(editors));
+    }
+    return editors;
+}
+
+void ReferenceList::HideEditors(QWidget& heir) {
+    const std::vector<QWidget*> editors = Editors();
+    // The window's, which it has also before it is active again after a message.
+    if (std::ranges::find(editors, gui_.focusWidget()) != editors.end()) {
+        heir.setFocus(Qt::OtherFocusReason);
+    }
+    for (QWidget* editor : editors) {
+        editor->hide();
+    }
+}
+
+void ReferenceList::ItemClick(int row) {
+    Handle(List(), "ItemClick", [&] {
+        (gui_.*rules_.resetColumns)();
+        if (Editing()) {
+            List().Select(row);
+            try {
+                OpenEditors(row);
+            } catch (...) {
+                // They may show another reference than the row's.
+                HideEditors();
+                throw;
+            }
+        }
+    });
+}
+
+void ReferenceList::OpenEditors(int row) {
+    // A further click on the row goes on with it.
+    if (open_ != List().model()->index(row, 0)) {
+        open_ = List().model()->index(row, 0);
+        before_ = List().Row(row).cells;
+        history_.BeginRow();
+    }
+    const Slot slot = SlotOf(row);
+    PickList& node = *gui_.NodePicker(slot);
+    NumberBox& number = *gui_.NumberPicker(slot);
+    const std::vector<QWidget*> own = Editors(slot);
+
+    Place(slot, row);
+    for (QWidget* editor : own) {
+        editor->setVisible(editor != &number || number.ListCount() > 0);
+        editor->raise();
+    }
+    own.front()->setFocus(Qt::OtherFocusReason);
+    for (QWidget* editor : Editors()) {
+        if (std::ranges::find(own, editor) == own.end()) {
+            editor->hide();
+        }
+    }
+
+    const QString name = List().Cell(row, NodeNameColumn);
+    if (!IsNodeTypeAvailable(slot, name)) {
+        RefuseNodeType(row);
+        return;
+    }
+    FillRangeEditors(row);
+    node.SetText(name);
+    const QString stored = List().Cell(row, NodeNumberColumn);
+    if (NumericValue(stored.toStdString()) <= number.ListCount()) {
+        number.SetText(stored);
+    } else if (!rules_.numberlessOpens || node.SelectedData() != rules_.numberlessType) {
+        RefuseNodeType(row);
+    }
+}
+
+void ReferenceList::RefuseNodeType(int row) {
+    Inform("Please check the \"Max Number of each Node\" Section for " + UnavailableName(row) +
+           " Node in Partition Settings.");
+    HideEditors();
+}
+
+QString ReferenceList::UnavailableName(int row) const { return List().Cell(row, NodeNameColumn); }
+
+bool ReferenceList::IsNodeTypeAvailable(Slot slot, const QString& name) const {
+    return std::ranges::none_of(gui_.Lists().*RuleOf(slot).notAvailable, [&](const std::string& unavailable) {
+        return QString::fromStdString(unavailable).toUpper() == name.toUpper();
+    });
+}
+
+void ReferenceList::Place(Slot slot, int row) {
+    QRect cell = List().CellRect(row, CommandNodeColumn);
+    cell.translate(List().viewport()->mapTo(gui_.NodePicker(slot)->parentWidget(), QPoint(0, 0)));
+    PickList& node = *gui_.NodePicker(slot);
+    node.setGeometry(cell.left(), cell.top(), node.width(), cell.height());
+    PlaceNumber(slot);
+    QRect lead = List().CellRect(row, LeadColumn);
+    lead.translate(cell.topLeft() - List().CellRect(row, CommandNodeColumn).topLeft());
+    PlaceRangeEditors(lead);
+}
+
+void ReferenceList::PlaceNumber(Slot slot) {
+    const PickList& node = *gui_.NodePicker(slot);
+    NumberBox& number = *gui_.NumberPicker(slot);
+    number.setGeometry(node.x() + node.width(), node.y(), NumberPickerWidth(number), node.height());
+}
+
+void ReferenceList::Follow() {
+    const auto editors = Editors();
+    if (std::ranges::all_of(editors, [](const QWidget* editor) { return IsHiddenByCode(*editor); })) {
+        return;
+    }
+    if (!Editing() || !open_.isValid() || open_.row() != List().SelectedItem()) {
+        HideEditors();
+        return;
+    }
+    const int row = open_.row();
+    const QRect cells = List().CellRect(row, LeadColumn) | List().CellRect(row, CommandNodeColumn);
+    if (List().viewport()->rect().contains(cells)) {
+        Place(SlotOf(row), row);
+    } else {
+        HideEditors();
+    }
+}
+
+void ReferenceList::NodeClick(Slot slot) {
+    PickList& node = *gui_.NodePicker(slot);
+    NumberBox& number = *gui_.NumberPicker(slot);
+    Handle(node, "Click", [&] {
+        const int type = node.SelectedData();
+        const QString typeID = QString::number(type);
+        number.SetNumbers(1, gui_.Lists().MaxNodeNumberCollection[type]);
+        if (type == rules_.numberlessType) {
+            number.hide();
+            gui_.SetNodePickerWidth(slot, GUI::WidePicker);
+            ChooseNumberless(slot);
+            return;
+        }
+        gui_.SetNodePickerWidth(slot, GUI::NarrowPicker);
+        PlaceNumber(slot);
+        number.show();
+        const int row = List().SelectedItem();
+        if (row < 0) {
+            return;
+        }
+        List().SetCell(row, NodeTypeIDColumn, typeID);
+        const auto isOffered = [&] {
+            return NumericValue(List().Cell(row, NodeNumberColumn).toStdString()) <= number.ListCount();
+        };
+        if (!isOffered()) {
+            List().SetCell(row, NodeNumberColumn, QStringLiteral("1"));
+        }
+        List().SetCell(row, CommandNodeColumn,
+                       gui_.NodeName(type) + ' ' + List().Cell(row, NodeNumberColumn));
+        List().SetCell(row, NodeNameColumn, node.Text());
+        List().SetCell(row, LabelColumn, QString());
+        if (isOffered()) {
+            number.SetText(List().Cell(row, NodeNumberColumn));
+        } else {
+            ShowNoNumber(slot, type);
+        }
+    });
+}
+
+void ReferenceList::WriteNumberless(int row) {
+    const QString name = gui_.NodeName(rules_.numberlessType);
+    List().SetCell(row, NodeTypeIDColumn, QString::number(rules_.numberlessType));
+    List().SetCell(row, CommandNodeColumn, name);
+    List().SetCell(row, NodeNameColumn, name);
+    List().SetCell(row, NodeNumberColumn, QStringLiteral("1"));
+}
+
+void ReferenceList::NumberClick(Slot slot) {
+    const NumberBox& number = *gui_.NumberPicker(slot);
+    Handle(number, "Click", [&] {
+        const int row = List().SelectedItem();
+        if (row < 0 || (rules_.numberNeedsHighlight && !List().IsSelected(row))) {
+            return;
+        }
+        const QString name = gui_.NodeName(List().Cell(row, NodeTypeIDColumn).toInt());
+        List().SetCell(row, CommandNodeColumn, name + ' ' + number.Text());
+        List().SetCell(row, NodeNumberColumn, number.Text());
+    });
+}
+
+void ReferenceList::LeaveEditors() {
+    List().setFocus(Qt::OtherFocusReason);
+    HideEditors();
+    open_ = QPersistentModelIndex();
+}
+
+void ReferenceList::RestoreRow() {
+    const RowHistory::Deed deed(history_, open_);
+    if (open_.isValid()) {
+        for (int column = rules_.firstOwnColumn; column < static_cast<int>(before_.size()); ++column) {
+            List().SetCell(open_.row(), column, before_[column]);
+        }
+    }
+}
+
+void ReferenceList::KeyPress(int character) {
+    Handle(List(), "KeyPress", [&] {
+        if (character == ListView::SelectAllCharacter) {
+            List().selectAll();
+        } else if (character == ListView::CopyCharacter) {
+            Copy();
+        } else if (character == ListView::PasteCharacter) {
+            Paste();
+        }
+    });
+}
+
+void ReferenceList::Copy() const {
+    if (const auto rows = List().SelectedRows(); !rows.empty()) {
+        QGuiApplication::clipboard()->setText(TextOfRows(rules_.kind, List(), rows));
+    }
+}
+
+void ReferenceList::Paste() {
+    if (Editing()) {
+        return;
+    }
+    auto [rows, refusal] = RowsOfText(rules_.kind, gui_, QGuiApplication::clipboard()->text());
+    if (!refusal.isEmpty()) {
+        Inform(refusal);
+        return;
+    }
+    TakeIn(std::move(rows));
+    MarkChanged();
+}
+
+void ReferenceList::ShowMenu(const QPoint& place) {
+    QMenu menu(&List());
+    const auto offer = [&](const QString& text, const QKeySequence& key, bool enabled, auto deed) {
+        QAction* action = menu.addAction(text, this, deed);
+        action->setShortcut(key);
+        action->setShortcutVisibleInContextMenu(true);
+        action->setEnabled(enabled);
+    };
+    for (QPushButton* button : controls_.buttons) {
+        offer(button->text(), KeyOf(*button), button->isEnabled(), [button] { button->click(); });
+    }
+    menu.addSeparator();
+    offer(QStringLiteral("Undo"), QKeySequence(UndoKey), undo_.canUndo(), [this] { undo_.undo(); });
+    offer(QStringLiteral("Redo"), QKeySequence(RedoKey), undo_.canRedo(), [this] { undo_.redo(); });
+    menu.addSeparator();
+    const auto type = [this](int character) { return [this, character] { KeyPress(character); }; };
+    offer(QStringLiteral("Copy"), QKeySequence::Copy, List().GetSelectedCount() > 0,
+          type(ListView::CopyCharacter));
+    offer(QStringLiteral("Paste"), QKeySequence::Paste,
+          !Editing() && !QGuiApplication::clipboard()->text().isEmpty(), type(ListView::PasteCharacter));
+    menu.addSeparator();
+    offer(QStringLiteral("Find"), QKeySequence(FindKey), true, [this] { gui_.Find(List()); });
+    menu.exec(place);
+}
+
+// While a row is edited, Enter accepts it and Escape takes it back: both close its editors, not the window.
+// From the list, Enter and F2 begin edit mode or open the editors again, and Escape ends it.
+bool ReferenceList::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress) {
+        return QObject::eventFilter(watched, event);
+    }
+    const bool onList = watched == &List();
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    const bool begins = IsEnter(key) || (onList && key == Qt::Key_F2);
+    if (!begins && key != Qt::Key_Escape) {
+        return QObject::eventFilter(watched, event);
+    }
+    if (onList && begins) {
+        EditSelectedItem();
+        return true;
+    }
+    if (!Editing()) {
+        return QObject::eventFilter(watched, event);
+    }
+    if (onList) {
+        Edit_Click();
+    } else {
+        if (key == Qt::Key_Escape) {
+            RestoreRow();
+        }
+        LeaveEditors();
+    }
+    return true;
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,160 @@
+#include "editor/RowList.h"
+
+#include "feedback/MessageBox.h"
+#include "feedback/MousePointer.h"
+#include "platform/NumericValue.h"
+
+namespace KAL_AUTO_Node {
+
+RowList::RowList(GUI& gui, QUndoStack& undo, const ComponentFactory& components, ListView* list,
+                 Buttons buttons, Rules rules, RowRules rowRules)
+    : ReferenceList(gui, undo,
+                    {list,
+                     buttons.edit,
+                     {buttons.add, buttons.insert, buttons.remove, buttons.edit, buttons.up, buttons.down,
+                      buttons.quick}},
+                    rules, {rowRules.slot}),
+      components_(components), buttons_(buttons), rowRules_(rowRules) {
+    connect(buttons_.add, &QPushButton::clicked, this, &RowList::Add_Click);
+    connect(buttons_.insert, &QPushButton::clicked, this, &RowList::Insert_Click);
+    connect(buttons_.remove, &QPushButton::clicked, this, &RowList::Remove_Click);
+    connect(buttons_.up, &QPushButton::clicked, this, [this] { Move_Click(*buttons_.up, -1); });
+    connect(buttons_.down, &QPushButton::clicked, this, [this] { Move_Click(*buttons_.down, +1); });
+    connect(buttons_.quick, &QPushButton::clicked, this, &RowList::Quick_Click);
+    connect(list, &ListView::KeyDown, this, [this](int key) {
+        Handle(List(), "KeyDown", [&] {
+            if (key == Qt::Key_Delete) {
+                Remove_Click();
+            }
+        });
+    });
+}
+
+ListRow RowList::NewRow(int position) {
+    ChooseDefaultType();
+    if (NumberPicker().ListCount() > 0) {
+        NumberPicker().SetListIndex(0);
+    }
+    // A type that offers no number leaves the box empty, and a reference without a number could not be
+    // stored.
+    const int number = NumberPicker().Text().isEmpty() ? 1 : NumberPicker().Text().toInt();
+    const int type = NodePicker().SelectedData();
+    return MakeRow(position, {type, Form().NodeName(type).toStdString(), number, {}});
+}
+
+void RowList::ShowNewRow(int row) {
+    List().Select(row);
+    HideEditors();
+    MarkChanged();
+}
+
+void RowList::Add_Click() {
+    Handle(*buttons_.add, "Click", [this] {
+        if (!MayMakeRows()) {
+            return;
+        }
+        const Hourglass busy;
+        BeforeAppending();
+        List().ClearSelection();
+        const int last = List().Count() - 1;
+        const auto position =
+            last < 0 ? 1 : NumericValue(List().Cell(last, PositionColumn).toStdString()) + 1;
+        List().Append({NewRow(static_cast<int>(position))});
+        ShowNewRow(last + 1);
+    });
+}
+
+void RowList::Insert_Click() {
+    Handle(*buttons_.insert, "Click", [this] {
+        if (!MayMakeRows()) {
+            return;
+        }
+        if (InsertsOtherwise(List().GetSelectedCount() == 1)) {
+            return;
+        }
+        const Hourglass busy;
+        const int row = List().SelectedRows().front();
+        List().ClearSelection();
+        ListRow inserted = NewRow(row + 1);
+        // The key of the position is still the old row's.
+        inserted.key += 'b';
+        List().Insert(row, std::move(inserted));
+        List().Renumber(row, rowRules_.positionColumn);
+        ShowNewRow(row);
+    });
+}
+
+void RowList::Remove_Click() {
+    Handle(*buttons_.remove, "Click", [this] {
+        const std::vector<int> selected = List().SelectedRows();
+        if (selected.empty()) {
+            return;
+        }
+        const Hourglass busy;
+        const int next = selected.size() == 1 ? selected.front() : 0;
+        List().Remove(selected);
+        List().Renumber(0, rowRules_.positionColumn);
+        if (List().Count() == 0) {
+            AfterEmptied();
+        }
+        if (List().Count() > 0) {
+            List().Select(std::min(next, List().Count() - 1));
+        }
+        MarkChanged();
+    });
+}
+
+void RowList::TakeIn(std::vector<ListRow> rows) {
+    const Hourglass busy;
+    const std::vector<int> selected = List().SelectedRows();
+    const int before = List().Count();
+    BeforeAppending();
+    // What that took out stood first.
+    const int gone = before - List().Count();
+    const int at = selected.size() == 1 ? std::max(0, selected.front() - gone) : List().Count();
+    std::vector<ListRow> all = List().Rows();
+    for (ListRow& row : rows) {
+        // The keys of the positions are still others'.
+        row.key += 'b';
+    }
+    all.insert(all.begin() + at, rows.begin(), rows.end());
+    List().SetRows(std::move(all));
+    List().Renumber(0, rowRules_.positionColumn);
+    List().Select(at, static_cast<int>(rows.size()));
+}
+
+void RowList::SwapRows(int row, int other) {
+    const auto last = static_cast<int>(List().Row(row).cells.size()) - 1;
+    List().SwapCells(row, other, RulesOfList().firstOwnColumn, last);
+}
+
+void RowList::Move_Click(const QPushButton& button, int distance) {
+    Handle(button, "Click", [&] {
+        if (List().GetSelectedCount() == 1) {
+            const int row = List().SelectedRows().front();
+            const int other = row + distance;
+            if (other >= 0 && other < List().Count()) {
+                SwapRows(row, other);
+                List().Select(other);
+            }
+        }
+        MarkChanged();
+    });
+}
+
+void RowList::Quick_Click() {
+    Handle(*buttons_.quick, "Click", [this] {
+        QuickAssignDialog dialog(Form(), components_);
+        (dialog.*rowRules_.prepareQuick)();
+        if (dialog.Form().cmbNodeTypes->ListCount() == 0) {
+            Inform("Please check the \"Max Number of each Node\" Section in Partition Settings.");
+            return;
+        }
+        dialog.Form().setWindowTitle(QString::fromLatin1(rowRules_.quickCaption) + Form().cmbNode->Text());
+        MarkChanged();
+        dialog.Caller = rowRules_.quickList;
+        dialog.ShowModal();
+    });
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,27 @@
+#include "feedback/ErrorReport.h"
+
+#include "feedback/MessageBox.h"
+#include "platform/RuntimeError.h"
+
+#include <exception>
+
+namespace KAL_AUTO_Node {
+
+void ShowErrorReport(const char* procedure) {
+    QString source(ComponentName);
+    QString description;
+    try {
+        throw;
+    } catch (const RuntimeError& error) {
+        source = QString::fromStdString(error.Source());
+        description = QString::fromUtf8(error.what());
+    } catch (const std::exception& error) {
+        description = QString::fromUtf8(error.what());
+    } catch (...) {
+        description = QStringLiteral("An error that does not say what it is");
+    }
+    MsgBox("Source: " + source + " - " + procedure + " \r\nDescription: " + description, QMessageBox::Warning,
+           QMessageBox::Ok, QStringLiteral("Error"));
+}
+
+} // namespace KAL_AUTO_Node

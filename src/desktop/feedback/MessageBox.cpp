@@ -1,0 +1,46 @@
+#include "feedback/MessageBox.h"
+
+#include "feedback/MousePointer.h"
+
+#include <QApplication>
+#include <QPointer>
+
+#include <optional>
+
+namespace KAL_AUTO_Node {
+
+QMessageBox::StandardButton MsgBox(const QString& text, QMessageBox::Icon icon,
+                                   QMessageBox::StandardButtons buttons, const QString& title) {
+    // A long operation that stops to say something is not busy meanwhile.
+    std::optional<DefaultPointer> idle;
+    if (QGuiApplication::overrideCursor() != nullptr) {
+        idle.emplace();
+    }
+    // No window is active while another program is in front.
+    QWidget* const modal = QApplication::activeModalWidget();
+    // The host may delete the window above which the box stands, and with it the box.
+    const QPointer<QMessageBox> box =
+        new QMessageBox(icon, title, text, buttons, modal != nullptr ? modal : QApplication::activeWindow());
+    box->setTextFormat(Qt::PlainText);
+    box->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // A host whose only visible window this is must not see it as its last one and quit.
+    box->setAttribute(Qt::WA_QuitOnClose, false);
+    const auto pressed = static_cast<QMessageBox::StandardButton>(box->exec());
+    delete box;
+    if (pressed != QMessageBox::NoButton) {
+        return pressed;
+    }
+    // Closed by something else than a button or a key: the answer that changes least.
+    for (const auto harmless : {QMessageBox::Cancel, QMessageBox::No}) {
+        if (buttons.testFlag(harmless)) {
+            return harmless;
+        }
+    }
+    return QMessageBox::Ok;
+}
+
+void Inform(const QString& text) {
+    MsgBox(text, QMessageBox::Information, QMessageBox::Ok, QStringLiteral("Information"));
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,130 @@
+#include "feedback/ErrorReport.h"
+#include "feedback/MessageBox.h"
+#include "feedback/MousePointer.h"
+#include "form/GUI.h"
+#include "form/ValueBoxes.h"
+#include "nodes/AutoNodeReader.h"
+#include "rules/NodeRules.h"
+#include "rules/Rows.h"
+#include "rules/Utf8.h"
+
+#include <exception>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+void EnableNavigation(const GUI& gui) {
+    const int count = gui.cmbNode->ListCount();
+    const int index = gui.cmbNode->ListIndex();
+    bool back = true;
+    bool forth = true;
+    if (count == 1) {
+        back = forth = false;
+    } else if (index == 0) {
+        back = false;
+    } else if (index == count - 1) {
+        forth = false;
+    }
+    gui.cmdPrevious->setEnabled(back);
+    gui.cmdFirst->setEnabled(back);
+    gui.cmdNext->setEnabled(forth);
+    gui.cmdLast->setEnabled(forth);
+}
+
+void ShowSettings(const GUI& gui, const AutoNode& node) {
+    gui.txtDescription->setText(FromUtf8(node.label.value_or("")));
+    const auto show = [&](const ValueBoxRule& rule) {
+        (gui.*rule.box)->SetListIndex(ValueOf(rule.setting, node.settings) - rule.setting.first);
+    };
+    show(ValueBoxRules.front());
+    gui.cmbTermDigit->SetListIndex(static_cast<int>(TerminatingDigitOf(node.settings)));
+    std::for_each(ValueBoxRules.begin() + 1, ValueBoxRules.end(), show);
+}
+
+// The stored type is shown, the type's name of today kept for saving.
+ListRow WithTarget(ListRow row, const GUI& gui, const Reference& target) {
+    row.cells[NodeNameColumn] = gui.NodeName(target.typeID);
+    row.cells[LabelColumn] = FromUtf8(target.label);
+    return row;
+}
+
+ListRow PromptRow(const GUI& gui, const Prompt& prompt) {
+    return WithTarget(PromptRowAt(prompt.sequence, prompt.target), gui, prompt.target);
+}
+
+ListRow ActionRow(const GUI& gui, const Action& action) {
+    const auto [low, high] = RangeOf(action);
+    return WithTarget(ActionRowAt(action.sequence, FromUtf8(low), FromUtf8(high), action.target), gui,
+                      action.target);
+}
+
+// Shows in a list what a step of reading brings. When a row can't be read or shown, those before it stand in
+// the list all the same before the error goes on.
+template <class Read, class Item, class MakeRow>
+void Show(ListView& list, Read read, const std::vector<Item>& items, MakeRow makeRow) {
+    GUI::ClearListView(list);
+    std::exception_ptr failure;
+    std::vector<ListRow> rows;
+    const auto keepFailure = [&](auto&& step) {
+        try {
+            step();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    };
+    keepFailure(read);
+    keepFailure([&] {
+        rows.reserve(items.size());
+        for (const Item& item : items) {
+            rows.push_back(makeRow(item));
+        }
+    });
+    list.Append(std::move(rows));
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+}
+
+} // namespace
+
+bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
+    bool exists = false;
+    gui.StoredNode.reset();
+    const bool loaded = Reporting("LoadData", [&] {
+        const Hourglass busy;
+        // Where that fails, the node is shown as it stands.
+        Reporting("LoadData", [&] { OfferToPutBack(gui, nodeNumber); });
+        AutoNode node;
+        AutoNodeReader reader(dataBase_, PartitionOf(gui), nodeNumber, Labels::Read);
+        exists = reader.ReadRecord(node);
+        if (exists) {
+            ShowSettings(gui, node);
+            Show(
+                *gui.LVPrompts, [&] { reader.ReadPrompts(node); }, node.prompts,
+                [&](const Prompt& prompt) { return PromptRow(gui, prompt); });
+            Show(
+                *gui.LVActions, [&] { reader.ReadActions(node); }, node.actions,
+                [&](const Action& action) { return ActionRow(gui, action); });
+            GUI::ClearListView(*gui.LVExceptions);
+            for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
+                reader.ReadBranch(node, branch);
+                const Reference& target = node.branches[branch];
+                gui.LVExceptions->Append({WithTarget(ExceptionRowAt(branch, target), gui, target)});
+            }
+            gui.StoredNode = GUI::Stored{nodeNumber, LatestVersion(gui, nodeNumber), std::move(node)};
+            gui.lblRecordPosition->setText(QString::number(gui.cmbNode->ListIndex() + 1) + " of " +
+                                           QString::number(gui.cmbNode->ListCount()));
+        } else {
+            Inform(gui.NodeName(AutoType) + ' ' + QString::number(nodeNumber) + " doesn't exist.");
+        }
+        EnableNavigation(gui);
+    });
+    return loaded && exists;
+}
+
+QString NodeRules::LabelOfNode(const GUI& gui, int nodeTypeID, int nodeNumber) {
+    return FromUtf8(LabelOf(dataBase_, PartitionOf(gui), NodeTypeOf(nodeTypeID), nodeNumber));
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,104 @@
+#include "feedback/ErrorReport.h"
+#include "form/GUI.h"
+#include "form/ValueBoxes.h"
+#include "nodes/ReferenceData.h"
+#include "platform/RuntimeError.h"
+#include "rules/NodeRules.h"
+#include "rules/Utf8.h"
+
+namespace KAL_AUTO_Node {
+
+std::unique_ptr<ReadAhead> NodeRules::ReadListsAhead(const GUI& gui) {
+    auto ahead = std::make_unique<ReadAhead>(dataBase_);
+    KAL_AUTO_Node::ReadListsAhead(*ahead, dataBase_, PartitionOf(gui));
+    return ahead;
+}
+
+bool NodeRules::LoadNodeName(GUI& gui) {
+    return Reporting("LoadNodeName", [&] { ReadNodeNames(dataBase_, PartitionOf(gui), gui.Lists()); });
+}
+
+void NodeRules::LoadContainableTypes(GUI& gui, Slot slot) {
+    ReadContainableTypes(dataBase_, PartitionOf(gui), slot, gui.Lists(),
+                         [picker = gui.NodePicker(slot)](int typeID, const std::string& name) {
+                             picker->AddItem(FromUtf8(name), typeID);
+                         });
+}
+
+bool NodeRules::LoadPromptsNode(GUI& gui) {
+    return Reporting("LoadPromptsNode", [&] {
+        gui.NodePicker(Slot::Prompts)->Clear();
+        LoadContainableTypes(gui, Slot::Prompts);
+    });
+}
+
+bool NodeRules::LoadActionsNode(GUI& gui) {
+    return Reporting("LoadActionsNode", [&] {
+        gui.NodePicker(Slot::Actions)->Clear();
+        LoadContainableTypes(gui, Slot::Actions);
+    });
+}
+
+bool NodeRules::LoadExceptionsNode(GUI& gui) {
+    return Reporting("LoadExceptionsNode", [&] {
+        for (const BranchRule& branch : BranchRules) {
+            gui.NodePicker(branch.slot)->Clear();
+        }
+        for (const BranchRule& branch : BranchRules) {
+            LoadContainableTypes(gui, branch.slot);
+        }
+    });
+}
+
+bool NodeRules::LoadStaticConstants(GUI& gui) {
+    return Reporting("LoadStaticConstants", [&] {
+        for (const ValueBoxRule& rule : ValueBoxRules) {
+            (gui.*rule.box)->SetNumbers(rule.setting.first, rule.setting.last);
+        }
+        gui.cmbTermDigit->Clear();
+        for (const char* digit : TerminatingDigits) {
+            gui.cmbTermDigit->AddItem(QString::fromLatin1(digit));
+        }
+    });
+}
+
+bool NodeRules::LoadExistingNodesInRecordSelector(GUI& gui, std::int16_t nodeNumber) {
+    return Reporting("LoadExistingNodesInRecordSelector", [&] {
+        int opened = 0;
+        std::vector<PickList::Entry> entries;
+        QString typeName;
+        std::exception_ptr failure;
+        try {
+            ReadAutoNodes(dataBase_, PartitionOf(gui), [&](std::int16_t number, std::string_view) {
+                if (number <= 0 && !NewNodeFlag) {
+                    return;
+                }
+                if (typeName.isEmpty()) {
+                    typeName = gui.NodeName(AutoType) + ' ';
+                }
+                if (number == nodeNumber) {
+                    opened = static_cast<int>(entries.size());
+                }
+                entries.push_back({typeName + QString::number(number), number});
+            });
+        } catch (const RuntimeError&) {
+            failure = std::current_exception();
+        }
+        gui.cmbNode->AddItems(std::move(entries));
+        if (failure) {
+            std::rethrow_exception(failure);
+        }
+        if (gui.cmbNode->ListCount() > 0) {
+            gui.cmbNode->SetListIndex(opened);
+        }
+        if (NewNodeFlag) {
+            for (QWidget* control :
+                 std::initializer_list<QWidget*>{gui.cmdFirst, gui.cmdPrevious, gui.cmbNode,
+                                                 gui.lblRecordPosition, gui.cmdNext, gui.cmdLast}) {
+                control->hide();
+            }
+        }
+    });
+}
+
+} // namespace KAL_AUTO_Node

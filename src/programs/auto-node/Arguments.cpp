@@ -1,0 +1,66 @@
+#include "auto-node/Arguments.h"
+
+#include "nodes/AutoNodeReader.h"
+
+#include <charconv>
+#include <limits>
+#include <stdexcept>
+#include <string>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+// By itself the parser takes octal numbers and empty texts, too.
+template <class Whole>
+Whole ReadWhole(const std::string& name, const std::string& text, Whole first) {
+    constexpr Whole last = std::numeric_limits<Whole>::max();
+    Whole number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, failure] = std::from_chars(text.data(), end, number);
+    if (failure != std::errc() || stop != end || number < first) {
+        throw CLI::ValidationError(name, "'" + text + "' is no whole number from " + std::to_string(first) +
+                                             " to " + std::to_string(last));
+    }
+    return number;
+}
+
+} // namespace
+
+std::int16_t ReadNumber(const std::string& name, const std::string& text) {
+    return ReadWhole(name, text, std::numeric_limits<std::int16_t>::min());
+}
+
+int ReadVersion(const std::string& name, const std::string& text) { return ReadWhole(name, text, 1); }
+
+CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::int16_t& number,
+                       const std::string& description) {
+    const auto read = [name, &number](const std::string& text) { number = ReadNumber(name, text); };
+    return command.add_option_function<std::string>(name, read, description)->type_name("");
+}
+
+void AddPartition(CLI::App& command, Partition& partition) {
+    AddNumber(command, "CONFIG", partition.config, "Configuration number")->required();
+    AddNumber(command, "PARTITION", partition.number, "Partition number")->required();
+}
+
+void AddType(CLI::App& command, const std::string& name, std::string& type) {
+    command.add_option(name, type, "Node type, by name (MSG, AUTO, ...) or ID")->required()->type_name("");
+}
+
+void AddNode(CLI::App& command, NodePlace& place) {
+    AddPartition(command, place.partition);
+    AddNumber(command, "NODE", place.number, "Number of the AUTO node; 0 for the partition's template")
+        ->required();
+}
+
+AutoNode RequireAutoNode(DataBase& dataBase, const NodePlace& place) {
+    if (auto node = ReadAutoNode(dataBase, place.partition, place.number, Labels::Read)) {
+        return std::move(*node);
+    }
+    throw std::runtime_error("AUTO node " + std::to_string(place.number) + " of configuration " +
+                             std::to_string(place.partition.config) + ", partition " +
+                             std::to_string(place.partition.number) + " does not exist");
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,88 @@
+#include "auto-node/Arguments.h"
+#include "auto-node/Changes.h"
+#include "auto-node/Commands.h"
+#include "history/History.h"
+#include "store/DataBase.h"
+
+#include <memory>
+#include <stdexcept>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+struct Options {
+    NodePlace place;
+    std::vector<int> versions;
+    std::vector<std::int16_t> other; // node: configuration, partition, number
+    std::string store;
+};
+
+template <class Number>
+CLI::Option* AddNumbers(CLI::App& command, const std::string& name, std::vector<Number>& numbers,
+                        Number (*read)(const std::string& name, const std::string& text),
+                        const std::string& description) {
+    const auto readAll = [name, &numbers, read](const std::vector<std::string>& texts) {
+        for (const std::string& text : texts) {
+            numbers.push_back(read(name, text));
+        }
+    };
+    return command.add_option_function<std::vector<std::string>>(name, readAll, description);
+}
+
+std::optional<AutoNode> NodeBefore(DataBase& dataBase, const NodePlace& place, std::optional<int> version) {
+    return version ? History(dataBase).Before(place, *version).node
+                   : ReadContent(dataBase, place.partition, place.number).node;
+}
+
+int Run(const Options& options) {
+    const NodePlace& place = options.place;
+    const NodePlace otherPlace =
+        options.other.empty() ? place : NodePlace{{options.other[0], options.other[1]}, options.other[2]};
+    const auto version = [&](std::size_t position) {
+        return position < options.versions.size() ? std::optional(options.versions[position]) : std::nullopt;
+    };
+    DataBase dataBase;
+    std::unique_ptr<DataBase> otherStore;
+    if (!options.store.empty()) {
+        otherStore = std::make_unique<DataBase>(options.store);
+    }
+    const auto before = NodeBefore(dataBase, place, version(0));
+    const auto after = NodeBefore(otherStore ? *otherStore : dataBase, otherPlace, version(1));
+    if (!before && !after) {
+        throw std::runtime_error("neither of the two nodes exists");
+    }
+    PrintChanges(ChangesInWords(before, after));
+    return 0;
+}
+
+} // namespace
+
+Subcommand DiffCommand(CLI::App& program) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command = program.add_subcommand(
+        "diff",
+        "Tell what turns an AUTO node into another: an older state of it, another node, another store's");
+    AddNode(*command, options->place);
+    CLI::Option* versions =
+        AddNumbers(*command, "--versions", options->versions, &ReadVersion,
+                   "The node as it was before one change, against before another or as it is now")
+            ->expected(1, 2)
+            ->type_name("OLD [NEW]");
+    AddNumbers(*command, "--node", options->other, &ReadNumber,
+               "Another node, by configuration, partition and number")
+        ->expected(3)
+        ->type_name("CONFIG PARTITION NODE")
+        ->excludes(versions);
+    command->add_option("--store", options->store, "The file of another store, in which the other node is")
+        ->type_name("FILE")
+        ->excludes(versions);
+    command->callback([options] {
+        if (options->versions.empty() && options->other.empty() && options->store.empty()) {
+            throw CLI::ValidationError("diff", "takes --versions, --node or --store");
+        }
+    });
+    return {command, [options] { return Run(*options); }};
+}
+
+} // namespace KAL_AUTO_Node

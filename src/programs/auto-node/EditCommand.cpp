@@ -1,0 +1,59 @@
+#include "auto-node/Arguments.h"
+#include "auto-node/Commands.h"
+#include "auto-node/Programs.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <unistd.h>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+// The toolkit ends the process where it finds no display; asking first gives a plain answer.
+bool HasDisplay() {
+    const auto isSet = [](const char* variable) {
+        const char* value = std::getenv(variable);
+        return value != nullptr && *value != '\0';
+    };
+    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
+
+} // namespace
+
+Subcommand EditCommand(CLI::App& program) {
+    auto place = std::make_shared<NodePlace>();
+    CLI::App* edit =
+        program.add_subcommand("edit", "Open the editor on a node, or on the first AUTO node of the store");
+    AddNumber(*edit, "CONFIG", place->partition.config, "Configuration number");
+    AddNumber(*edit, "PARTITION", place->partition.number, "Partition number");
+    CLI::Option* node =
+        AddNumber(*edit, "NODE", place->number, "Number of the AUTO node; 0 for the partition's template");
+    edit->get_option("CONFIG")->needs(node);
+    return {edit, [place, node]() -> int {
+                if (!HasDisplay()) {
+                    throw std::runtime_error(
+                        "there is no display to show the editor on (DISPLAY is not set)");
+                }
+                // The window's program takes the place of this one, so that no other command loads the
+                // toolkit.
+                std::string file = ProgramOfOurs("auto-node-edit").string();
+                std::array<std::string, 3> numbers = {std::to_string(place->partition.config),
+                                                      std::to_string(place->partition.number),
+                                                      std::to_string(place->number)};
+                std::array<char*, 5> arguments = {file.data(), numbers[0].data(), numbers[1].data(),
+                                                  numbers[2].data(), nullptr};
+                if (node->count() == 0) {
+                    arguments[1] = nullptr;
+                }
+                execv(file.c_str(), arguments.data());
+                throw std::system_error(errno, std::generic_category(), "cannot start the editor, " + file);
+            }};
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,48 @@
+#include "auto-node/Arguments.h"
+#include "auto-node/Commands.h"
+#include "exchange/Export.h"
+#include "store/DataBase.h"
+
+#include <iostream>
+#include <memory>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+struct Options {
+    std::vector<std::string> arguments; // the file, behind a partition or alone
+    std::optional<Partition> scope;
+};
+
+} // namespace
+
+Subcommand ExportCommand(CLI::App& program) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command = program.add_subcommand(
+        "export", "Write a partition, or the whole store, into a file of text that import brings back");
+    command
+        ->add_option("FILE", options->arguments,
+                     "Configuration and partition number, where it is one, and the file")
+        ->required()
+        ->expected(1, 3)
+        ->type_name("[CONFIG PARTITION] FILE");
+    command->callback([options] {
+        auto& arguments = options->arguments;
+        if (arguments.size() == 2) {
+            throw CLI::ValidationError("export", "takes CONFIG PARTITION FILE, or FILE alone");
+        }
+        if (arguments.size() == 3) {
+            options->scope = {ReadNumber("CONFIG", arguments[0]), ReadNumber("PARTITION", arguments[1])};
+        }
+    });
+    return {command, [options] {
+                DataBase dataBase;
+                const std::string& file = options->arguments.back();
+                const std::uint64_t rows = Export(dataBase, options->scope, file);
+                std::cout << "Wrote " << rows << (rows == 1 ? " row" : " rows") << " into " << file << '\n';
+                return 0;
+            }};
+}
+
+} // namespace KAL_AUTO_Node

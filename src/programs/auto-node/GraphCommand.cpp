@@ -1,0 +1,135 @@
+#include "auto-node/Arguments.h"
+#include "auto-node/Commands.h"
+#include "diagram/DotText.h"
+#include "diagram/Graphviz.h"
+#include "history/History.h"
+#include "store/DataBase.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+constexpr std::array<const char*, 4> Formats = {"svg", "png", "pdf", "dot"};
+constexpr std::chrono::seconds TimeLimit{60};
+
+struct Options {
+    NodePlace place;
+    bool oneNode = false;
+    int depth = 2; // steps
+    std::string file;
+};
+
+// By the file's ending.
+std::string FormatOf(const std::string& file) {
+    const std::string ending = std::filesystem::path(file).extension().string();
+    return ending.empty() ? ending : ending.substr(1);
+}
+
+std::string CheckFile(const std::string& file) {
+    return std::ranges::find(Formats, FormatOf(file)) != Formats.end()
+               ? std::string()
+               : "'" + file + "' ends neither in .svg nor .png, .pdf or .dot";
+}
+
+// In the place of what is there, once it is whole.
+void WriteFile(const std::string& file, const std::string& content) {
+    const std::string begun = file + ".new";
+    std::ofstream out(begun, std::ios::binary);
+    out << content;
+    out.close();
+    std::error_code failure;
+    if (out) {
+        std::filesystem::rename(begun, file, failure);
+    }
+    if (!out || failure) {
+        std::filesystem::remove(begun, failure);
+        throw std::runtime_error("cannot write " + file);
+    }
+}
+
+std::string GraphOf(const Options& options) {
+    const auto& [partition, number] = options.place;
+    DataBase dataBase;
+    History history(dataBase);
+    const CallFlow flow = ReadCallFlow(dataBase, history, partition);
+    const std::string place = "configuration " + std::to_string(partition.config) + ", partition " +
+                              std::to_string(partition.number);
+    if (options.oneNode) {
+        if (!flow.nodes.contains(number)) {
+            throw std::runtime_error("AUTO node " + std::to_string(number) + " of " + place +
+                                     " does not exist");
+        }
+        return DotText(flow, Surroundings(flow, number, options.depth), number);
+    }
+    std::set<int> shown;
+    for (const auto& [other, node] : flow.nodes) {
+        if (other != TemplateNumber) {
+            shown.insert(other);
+        }
+    }
+    if (shown.empty()) {
+        throw std::runtime_error("there are no AUTO nodes in " + place);
+    }
+    return DotText(flow, shown, std::nullopt);
+}
+
+std::string Drawn(const std::string& graph, const std::string& format, const std::string& file) {
+    try {
+        Picture picture = DrawGraph(graph, format, TimeLimit);
+        std::cerr << picture.warnings << (picture.warnings.empty() ? "" : "\n");
+        return std::move(picture.bytes);
+    } catch (const std::exception& error) {
+        const std::string text = file + ".dot";
+        WriteFile(text, graph);
+        throw std::runtime_error(std::string(error.what()) + "; the graph is in " + text + ", for dot -T" +
+                                 format + " elsewhere. NODE with --depth draws less of it");
+    }
+}
+
+int Run(const Options& options) {
+    const std::string graph = GraphOf(options);
+    if (options.file.empty()) {
+        std::cout << graph;
+        return 0;
+    }
+    const std::string format = FormatOf(options.file);
+    WriteFile(options.file, format == "dot" ? graph : Drawn(graph, format, options.file));
+    std::cout << "Drew " << options.file << '\n';
+    return 0;
+}
+
+} // namespace
+
+Subcommand GraphCommand(CLI::App& program) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command =
+        program.add_subcommand("graph", "Draw the call flow of a partition, or of the nodes around one");
+    AddPartition(*command, options->place.partition);
+    CLI::Option* node = AddNumber(*command, "NODE", options->place.number,
+                                  "Number of the AUTO node whose surroundings are drawn; 0 for the template");
+    command->add_option("--depth", options->depth, "How many steps from NODE onwards and back; 2 by default")
+        ->check(CLI::NonNegativeNumber)
+        ->type_name("STEPS")
+        ->needs(node);
+    command
+        ->add_option(
+            "-o,--output", options->file,
+            "The picture, ending in .svg, .png or .pdf, or in .dot for Graphviz's own text, which is "
+            "printed where no file is given")
+        ->check(CheckFile, "", "")
+        ->type_name("FILE");
+    return {command, [options, node] {
+                options->oneNode = node->count() > 0;
+                return Run(*options);
+            }};
+}
+
+} // namespace KAL_AUTO_Node

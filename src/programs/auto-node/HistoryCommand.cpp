@@ -1,0 +1,118 @@
+#include "auto-node/Arguments.h"
+#include "auto-node/Changes.h"
+#include "auto-node/Commands.h"
+#include "auto-node/Table.h"
+#include "history/History.h"
+#include "nodes/NodeJson.h"
+#include "platform/RuntimeError.h"
+#include "platform/VisibleText.h"
+#include "store/DataBase.h"
+
+#include <iostream>
+#include <memory>
+#include <optional>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+// A change with what it changed: what was there before it against what was there before the next.
+struct Change {
+    Version version;
+    std::vector<std::string> words;
+};
+
+// Nothing where the content of the one version cannot be read; the others tell their changes all the same.
+std::optional<NodeContent> ReadBefore(History& history, const NodePlace& place, int version) {
+    try {
+        return history.Before(place, version);
+    } catch (const RuntimeError& error) {
+        if (error.Number() == ErrorNumber::StoreNotRecognized) {
+            return std::nullopt;
+        }
+        throw;
+    }
+}
+
+std::vector<Change> ReadChanges(DataBase& dataBase, History& history, const NodePlace& place) {
+    std::vector<Change> changes;
+    std::optional after = ReadContent(dataBase, place.partition, place.number);
+    for (Version& version : history.Versions(place)) {
+        auto before = ReadBefore(history, place, version.number);
+        auto words = before && after ? ChangesInWords(before->node, after->node)
+                                     : std::vector<std::string>{"what it changed cannot be read"};
+        changes.push_back({std::move(version), std::move(words)});
+        after = std::move(before);
+    }
+    return changes;
+}
+
+// What became of a change, as people read it.
+std::string Outcome(const Version& version) {
+    return version.state == VersionState::Finished ? version.work : version.work + ", " + version.state;
+}
+
+void Print(const std::vector<Change>& changes) {
+    for (const auto& [version, words] : changes) {
+        std::cout << version.number << "  " << Visible(LocalTime(version.begunAt)) << "  "
+                  << Visible(AuthorText(version)) << "  " << Visible(Outcome(version)) << '\n';
+        PrintChanges(words);
+    }
+    if (changes.empty()) {
+        std::cout << "No changes of this node are kept.\n";
+    } else if (IsUnfinished(changes.front().version) && !IsBeingMade(changes.front().version)) {
+        std::cout
+            << "The latest save did not finish. auto-node restore puts the node back as it was before.\n";
+    }
+}
+
+void PrintJson(const std::vector<Change>& changes) {
+    auto document = nlohmann::ordered_json::array();
+    for (const auto& [version, words] : changes) {
+        document.push_back({{"version", version.number},
+                            {"at", version.begunAt},
+                            {"user", version.author.user},
+                            {"host", version.author.host},
+                            {"program", version.author.program},
+                            {"work", version.work},
+                            {"state", version.state},
+                            {"changes", words}});
+    }
+    std::cout << JsonText(document) << '\n';
+}
+
+} // namespace
+
+Subcommand HistoryCommand(CLI::App& program) {
+    struct Options {
+        NodePlace place;
+        bool json = false;
+    };
+
+    auto options = std::make_shared<Options>();
+    CLI::App* command = program.add_subcommand("history", "List the changes of an AUTO node, newest first");
+    AddNode(*command, options->place);
+    command->add_flag("--json", options->json, "Print JSON, for programs");
+    return {command, [options] {
+                DataBase dataBase;
+                History history(dataBase);
+                const auto changes = ReadChanges(dataBase, history, options->place);
+                options->json ? PrintJson(changes) : Print(changes);
+                return 0;
+            }};
+}
+
+Subcommand PruneCommand(CLI::App& program) {
+    CLI::App* command = program.add_subcommand(
+        "prune", "Drop what the history keeps no longer: all but the last " +
+                     std::to_string(History::KeptVersions) + " changes of each node and those younger than " +
+                     std::to_string(History::KeptDays) + " days");
+    return {command, [] {
+                DataBase dataBase;
+                const auto dropped = static_cast<std::size_t>(History(dataBase).Prune());
+                std::cout << "Dropped " << Counted(dropped, "version") << '\n';
+                return 0;
+            }};
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,87 @@
+#include "auto-node/Arguments.h"
+#include "auto-node/Commands.h"
+#include "auto-node/Table.h"
+#include "nodes/NodeJson.h"
+#include "nodes/Overview.h"
+#include "store/DataBase.h"
+
+#include <iostream>
+#include <memory>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+using enum Table::Align;
+
+struct Options {
+    Partition partition;
+    bool json = false;
+};
+
+std::string Number(const std::optional<std::int64_t>& number) {
+    return number ? std::to_string(*number) : "-";
+}
+
+void ListPartitions(DataBase& dataBase, bool json) {
+    const auto partitions = ReadPartitions(dataBase);
+    if (json) {
+        auto document = nlohmann::ordered_json::array();
+        for (const PartitionCounts& counts : partitions) {
+            document.push_back(ToJson(counts));
+        }
+        std::cout << JsonText(document) << '\n';
+        return;
+    }
+    Table table({Right, Right, Right, Right});
+    table.Add({"Configuration", "Partition", "AUTO nodes", "All nodes"});
+    for (const auto& [partition, autoNodes, registeredNodes] : partitions) {
+        table.Add({std::to_string(partition.config), std::to_string(partition.number),
+                   std::to_string(autoNodes), std::to_string(registeredNodes)});
+    }
+    table.Print(std::cout);
+}
+
+void ListNodes(DataBase& dataBase, Partition partition, bool json) {
+    auto document = nlohmann::ordered_json::array();
+    Table table({Right, Left, Right, Right, Right, Left, Right, Right, Right});
+    table.Add({"Node", "Label", "Prompts", "Actions", "Digits", "End", "Retries", "Selection s", "Digit s"});
+    ReadSummaries(dataBase, partition, [&](const AutoNodeSummary& node) {
+        if (json) {
+            document.push_back(ToJson(node));
+            return;
+        }
+        const Settings& settings = node.settings;
+        table.Add({std::to_string(node.number), node.label.value_or(""), std::to_string(node.prompts),
+                   std::to_string(node.actions), Number(settings.numberOfDigits),
+                   settings.terminatingDigit.value_or("-"), Number(settings.retryLimit),
+                   Number(settings.selectionTimeout), Number(settings.digitTimeout)});
+    });
+    if (json) {
+        std::cout << JsonText(document) << '\n';
+    } else {
+        table.Print(std::cout);
+    }
+}
+
+} // namespace
+
+Subcommand ListCommand(CLI::App& program) {
+    auto options = std::make_shared<Options>();
+    CLI::App* list = program.add_subcommand("list", "List the partitions, or the AUTO nodes of one");
+    CLI::Option* config = AddNumber(*list, "CONFIG", options->partition.config, "Configuration number");
+    CLI::Option* partition = AddNumber(*list, "PARTITION", options->partition.number, "Partition number");
+    config->needs(partition);
+    list->add_flag("--json", options->json, "Print JSON, for programs");
+    return {list, [options, partition] {
+                DataBase dataBase;
+                if (partition->count() > 0) {
+                    ListNodes(dataBase, options->partition, options->json);
+                } else {
+                    ListPartitions(dataBase, options->json);
+                }
+                return 0;
+            }};
+}
+
+} // namespace KAL_AUTO_Node

@@ -1,0 +1,81 @@
+#include "audit/Repoint.h"
+#include "auto-node/Arguments.h"
+#include "auto-node/Commands.h"
+#include "auto-node/Table.h"
+#include "history/History.h"
+#include "platform/Today.h"
+#include "platform/VisibleText.h"
+
+#include <iostream>
+#include <memory>
+#include <set>
+#include <stdexcept>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+using enum Table::Align;
+
+struct Options {
+    Partition partition;
+    std::string type;
+    std::int16_t number = 0;
+    std::string newType;
+    std::int16_t newNumber = 0;
+    bool dryRun = false;
+};
+
+int Run(const Options& options) {
+    const Partition partition = options.partition;
+    DataBase dataBase;
+    History history(dataBase);
+    const TypeNames names(dataBase);
+    const NodeID from{names.Meant(options.type), options.number};
+    const NodeID to{names.Meant(options.newType), options.newNumber};
+    const RepointPlan plan = options.dryRun ? PlanRepoint(dataBase, history, names, partition, from, to)
+                                            : Repoint(dataBase, history, names, partition, from, to, Today());
+    if (!plan.obstacles.empty()) {
+        std::string text = "nothing is changed:";
+        for (const std::string& obstacle : plan.obstacles) {
+            text += "\n  " + Visible(obstacle);
+        }
+        throw std::runtime_error(text);
+    }
+    Table table({Left, Left, Left});
+    std::set<std::pair<int, int>> holders;
+    for (const auto& [use, typeID, type] : plan.changes) {
+        holders.emplace(use.holderTypeID, use.holder);
+        std::string change = use.type + ' ' + std::to_string(options.number);
+        change += " \u2192 " + type + ' ' + std::to_string(options.newNumber);
+        table.Add({names.Name(use.holderTypeID) + ' ' + std::to_string(use.holder),
+                   PlaceText(use.Column(), use.row), change});
+    }
+    table.Print(std::cout);
+    if (plan.changes.empty()) {
+        std::cout << "Nothing refers to " << Visible(names.Name(from.typeID)) << ' ' << from.number << ".\n";
+    } else {
+        std::cout << (options.dryRun ? "Would change " : "Changed ")
+                  << Counted(plan.changes.size(), "reference") << " in " << Counted(holders.size(), "node")
+                  << '\n';
+    }
+    return 0;
+}
+
+} // namespace
+
+Subcommand RepointCommand(CLI::App& program) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command = program.add_subcommand(
+        "repoint", "Let all that refers to a node refer to another, in one step or not at all");
+    AddPartition(*command, options->partition);
+    AddType(*command, "TYPE", options->type);
+    AddNumber(*command, "NUMBER", options->number, "Number of the node")->required();
+    AddType(*command, "NEW_TYPE", options->newType);
+    AddNumber(*command, "NEW_NUMBER", options->newNumber, "Number of the node that takes its place")
+        ->required();
+    command->add_flag("--dry-run", options->dryRun, "Only tell what would change");
+    return {command, [options] { return Run(*options); }};
+}
+
+} // namespace KAL_AUTO_Node

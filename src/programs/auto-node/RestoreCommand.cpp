@@ -1,0 +1,53 @@
+#include "auto-node/Arguments.h"
+#include "auto-node/Changes.h"
+#include "auto-node/Commands.h"
+#include "history/History.h"
+#include "platform/RuntimeError.h"
+#include "store/DataBase.h"
+
+#include <iostream>
+#include <memory>
+
+namespace KAL_AUTO_Node {
+
+Subcommand RestoreCommand(CLI::App& program) {
+    struct Options {
+        NodePlace place;
+        int version = 0; // the latest
+        bool dryRun = false;
+    };
+
+    auto options = std::make_shared<Options>();
+    CLI::App* command = program.add_subcommand("restore", "Put an AUTO node back as it was before a change");
+    AddNode(*command, options->place);
+    command
+        ->add_option_function<std::string>(
+            "VERSION",
+            [options](const std::string& text) { options->version = ReadVersion("VERSION", text); },
+            "Number of the change; the latest where none is given")
+        ->type_name("");
+    command->add_flag("--dry-run", options->dryRun, "Only tell what would change");
+    return {
+        command, [options] {
+            const NodePlace& place = options->place;
+            DataBase dataBase;
+            History history(dataBase);
+            int version = options->version;
+            if (version == 0) {
+                const auto versions = history.Versions(place);
+                if (versions.empty()) {
+                    throw RuntimeError(ErrorNumber::InvalidProcedureCall, "No changes of this node are kept");
+                }
+                version = versions.front().number;
+            }
+            const NodeContent after = history.ToPutBack(place, version);
+            const NodeContent before = options->dryRun ? ReadContent(dataBase, place.partition, place.number)
+                                                       : history.PutBack(place, version, "restore");
+            std::cout << (options->dryRun ? "Would put back" : "Put back") << " AUTO node " << place.number
+                      << " as it was before version " << version << ":\n";
+            PrintChanges(ChangesInWords(before.node, after.node));
+            return 0;
+        }};
+}
+
+} // namespace KAL_AUTO_Node

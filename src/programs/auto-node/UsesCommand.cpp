@@ -1,0 +1,79 @@
+#include "audit/References.h"
+#include "auto-node/Arguments.h"
+#include "auto-node/Commands.h"
+#include "auto-node/Table.h"
+#include "nodes/AutoNodeReader.h"
+#include "nodes/NodeJson.h"
+#include "platform/VisibleText.h"
+
+#include <iostream>
+#include <memory>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+using enum Table::Align;
+
+struct Options {
+    Partition partition;
+    std::string type;
+    std::int16_t number = 0;
+    bool json = false;
+};
+
+int Run(const Options& options) {
+    const Partition partition = options.partition;
+    DataBase dataBase;
+    const TypeNames names(dataBase);
+    const int typeID = names.Meant(options.type);
+    const auto uses = ReadUses(dataBase, partition, names, typeID, options.number);
+    auto document = nlohmann::ordered_json::array();
+    Table table({Left, Left, Left, Left});
+    const StoredReference* before = nullptr;
+    std::string label;
+    for (const StoredReference& use : uses) {
+        if (before == nullptr || before->holderTypeID != use.holderTypeID || before->holder != use.holder) {
+            label = LabelOf(dataBase, partition, use.holderTypeID, use.holder);
+        }
+        before = &use;
+        const std::string type = names.Name(use.holderTypeID);
+        const std::string place = PlaceText(use.Column(), use.row);
+        if (options.json) {
+            document.push_back({{"typeID", use.holderTypeID},
+                                {"type", type},
+                                {"number", use.holder},
+                                {"label", label},
+                                {"place", place},
+                                {"table", use.Column().table},
+                                {"as", use.type}});
+        } else {
+            table.Add({type + ' ' + std::to_string(use.holder), label, place,
+                       use.type + ' ' + std::to_string(options.number)});
+        }
+    }
+    if (options.json) {
+        std::cout << JsonText(document) << '\n';
+    } else if (uses.empty()) {
+        std::cout << "Nothing refers to "
+                  << Visible(names.Name(NodeTypeOf(typeID)) + ' ' + std::to_string(options.number)) << ".\n";
+    } else {
+        table.Print(std::cout);
+    }
+    return 0;
+}
+
+} // namespace
+
+Subcommand UsesCommand(CLI::App& program) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command =
+        program.add_subcommand("uses", "List all that refers to a node, whatever the types of the two");
+    AddPartition(*command, options->partition);
+    AddType(*command, "TYPE", options->type);
+    AddNumber(*command, "NUMBER", options->number, "Number of the node")->required();
+    command->add_flag("--json", options->json, "Print JSON, for programs");
+    return {command, [options] { return Run(*options); }};
+}
+
+} // namespace KAL_AUTO_Node

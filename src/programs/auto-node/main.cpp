@@ -1,0 +1,48 @@
+#include "auto-node/Commands.h"
+#include "platform/TellError.h"
+
+#include <iostream>
+
+namespace {
+
+constexpr int Failed = 1;
+constexpr int UsageError = 2;
+
+// A program that reads a cut output must not take it for the whole.
+int Ended(int status) {
+    if (std::cout.flush()) {
+        return status;
+    }
+    KAL_AUTO_Node::TellError("the output could not be written as a whole");
+    return Failed;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    using namespace KAL_AUTO_Node;
+    CLI::App program("Edits the AUTO nodes of a telephone call-flow store.", "auto-node");
+    program.require_subcommand(1);
+    program.set_version_flag("--version", KAL_AUTO_NODE_VERSION);
+    const auto commands = {
+        EditCommand(program),    InitCommand(program),   ListCommand(program),    ShowCommand(program),
+        HistoryCommand(program), DiffCommand(program),   RestoreCommand(program), PruneCommand(program),
+        ImportCommand(program),  ExportCommand(program), DigitsCommand(program),  GraphCommand(program),
+        CheckCommand(program),   UsesCommand(program),   RepointCommand(program),
+    };
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return program.exit(error) == 0 ? Ended(0) : UsageError;
+    }
+    try {
+        for (const Subcommand& command : commands) {
+            if (command.options->parsed()) {
+                return Ended(command.run());
+            }
+        }
+    } catch (const std::exception& error) {
+        TellError(error.what());
+    }
+    return Failed;
+}
