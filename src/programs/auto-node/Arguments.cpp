@@ -19,8 +19,8 @@ Whole ReadWhole(const std::string& name, const std::string& text, Whole first) {
     const char* const end = text.data() + text.size();
     const auto [stop, failure] = std::from_chars(text.data(), end, number);
     if (failure != std::errc() || stop != end || number < first) {
-        throw CLI::ValidationError(name, "'" + text + "' is no whole number from " + std::to_string(first) +
-                                             " to " + std::to_string(last));
+        Refuse(name, "'" + text + "' is no whole number from " + std::to_string(first) + " to " +
+                         std::to_string(last));
     }
     return number;
 }
@@ -33,25 +33,27 @@ std::int16_t ReadNumber(const std::string& name, const std::string& text) {
 
 int ReadVersion(const std::string& name, const std::string& text) { return ReadWhole(name, text, 1); }
 
-CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::int16_t& number,
-                       const std::string& description) {
+int ReadSteps(const std::string& name, const std::string& text) { return ReadWhole(name, text, 0); }
+
+Option AddNumber(const CommandArguments& command, const std::string& name, std::int16_t& number,
+                 const std::string& description) {
     const auto read = [name, &number](const std::string& text) { number = ReadNumber(name, text); };
-    return command.add_option_function<std::string>(name, read, description)->type_name("");
+    return command.Word(name, read, description).ShownAs("");
 }
 
-void AddPartition(CLI::App& command, Partition& partition) {
-    AddNumber(command, "CONFIG", partition.config, "Configuration number")->required();
-    AddNumber(command, "PARTITION", partition.number, "Partition number")->required();
+void AddPartition(const CommandArguments& command, Partition& partition) {
+    AddNumber(command, "CONFIG", partition.config, "Configuration number").Required();
+    AddNumber(command, "PARTITION", partition.number, "Partition number").Required();
 }
 
-void AddType(CLI::App& command, const std::string& name, std::string& type) {
-    command.add_option(name, type, "Node type, by name (MSG, AUTO, ...) or ID")->required()->type_name("");
+void AddType(const CommandArguments& command, const std::string& name, std::string& type) {
+    command.Text(name, type, "Node type, by name (MSG, AUTO, ...) or ID").Required().ShownAs("");
 }
 
-void AddNode(CLI::App& command, NodePlace& place) {
+void AddNode(const CommandArguments& command, NodePlace& place) {
     AddPartition(command, place.partition);
     AddNumber(command, "NODE", place.number, "Number of the AUTO node; 0 for the partition's template")
-        ->required();
+        .Required();
 }
 
 AutoNode RequireAutoNode(DataBase& dataBase, const NodePlace& place) {

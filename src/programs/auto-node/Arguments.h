@@ -1,9 +1,8 @@
 #pragma once
 
+#include "auto-node/CommandLine.h"
 #include "nodes/AutoNode.h"
 #include "nodes/Identity.h"
-
-#include <CLI/CLI.hpp>
 
 #include <cstdint>
 #include <string>
@@ -14,21 +13,22 @@ class DataBase;
 
 // What the commands take alike.
 
-// A whole number of 16 bits, in decimal. Throws CLI::ValidationError for another text.
+// A whole number of 16 bits, in decimal. Refuses another text.
 [[nodiscard]] std::int16_t ReadNumber(const std::string& name, const std::string& text);
-// The number of a version, likewise.
+// The number of a version, and of steps, which may be 0, likewise.
 [[nodiscard]] int ReadVersion(const std::string& name, const std::string& text);
-CLI::Option* AddNumber(CLI::App& command, const std::string& name, std::int16_t& number,
-                       const std::string& description);
+[[nodiscard]] int ReadSteps(const std::string& name, const std::string& text);
+Option AddNumber(const CommandArguments& command, const std::string& name, std::int16_t& number,
+                 const std::string& description);
 
 // CONFIG PARTITION, both required.
-void AddPartition(CLI::App& command, Partition& partition);
+void AddPartition(const CommandArguments& command, Partition& partition);
 
 // A node type by its name or its ID.
-void AddType(CLI::App& command, const std::string& name, std::string& type);
+void AddType(const CommandArguments& command, const std::string& name, std::string& type);
 
 // CONFIG PARTITION NODE, all required.
-void AddNode(CLI::App& command, NodePlace& place);
+void AddNode(const CommandArguments& command, NodePlace& place);
 
 // The node with the labels of those that it refers to. Throws where there is none.
 [[nodiscard]] AutoNode RequireAutoNode(DataBase& dataBase, const NodePlace& place);

@@ -246,32 +246,32 @@ void PrintCheckOf(const std::filesystem::path& store) {
     Checking(options, std::make_unique<DataBase>(store)).Run();
 }
 
-Subcommand CheckCommand(CLI::App& program) {
+Subcommand CheckCommand(CommandLine& program) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = program.add_subcommand(
+    const CommandArguments command = program.Add(
         "check",
         "Tell what is wrong in all partitions, in one, or with one AUTO node; exits with 1 where there are "
         "errors, 3 where there are warnings only");
     NodePlace& place = options->place;
-    CLI::Option* config = AddNumber(*command, "CONFIG", place.partition.config, "Configuration number");
-    CLI::Option* partition = AddNumber(*command, "PARTITION", place.partition.number, "Partition number");
-    CLI::Option* node = AddNumber(*command, "NODE", place.number, "Number of the AUTO node");
-    config->needs(partition);
-    CLI::Option* json = command->add_flag("--json", options->json, "Print JSON, for programs");
-    CLI::Option* keys =
-        command->add_flag("--keys", options->keys, "Print the lines that --accept takes")->excludes(json);
+    const Option config = AddNumber(command, "CONFIG", place.partition.config, "Configuration number");
+    const Option partition = AddNumber(command, "PARTITION", place.partition.number, "Partition number");
+    const Option node = AddNumber(command, "NODE", place.number, "Number of the AUTO node");
+    config.Needs(partition);
+    const Option json = command.Flag("--json", options->json, "Print JSON, for programs");
+    const Option keys =
+        command.Flag("--keys", options->keys, "Print the lines that --accept takes").Excludes(json);
     command
-        ->add_option("--accept", options->accept,
-                     "Leave out the findings of a file, one a line as --keys prints them")
-        ->type_name("FILE");
-    command->add_option("--fix", options->fix, "missing: make missing nodes from their templates")
-        ->type_name("WHAT")
-        ->check(CLI::IsMember({"missing"}))
-        ->excludes(json)
-        ->excludes(keys);
+        .Text("--accept", options->accept,
+              "Leave out the findings of a file, one a line as --keys prints them")
+        .ShownAs("FILE");
+    command.Text("--fix", options->fix, "missing: make missing nodes from their templates")
+        .ShownAs("WHAT")
+        .OneOf({"missing"})
+        .Excludes(json)
+        .Excludes(keys);
     return {command, [options, partition, node] {
-                options->onePartition = partition->count() > 0;
-                options->oneNode = node->count() > 0;
+                options->onePartition = partition.Given();
+                options->oneNode = node.Given();
                 return Checking(*options, std::make_unique<DataBase>()).Run();
             }};
 }

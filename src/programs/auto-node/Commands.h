@@ -1,6 +1,6 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "auto-node/CommandLine.h"
 
 #include <functional>
 
@@ -9,24 +9,24 @@ namespace KAL_AUTO_Node {
 // A command of the program: what the command line says of it, and what it does then. It returns the program's
 // exit status, and throws what goes wrong.
 struct Subcommand {
-    CLI::App* options;
+    CommandArguments arguments;
     std::function<int()> run;
 };
 
-[[nodiscard]] Subcommand EditCommand(CLI::App& program);
-[[nodiscard]] Subcommand CheckCommand(CLI::App& program);
-[[nodiscard]] Subcommand DiffCommand(CLI::App& program);
-[[nodiscard]] Subcommand DigitsCommand(CLI::App& program);
-[[nodiscard]] Subcommand ExportCommand(CLI::App& program);
-[[nodiscard]] Subcommand GraphCommand(CLI::App& program);
-[[nodiscard]] Subcommand HistoryCommand(CLI::App& program);
-[[nodiscard]] Subcommand ImportCommand(CLI::App& program);
-[[nodiscard]] Subcommand InitCommand(CLI::App& program);
-[[nodiscard]] Subcommand ListCommand(CLI::App& program);
-[[nodiscard]] Subcommand PruneCommand(CLI::App& program);
-[[nodiscard]] Subcommand RepointCommand(CLI::App& program);
-[[nodiscard]] Subcommand RestoreCommand(CLI::App& program);
-[[nodiscard]] Subcommand ShowCommand(CLI::App& program);
-[[nodiscard]] Subcommand UsesCommand(CLI::App& program);
+[[nodiscard]] Subcommand EditCommand(CommandLine& program);
+[[nodiscard]] Subcommand CheckCommand(CommandLine& program);
+[[nodiscard]] Subcommand DiffCommand(CommandLine& program);
+[[nodiscard]] Subcommand DigitsCommand(CommandLine& program);
+[[nodiscard]] Subcommand ExportCommand(CommandLine& program);
+[[nodiscard]] Subcommand GraphCommand(CommandLine& program);
+[[nodiscard]] Subcommand HistoryCommand(CommandLine& program);
+[[nodiscard]] Subcommand ImportCommand(CommandLine& program);
+[[nodiscard]] Subcommand InitCommand(CommandLine& program);
+[[nodiscard]] Subcommand ListCommand(CommandLine& program);
+[[nodiscard]] Subcommand PruneCommand(CommandLine& program);
+[[nodiscard]] Subcommand RepointCommand(CommandLine& program);
+[[nodiscard]] Subcommand RestoreCommand(CommandLine& program);
+[[nodiscard]] Subcommand ShowCommand(CommandLine& program);
+[[nodiscard]] Subcommand UsesCommand(CommandLine& program);
 
 } // namespace KAL_AUTO_Node

@@ -19,15 +19,13 @@ struct Options {
 };
 
 template <class Number>
-CLI::Option* AddNumbers(CLI::App& command, const std::string& name, std::vector<Number>& numbers,
-                        Number (*read)(const std::string& name, const std::string& text),
-                        const std::string& description) {
-    const auto readAll = [name, &numbers, read](const std::vector<std::string>& texts) {
-        for (const std::string& text : texts) {
-            numbers.push_back(read(name, text));
-        }
+Option AddNumbers(const CommandArguments& command, const std::string& name, std::vector<Number>& numbers,
+                  Number (*read)(const std::string& name, const std::string& text),
+                  const std::string& description) {
+    const auto readOne = [name, &numbers, read](const std::string& text) {
+        numbers.push_back(read(name, text));
     };
-    return command.add_option_function<std::vector<std::string>>(name, readAll, description);
+    return command.Words(name, readOne, description);
 }
 
 std::optional<AutoNode> NodeBefore(DataBase& dataBase, const NodePlace& place, std::optional<int> version) {
@@ -58,28 +56,28 @@ int Run(const Options& options) {
 
 } // namespace
 
-Subcommand DiffCommand(CLI::App& program) {
+Subcommand DiffCommand(CommandLine& program) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = program.add_subcommand(
+    const CommandArguments command = program.Add(
         "diff",
         "Tell what turns an AUTO node into another: an older state of it, another node, another store's");
-    AddNode(*command, options->place);
-    CLI::Option* versions =
-        AddNumbers(*command, "--versions", options->versions, &ReadVersion,
+    AddNode(command, options->place);
+    const Option versions =
+        AddNumbers(command, "--versions", options->versions, &ReadVersion,
                    "The node as it was before one change, against before another or as it is now")
-            ->expected(1, 2)
-            ->type_name("OLD [NEW]");
-    AddNumbers(*command, "--node", options->other, &ReadNumber,
+            .Takes(1, 2)
+            .ShownAs("OLD [NEW]");
+    AddNumbers(command, "--node", options->other, &ReadNumber,
                "Another node, by configuration, partition and number")
-        ->expected(3)
-        ->type_name("CONFIG PARTITION NODE")
-        ->excludes(versions);
-    command->add_option("--store", options->store, "The file of another store, in which the other node is")
-        ->type_name("FILE")
-        ->excludes(versions);
-    command->callback([options] {
+        .Takes(3, 3)
+        .ShownAs("CONFIG PARTITION NODE")
+        .Excludes(versions);
+    command.Text("--store", options->store, "The file of another store, in which the other node is")
+        .ShownAs("FILE")
+        .Excludes(versions);
+    command.Together([options] {
         if (options->versions.empty() && options->other.empty() && options->store.empty()) {
-            throw CLI::ValidationError("diff", "takes --versions, --node or --store");
+            Refuse("diff", "takes --versions, --node or --store");
         }
     });
     return {command, [options] { return Run(*options); }};

@@ -136,17 +136,17 @@ Json ToJson(const NodePlace& place, const AutoNode& node, int digits,
 
 } // namespace
 
-Subcommand DigitsCommand(CLI::App& program) {
+Subcommand DigitsCommand(CommandLine& program) {
     struct Options {
         NodePlace place;
         bool json = false;
     };
 
     auto options = std::make_shared<Options>();
-    CLI::App* command = program.add_subcommand(
+    const CommandArguments command = program.Add(
         "digits", "Tell where each digit sequence leads from an AUTO node, and which wait for more digits");
-    AddNode(*command, options->place);
-    command->add_flag("--json", options->json, "Print JSON, for programs");
+    AddNode(command, options->place);
+    command.Flag("--json", options->json, "Print JSON, for programs");
     return {command, [options] {
                 DataBase dataBase;
                 const AutoNode node = RequireAutoNode(dataBase, options->place);

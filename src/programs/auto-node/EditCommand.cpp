@@ -26,15 +26,15 @@ bool HasDisplay() {
 
 } // namespace
 
-Subcommand EditCommand(CLI::App& program) {
+Subcommand EditCommand(CommandLine& program) {
     auto place = std::make_shared<NodePlace>();
-    CLI::App* edit =
-        program.add_subcommand("edit", "Open the editor on a node, or on the first AUTO node of the store");
-    AddNumber(*edit, "CONFIG", place->partition.config, "Configuration number");
-    AddNumber(*edit, "PARTITION", place->partition.number, "Partition number");
-    CLI::Option* node =
-        AddNumber(*edit, "NODE", place->number, "Number of the AUTO node; 0 for the partition's template");
-    edit->get_option("CONFIG")->needs(node);
+    const CommandArguments edit =
+        program.Add("edit", "Open the editor on a node, or on the first AUTO node of the store");
+    const Option config = AddNumber(edit, "CONFIG", place->partition.config, "Configuration number");
+    AddNumber(edit, "PARTITION", place->partition.number, "Partition number");
+    const Option node =
+        AddNumber(edit, "NODE", place->number, "Number of the AUTO node; 0 for the partition's template");
+    config.Needs(node);
     return {edit, [place, node]() -> int {
                 if (!HasDisplay()) {
                     throw std::runtime_error(
@@ -48,7 +48,7 @@ Subcommand EditCommand(CLI::App& program) {
                                                       std::to_string(place->number)};
                 std::array<char*, 5> arguments = {file.data(), numbers[0].data(), numbers[1].data(),
                                                   numbers[2].data(), nullptr};
-                if (node->count() == 0) {
+                if (!node.Given()) {
                     arguments[1] = nullptr;
                 }
                 execv(file.c_str(), arguments.data());

@@ -17,20 +17,20 @@ struct Options {
 
 } // namespace
 
-Subcommand ExportCommand(CLI::App& program) {
+Subcommand ExportCommand(CommandLine& program) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = program.add_subcommand(
+    const CommandArguments command = program.Add(
         "export", "Write a partition, or the whole store, into a file of text that import brings back");
     command
-        ->add_option("FILE", options->arguments,
-                     "Configuration and partition number, where it is one, and the file")
-        ->required()
-        ->expected(1, 3)
-        ->type_name("[CONFIG PARTITION] FILE");
-    command->callback([options] {
+        .Texts("FILE", options->arguments,
+               "Configuration and partition number, where it is one, and the file")
+        .Required()
+        .Takes(1, 3)
+        .ShownAs("[CONFIG PARTITION] FILE");
+    command.Together([options] {
         auto& arguments = options->arguments;
         if (arguments.size() == 2) {
-            throw CLI::ValidationError("export", "takes CONFIG PARTITION FILE, or FILE alone");
+            Refuse("export", "takes CONFIG PARTITION FILE, or FILE alone");
         }
         if (arguments.size() == 3) {
             options->scope = {ReadNumber("CONFIG", arguments[0]), ReadNumber("PARTITION", arguments[1])};

@@ -108,26 +108,27 @@ int Run(const Options& options) {
 
 } // namespace
 
-Subcommand GraphCommand(CLI::App& program) {
+Subcommand GraphCommand(CommandLine& program) {
     auto options = std::make_shared<Options>();
-    CLI::App* command =
-        program.add_subcommand("graph", "Draw the call flow of a partition, or of the nodes around one");
-    AddPartition(*command, options->place.partition);
-    CLI::Option* node = AddNumber(*command, "NODE", options->place.number,
+    const CommandArguments command =
+        program.Add("graph", "Draw the call flow of a partition, or of the nodes around one");
+    AddPartition(command, options->place.partition);
+    const Option node = AddNumber(command, "NODE", options->place.number,
                                   "Number of the AUTO node whose surroundings are drawn; 0 for the template");
-    command->add_option("--depth", options->depth, "How many steps from NODE onwards and back; 2 by default")
-        ->check(CLI::NonNegativeNumber)
-        ->type_name("STEPS")
-        ->needs(node);
+    const auto readDepth = [options](const std::string& text) {
+        options->depth = ReadSteps("--depth", text);
+    };
+    command.Word("--depth", readDepth, "How many steps from NODE onwards and back; 2 by default")
+        .ShownAs("STEPS")
+        .Needs(node);
     command
-        ->add_option(
-            "-o,--output", options->file,
-            "The picture, ending in .svg, .png or .pdf, or in .dot for Graphviz's own text, which is "
-            "printed where no file is given")
-        ->check(CheckFile, "", "")
-        ->type_name("FILE");
+        .Text("-o,--output", options->file,
+              "The picture, ending in .svg, .png or .pdf, or in .dot for Graphviz's own text, which is "
+              "printed where no file is given")
+        .Check(CheckFile)
+        .ShownAs("FILE");
     return {command, [options, node] {
-                options->oneNode = node->count() > 0;
+                options->oneNode = node.Given();
                 return Run(*options);
             }};
 }

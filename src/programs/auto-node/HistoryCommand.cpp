@@ -83,16 +83,16 @@ void PrintJson(const std::vector<Change>& changes) {
 
 } // namespace
 
-Subcommand HistoryCommand(CLI::App& program) {
+Subcommand HistoryCommand(CommandLine& program) {
     struct Options {
         NodePlace place;
         bool json = false;
     };
 
     auto options = std::make_shared<Options>();
-    CLI::App* command = program.add_subcommand("history", "List the changes of an AUTO node, newest first");
-    AddNode(*command, options->place);
-    command->add_flag("--json", options->json, "Print JSON, for programs");
+    const CommandArguments command = program.Add("history", "List the changes of an AUTO node, newest first");
+    AddNode(command, options->place);
+    command.Flag("--json", options->json, "Print JSON, for programs");
     return {command, [options] {
                 DataBase dataBase;
                 History history(dataBase);
@@ -102,8 +102,8 @@ Subcommand HistoryCommand(CLI::App& program) {
             }};
 }
 
-Subcommand PruneCommand(CLI::App& program) {
-    CLI::App* command = program.add_subcommand(
+Subcommand PruneCommand(CommandLine& program) {
+    const CommandArguments command = program.Add(
         "prune", "Drop what the history keeps no longer: all but the last " +
                      std::to_string(History::KeptVersions) + " changes of each node and those younger than " +
                      std::to_string(History::KeptDays) + " days");

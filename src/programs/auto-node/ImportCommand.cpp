@@ -186,21 +186,19 @@ int Run(const Options& options) {
 
 } // namespace
 
-Subcommand ImportCommand(CLI::App& program) {
+Subcommand ImportCommand(CommandLine& program) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = program.add_subcommand(
+    const CommandArguments command = program.Add(
         "import",
         "Bring an old Jet file (NewDB.mdb) over into a new store, or what export wrote back into one");
-    command->add_option("FILE", options->file, "The file; what it holds tells what it is")
-        ->required()
-        ->type_name("");
+    command.Text("FILE", options->file, "The file; what it holds tells what it is").Required().ShownAs("");
     command
-        ->add_option("--into", options->into,
-                     "The store's file, a new one or without rows for a Jet file; where the editor looks "
-                     "where none is given")
-        ->type_name("STORE");
-    command->add_flag("--dry-run", options->dryRun, "Only tell what would change; not for a Jet file");
-    command->add_flag("--damaged", options->damaged, "Take what can be read of a damaged Jet file");
+        .Text("--into", options->into,
+              "The store's file, a new one or without rows for a Jet file; where the editor looks "
+              "where none is given")
+        .ShownAs("STORE");
+    command.Flag("--dry-run", options->dryRun, "Only tell what would change; not for a Jet file");
+    command.Flag("--damaged", options->damaged, "Take what can be read of a damaged Jet file");
     return {command, [options] { return Run(*options); }};
 }
 

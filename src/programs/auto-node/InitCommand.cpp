@@ -10,16 +10,15 @@
 
 namespace KAL_AUTO_Node {
 
-Subcommand InitCommand(CLI::App& program) {
-    CLI::App* init = program.add_subcommand("init", "Create a store where the editor looks for it");
+Subcommand InitCommand(CommandLine& program) {
+    const CommandArguments init = program.Add("init", "Create a store where the editor looks for it");
     auto demo = std::make_shared<bool>(false);
-    init->add_flag("--demo", *demo, "Fill it with reference data and nodes worth looking at");
+    init.Flag("--demo", *demo, "Fill it with reference data and nodes worth looking at");
     auto server = std::make_shared<std::string>();
-    init->add_option(
-            "--server", *server,
-            "Keep it in this database of a PostgreSQL server, and put a link to it where the editor looks")
-        ->type_name("URI")
-        ->check([](const std::string& uri) {
+    init.Text("--server", *server,
+              "Keep it in this database of a PostgreSQL server, and put a link to it where the editor looks")
+        .ShownAs("URI")
+        .Check([](const std::string& uri) {
             return IsLink(uri) ? std::string() : "a connection URI begins with postgresql:// or postgres://";
         });
     return {init, [demo, server] {

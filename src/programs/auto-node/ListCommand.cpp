@@ -66,16 +66,16 @@ void ListNodes(DataBase& dataBase, Partition partition, bool json) {
 
 } // namespace
 
-Subcommand ListCommand(CLI::App& program) {
+Subcommand ListCommand(CommandLine& program) {
     auto options = std::make_shared<Options>();
-    CLI::App* list = program.add_subcommand("list", "List the partitions, or the AUTO nodes of one");
-    CLI::Option* config = AddNumber(*list, "CONFIG", options->partition.config, "Configuration number");
-    CLI::Option* partition = AddNumber(*list, "PARTITION", options->partition.number, "Partition number");
-    config->needs(partition);
-    list->add_flag("--json", options->json, "Print JSON, for programs");
+    const CommandArguments list = program.Add("list", "List the partitions, or the AUTO nodes of one");
+    const Option config = AddNumber(list, "CONFIG", options->partition.config, "Configuration number");
+    const Option partition = AddNumber(list, "PARTITION", options->partition.number, "Partition number");
+    config.Needs(partition);
+    list.Flag("--json", options->json, "Print JSON, for programs");
     return {list, [options, partition] {
                 DataBase dataBase;
-                if (partition->count() > 0) {
+                if (partition.Given()) {
                     ListNodes(dataBase, options->partition, options->json);
                 } else {
                     ListPartitions(dataBase, options->json);

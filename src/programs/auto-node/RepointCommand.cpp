@@ -64,17 +64,17 @@ int Run(const Options& options) {
 
 } // namespace
 
-Subcommand RepointCommand(CLI::App& program) {
+Subcommand RepointCommand(CommandLine& program) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = program.add_subcommand(
-        "repoint", "Let all that refers to a node refer to another, in one step or not at all");
-    AddPartition(*command, options->partition);
-    AddType(*command, "TYPE", options->type);
-    AddNumber(*command, "NUMBER", options->number, "Number of the node")->required();
-    AddType(*command, "NEW_TYPE", options->newType);
-    AddNumber(*command, "NEW_NUMBER", options->newNumber, "Number of the node that takes its place")
-        ->required();
-    command->add_flag("--dry-run", options->dryRun, "Only tell what would change");
+    const CommandArguments command =
+        program.Add("repoint", "Let all that refers to a node refer to another, in one step or not at all");
+    AddPartition(command, options->partition);
+    AddType(command, "TYPE", options->type);
+    AddNumber(command, "NUMBER", options->number, "Number of the node").Required();
+    AddType(command, "NEW_TYPE", options->newType);
+    AddNumber(command, "NEW_NUMBER", options->newNumber, "Number of the node that takes its place")
+        .Required();
+    command.Flag("--dry-run", options->dryRun, "Only tell what would change");
     return {command, [options] { return Run(*options); }};
 }
 

@@ -10,7 +10,7 @@
 
 namespace KAL_AUTO_Node {
 
-Subcommand RestoreCommand(CLI::App& program) {
+Subcommand RestoreCommand(CommandLine& program) {
     struct Options {
         NodePlace place;
         int version = 0; // the latest
@@ -18,15 +18,16 @@ Subcommand RestoreCommand(CLI::App& program) {
     };
 
     auto options = std::make_shared<Options>();
-    CLI::App* command = program.add_subcommand("restore", "Put an AUTO node back as it was before a change");
-    AddNode(*command, options->place);
+    const CommandArguments command =
+        program.Add("restore", "Put an AUTO node back as it was before a change");
+    AddNode(command, options->place);
     command
-        ->add_option_function<std::string>(
+        .Word(
             "VERSION",
             [options](const std::string& text) { options->version = ReadVersion("VERSION", text); },
             "Number of the change; the latest where none is given")
-        ->type_name("");
-    command->add_flag("--dry-run", options->dryRun, "Only tell what would change");
+        .ShownAs("");
+    command.Flag("--dry-run", options->dryRun, "Only tell what would change");
     return {
         command, [options] {
             const NodePlace& place = options->place;

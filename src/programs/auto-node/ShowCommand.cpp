@@ -57,17 +57,17 @@ void Print(const NodePlace& place, const AutoNode& node) {
 
 } // namespace
 
-Subcommand ShowCommand(CLI::App& program) {
+Subcommand ShowCommand(CommandLine& program) {
     struct Options {
         NodePlace place;
         bool json = false;
     };
 
     auto options = std::make_shared<Options>();
-    CLI::App* show =
-        program.add_subcommand("show", "Print one AUTO node: settings, prompts, actions, exceptions");
-    AddNode(*show, options->place);
-    show->add_flag("--json", options->json, "Print JSON, for programs");
+    const CommandArguments show =
+        program.Add("show", "Print one AUTO node: settings, prompts, actions, exceptions");
+    AddNode(show, options->place);
+    show.Flag("--json", options->json, "Print JSON, for programs");
     return {show, [options] {
                 const NodePlace& place = options->place;
                 DataBase dataBase;

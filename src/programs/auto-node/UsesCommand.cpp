@@ -65,14 +65,14 @@ int Run(const Options& options) {
 
 } // namespace
 
-Subcommand UsesCommand(CLI::App& program) {
+Subcommand UsesCommand(CommandLine& program) {
     auto options = std::make_shared<Options>();
-    CLI::App* command =
-        program.add_subcommand("uses", "List all that refers to a node, whatever the types of the two");
-    AddPartition(*command, options->partition);
-    AddType(*command, "TYPE", options->type);
-    AddNumber(*command, "NUMBER", options->number, "Number of the node")->required();
-    command->add_flag("--json", options->json, "Print JSON, for programs");
+    const CommandArguments command =
+        program.Add("uses", "List all that refers to a node, whatever the types of the two");
+    AddPartition(command, options->partition);
+    AddType(command, "TYPE", options->type);
+    AddNumber(command, "NUMBER", options->number, "Number of the node").Required();
+    command.Flag("--json", options->json, "Print JSON, for programs");
     return {command, [options] { return Run(*options); }};
 }
 

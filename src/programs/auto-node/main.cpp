@@ -21,23 +21,25 @@ int Ended(int status) {
 
 int main(int argc, char** argv) {
     using namespace KAL_AUTO_Node;
-    CLI::App program("Edits the AUTO nodes of a telephone call-flow store.", "auto-node");
-    program.require_subcommand(1);
-    program.set_version_flag("--version", KAL_AUTO_NODE_VERSION);
+    CommandLine program("Edits the AUTO nodes of a telephone call-flow store.", "auto-node",
+                        KAL_AUTO_NODE_VERSION);
     const auto commands = {
         EditCommand(program),    InitCommand(program),   ListCommand(program),    ShowCommand(program),
         HistoryCommand(program), DiffCommand(program),   RestoreCommand(program), PruneCommand(program),
         ImportCommand(program),  ExportCommand(program), DigitsCommand(program),  GraphCommand(program),
         CheckCommand(program),   UsesCommand(program),   RepointCommand(program),
     };
-    try {
-        program.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return program.exit(error) == 0 ? Ended(0) : UsageError;
+    switch (program.Read(argc, argv)) {
+    case CommandLine::Outcome::Run:
+        break;
+    case CommandLine::Outcome::Told:
+        return Ended(0);
+    case CommandLine::Outcome::Wrong:
+        return UsageError;
     }
     try {
         for (const Subcommand& command : commands) {
-            if (command.options->parsed()) {
+            if (command.arguments.Given()) {
                 return Ended(command.run());
             }
         }
