@@ -1,6 +1,6 @@
 #include "audit/PartitionCheck.h"
-#include "audit/References.h"
 #include "history/History.h"
+#include "nodes/References.h"
 #include "tests/TestStore.h"
 
 #include <sqlite3.h>

@@ -17,6 +17,12 @@ std::optional<Fault> FaultOf(std::string_view code) {
                                     : std::optional(static_cast<Fault>(rule - FaultRules.begin()));
 }
 
+std::optional<Fault> FaultOf(RangeKind kind) {
+    static constexpr std::array<std::optional<Fault>, 5> faults = {
+        std::nullopt, Fault::RangeNotDigits, Fault::RangeLengths, Fault::ReversedRange, Fault::RangeTooLong};
+    return faults.at(static_cast<std::size_t>(kind));
+}
+
 std::string Finding::Key(Partition partition) const {
     std::string key = RuleOf(fault).code;
     key += ' ' + std::to_string(partition.config) + ' ' + std::to_string(partition.number) + ' ' +

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "calls/Ranges.h"
 #include "nodes/Identity.h"
 
 #include <array>
@@ -100,14 +101,8 @@ inline constexpr std::array<FaultRule, 19> FaultRules = {{
 
 [[nodiscard]] std::optional<Fault> FaultOf(std::string_view code);
 
-// A node of any type, as it is shown: "AUTO 12".
-struct NodeName {
-    int typeID = 0;
-    std::string type;
-    int number = 0;
-
-    [[nodiscard]] std::string Text() const { return type + ' ' + std::to_string(number); }
-};
+// What is found where an action's range is of that kind; nothing where it is clear.
+[[nodiscard]] std::optional<Fault> FaultOf(RangeKind kind);
 
 struct Finding {
     Fault fault;

@@ -1,12 +1,12 @@
 #include "audit/PartitionCheck.h"
 
-#include "audit/DigitSpace.h"
-#include "audit/Flow.h"
-#include "audit/References.h"
+#include "calls/DigitSpace.h"
+#include "calls/Flow.h"
 #include "history/History.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/PartitionReader.h"
 #include "nodes/ReferenceData.h"
+#include "nodes/References.h"
 #include "nodes/ScratchList.h"
 
 #include <algorithm>
@@ -201,7 +201,7 @@ class PartitionCheck {
     }
 
     void CheckActions(int number, const AutoNode& node) {
-        const int digits = NumberOfDigits(node);
+        const int digits = EntryLengthOf(node.settings).most;
         const auto where = [](const Action& action) {
             std::string text = "action ";
             text += std::to_string(action.sequence);
@@ -212,7 +212,7 @@ class PartitionCheck {
         ScratchList entries;
         for (const Action& action : node.actions) {
             CheckTarget(number, action.target, Slot::Actions, [&] { return where(action); });
-            if (const auto fault = RangeFault(action, digits)) {
+            if (const auto fault = FaultOf(KindOf(action, digits))) {
                 Add(*fault, AutoType, number, where(action), EntryText(action));
             }
             std::string entry = EntryText(action);

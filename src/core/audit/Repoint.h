@@ -1,7 +1,7 @@
 #pragma once
 
-#include "audit/References.h"
 #include "nodes/Identity.h"
+#include "nodes/References.h"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,8 @@
 #include "diagram/CallFlow.h"
 
 #include "audit/PartitionCheck.h"
-#include "audit/References.h"
 #include "nodes/NodeTypes.h"
+#include "nodes/References.h"
 
 #include <algorithm>
 #include <tuple>
@@ -51,8 +51,7 @@ bool IsException(const ReferenceColumn& column) {
 
 // Whether a call goes on there, and does not only hear something.
 bool IsWay(const ReferenceColumn& column, int typeID) {
-    return RefersToNode(typeID) && NodeTypeOf(typeID) != MessageType && !column.table.ends_with("_Prompts") &&
-           !column.word.ends_with("Prompt");
+    return RefersToNode(typeID) && NodeTypeOf(typeID) != MessageType && !IsPlayed(column);
 }
 
 // The ways of nodes of other types, in their order.
@@ -148,8 +147,6 @@ void AddRemarks(CallFlow& flow, const std::vector<Finding>& findings) {
 }
 
 } // namespace
-
-NodeKey KeyOf(const Reference& reference) { return {NodeTypeOf(reference.typeID), reference.number}; }
 
 bool CallFlow::IsMissing(const Reference& reference) const {
     return RefersToNode(reference.typeID) && !LeadsOn(reference) &&

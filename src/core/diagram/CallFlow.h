@@ -56,9 +56,6 @@ struct CallFlow {
     [[nodiscard]] std::vector<Link> LinksFrom(const NodeKey& node) const;
 };
 
-// The node that the reference leads to.
-[[nodiscard]] NodeKey KeyOf(const Reference& reference);
-
 // Reads the whole partition once, with what is found wrong in it.
 [[nodiscard]] CallFlow ReadCallFlow(DataBase& dataBase, History& history, Partition partition);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "nodes/Identity.h"
 #include "nodes/Settings.h"
 #include "nodes/Slots.h"
 
@@ -26,6 +27,11 @@ struct Reference {
         return a.typeID == b.typeID && a.number == b.number && a.type == b.type;
     }
 };
+
+// The node that a reference leads to.
+[[nodiscard]] inline NodeKey KeyOf(const Reference& reference) {
+    return {NodeTypeOf(reference.typeID), reference.number};
+}
 
 // How a reference is shown: type and number, or the type alone where its references carry no number.
 [[nodiscard]] std::string DisplayText(const Reference& reference, Slot from);

@@ -2,6 +2,7 @@
 
 #include <compare>
 #include <cstdint>
+#include <string>
 #include <utility>
 
 namespace KAL_AUTO_Node {
@@ -33,6 +34,15 @@ struct NodePlace {
 
 // A node of a partition, whatever its type: the type's ID, the number.
 using NodeKey = std::pair<int, int>;
+
+// A node of any type, as it is shown: "AUTO 12".
+struct NodeName {
+    int typeID = 0;
+    std::string type;
+    int number = 0;
+
+    [[nodiscard]] std::string Text() const { return type + ' ' + std::to_string(number); }
+};
 
 // Of this number every type has the partition's template, from which new nodes are made.
 inline constexpr int TemplateNumber = 0;

@@ -1,7 +1,8 @@
-#include "audit/DigitSpace.h"
+#include "audit/Findings.h"
 #include "auto-node/Arguments.h"
 #include "auto-node/Commands.h"
 #include "auto-node/Table.h"
+#include "calls/DigitSpace.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/NodeJson.h"
 #include "platform/VisibleText.h"
@@ -48,8 +49,8 @@ std::string Named(const AutoNode& node, const ActionSet& actions, bool withTarge
 }
 
 std::string Sequences(const DigitLength& length, const DigitInterval& interval) {
-    const std::string low = length.Text(interval.low);
-    return interval.low == interval.high ? low : low + '-' + length.Text(interval.high);
+    const std::string low = SequenceText(length.length, interval.low);
+    return interval.low == interval.high ? low : low + '-' + SequenceText(length.length, interval.high);
 }
 
 std::string LeadsTo(const AutoNode& node, const DigitInterval& interval) {
@@ -88,7 +89,7 @@ void Print(const NodePlace& place, const AutoNode& node, int digits,
     Table left({Left, Left, Left}, "  ");
     bool any = false;
     for (const Action& action : node.actions) {
-        if (const auto fault = RangeFault(action, digits)) {
+        if (const auto fault = FaultOf(KindOf(action, digits))) {
             any = true;
             left.Add({EntryText(action), DisplayText(action.target, Slot::Actions), RuleOf(*fault).meaning});
         }
@@ -119,15 +120,15 @@ Json ToJson(const NodePlace& place, const AutoNode& node, int digits,
         }
         Json& intervals = member["intervals"] = Json::array();
         for (const DigitInterval& interval : length.intervals) {
-            intervals.push_back({{"low", length.Text(interval.low)},
-                                 {"high", length.Text(interval.high)},
+            intervals.push_back({{"low", SequenceText(length.length, interval.low)},
+                                 {"high", SequenceText(length.length, interval.high)},
                                  {"actions", SetJson(node, interval.leads)},
                                  {"waitsFor", SetJson(node, interval.waits)}});
         }
         document["lengths"].push_back(std::move(member));
     }
     for (const Action& action : node.actions) {
-        if (const auto fault = RangeFault(action, digits)) {
+        if (const auto fault = FaultOf(KindOf(action, digits))) {
             document["takeNoPart"].push_back({{"action", action.sequence}, {"code", RuleOf(*fault).code}});
         }
     }
@@ -150,8 +151,8 @@ Subcommand DigitsCommand(CommandLine& program) {
     return {command, [options] {
                 DataBase dataBase;
                 const AutoNode node = RequireAutoNode(dataBase, options->place);
-                const int digits = NumberOfDigits(node);
-                const auto lengths = DigitSpaceOf(node.actions, digits);
+                const int digits = EntryLengthOf(node.settings).most;
+                const auto lengths = DigitSpaceOf(node);
                 if (options->json) {
                     std::cout << JsonText(ToJson(options->place, node, digits, lengths)) << '\n';
                 } else {

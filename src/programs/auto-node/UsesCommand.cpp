@@ -1,9 +1,9 @@
-#include "audit/References.h"
 #include "auto-node/Arguments.h"
 #include "auto-node/Commands.h"
 #include "auto-node/Table.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/NodeJson.h"
+#include "nodes/References.h"
 #include "platform/VisibleText.h"
 
 #include <iostream>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "audit/Findings.h"
+#include "nodes/Identity.h"
 #include "store/DataBase.h"
 
 #include <cstddef>
@@ -9,6 +9,8 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace KAL_AUTO_Node {
 
@@ -36,6 +38,9 @@ struct StoredReference {
 
     [[nodiscard]] const ReferenceColumn& Column() const { return AllReferenceColumns()[column]; }
 };
+
+// Whether what it refers to is played there, and the call does not go on with it.
+[[nodiscard]] bool IsPlayed(const ReferenceColumn& column);
 
 // Where a reference stands: "prompt 3", "Timeout", "row 2, Prompt".
 [[nodiscard]] std::string PlaceText(const ReferenceColumn& column, int row);

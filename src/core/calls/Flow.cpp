@@ -1,4 +1,4 @@
-#include "audit/Flow.h"
+#include "calls/Flow.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "audit/References.h"
+#include "nodes/References.h"
 
 #include "nodes/Slots.h"
 #include "platform/FoldCase.h"
@@ -41,6 +41,10 @@ void Read(ResultSet rows, std::optional<int> number,
 } // namespace
 
 std::span<const ReferenceColumn> AllReferenceColumns() { return Columns; }
+
+bool IsPlayed(const ReferenceColumn& column) {
+    return column.table.ends_with("_Prompts") || column.word.ends_with("Prompt");
+}
 
 std::string PlaceText(const ReferenceColumn& column, int row) {
     if (column.table.starts_with("Node_")) {
