@@ -27,6 +27,7 @@ struct Subcommand {
 [[nodiscard]] Subcommand RepointCommand(CommandLine& program);
 [[nodiscard]] Subcommand RestoreCommand(CommandLine& program);
 [[nodiscard]] Subcommand ShowCommand(CommandLine& program);
+[[nodiscard]] Subcommand TraceCommand(CommandLine& program);
 [[nodiscard]] Subcommand UsesCommand(CommandLine& program);
 
 } // namespace KAL_AUTO_Node

@@ -1,8 +1,8 @@
 #include "audit/Findings.h"
 #include "auto-node/Arguments.h"
+#include "auto-node/CallsText.h"
 #include "auto-node/Commands.h"
 #include "auto-node/Table.h"
-#include "calls/DigitSpace.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/NodeJson.h"
 #include "platform/VisibleText.h"
@@ -25,50 +25,41 @@ struct Question {
     bool (*holds)(const DigitInterval& interval);
 };
 
-constexpr std::array<Question, 4> Questions = {{
-    {"leading", "lead to a node", [](const DigitInterval& interval) { return interval.leads.count == 1; }},
-    {"invalid", "lead to Invalid", [](const DigitInterval& interval) { return interval.leads.count == 0; }},
-    {"shared", "stand in several actions",
-     [](const DigitInterval& interval) { return interval.leads.count > 1; }},
-    {"waiting", "wait for more digits",
-     [](const DigitInterval& interval) { return interval.waits.count > 0; }},
+constexpr std::array<Question, 5> Questions = {{
+    {"leading", "held by an action", [](const DigitInterval& interval) { return interval.leads.count == 1; }},
+    {"shared", "by several", [](const DigitInterval& interval) { return interval.leads.count > 1; }},
+    {"invalid", "by none", [](const DigitInterval& interval) { return interval.leads.count == 0; }},
+    {"unclear", "may be held by one more",
+     [](const DigitInterval& interval) { return interval.may.count > 0; }},
+    {"waiting", "begin a longer one", [](const DigitInterval& interval) { return interval.waits.count > 0; }},
 }};
 
-std::string Named(const AutoNode& node, const ActionSet& actions, bool withTargets) {
+std::string Named(const AutoNode& node, const ActionSet& actions) {
     std::string text;
-    for (std::size_t i = 0; i < std::min(actions.count, actions.first.size()); ++i) {
-        const Action& action = node.actions[actions.first[i]];
-        text += (i > 0 ? ", " : "") + EntryText(action);
-        if (withTargets) {
-            text += " to " + DisplayText(action.target, Slot::Actions);
-        }
+    for (const std::size_t action : actions.First()) {
+        text += (text.empty() ? "" : ", ") + EntryText(node.actions[action]);
     }
-    return actions.count > actions.first.size()
-               ? text + " and " + std::to_string(actions.count - actions.first.size()) + " more"
-               : text;
+    const std::size_t more = actions.count - actions.First().size();
+    return more > 0 ? text + " and " + std::to_string(more) + " more" : text;
 }
 
-std::string Sequences(const DigitLength& length, const DigitInterval& interval) {
-    const std::string low = SequenceText(length.length, interval.low);
-    return interval.low == interval.high ? low : low + '-' + SequenceText(length.length, interval.high);
-}
-
-std::string LeadsTo(const AutoNode& node, const DigitInterval& interval) {
-    const ActionSet& leads = interval.leads;
-    if (leads.count == 0) {
-        return "Invalid";
+// What a caller waits for after an entry that begins a longer one.
+std::string Waiting(const Menu& menu, const DigitInterval& interval) {
+    if (interval.waits.count == 0) {
+        return {};
     }
-    return leads.count == 1 ? DisplayText(node.actions[leads.first.front()].target, Slot::Actions)
-                            : "not known which: " + Named(node, leads, true);
+    const std::string end =
+        menu.HasTerminator() ? "waits for digits or " + TerminatingDigitText(menu.Node().settings) : "waits";
+    return end + ", because of " + Named(menu.Node(), interval.waits);
 }
 
-void Print(const NodePlace& place, const AutoNode& node, int digits,
-           const std::vector<DigitLength>& lengths) {
-    const Reference& invalid = node.branches[static_cast<std::size_t>(
-        std::ranges::find(BranchRules, Slot::Invalid, &BranchRule::slot) - BranchRules.begin())];
+void Print(const NodePlace& place, const Menu& menu, const std::vector<DigitLength>& lengths) {
+    const AutoNode& node = menu.Node();
     std::cout << Visible(node.type) << ' ' << place.number << "  " << Visible(node.label.value_or(""))
-              << "\nTakes 1 to " << digits << " digits; Invalid is "
-              << Visible(DisplayText(invalid, Slot::Invalid)) << '\n';
+              << "\nTakes 1 to " << menu.Entries().most << " digits"
+              << (menu.Entries().known ? "" : ", or fewer: how many is not known") << "; Invalid is "
+              << Visible(menu.ExceptionTarget(BranchOf(Slot::Invalid)).Text()) << "; callers "
+              << (menu.MayAskAgain() ? "may be" : "are not") << " asked again\n";
     for (const DigitLength& length : lengths) {
         std::cout << '\n' << length.length << (length.length == 1 ? " digit: " : " digits: ");
         for (const Question& question : Questions) {
@@ -76,40 +67,41 @@ void Print(const NodePlace& place, const AutoNode& node, int digits,
                       << question.words;
         }
         std::cout << '\n';
-        Table table({Left, Right, Left, Left, Left}, "  ");
+        Table table({Left, Right, Left, Left, Left, Left}, "  ");
         for (const DigitInterval& interval : length.intervals) {
-            const bool one = interval.leads.count == 1;
-            table.Add(
-                {Sequences(length, interval), std::to_string(interval.Count()), LeadsTo(node, interval),
-                 one ? node.actions[interval.leads.first.front()].target.label : "",
-                 interval.waits.count > 0 ? "waits, because of " + Named(node, interval.waits, false) : ""});
+            const Outcomes outcomes = menu.Enter(length.length, interval);
+            const bool action = outcomes.IsCertain() && outcomes.ways.front().by == Outcome::By::Action;
+            table.Add({Sequences(length.length, interval), std::to_string(interval.Count()), TextOf(outcomes),
+                       action ? node.actions[outcomes.ways.front().place].target.label : "",
+                       Waiting(menu, interval), Codes(outcomes.reasons)});
         }
         table.Print(std::cout);
     }
     Table left({Left, Left, Left}, "  ");
     bool any = false;
     for (const Action& action : node.actions) {
-        if (const auto fault = FaultOf(KindOf(action, digits))) {
+        if (const auto fault = FaultOf(KindOf(action, menu.Entries().most))) {
             any = true;
             left.Add({EntryText(action), DisplayText(action.target, Slot::Actions), RuleOf(*fault).meaning});
         }
     }
     if (any) {
-        std::cout << "\nTake no part\n";
+        std::cout << "\nHold nothing, or not for certain\n";
         left.Print(std::cout);
     }
 }
 
 Json SetJson(const AutoNode& node, const ActionSet& actions) {
     Json sequences = Json::array();
-    for (std::size_t i = 0; i < std::min(actions.count, actions.first.size()); ++i) {
-        sequences.push_back(node.actions[actions.first[i]].sequence);
+    for (const std::size_t action : actions.First()) {
+        sequences.push_back(node.actions[action].sequence);
     }
     return {{"count", actions.count}, {"first", sequences}};
 }
 
-Json ToJson(const NodePlace& place, const AutoNode& node, int digits,
-            const std::vector<DigitLength>& lengths) {
+Json ToJson(const NodePlace& place, const Menu& menu, const std::vector<DigitLength>& lengths) {
+    const AutoNode& node = menu.Node();
+    const int digits = menu.Entries().most;
     Json document{{"config", place.partition.config}, {"partition", place.partition.number},
                   {"number", place.number},           {"numberOfDigits", digits},
                   {"lengths", Json::array()},         {"takeNoPart", Json::array()}};
@@ -123,7 +115,9 @@ Json ToJson(const NodePlace& place, const AutoNode& node, int digits,
             intervals.push_back({{"low", SequenceText(length.length, interval.low)},
                                  {"high", SequenceText(length.length, interval.high)},
                                  {"actions", SetJson(node, interval.leads)},
-                                 {"waitsFor", SetJson(node, interval.waits)}});
+                                 {"waitsFor", SetJson(node, interval.waits)},
+                                 {"mayHold", SetJson(node, interval.may)},
+                                 {"certain", menu.Enter(length.length, interval).IsCertain()}});
         }
         document["lengths"].push_back(std::move(member));
     }
@@ -150,13 +144,12 @@ Subcommand DigitsCommand(CommandLine& program) {
     command.Flag("--json", options->json, "Print JSON, for programs");
     return {command, [options] {
                 DataBase dataBase;
-                const AutoNode node = RequireAutoNode(dataBase, options->place);
-                const int digits = EntryLengthOf(node.settings).most;
-                const auto lengths = DigitSpaceOf(node);
+                const Menu menu(options->place.number, RequireAutoNode(dataBase, options->place));
+                const auto lengths = DigitSpaceOf(menu.Node());
                 if (options->json) {
-                    std::cout << JsonText(ToJson(options->place, node, digits, lengths)) << '\n';
+                    std::cout << JsonText(ToJson(options->place, menu, lengths)) << '\n';
                 } else {
-                    Print(options->place, node, digits, lengths);
+                    Print(options->place, menu, lengths);
                 }
                 return 0;
             }};

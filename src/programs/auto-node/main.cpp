@@ -26,8 +26,8 @@ int main(int argc, char** argv) {
     const auto commands = {
         EditCommand(program),    InitCommand(program),   ListCommand(program),    ShowCommand(program),
         HistoryCommand(program), DiffCommand(program),   RestoreCommand(program), PruneCommand(program),
-        ImportCommand(program),  ExportCommand(program), DigitsCommand(program),  GraphCommand(program),
-        CheckCommand(program),   UsesCommand(program),   RepointCommand(program),
+        ImportCommand(program),  ExportCommand(program), DigitsCommand(program),  TraceCommand(program),
+        GraphCommand(program),   CheckCommand(program),  UsesCommand(program),    RepointCommand(program),
     };
     switch (program.Read(argc, argv)) {
     case CommandLine::Outcome::Run:

@@ -1,0 +1,99 @@
+#include "calls/CallMap.h"
+
+#include "calls/Flow.h"
+#include "nodes/PartitionReader.h"
+#include "platform/RuntimeError.h"
+#include "store/DataBase.h"
+
+#include <algorithm>
+#include <iterator>
+#include <set>
+
+namespace KAL_AUTO_Node {
+
+const Menu* CallMap::MenuOf(const Target& target) const {
+    const auto found = target.typeID == AutoType ? menus.find(target.number) : menus.end();
+    return found == menus.end() ? nullptr : &found->second;
+}
+
+const Menu& CallMap::RequireMenu(int number) const {
+    const auto found = menus.find(number);
+    if (found == menus.end()) {
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                           "AUTO node " + std::to_string(number) + " of configuration " +
+                               std::to_string(partition.config) + ", partition " +
+                               std::to_string(partition.number) + " does not exist");
+    }
+    return found->second;
+}
+
+std::string CallMap::LabelOf(const NodeKey& node) const {
+    const auto found = labels.find(node);
+    return found == labels.end() ? std::string() : found->second;
+}
+
+std::optional<Reason> CallMap::EndAt(const Target& target) const {
+    if (target.typeID == AutoType) {
+        return MenuOf(target) == nullptr ? std::optional(Reason::MissingNode) : std::nullopt;
+    }
+    if (!target.hasNumber) {
+        return Reason::NoTarget;
+    }
+    return RefersToNode(target.typeID) && !labels.contains(target.Key()) ? Reason::MissingNode
+                                                                         : Reason::NotFollowed;
+}
+
+const std::vector<OtherWay>& CallMap::WaysFrom(const Target& target) const {
+    static const std::vector<OtherWay> none;
+    const auto found = others.find(target.Key());
+    return found == others.end() || target.typeID == AutoType ? none : found->second;
+}
+
+CallMap ReadCallMap(DataBase& dataBase, const TypeNames& names, Partition partition) {
+    CallMap map;
+    map.partition = partition;
+    {
+        ResultSet rows = dataBase.Query(Command::Get_Register, {partition.config, partition.number});
+        const std::size_t type = rows.Column("NodeTypeID");
+        const std::size_t number = rows.Column("NodeNumber");
+        const std::size_t label = rows.Column("NodeDescription");
+        for (; !rows.AtEnd(); rows.MoveNext()) {
+            map.labels.emplace_hint(map.labels.end(), NodeKey(rows.Number(type), rows.Number(number)),
+                                    rows.Field(label).value_or(""));
+        }
+    }
+    Flow flow;
+    ReadWholeAutoNodes(
+        dataBase, partition,
+        [&](int number, const AutoNode& node) {
+            flow.Add(number, node);
+            map.menus.emplace_hint(map.menus.end(), number, Menu(number, node));
+        },
+        [](Slot, int, int) {});
+    std::set<int> entered;
+    ReadOtherReferences(dataBase, partition, [&](const StoredReference& reference) {
+        const ReferenceColumn& column = reference.Column();
+        const auto typeID = column.hasTypeID ? reference.typeID : names.ID(reference.type);
+        if (!typeID || !reference.number || !RefersToNode(*typeID)) {
+            return;
+        }
+        if (*typeID == AutoType) {
+            flow.AddReferenceTo(*reference.number);
+        }
+        const NodeKey holder{reference.holderTypeID, reference.holder};
+        if (IsPlayed(column) || !map.labels.contains(holder)) {
+            return;
+        }
+        map.others[holder].push_back(
+            {PlaceText(column, reference.row), {*typeID, *reference.number, true, reference.type}});
+        if (*typeID == AutoType && map.menus.contains(*reference.number)) {
+            entered.insert(*reference.number);
+        }
+    });
+    std::ranges::copy(flow.Unreferenced(), std::inserter(entered, entered.end()));
+    entered.erase(TemplateNumber);
+    map.entries.assign(entered.begin(), entered.end());
+    return map;
+}
+
+} // namespace KAL_AUTO_Node
