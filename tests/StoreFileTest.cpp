@@ -40,7 +40,7 @@ TEST(StoreFile, TellWhatTheStoreRefuses) {
     {
         SQLite::Database owner(file, SQLite::OPEN_READWRITE);
         owner.exec("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE; DELETE FROM Node_Type_Max");
-        ExpectRaised(StoreFailure, {"database is locked", "Get_Node_Names", file},
+        ExpectRaised(StoreLocked, {"database is locked", "Get_Node_Names", file},
                      [&] { Perform(dataBase, Get_Node_Names, {}); });
     }
     const auto add = [&](const char* sequence) {
@@ -57,7 +57,7 @@ TEST(StoreFile, TellWhatTheStoreRefuses) {
     {
         SQLite::Database other(file, SQLite::OPEN_READWRITE);
         other.exec("BEGIN IMMEDIATE");
-        ExpectRaised(StoreFailure, {"locked", "Add_AUTO_PromptsNode", file}, [&] { add("5"); });
+        ExpectRaised(StoreLocked, {"locked", "Add_AUTO_PromptsNode", file}, [&] { add("5"); });
         EXPECT_EQ(Perform(dataBase, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number"), Texts{"250"});
         EXPECT_NO_THROW(dataBase.Flush()) << "what was written lasts without a lock";
         const std::jthread letsGo([&] {

@@ -19,10 +19,9 @@ std::string Named(const NodePlace& place) {
 }
 
 // A change of this process's. One that ended before it was stored has left its number to others.
-auto FindOwn(std::vector<Version>& versions, int number) {
-    return std::ranges::find_if(versions, [&, self = ThisProcess()](const Version& version) {
-        return version.number == number && version.author == self;
-    });
+auto FindOwn(std::vector<Version>& versions, int number, const ProcessIdentity& self) {
+    return std::ranges::find_if(
+        versions, [&](const Version& version) { return version.number == number && version.author == self; });
 }
 
 } // namespace
@@ -48,6 +47,15 @@ bool History::Prepare() {
         exists_ = true;
     }
     return true;
+}
+
+ProcessIdentity History::Self() {
+    ProcessIdentity self = ThisProcess();
+    // The server's rules for who may change what of the history go by this end of the name.
+    if (const std::string role = dataBase_.Role(); !role.empty() && role != self.user) {
+        self.user += " as " + role;
+    }
+    return self;
 }
 
 std::vector<Version> History::Stored(const NodePlace& place) {
@@ -76,7 +84,7 @@ void History::ReadVersionsAhead(ReadAhead& ahead, const NodePlace& place) {
 std::vector<Version> History::Versions(const NodePlace& place) {
     auto versions = Stored(place);
     for (const auto& [ended, number, state] : ended_) {
-        const auto own = ended == place ? FindOwn(versions, number) : versions.end();
+        const auto own = ended == place ? FindOwn(versions, number, Self()) : versions.end();
         if (own == versions.end()) {
             continue;
         }
@@ -155,7 +163,7 @@ void History::MarkEnded() {
         const auto& [partition, node] = place;
         Transaction all(dataBase_, place.Number());
         Batch batch(dataBase_);
-        if (auto versions = Stored(place); FindOwn(versions, version) != versions.end()) {
+        if (auto versions = Stored(place); FindOwn(versions, version, Self()) != versions.end()) {
             SetState(batch, place, version, state);
             if (state == std::string_view(VersionState::Finished)) {
                 batch.Add(Command::Leave_AUTO_Versions, {partition.config, partition.number, node, version});
@@ -195,7 +203,7 @@ int History::Add(Batch& batch, const NodePlace& place, const std::vector<Version
                  const char* state, const NodeContent& before) {
     const int number = versions.empty() ? 1 : versions.front().number + 1;
     Forget(place, number); // it was that of a change that never was
-    const ProcessIdentity author = ThisProcess();
+    const ProcessIdentity author = Self();
     const auto& [partition, node] = place;
     batch.Add(Command::Add_AUTO_Version,
               {partition.config, partition.number, node, number, work, state, TimeStamp(), author.user,

@@ -74,6 +74,8 @@ class History {
         const char* state;
     };
 
+    // Who works here; on a server with the role, of which the workstation's user says nothing.
+    [[nodiscard]] ProcessIdentity Self();
     [[nodiscard]] std::vector<Version> Stored(const NodePlace& place);
     static void RequireIdle(const NodePlace& place, const std::vector<Version>& versions);
     // Behind those versions.

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace KAL_AUTO_Node {
 
@@ -17,10 +19,13 @@ enum class ErrorNumber : int {
     CannotCreateComponent = 429,
     DuplicateCollectionKey = 457,
     UnsupportedValueType = 1001,
+    OutcomeUnknown = 1002, // whether what was to be stored is stored
     DuplicateKey = 3022,
     StoreNotFound = 3024,
     StoreNotRecognized = 3343,
     StoreFailure = 3146,
+    StoreUnreachable = 3151, // a server, or the line to it
+    StoreLocked = 3260,      // by another program, for longer than one waits
     Busy = 3218,
     ColumnNotFound = 3265,
     ResultSetOpen = 3705,
@@ -37,6 +42,12 @@ class RuntimeError : public std::runtime_error {
     RuntimeError(ErrorNumber number, const std::string& description, std::string source = ComponentName)
         : std::runtime_error(description), number_(number), source_(std::move(source)) {}
 
+    // From now on this error and its copies are one, to be told once.
+    void BeOne() { told_ = std::make_shared<bool>(false); }
+
+    // Whether it is to be told, which takes note that it is.
+    [[nodiscard]] bool TellOnce() { return !told_ || !std::exchange(*told_, true); }
+
     [[nodiscard]] ErrorNumber Number() const noexcept { return number_; }
 
     [[nodiscard]] const std::string& Source() const noexcept { return source_; }
@@ -44,6 +55,7 @@ class RuntimeError : public std::runtime_error {
   private:
     ErrorNumber number_;
     std::string source_;
+    std::shared_ptr<bool> told_;
 };
 
 } // namespace KAL_AUTO_Node

@@ -69,6 +69,9 @@ class Connection {
     // three below are for such an engine.
     [[nodiscard]] virtual bool IsRemote() const { return false; }
 
+    // As whom a server knows this connection; nothing in a file.
+    [[nodiscard]] virtual std::string Role() const { return {}; }
+
     enum class Then { Stay, Commit };
 
     // Runs statements without result rows in their order, all or none of them, and tells how many rows each

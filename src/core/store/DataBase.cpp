@@ -6,6 +6,8 @@
 #include "store/Batch.h"
 #include "store/Connection.h"
 #include "store/ParlonPlusFilesAndFolders.h"
+#include "store/PortableSql.h"
+#include "store/Scripts.h"
 
 #include <algorithm>
 #include <cassert>
@@ -48,6 +50,9 @@ const std::string& CommandText(Command command) { return CommandOf(command).sql;
 // The engine's message tells what went wrong; where it did is known here.
 template <class Use>
 decltype(auto) DataBase::Describing(std::string_view work, std::string_view command, Use&& use) const {
+    if (vain_) {
+        throw RuntimeError(*vain_);
+    }
     try {
         return use();
     } catch (const RuntimeError& error) {
@@ -62,8 +67,20 @@ decltype(auto) DataBase::Describing(std::string_view work, std::string_view comm
             description += place;
         }
         description += ')';
-        throw RuntimeError(error.Number(), description, error.Source());
+        Fail({error.Number(), description, error.Source()});
     }
+}
+
+void DataBase::Fail(const RuntimeError& error) const {
+    const bool unreachable = error.Number() == ErrorNumber::StoreUnreachable;
+    if (singleWaits_ > 0 && (unreachable || error.Number() == ErrorNumber::StoreLocked)) {
+        vain_ = error;
+        if (unreachable) {
+            vain_->BeOne();
+        }
+        throw RuntimeError(*vain_);
+    }
+    throw RuntimeError(error);
 }
 
 template <class Use>
@@ -102,8 +119,11 @@ std::size_t ResultSet::Column(std::string_view name) const {
 std::optional<std::string_view> ResultSet::Field(std::size_t column) const { return Rows().Field(column); }
 
 void ResultSet::Fail(ErrorNumber number, const std::string& what, std::size_t column) const {
-    throw RuntimeError(number, what + ": " + Rows().Columns()[column] + " in the rows of " +
-                                   std::string(CommandName(command_)));
+    // A server tells it in lower case.
+    throw RuntimeError(
+        number, what + ": " +
+                    std::string(AsWritten(CommandText(command_) + SchemaScript, Rows().Columns()[column])) +
+                    " in the rows of " + std::string(CommandName(command_)));
 }
 
 std::string_view ResultSet::Text(std::size_t column) const {
@@ -220,6 +240,10 @@ void DataBase::Flush() {
 
 bool DataBase::HasTable(const std::string& name) {
     return Describing("looking for table ", name, [&] { return Open().HasTable(name); });
+}
+
+std::string DataBase::Role() {
+    return Describing("opening the store", "", [&] { return Open().Role(); });
 }
 
 void DataBase::MakeTables(const char* script) {

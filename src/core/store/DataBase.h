@@ -157,6 +157,12 @@ class DataBase {
     // Whether the store has a table of that name.
     [[nodiscard]] bool HasTable(const std::string& name);
 
+    // As whom a server knows who works here; nothing in a file.
+    [[nodiscard]] std::string Role();
+
+    // Whether it lies on a server. Opens it.
+    [[nodiscard]] bool IsRemote();
+
     // Runs statements that make tables, all or none.
     void MakeTables(const char* script);
 
@@ -164,12 +170,12 @@ class DataBase {
     friend class Batch;
     friend class ReadAhead;
     friend class ResultSet;
+    friend class SingleWait;
     friend class Transaction;
 
     Connection& Open();
 
     // For Batch and ReadAhead, which save ways to a server and back.
-    [[nodiscard]] bool IsRemote();
     std::vector<std::int64_t> RunTogether(const std::vector<CommandRun>& runs, bool committing);
     // Returns whether that is of use; not where the store cannot be opened, which what follows will tell.
     bool BeginReadingAhead() noexcept;
@@ -187,6 +193,7 @@ class DataBase {
     // The statement of a command that takes that many parameters.
     Statement& StatementOf(Command command, std::size_t parameters);
     Statement& Run(Command command, Parameters parameters);
+    [[noreturn]] void Fail(const RuntimeError& error) const;
     template <class Use>
     decltype(auto) Describing(std::string_view work, std::string_view command, Use&& use) const;
     template <class Use>
@@ -199,6 +206,28 @@ class DataBase {
     std::unique_ptr<Connection> connection_;
     std::array<Prepared, CommandCount> prepared_;
     int readersAhead_ = 0;
+    int singleWaits_ = 0;
+    mutable std::optional<RuntimeError> vain_; // what a wait that is not made again ended with
+};
+
+// While one lives, a server that does not answer, or another program that keeps the store locked, is waited
+// for once: what comes after it fails in the same way without a wait. Of a server, that is one error, which
+// is told once. The data base outlives it.
+class SingleWait {
+  public:
+    explicit SingleWait(DataBase& dataBase) : dataBase_(dataBase) { ++dataBase_.singleWaits_; }
+
+    ~SingleWait() {
+        if (--dataBase_.singleWaits_ == 0) {
+            dataBase_.vain_.reset();
+        }
+    }
+
+    SingleWait(const SingleWait&) = delete;
+    SingleWait& operator=(const SingleWait&) = delete;
+
+  private:
+    DataBase& dataBase_;
 };
 
 // Statements that take effect together, for others as for the disk: with Commit, or not at all. Where another

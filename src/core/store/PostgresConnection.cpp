@@ -1,5 +1,7 @@
 #include "store/PostgresConnection.h"
 
+#include "platform/FoldCase.h"
+#include "platform/NumericValue.h"
 #include "store/PostgresErrors.h"
 #include "store/PostgresStatement.h"
 #include "store/StoreFormat.h"
@@ -25,14 +27,22 @@ constexpr std::array<std::pair<const char*, const char*>, 5> Patience = {{
 }};
 
 // As in the embedded engine, a lock that lasts is reported and a statement that comes to no end is stopped. A
-// window that hangs in the middle of a transaction keeps nobody from saving. Then, in the same answer, what
-// is there: the tables, and what says which version of them.
+// window that hangs in the middle of a transaction keeps nobody from saving. Each statement has to see what
+// was there when a lock was got, whatever the server's own default. Then, in the same answer, who this is,
+// where tables are made, and what is there: the tables, and what says which version of them. Names are looked
+// for in no schema of the server's users: in one where others may make functions, one that fits better than
+// the server's own would be called.
 constexpr const char* SetUpSession =
     "SET lock_timeout = '1s'; SET statement_timeout = '10s'; SET idle_in_transaction_session_timeout = '30s';"
-    "SELECT relname, CASE relname WHEN 'node_auto' THEN obj_description(oid, 'pg_class') END FROM pg_class"
-    " WHERE relkind IN ('r', 'v', 'p', 'f', 'm') AND relnamespace = ANY "
-    "(current_schemas(false)::regnamespace[])"
-    " AND pg_table_is_visible(oid)";
+    "SET default_transaction_isolation = 'read committed';"
+    "SELECT NULL, pg_catalog.current_schema(), session_user UNION ALL "
+    "SELECT c.relname, n.nspname, CASE c.relname WHEN 'node_auto' THEN pg_catalog.obj_description(c.oid, "
+    "'pg_class') END FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace"
+    " WHERE c.relkind IN ('r', 'v', 'p', 'f', 'm') AND n.nspname = ANY (pg_catalog.current_schemas(false))"
+    " AND pg_catalog.pg_table_is_visible(c.oid);"
+    "SET search_path = pg_catalog, pg_temp";
+
+constexpr const char* StoreTable = "node_auto";
 
 struct FreeOptions {
     void operator()(PQconninfoOption* options) const noexcept { PQconninfoFree(options); }
@@ -63,10 +73,19 @@ std::string ValueOf(const PQconninfoOption* options, std::string_view keyword) {
 
 const char* OrEmpty(const char* text) { return text != nullptr ? text : ""; }
 
+// As statements name it, with a dot; nothing for none.
+std::string SchemaName(std::string_view name) {
+    std::string quoted;
+    for (const char c : name) {
+        quoted += c == '"' ? "\"\"" : std::string(1, c);
+    }
+    return name.empty() ? std::string() : '"' + quoted + "\".";
+}
+
 } // namespace
 
 PostgresConnection::PostgresConnection(std::string uri, Wanted wanted)
-    : uri_(std::move(uri)), wanted_(wanted) {
+    : uri_(std::move(uri)), wanted_(wanted), secrets_(uri_) {
     Connect();
 }
 
@@ -101,14 +120,17 @@ void PostgresConnection::Connect() {
     }
     PGconn* connection = connection_.get();
     if (PQstatus(connection) != CONNECTION_OK) {
-        const std::string why = Trimmed(PQerrorMessage(connection));
-        connection_.reset();
-        throw RuntimeError(ErrorNumber::StoreFailure, why, PostgresName);
+        FailLost();
     }
     place_ = std::string("server '") + OrEmpty(PQhost(connection)) + ':' + OrEmpty(PQport(connection)) +
              "', database '" + OrEmpty(PQdb(connection)) + '\'';
     PQsetNoticeReceiver(
         connection, [](void*, const PGresult*) {}, nullptr);
+    // How long one waits for a line, one waits for the server's word as well.
+    const std::unique_ptr<PQconninfoOption, FreeOptions> used(PQconninfo(connection));
+    if (const auto limit = NumericValue(ValueOf(used.get(), "tcp_user_timeout")); limit > 0) {
+        answerLimit_ = std::chrono::milliseconds(limit);
+    }
     try {
         SetUp();
     } catch (...) {
@@ -120,13 +142,20 @@ void PostgresConnection::Connect() {
 void PostgresConnection::SetUp() {
     Require(PQsetnonblocking(connection_.get(), 1) == 0 ? 1 : 0);
     const Result found = Script(SetUpSession);
-    std::string comment;
-    for (int row = 0; row < PQntuples(found.get()); ++row) {
-        tables_.insert(PQgetvalue(found.get(), row, 0));
-        comment += PQgetvalue(found.get(), row, 1);
+    if (PQntuples(found.get()) == 0 || PQnfields(found.get()) != 3) {
+        FailLost(Unexpected);
     }
-    if (wanted_ == Wanted::Store && !tables_.contains("node_auto") &&
-        !tables_.contains("node_general_pool")) {
+    const auto field = [&](int row, int column) { return PQgetvalue(found.get(), row, column); };
+    schema_ = SchemaName(field(0, 1));
+    role_ = field(0, 2);
+    std::string comment;
+    for (int row = 1; row < PQntuples(found.get()); ++row) {
+        tables_.emplace(field(row, 0), SchemaName(field(row, 1)));
+        comment += field(row, 2);
+    }
+    if (const auto store = tables_.find(StoreTable); store != tables_.end()) {
+        schema_ = store->second;
+    } else if (wanted_ == Wanted::Store && !tables_.contains("node_general_pool")) {
         throw RuntimeError(ErrorNumber::StoreNotRecognized,
                            "There is no store on " + place_ +
                                "; \"auto-node init --server\" makes one, in an empty database",
@@ -147,8 +176,8 @@ void PostgresConnection::BeReady() {
         return;
     }
     if (inTransaction_) {
-        throw RuntimeError(ErrorNumber::StoreFailure, "The change was lost with the connection to the server",
-                           PostgresName);
+        throw RuntimeError(ErrorNumber::StoreUnreachable,
+                           "The change was lost with the connection to the server", PostgresName);
     }
     Connect();
 }
@@ -160,10 +189,9 @@ std::unique_ptr<Statement> PostgresConnection::Prepare(const std::string& sql) {
 void PostgresConnection::Begin(std::optional<std::int64_t> number) {
     BeReady();
     // Sent with the first statement. A change of one thing keeps out others of the same, and one of
-    // everything keeps out all. Each statement has to see what was there when the lock was got, whatever the
-    // server's own default.
+    // everything keeps out all.
     const std::string application = std::to_string(StoreApplicationId);
-    beginning_ = {"BEGIN ISOLATION LEVEL READ COMMITTED"};
+    beginning_ = {"BEGIN"};
     beginning_.push_back("SELECT pg_advisory_xact_lock" + std::string(number ? "_shared" : "") + '(' +
                          application + ", 0)");
     if (number) {
@@ -193,7 +221,7 @@ void PostgresConnection::Rollback() noexcept {
     try {
         std::size_t reached = 0;
         if (beginning_.empty() && connection_) {
-            Exchange({}, std::array{"ROLLBACK"}, reached);
+            Exchange({}, Ending, reached);
         }
     } catch (const std::exception&) {
         connection_.reset(); // takes it back as well
@@ -204,18 +232,23 @@ void PostgresConnection::Rollback() noexcept {
 
 bool PostgresConnection::HasTable(const std::string& name) {
     BeReady();
-    std::string lower = name;
-    std::ranges::transform(lower, lower.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string lower = FoldAscii(name);
     if (!tables_.contains(lower)) {
         const auto statement = Prepare("SELECT to_regclass(:Name) IS NOT NULL");
-        const std::array<std::optional<std::string>, 1> parameters = {lower};
+        const std::array<std::optional<std::string>, 1> parameters = {schema_ + lower};
         statement->Run(parameters);
         if (statement->Field(0) == "t") {
-            tables_.insert(lower);
+            tables_.emplace(lower, schema_);
         }
     }
     return tables_.contains(lower);
+}
+
+std::string PostgresConnection::WithSchema(std::string_view sql) const {
+    return Qualified(sql, [this](const std::string& table) {
+        const auto known = tables_.find(table);
+        return known != tables_.end() ? known->second : schema_;
+    });
 }
 
 void PostgresConnection::RunScript(const char* sql) {
@@ -224,7 +257,7 @@ void PostgresConnection::RunScript(const char* sql) {
     Exchange({}, {}, reached); // what begins the transaction
     ahead_.clear();
     Require(PQexitPipelineMode(connection_.get()));
-    Script(ServerTables(sql).c_str());
+    Script(WithSchema(ServerTables(sql)).c_str());
     Require(PQenterPipelineMode(connection_.get()));
 }
 

@@ -1,10 +1,14 @@
 #pragma once
 
+#include "platform/RuntimeError.h"
 #include "store/Connection.h"
+#include "store/PortableSql.h"
+#include "store/ServerLink.h"
 
 #include <array>
+#include <chrono>
 #include <libpq-fe.h>
-#include <set>
+#include <map>
 #include <unordered_map>
 
 namespace KAL_AUTO_Node {
@@ -37,6 +41,8 @@ class PostgresConnection : public Connection {
     void RunScript(const char* sql) override;
 
     [[nodiscard]] bool IsRemote() const override { return true; }
+
+    [[nodiscard]] std::string Role() const override { return role_; }
 
     std::vector<std::int64_t> RunTogether(std::span<const StatementRun> runs, Then then,
                                           std::size_t& reached) override;
@@ -75,36 +81,61 @@ class PostgresConnection : public Connection {
         std::size_t run; // which of the runs, or the one reached by then
     };
 
+    struct Failure {
+        RuntimeError error;
+        std::string state; // the server's code
+    };
+
+    struct Answer {
+        std::vector<Result> results;
+        std::optional<Failure> failure; // the first
+    };
+
     void Send(const StatementRun& run, std::vector<Sent>& sent, std::size_t index);
     void SendPlain(const char* sql);
-    // Outside of the pipelines: several statements at once; the result of the last.
+    // Outside of the pipelines: several statements at once; the rows of the last that has any.
     Result Script(const char* sql);
-    // Nothing where the statements have to be sent once more, because the tables have changed since they were
-    // prepared.
-    std::optional<std::vector<Result>> Receive(std::span<const StatementRun> runs,
-                                               const std::vector<Sent>& sent, std::size_t& reached,
-                                               bool mayRepeat);
+    Answer Receive(std::span<const StatementRun> runs, const std::vector<Sent>& sent, std::size_t& reached);
+    // What is left once the last statement has its result: whether it took effect.
+    void ReceiveEnd(Answer& answer);
+    void Take(const PGresult* result, const NumberedStatement* statement, Answer& answer);
     // The next result, or none at the end of those of a statement.
     Result Next();
     void Await();
+    // The limits of time and of bytes begin anew.
+    void AwaitAnother();
     // What the client library says of its own calls.
     void Require(int done);
-    [[noreturn]] void FailLost();
+    [[noreturn]] void FailLost(std::string why = {});
+    // Without what a link holds of passwords.
+    [[nodiscard]] RuntimeError Error(ErrorNumber number, const std::string& what) const;
+
+    [[nodiscard]] std::string WithSchema(std::string_view sql) const;
 
     // The last statement of a transaction, and what comes after it: the server ends one that failed, too.
     static constexpr std::array<const char*, 1> Committing = {"COMMIT"};
+    static constexpr std::array<const char*, 1> Ending = {"ROLLBACK"};
+    static constexpr const char* Unexpected = "The server gives an answer that was not asked for";
     void Committed(const Result& result);
 
     std::string uri_;
     Wanted wanted_;
     std::unique_ptr<PGconn, Finish> connection_;
+    LinkSecrets secrets_;
     std::string place_;
-    std::set<std::string> tables_; // known to be there, in lower case
-    int connects_ = 0;             // how often; statements are prepared once for each
-    int statements_ = 0;           // how many have got a name
+    std::string role_;
+    std::string schema_;                        // of tables that are made; as statements name it, with a dot
+    std::map<std::string, std::string> tables_; // known to be there, in lower case, with their schemas
+    int connects_ = 0;                          // how often; statements are prepared once for each
+    int statements_ = 0;                        // how many have got a name
     std::unordered_map<std::string, Result> ahead_;
     std::vector<std::string> beginning_; // of a transaction, not sent yet
     bool inTransaction_ = false;
+    bool committing_ = false; // what is sent may have taken effect, and no answer tells yet
+    // For one statement. The server stops it of its own accord after ten seconds.
+    std::chrono::milliseconds answerLimit_{15'000};
+    std::chrono::steady_clock::time_point answerBy_;
+    std::int64_t received_ = 0; // bytes, of the result that is awaited
 };
 
 } // namespace KAL_AUTO_Node

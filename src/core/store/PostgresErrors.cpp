@@ -14,25 +14,17 @@ std::string_view Diagnosis(const PGresult* failed, int field) {
     return text != nullptr ? text : std::string_view();
 }
 
-bool SameLetter(char a, char b) {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-    return lower(a) == lower(b);
-}
-
-// The server tells names in lower case.
-std::string_view AsWrittenIn(std::string_view sql, std::string_view name) {
-    const auto found = std::search(sql.begin(), sql.end(), name.begin(), name.end(), SameLetter);
-    return found == sql.end() ? name : sql.substr(static_cast<std::size_t>(found - sql.begin()), name.size());
-}
-
-// In a message they stand in quotes.
+// In a message they stand in quotes, tables with the schema that was added.
 std::string WithNamesAsWritten(const std::string& text, std::string_view sql) {
     std::string result;
     bool quoted = false;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = std::min(text.find('"', at), text.size());
-        const std::string_view piece = std::string_view(text).substr(at, end - at);
-        result += quoted && !piece.empty() ? AsWrittenIn(sql, piece) : piece;
+        std::string_view piece = std::string_view(text).substr(at, end - at);
+        if (quoted && !piece.empty()) {
+            piece = AsWritten(sql, piece.substr(piece.find('.') + 1));
+        }
+        result += piece;
         result += end < text.size() ? "\"" : "";
         quoted = !quoted;
         at = end + 1;
@@ -73,9 +65,9 @@ std::string Column(const PGresult* failed, const NumberedStatement& statement) {
     if (column.empty()) {
         return {};
     }
-    std::string name(AsWrittenIn(statement.sql, table));
+    std::string name(AsWritten(statement.sql, table));
     name += '.';
-    name += AsWrittenIn(statement.sql, column);
+    name += AsWritten(statement.sql, column);
     return name;
 }
 
@@ -110,7 +102,7 @@ RuntimeError ErrorOf(const PGresult* failed, const NumberedStatement* statement)
             text += column;
         } else if (duplicate) {
             text += " in table ";
-            text += AsWrittenIn(statement->sql, Diagnosis(failed, PG_DIAG_TABLE_NAME));
+            text += AsWritten(statement->sql, Diagnosis(failed, PG_DIAG_TABLE_NAME));
         }
     }
     return {known != numbers.end() ? known->second : ErrorNumber::StoreFailure, text, PostgresName};

@@ -3,15 +3,23 @@
 #include "store/PostgresErrors.h"
 #include "store/PostgresStatement.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <poll.h>
+#include <sys/ioctl.h>
+#include <thread>
+#include <utility>
 
 namespace KAL_AUTO_Node {
 
 namespace {
 
-// The server stops a statement of its own accord after ten seconds.
-constexpr int AnswerLimitMilliseconds = 15'000;
+// Of one result. The rows of a partition with all nodes that there can be, of a hundred rows each, have half.
+constexpr std::int64_t ResultLimit = std::int64_t{512} << 20;
+
+// What others' work at the same moment has taken back is done once more.
+constexpr int MostTries = 10;
+constexpr std::chrono::milliseconds BetweenTries(10);
 
 // The same run again has the same text.
 std::string TextOf(const StatementRun& run) {
@@ -36,9 +44,18 @@ void RequireTexts(const StatementRun& run) {
 }
 
 // Rows that a client could not read after a change of the tables, or a connection that is another's by now.
-bool IsOutdated(const PGresult* failed) {
-    const std::string_view state = StateOf(failed);
-    return state == "0A000" || state == "26000";
+bool IsOutdated(std::string_view state) { return state == "0A000" || state == "26000"; }
+
+// It was only the moment: serialization failure, deadlock.
+bool IsPassing(std::string_view state) { return state == "40001" || state == "40P01"; }
+
+bool EndsConnection(const PGresult* failed) {
+    const char* severity = PQresultErrorField(failed, PG_DIAG_SEVERITY_NONLOCALIZED);
+    return severity == nullptr || severity != std::string_view("ERROR");
+}
+
+bool Writes(const StatementRun& run) {
+    return !static_cast<const PostgresStatement*>(run.statement)->Sql().starts_with("SELECT");
 }
 
 } // namespace
@@ -115,27 +132,44 @@ std::vector<PostgresConnection::Result> PostgresConnection::Exchange(std::span<c
     if (beginning_.size() + runs.size() + plain.size() == 0) {
         return {};
     }
-    bool mayRepeat = !inTransaction_;
-    while (true) {
+    // Whether all of the transaction is here, so that it can be done once more.
+    const bool whole = !inTransaction_ || !beginning_.empty();
+    auto beginning = std::exchange(beginning_, {});
+    for (int tries = 1;; ++tries) {
         std::vector<Sent> sent;
-        for (const std::string& sql : beginning_) {
+        AwaitAnother();
+        for (const std::string& sql : beginning) {
             SendPlain(sql.c_str());
             sent.push_back({Sent::Beginning, 0});
         }
-        beginning_.clear();
         for (std::size_t i = 0; i < runs.size(); ++i) {
             Send(runs[i], sent, i);
         }
+        // The end of the pipeline commits what is no part of a transaction.
+        committing_ =
+            plain.data() == Committing.data() || (!inTransaction_ && std::ranges::any_of(runs, Writes));
         for (const char* sql : plain) {
             SendPlain(sql);
             sent.push_back({Sent::Plain, runs.size()});
         }
         Require(PQpipelineSync(connection_.get()));
-        auto results = Receive(runs, sent, reached, mayRepeat);
-        if (results) {
-            return std::move(*results);
+        Answer answer = Receive(runs, sent, reached);
+        if (!answer.failure) {
+            return std::move(answer.results);
         }
-        mayRepeat = false;
+        const std::string& state = answer.failure->state;
+        if (IsOutdated(state)) {
+            for (const StatementRun& run : runs) {
+                static_cast<PostgresStatement*>(run.statement)->preparedFor_ = 0;
+            }
+        }
+        if (!whole || !(IsOutdated(state) ? tries == 1 : IsPassing(state) && tries < MostTries)) {
+            throw RuntimeError(answer.failure->error);
+        }
+        std::this_thread::sleep_for(tries * BetweenTries);
+        if (!beginning.empty() && beginning.front() != Ending.front()) {
+            beginning.insert(beginning.begin(), Ending.front());
+        }
     }
 }
 
@@ -145,7 +179,8 @@ void PostgresConnection::Send(const StatementRun& run, std::vector<Sent>& sent, 
     if (statement.preparedFor_ != connects_) {
         statement.name_ = 's';
         statement.name_ += std::to_string(++statements_);
-        Require(PQsendPrepare(connection, statement.name_.c_str(), statement.text_.sql.c_str(), 0, nullptr));
+        Require(PQsendPrepare(connection, statement.name_.c_str(), WithSchema(statement.text_.sql).c_str(), 0,
+                              nullptr));
         statement.preparedFor_ = connects_;
         statement.named_ = false;
         sent.push_back({Sent::Preparation, index});
@@ -164,76 +199,94 @@ void PostgresConnection::SendPlain(const char* sql) {
     Require(PQsendQueryParams(connection_.get(), sql, 0, nullptr, nullptr, nullptr, nullptr, 0));
 }
 
-std::optional<std::vector<PostgresConnection::Result>>
-PostgresConnection::Receive(std::span<const StatementRun> runs, const std::vector<Sent>& sent,
-                            std::size_t& reached, bool mayRepeat) {
-    std::vector<Result> results;
-    results.reserve(runs.size());
-    std::optional<RuntimeError> failure;
-    bool outdated = false;
+PostgresConnection::Answer PostgresConnection::Receive(std::span<const StatementRun> runs,
+                                                       const std::vector<Sent>& sent, std::size_t& reached) {
+    Answer answer;
+    answer.results.reserve(runs.size());
     for (const auto& [kind, index] : sent) {
-        if (!failure) {
+        if (!answer.failure) {
             reached = index;
         }
         Result result = Next();
         if (!result) {
             FailLost();
         }
-        while (Next()) {
-        }
-        const auto status = PQresultStatus(result.get());
         auto* const statement = kind == Sent::Preparation || kind == Sent::Execution
                                     ? static_cast<PostgresStatement*>(runs[index].statement)
                                     : nullptr;
-        if (kind == Sent::Preparation && status != PGRES_COMMAND_OK) {
+        if (kind == Sent::Preparation && PQresultStatus(result.get()) != PGRES_COMMAND_OK) {
             statement->preparedFor_ = 0;
         }
-        if (status == PGRES_FATAL_ERROR && !failure) {
-            failure = ErrorOf(result.get(), statement != nullptr ? &statement->text_ : nullptr);
-            outdated = IsOutdated(result.get());
-        } else if (!failure && (kind == Sent::Execution || kind == Sent::Plain)) {
-            results.push_back(std::move(result));
+        Take(result.get(), statement != nullptr ? &statement->text_ : nullptr, answer);
+        if (!answer.failure && (kind == Sent::Execution || kind == Sent::Plain)) {
+            answer.results.push_back(std::move(result));
         }
+        if (Next()) {
+            FailLost(answer.failure ? answer.failure->error.what() : Unexpected);
+        }
+        AwaitAnother();
+    }
+    ReceiveEnd(answer);
+    return answer;
+}
+
+void PostgresConnection::ReceiveEnd(Answer& answer) {
+    // A failure, with nothing before and behind it perhaps, and the mark of the end.
+    constexpr int most = 4;
+    for (int i = 0; i < most; ++i) {
+        const Result result = Next();
+        if (result && PQresultStatus(result.get()) == PGRES_PIPELINE_SYNC) {
+            committing_ = false;
+            return;
+        }
+        if (result) {
+            Take(result.get(), nullptr, answer);
+        }
+    }
+    FailLost();
+}
+
+void PostgresConnection::Take(const PGresult* result, const NumberedStatement* statement, Answer& answer) {
+    switch (PQresultStatus(result)) {
+    case PGRES_COMMAND_OK:
+    case PGRES_TUPLES_OK:
+    case PGRES_PIPELINE_ABORTED:
+        break;
+    case PGRES_FATAL_ERROR: {
+        const RuntimeError told = ErrorOf(result, statement);
+        const std::string state(StateOf(result));
+        if (!answer.failure) {
+            answer.failure = {Error(told.Number(), told.what()), state};
+        }
+        // What failed has not taken effect; unless it is the line's end that was told, or the server's when
+        // it was at the last step.
+        committing_ = committing_ && (state.empty() || (statement == nullptr && EndsConnection(result)));
         if (PQstatus(connection_.get()) == CONNECTION_BAD) {
-            connection_.reset();
-            if (failure) {
-                throw RuntimeError(*failure);
-            }
-            FailLost();
+            FailLost(answer.failure->error.what());
         }
+        break;
     }
-    if (!Next()) {
-        FailLost(); // not even the mark of the end
+    default:
+        FailLost(Unexpected);
     }
-    if (!failure) {
-        return results;
-    }
-    if (outdated) {
-        for (const StatementRun& run : runs) {
-            static_cast<PostgresStatement*>(run.statement)->preparedFor_ = 0;
-        }
-    }
-    if (outdated && mayRepeat) {
-        return std::nullopt;
-    }
-    throw RuntimeError(*failure);
 }
 
 PostgresConnection::Result PostgresConnection::Script(const char* sql) {
+    AwaitAnother();
     Require(PQsendQuery(connection_.get(), sql));
-    Result last;
-    std::optional<RuntimeError> failure;
+    Result rows;
+    Answer answer;
     while (Result result = Next()) {
-        if (PQresultStatus(result.get()) == PGRES_FATAL_ERROR) {
-            failure = ErrorOf(result.get(), nullptr);
+        Take(result.get(), nullptr, answer);
+        if (PQresultStatus(result.get()) == PGRES_TUPLES_OK) {
+            rows = std::move(result);
         }
-        last = std::move(result);
     }
-    if (failure) {
+    if (answer.failure) {
         PQenterPipelineMode(connection_.get());
-        throw RuntimeError(*failure);
+        throw RuntimeError(answer.failure->error);
     }
-    return last;
+    return rows;
 }
 
 PostgresConnection::Result PostgresConnection::Next() {
@@ -243,20 +296,30 @@ PostgresConnection::Result PostgresConnection::Next() {
     return {PQgetResult(connection_.get()), PQclear};
 }
 
+void PostgresConnection::AwaitAnother() {
+    answerBy_ = std::chrono::steady_clock::now() + answerLimit_;
+    received_ = 0;
+}
+
 void PostgresConnection::Await() {
     PGconn* connection = connection_.get();
     const int unsent = PQflush(connection);
     Require(unsent >= 0 ? 1 : 0);
     pollfd socket{PQsocket(connection), static_cast<short>(unsent > 0 ? POLLIN | POLLOUT : POLLIN), 0};
-    const int ready = poll(&socket, 1, AnswerLimitMilliseconds);
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(answerBy_ - std::chrono::steady_clock::now());
+    const int ready = left.count() > 0 ? poll(&socket, 1, static_cast<int>(left.count())) : 0;
     if (ready == 0) {
-        connection_.reset();
-        throw RuntimeError(ErrorNumber::StoreFailure,
-                           "The server does not answer any more; waited " +
-                               std::to_string(AnswerLimitMilliseconds / 1000) + " seconds",
-                           PostgresName);
+        FailLost("The server does not answer any more; waited " +
+                 std::to_string(std::chrono::ceil<std::chrono::seconds>(answerLimit_).count()) + " seconds");
     }
     Require(ready > 0 || errno == EINTR ? 1 : 0);
+    int waiting = 0;
+    static_cast<void>(ioctl(socket.fd, FIONREAD, &waiting));
+    received_ += waiting;
+    if (received_ > ResultLimit) {
+        FailLost("The server sends more rows than any store has");
+    }
     Require(PQconsumeInput(connection));
 }
 
@@ -266,13 +329,23 @@ void PostgresConnection::Require(int done) {
     }
 }
 
-void PostgresConnection::FailLost() {
-    std::string why = connection_ ? Trimmed(PQerrorMessage(connection_.get())) : std::string();
+void PostgresConnection::FailLost(std::string why) {
+    if (why.empty() && connection_) {
+        why = Trimmed(PQerrorMessage(connection_.get()));
+    }
     connection_.reset();
     if (why.empty()) {
         why = "The connection to the server was lost";
     }
-    throw RuntimeError(ErrorNumber::StoreFailure, why, PostgresName);
+    if (std::exchange(committing_, false)) {
+        throw Error(ErrorNumber::OutcomeUnknown,
+                    why + ". It is not known whether what was to be stored is stored: all of it, or nothing");
+    }
+    throw Error(ErrorNumber::StoreUnreachable, why);
+}
+
+RuntimeError PostgresConnection::Error(ErrorNumber number, const std::string& what) const {
+    return {number, secrets_.Masked(what), PostgresName};
 }
 
 } // namespace KAL_AUTO_Node

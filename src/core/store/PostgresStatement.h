@@ -17,6 +17,8 @@ class PostgresStatement : public Statement {
 
     [[nodiscard]] std::span<const std::string> Columns() const override { return columns_; }
 
+    [[nodiscard]] std::string_view Sql() const { return text_.sql; }
+
     void Run(std::span<const std::optional<std::string>> parameters) override;
 
     [[nodiscard]] bool AtEnd() const override { return row_ >= rows_; }

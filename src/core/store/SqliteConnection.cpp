@@ -56,7 +56,9 @@ decltype(auto) Engine(Use&& use) {
     try {
         return use();
     } catch (const SQLite::Exception& error) {
-        throw RuntimeError(ErrorNumber::StoreFailure, Words(error.getErrorCode(), error.what()), "SQLite");
+        throw RuntimeError(error.getErrorCode() == SQLITE_BUSY ? ErrorNumber::StoreLocked
+                                                               : ErrorNumber::StoreFailure,
+                           Words(error.getErrorCode(), error.what()), "SQLite");
     }
 }
 
@@ -165,7 +167,9 @@ class SqliteStatement : public Statement {
         if (result != SQLITE_OK) {
             const int cause = sqlite3_extended_errcode(database_);
             const bool duplicate = cause == SQLITE_CONSTRAINT_PRIMARYKEY || cause == SQLITE_CONSTRAINT_UNIQUE;
-            throw RuntimeError(duplicate ? ErrorNumber::DuplicateKey : ErrorNumber::StoreFailure,
+            throw RuntimeError(duplicate              ? ErrorNumber::DuplicateKey
+                               : cause == SQLITE_BUSY ? ErrorNumber::StoreLocked
+                                                      : ErrorNumber::StoreFailure,
                                Words(cause, sqlite3_errmsg(database_), database_), "SQLite");
         }
     }
@@ -209,6 +213,7 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file)
 }
 
 SqliteConnection::~SqliteConnection() {
+    sqlite3_busy_timeout(database_.getHandle(), 0);
     try {
         // Takes away the journal that Recognizes asked to keep. Not where the store has a write-ahead log, by
         // now perhaps: it would lose it.

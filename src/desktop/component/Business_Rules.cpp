@@ -117,6 +117,7 @@ void Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partiti
         NodeRules::ResetAllGUIListView(gui);
         NodeRules::HideInPlaceEditors(gui);
         // Each runs whether or not the one before it failed.
+        auto wait = rules.WaitOnce();
         auto ahead = rules.ReadListsAhead(gui);
         bool complete = rules.LoadNodeName(gui);
         complete &= rules.LoadPromptsNode(gui);
@@ -126,6 +127,7 @@ void Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partiti
         complete &= rules.LoadExistingNodesInRecordSelector(gui, Node_Number);
         ahead.reset();
         const bool show = rules.LoadData(gui, Node_Number);
+        wait.reset();
         // The selector moves to its first node where it does not list the one asked for; what is shown is
         // that one.
         gui.nodeNumber = Node_Number;

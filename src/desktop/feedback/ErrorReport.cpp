@@ -12,7 +12,10 @@ void ShowErrorReport(const char* procedure) {
     QString description;
     try {
         throw;
-    } catch (const RuntimeError& error) {
+    } catch (RuntimeError& error) {
+        if (!error.TellOnce()) {
+            return;
+        }
         source = QString::fromStdString(error.Source());
         description = QString::fromUtf8(error.what());
     } catch (const std::exception& error) {

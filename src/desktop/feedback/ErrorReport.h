@@ -2,8 +2,8 @@
 
 namespace KAL_AUTO_Node {
 
-// Shows the common error report for the error being handled, which ended the procedure of that name. It may
-// be of any type: a host's own components run inside the procedures.
+// Shows the common error report for the error being handled, which ended the procedure of that name, unless
+// it is one that was shown before. It may be of any type: a host's own components run inside the procedures.
 void ShowErrorReport(const char* procedure);
 
 // Runs a procedure's body. An error in it is reported and goes no further, so that the caller carries on with

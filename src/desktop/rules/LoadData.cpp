@@ -93,8 +93,12 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
     gui.StoredNode.reset();
     const bool loaded = Reporting("LoadData", [&] {
         const Hourglass busy;
+        const SingleWait wait(dataBase_);
         // Where that fails, the node is shown as it stands.
-        Reporting("LoadData", [&] { OfferToPutBack(gui, nodeNumber); });
+        Reporting("LoadData", [&] {
+            SettleOutcome(gui);
+            OfferToPutBack(gui, nodeNumber);
+        });
         AutoNode node;
         AutoNodeReader reader(dataBase_, PartitionOf(gui), nodeNumber, Labels::Read);
         exists = reader.ReadRecord(node);

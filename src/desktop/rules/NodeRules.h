@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace KAL_AUTO_Node {
 
@@ -36,6 +37,9 @@ class NodeRules {
     // Fetches from a server what the reference lists are filled with, as long as the result lives. Has no
     // report of its own.
     [[nodiscard]] std::unique_ptr<ReadAhead> ReadListsAhead(const GUI& gui);
+
+    // Has to live while the window is prepared: a store that is waited for in vain is waited for once.
+    [[nodiscard]] auto WaitOnce() { return std::make_unique<SingleWait>(dataBase_); }
 
     // Reference lists, in the order in which they depend on one another. Each returns whether it ran to its
     // end.
@@ -83,6 +87,8 @@ class NodeRules {
     // When the node's last save did not finish, offers to put the node back as it was; returns whether it
     // was.
     bool OfferToPutBack(const GUI& gui, std::int16_t nodeNumber);
+    // Finds out what became of a save whose outcome was not known when it ended, and tells.
+    void SettleOutcome(const GUI& gui);
     // What is stored is no longer what was loaded.
     void AfterFailedSave(GUI& gui, std::int16_t nodeNumber, bool half);
     int LatestVersion(const GUI& gui, std::int16_t nodeNumber);
@@ -90,9 +96,16 @@ class NodeRules {
     // Whether the register holds the node; not where it cannot be looked up, which is reported.
     bool NodeExists(const GUI& gui, const RequiredNode& node);
 
+    struct Unsettled {
+        NodePlace place;
+        int version; // 0 where there is no history
+        AutoNode sent;
+    };
+
     const ComponentFactory& components_;
     DataBase dataBase_;
     History history_{dataBase_};
+    std::optional<Unsettled> unsettled_;
     bool toldUnguarded_ = false;
 };
 

@@ -40,7 +40,25 @@ bool NodeRules::MayBegin(GUI& gui, NodeSave& save) {
     return true;
 }
 
+void NodeRules::SettleOutcome(const GUI& gui) {
+    if (!unsettled_) {
+        return;
+    }
+    const auto& [place, version, sent] = *unsettled_;
+    const bool whole = ReadAutoNode(dataBase_, place.partition, place.number) == sent;
+    if (version > 0) {
+        history_.End(place, version, whole ? VersionState::Finished : VersionState::Failed);
+    }
+    const QString name = NameOf(gui, place.number);
+    unsettled_.reset();
+    Inform(whole ? name + " is stored as it was to be saved."
+                 : "Nothing of the latest save of " + name + " is stored; the node is as it was before.");
+}
+
 bool NodeRules::OfferToPutBack(const GUI& gui, std::int16_t nodeNumber) {
+    if (dataBase_.IsRemote()) {
+        return false; // a save is there as a whole, or not at all
+    }
     const NodePlace place{PartitionOf(gui), nodeNumber};
     bool putBack = false;
     while (const auto save = history_.Unfinished(place)) {
@@ -80,8 +98,10 @@ bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
                    " could not be loaded, and what is shown here is not its content. It is not saved.");
             return;
         }
+        SettleOutcome(gui);
         const AutoNode node = GatherNode(gui);
-        NodeSave save(dataBase_, history_, {PartitionOf(gui), nodeNumber});
+        const NodePlace place{PartitionOf(gui), nodeNumber};
+        NodeSave save(dataBase_, history_, place);
         refused = !MayBegin(gui, save);
         if (refused) {
             return;
@@ -94,6 +114,13 @@ bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
             LongOperation::ShowProgress(gui, "Saving node information. Please wait...");
             WriteAutoNode(dataBase_, PartitionOf(gui), nodeNumber, node, Today());
             save.Finish();
+        } catch (const RuntimeError& error) {
+            if (error.Number() == ErrorNumber::OutcomeUnknown) {
+                unsettled_ = Unsettled{place, save.VersionNumber(), node};
+            } else {
+                half = save.Fail();
+            }
+            throw;
         } catch (...) {
             half = save.Fail();
             throw;
@@ -102,8 +129,11 @@ bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
         gui.StatusBar1->SetPanelText(QString());
     });
     // Before that, what is stored there now may be somebody else's, which has not been seen here.
-    if (writing && !saved) {
-        Reporting("SaveChanges", [&] { AfterFailedSave(gui, nodeNumber, half); });
+    if (!saved && (writing || unsettled_)) {
+        Reporting("SaveChanges", [&] {
+            SettleOutcome(gui);
+            AfterFailedSave(gui, nodeNumber, half);
+        });
     }
     return !refused;
 }
