@@ -1,4 +1,7 @@
-#include "calls/Trace.h"
+#include "TestStore.h"
+#include "calls/CallChanges.h"
+#include "calls/Expectations.h"
+#include "calls/Paths.h"
 
 #include <gtest/gtest.h>
 
@@ -8,74 +11,6 @@
 
 namespace KAL_AUTO_Node {
 namespace {
-
-// "1" is the range 1-1, "-5" one that lacks its first end; the targets are all different.
-AutoNode NodeOf(std::optional<int> digits, const std::vector<std::string>& ranges) {
-    AutoNode node;
-    node.settings.numberOfDigits = digits;
-    for (const std::string& range : ranges) {
-        const auto dash = range.find('-');
-        const std::string low = range.substr(0, dash);
-        const int number = static_cast<int>(node.actions.size());
-        node.actions.push_back({number, {MessageType, "MSG", number, {}}, low, low});
-        if (dash != std::string::npos) {
-            node.actions.back().high = range.substr(dash + 1);
-        }
-        if (low.empty()) {
-            node.actions.back().low.reset();
-        }
-    }
-    return node;
-}
-
-std::string Letters(const char* mark, const ActionSet& actions) {
-    std::string letters = actions.count > 0 ? mark : "";
-    for (const std::size_t action : actions.First()) {
-        letters += static_cast<char>('A' + action);
-    }
-    return letters;
-}
-
-// By length: the intervals with the actions that hold them, "?" those that may, "+" those waited for; "."
-// where there may be none.
-std::string Described(const AutoNode& node) {
-    std::string text;
-    for (const DigitLength& length : DigitSpaceOf(node)) {
-        text += length.length > 1 ? " |" : "";
-        for (const DigitInterval& interval : length.intervals) {
-            text += ' ' + SequenceText(length.length, interval.low);
-            if (interval.high > interval.low) {
-                text += '-' + SequenceText(length.length, interval.high);
-            }
-            text += (interval.nobody ? "." : "") + Letters("", interval.leads) + Letters("?", interval.may) +
-                    Letters("+", interval.waits);
-        }
-    }
-    return text.substr(1);
-}
-
-TEST(DigitSpace, TellsOfEverySequenceWhatHoldsItAndWhatCouldFollow) {
-    struct Case {
-        std::optional<int> digits;
-        std::vector<std::string> ranges;
-        const char* space; // or how it begins
-    };
-
-    const std::vector<Case> cases = {
-        {2, {"1", "10-12", "12-15"}, "0. 1A+BC 2-9. | 00-09. 10-11B 12BC 13-15C 16-99."},
-        {2, {"9-8", "001", "00-99"}, "0-9.+C | 00-99C"},
-        {2, {"1-10"}, "0.+A 1.?A+A 2-9.?A | 00-10.?A 11-99."},
-        {1, {"-5", "9"}, "0-5.?A 6-8. 9B"},
-        {1, {"*", "10-2"}, "0.?A 1. 2.?B 3-9."},
-        {{}, {"1", "20"}, "0. 1A 2.+B 3-9. | 00-09. 10-19.?A 20.B 21-99. | 000-099. 100-199.?A 200-209.?B"},
-        {8, {"1"}, "0. 1A 2-9. | 00-09. 10-19.?A 20-99."},
-    };
-    for (const auto& [digits, ranges, space] : cases) {
-        const std::string described = Described(NodeOf(digits, ranges));
-        EXPECT_TRUE(described.starts_with(space) && (!digits || *digits > 7 || described == space))
-            << described;
-    }
-}
 
 // Small menus of which much is unclear, and what callers do there.
 class Chance {
@@ -121,14 +56,9 @@ class Chance {
     }
 
     Step Deed() {
-        Step step;
-        if (UpTo(3) == 0) {
-            step.kind = Step::Kind::Except;
-            step.branch = static_cast<std::size_t>(UpTo(4));
-        } else {
-            step.digits = Digits(3);
-        }
-        return step;
+        const auto branch = static_cast<std::size_t>(UpTo(4));
+        return UpTo(3) == 0 ? Step{Step::Kind::Except, {}, branch, {}, {}}
+                            : Step{Step::Kind::Enter, Digits(3), 0, {}, {}};
     }
 
   private:
@@ -157,103 +87,291 @@ bool IsClear(const Action& action) {
            action.low->size() == action.high->size();
 }
 
-// What comes of a step, whatever is meant by what is not known: each of it is gone through.
-std::set<std::string> Resolved(const AutoNode& node, const Step& step) {
-    std::set<std::string> found;
-    const auto text = [](const Reference& target) { return target.type + std::to_string(target.number); };
-    const auto unanswered = [&](std::size_t branch) {
-        found.insert(text(node.branches.at(branch)));
-        if (node.settings.retryLimit != 0) {
-            found.insert("again");
-        }
-    };
-    if (step.kind == Step::Kind::Except) {
-        const std::string keys = node.settings.terminatingDigit.value_or("?");
-        const char* key = step.branch == 3 ? "*" : "#";
-        if (step.branch == 0 || (step.branch > 2 && (keys == "?" || keys.find(key) != std::string::npos))) {
-            unanswered(0);
-        }
-        found.insert(text(node.branches.at(step.branch)));
-        return found;
-    }
+std::string Text(const Reference& target) { return target.type + std::to_string(target.number); }
+
+// What comes of an entry, whatever is meant by what is not known: how many digits are taken, whether an
+// action whose range is not clear holds them, which of several wins.
+struct Meaning {
+    std::set<std::string> targets;
+    bool nobody = false; // or none of them
+};
+
+Meaning Meant(const AutoNode& node, const std::string& digits) {
+    Meaning meaning;
     const auto stored = node.settings.numberOfDigits.value_or(0);
-    for (std::size_t taken = stored > 0 ? step.digits.size() : 1; taken <= step.digits.size(); ++taken) {
-        const std::string entry = step.digits.substr(0, taken);
-        for (unsigned with = 0; with < 1U << node.actions.size(); ++with) {
-            bool held = false;
-            for (std::size_t i = 0; i < node.actions.size(); ++i) {
-                const Action& action = node.actions[i];
-                if (IsClear(action)
-                        ? action.low->size() == taken && *action.low <= entry && entry <= *action.high
-                        : (with >> i & 1U) != 0 && MayHold(action, entry)) {
-                    held = true;
-                    found.insert(text(action.target));
-                }
-            }
-            if (!held) {
-                unanswered(1);
+    for (std::size_t taken = stored > 0 ? digits.size() : 1; taken <= digits.size(); ++taken) {
+        const std::string entry = digits.substr(0, taken);
+        bool held = false;
+        for (const Action& action : node.actions) {
+            const bool clear = IsClear(action);
+            if (clear ? action.low->size() == taken && *action.low <= entry && entry <= *action.high
+                      : MayHold(action, entry)) {
+                meaning.targets.insert(Text(action.target));
+                held = held || clear;
             }
         }
+        meaning.nobody = meaning.nobody || !held;
     }
-    return found;
+    return meaning;
+}
+
+// The same of a step, with what comes of no entry. An entry that none holds may be told by a name.
+std::set<std::string> Resolved(const AutoNode& node, const Step& step, const std::string& nobody = "") {
+    const bool entered = step.kind == Step::Kind::Enter;
+    Meaning meaning =
+        entered ? Meant(node, step.digits) : Meaning{{Text(node.branches.at(step.branch))}, false};
+    const std::string keys = node.settings.terminatingDigit.value_or("?");
+    const char* key = step.branch == 3 ? "*" : "#";
+    if (!entered &&
+        (step.branch == 0 || (step.branch > 2 && (keys == "?" || keys.find(key) != std::string::npos)))) {
+        meaning.nobody = true;
+    }
+    if (meaning.nobody) {
+        meaning.targets.insert(nobody.empty() ? Text(node.branches.at(entered ? 1 : 0)) : nobody);
+        if (node.settings.retryLimit != 0) {
+            meaning.targets.insert("again");
+        }
+    }
+    return meaning.targets;
 }
 
 std::set<std::string> Told(const Outcomes& outcomes) {
     std::set<std::string> told;
     for (const auto& [target, by, place] : outcomes.ways) {
-        told.insert(by == Outcome::By::Again ? "again" : target.type + std::to_string(target.number));
+        told.insert(by == Outcome::By::Again ? "again" : Text({0, target.type, target.number, {}}));
     }
     return told;
+}
+
+Outcomes Take(const Menu& menu, const Step& step) {
+    return step.kind == Step::Kind::Enter ? menu.Enter(step.digits) : menu.Except(step.branch);
+}
+
+bool Takes(const Menu& menu, const Step& step) {
+    return step.digits.size() <= static_cast<std::size_t>(menu.Entries().most);
+}
+
+// The exceptions, and all entries of so many digits at most.
+std::vector<Step> DeedsUpTo(int most) {
+    std::vector<Step> deeds;
+    for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
+        deeds.push_back({Step::Kind::Except, {}, branch, {}, {}});
+    }
+    for (int length = 1; length <= most; ++length) {
+        for (int sequence = 0; sequence < SequencesOf(length); ++sequence) {
+            deeds.push_back({Step::Kind::Enter, SequenceText(length, sequence), 0, {}, {}});
+        }
+    }
+    return deeds;
 }
 
 TEST(Outcomes, AreAllThatMayBeMeantAndCertainOnlyWhereThatIsOne) {
     Chance chance;
     for (int round = 0; round < 20000; ++round) {
         CallMap map;
+        std::set<std::string> reached = {"AUTO1"};
+        std::vector<Step> steps;
         for (int number = 1; number <= 3; ++number) {
             map.menus.emplace(number, Menu(number, chance.Node()));
         }
-        std::set<std::string> reached = {"AUTO1"};
-        std::vector<Step> steps;
         for (int count = 1 + chance.UpTo(2); count > 0; --count) {
-            const Step& step = steps.emplace_back(chance.Deed());
+            const Step step = chance.Deed();
             std::set<std::string> next;
             for (const auto& [number, menu] : map.menus) {
-                if (!reached.contains("AUTO" + std::to_string(number)) ||
-                    step.digits.size() > static_cast<std::size_t>(menu.Entries().most)) {
+                const std::string name = "AUTO" + std::to_string(number);
+                if (!reached.contains(name) || !Takes(menu, step)) {
                     continue;
                 }
+                SCOPED_TRACE(std::to_string(round) + ' ' + step.digits);
                 auto resolved = Resolved(menu.Node(), step);
-                const bool entered = step.kind == Step::Kind::Enter;
-                const Outcomes outcomes = entered ? menu.Enter(step.digits) : menu.Except(step.branch);
-                ASSERT_EQ(Told(outcomes), resolved) << round << ' ' << step.digits;
+                const Outcomes outcomes = Take(menu, step);
+                ASSERT_EQ(Told(outcomes), resolved);
                 ASSERT_EQ(outcomes.IsCertain(), resolved.size() == 1);
-                for (const auto& [low, high, spanned] :
-                     entered&& round % 4 == 0 ? SpansOf(menu) : std::vector<EntrySpan>()) {
+                const bool spans = round % 8 == 0 && step.kind == Step::Kind::Enter;
+                for (const auto& [low, high, spanned] : spans ? SpansOf(menu) : std::vector<EntrySpan>()) {
                     if (low.size() == step.digits.size() && low <= step.digits && step.digits <= high) {
                         ASSERT_EQ(spanned.IsCertain(), outcomes.IsCertain());
-                        ASSERT_TRUE(spanned.more > 0 || Told(spanned) == resolved)
-                            << round << ' ' << step.digits;
-                        ASSERT_EQ(spanned.reasons, outcomes.reasons) << round << ' ' << step.digits;
+                        ASSERT_TRUE(spanned.more > 0 || Told(spanned) == resolved);
+                        ASSERT_EQ(spanned.reasons, outcomes.reasons);
                     }
                 }
                 if (resolved.erase("again") > 0) {
-                    resolved.insert("AUTO" + std::to_string(number));
+                    resolved.insert(name);
                 }
                 next.merge(resolved);
             }
             if (next.empty()) {
-                steps.pop_back();
                 break;
             }
+            steps.push_back(step);
             reached = std::move(next);
         }
         std::set<std::string> walked;
         const Walk walk = WalkFrom(map, 1, steps);
         for (const Stop& stop : walk.back()) {
-            walked.insert(stop.node.type + std::to_string(stop.node.number));
+            walked.insert(Text({0, stop.node.type, stop.node.number, {}}));
         }
         ASSERT_EQ(walked, reached) << round;
+    }
+}
+
+// A menu that differs from another in a thing or two.
+AutoNode Changed(Chance& chance, AutoNode node) {
+    const auto seldom = [&] { return chance.UpTo(3) == 0; };
+    if (seldom()) {
+        std::ranges::reverse(node.actions);
+    }
+    if (seldom() && !node.actions.empty()) {
+        node.actions.front().high = chance.End();
+    }
+    if (seldom()) {
+        node.actions.push_back({9, chance.Target(), chance.End(), chance.End()});
+    }
+    if (seldom()) {
+        node.branches.at(static_cast<std::size_t>(chance.UpTo(4))) = chance.Target();
+    }
+    if (seldom()) {
+        node.settings.retryLimit = chance.UpTo(1);
+    }
+    if (chance.UpTo(9) == 0) {
+        node.settings.numberOfDigits = 1 + chance.UpTo(1);
+    }
+    return node;
+}
+
+TEST(CallChanges, AreThoseOfEveryEntryAndNoneWhereNothingDiffers) {
+    Chance chance;
+    int unchanged = 0;
+    for (int round = 0; round < 2000; ++round) {
+        AutoNode node = chance.Node();
+        const int kind = chance.UpTo(199);
+        node.settings.numberOfDigits = kind == 0 ? 0 : kind == 1 ? 4 : kind < 9 ? 3 : 1 + kind % 2;
+        const Menu before(1, node);
+        const Menu after(1, Changed(chance, node));
+        const auto changes = CompareEntries(before, after);
+        bool differs = before.Node().settings != after.Node().settings;
+        const int longest = std::max(before.Entries().most, after.Entries().most);
+        for (const Step& step : DeedsUpTo(std::min(4, longest))) {
+            bool changed = false;
+            if (Takes(before, step) && Takes(after, step)) {
+                const auto differ = [&](const char* nobody) {
+                    return Resolved(before.Node(), step, nobody) != Resolved(after.Node(), step, nobody);
+                };
+                const bool waiting =
+                    Take(before, step).Has(Reason::LongerEntry) != Take(after, step).Has(Reason::LongerEntry);
+                differs = differs || waiting || differ("");
+                changed = waiting || (differ("") && differ("nobody"));
+            } else {
+                const Menu& taking = Takes(before, step) ? before : after;
+                changed = !Meant(taking.Node(), step.digits).targets.empty();
+            }
+            const bool told = std::ranges::any_of(changes, [&](const CallChange& change) {
+                return std::ranges::any_of(change.entries, [&](const auto& entries) {
+                    return entries.first.size() == step.digits.size() && entries.first <= step.digits &&
+                           step.digits <= entries.second;
+                });
+            });
+            ASSERT_TRUE(told == changed || step.kind == Step::Kind::Except) << round << ' ' << step.digits;
+        }
+        ASSERT_EQ(CompareCalls(&before, &after).empty(), !differs) << round;
+        unchanged += differs ? 0 : 1;
+    }
+    EXPECT_GT(unchanged, 200) << "of the pairs that are compared";
+}
+
+// "1 MSG 11" is an action of the range 1-1.
+AutoNode NodeOf(const std::vector<std::string>& actions, const std::vector<int>& prompts = {}) {
+    AutoNode node;
+    node.settings.numberOfDigits = 2;
+    for (const std::string& action : actions) {
+        const std::string range = action.substr(0, action.find(' '));
+        const int number = std::stoi(action.substr(action.rfind(' ')));
+        node.actions.push_back({0, {MessageType, "MSG", number, {}}, range.substr(0, range.find('-')), {}});
+        node.actions.back().high = range.substr(range.find('-') + 1);
+    }
+    for (const int prompt : prompts) {
+        node.prompts.push_back({0, {MessageType, "MSG", prompt, {}}});
+    }
+    return node;
+}
+
+TEST(CallChanges, AreToldInCalls) {
+    const std::string nowhere = "nowhere (Invalid, or the menu again)";
+
+    struct Case {
+        AutoNode before;
+        AutoNode after;
+        std::vector<std::string> told;
+    };
+
+    const std::vector<Case> cases = {
+        {NodeOf({"3 MSG 11"}), NodeOf({"3 MSG 2"}), {"entry 3: MSG 11 → MSG 2"}},
+        {NodeOf({"1 MSG 1", "40-49 MSG 2"}),
+         NodeOf({"40-42 MSG 2", "1 MSG 1", "49 MSG 2"}),
+         {"entries 43-48: MSG 2 → " + nowhere}},
+        {NodeOf({}),
+         NodeOf({"1-2 MSG 1", "10-19 MSG 3"}),
+         {"entry 1: " + nowhere + " → MSG 1, after a wait for more digits",
+          "entry 2: " + nowhere + " → MSG 1", "entries 10-19: " + nowhere + " → MSG 3"}},
+        {NodeOf({}, {1, 2, 3, 1}),
+         NodeOf({}, {2, 1}),
+         {"prompts: MSG 1 is played 1 times, not 2", "prompts: MSG 3 is no longer played"}},
+        {NodeOf({}, {1, 2}), NodeOf({}, {2, 1}), {"prompts: they are played in another order"}},
+    };
+    for (const auto& [before, after, told] : cases) {
+        const Menu from(1, before);
+        const Menu to(1, after);
+        std::vector<std::string> texts;
+        for (const CallChange& change : CompareCalls(&from, &to)) {
+            texts.push_back(change.Text());
+        }
+        EXPECT_EQ(texts, told);
+    }
+}
+
+TEST(Paths, AreTheShortestAndLeadThere) {
+    const TestStore store;
+    DataBase dataBase;
+    const TypeNames names(dataBase);
+    Chance chance;
+    const NodeKey to{MessageType, 1};
+    for (int round = 0; round < 300; ++round) {
+        CallMap map;
+        for (int number = 1; number <= 3; ++number) {
+            AutoNode node = chance.Node();
+            node.settings.numberOfDigits = 1 + chance.UpTo(1);
+            map.menus.emplace(number, Menu(number, node));
+        }
+        const auto found = FindPaths(map, names, to, 1);
+        for (const bool certain : {true, false}) {
+            std::set<NodeKey> reached = {{AutoType, 1}};
+            std::size_t steps = 0;
+            for (; steps < 5 && !reached.contains(to); ++steps) {
+                for (const NodeKey& node : std::set(reached)) {
+                    for (const Step& step : node.first == AutoType ? DeedsUpTo(2) : std::vector<Step>()) {
+                        const Menu& menu = map.menus.at(node.second);
+                        const Outcomes outcomes = Takes(menu, step) ? Take(menu, step) : Outcomes();
+                        for (const Outcome& outcome : outcomes.ways) {
+                            if (!certain || outcomes.IsCertain()) {
+                                reached.insert(outcome.target.Key());
+                            }
+                        }
+                    }
+                }
+            }
+            const auto path = found.empty()                   ? std::nullopt
+                              : certain || !found[0].possible ? found[0].certain
+                                                              : found[0].possible;
+            ASSERT_EQ(path.has_value(), steps < 5) << round;
+            std::string line = "1 2 AUTO 1:";
+            for (const PathStep& step : path.value_or(std::vector<PathStep>())) {
+                line += ' ' + step.step;
+            }
+            const Verdict verdict = Judge(map, ExpectationOf(line + " -> MSG 1", names).value()).verdict;
+            ASSERT_TRUE(!path || path->size() == steps) << line;
+            ASSERT_TRUE(!path || verdict == Verdict::Certain || (!certain && verdict == Verdict::Possible))
+                << line;
+        }
     }
 }
 

@@ -149,6 +149,16 @@ Outcomes Menu::Except(std::size_t branch) const {
     return outcomes;
 }
 
+std::vector<Target> PlayedBy(const AutoNode& node) {
+    std::vector<Target> played;
+    for (const Prompt& prompt : node.prompts) {
+        if (prompt.target.typeID != NumberlessType) {
+            played.push_back(TargetOf(prompt.target, Slot::Prompts));
+        }
+    }
+    return played;
+}
+
 std::vector<EntrySpan> SpansOf(const Menu& menu) {
     std::vector<EntrySpan> spans;
     for (const auto& [length, intervals] : DigitSpaceOf(menu.Node())) {

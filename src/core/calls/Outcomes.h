@@ -134,6 +134,9 @@ class Menu {
     std::vector<DigitRange> ranges_;
 };
 
+// The prompts of a node that callers hear, in their order; EMPTY ones they do not.
+[[nodiscard]] std::vector<Target> PlayedBy(const AutoNode& node);
+
 // Entries next to one another that lead to the same.
 struct EntrySpan {
     std::string low;

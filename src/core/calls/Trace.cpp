@@ -111,6 +111,8 @@ std::optional<int> NodeNumberOf(std::string_view text) {
                                                                       : std::nullopt;
 }
 
+std::string StepName(std::size_t branch) { return FoldAscii(BranchRules.at(branch).label); }
+
 std::vector<Step> StepsOf(std::span<const std::string> words, const TypeNames& names) {
     std::vector<Step> steps;
     for (std::size_t i = 0; i < words.size(); ++i) {
@@ -123,7 +125,7 @@ std::vector<Step> StepsOf(std::span<const std::string> words, const TypeNames& n
         } else if (branch != BranchRules.end()) {
             step.kind = Step::Kind::Except;
             step.branch = static_cast<std::size_t>(branch - BranchRules.begin());
-            step.text = FoldAscii(step.text);
+            step.text = StepName(step.branch);
         } else if (step.text.starts_with('@')) {
             const auto number = i + 1 < words.size() ? NodeNumberOf(words[i + 1]) : std::nullopt;
             if (!number) {

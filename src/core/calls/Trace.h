@@ -25,6 +25,9 @@ struct Step {
 // InvalidProcedureCall for other words.
 [[nodiscard]] std::vector<Step> StepsOf(std::span<const std::string> words, const TypeNames& names);
 
+// An exception's step, as it is written.
+[[nodiscard]] std::string StepName(std::size_t branch);
+
 // The whole number that a text is, of 16 bits as a node's; nothing for other texts.
 [[nodiscard]] std::optional<int> NodeNumberOf(std::string_view text);
 

@@ -77,6 +77,10 @@ std::string TypeNames::Name(int typeID) const {
     return found == names_.end() ? std::to_string(typeID) : found->second;
 }
 
+bool TypeNames::Knows(int typeID) const {
+    return std::ranges::find(names_, typeID, &std::pair<int, std::string>::first) != names_.end();
+}
+
 std::optional<int> TypeNames::ID(std::string_view name) const {
     const auto found = std::ranges::find(names_, name, &std::pair<int, std::string>::second);
     return found == names_.end() ? std::nullopt : std::optional(found->first);

@@ -58,6 +58,7 @@ class TypeNames {
 
     // The name of a type; its ID as text where it has none.
     [[nodiscard]] std::string Name(int typeID) const;
+    [[nodiscard]] bool Knows(int typeID) const;
     [[nodiscard]] std::optional<int> ID(std::string_view name) const;
     // The type that a person means by its name, whatever the case, or by its ID. Raises InvalidProcedureCall
     // where there is none.

@@ -17,12 +17,14 @@ struct Subcommand {
 [[nodiscard]] Subcommand CheckCommand(CommandLine& program);
 [[nodiscard]] Subcommand DiffCommand(CommandLine& program);
 [[nodiscard]] Subcommand DigitsCommand(CommandLine& program);
+[[nodiscard]] Subcommand ExpectCommand(CommandLine& program);
 [[nodiscard]] Subcommand ExportCommand(CommandLine& program);
 [[nodiscard]] Subcommand GraphCommand(CommandLine& program);
 [[nodiscard]] Subcommand HistoryCommand(CommandLine& program);
 [[nodiscard]] Subcommand ImportCommand(CommandLine& program);
 [[nodiscard]] Subcommand InitCommand(CommandLine& program);
 [[nodiscard]] Subcommand ListCommand(CommandLine& program);
+[[nodiscard]] Subcommand PathsCommand(CommandLine& program);
 [[nodiscard]] Subcommand PruneCommand(CommandLine& program);
 [[nodiscard]] Subcommand RepointCommand(CommandLine& program);
 [[nodiscard]] Subcommand RestoreCommand(CommandLine& program);

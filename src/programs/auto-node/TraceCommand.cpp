@@ -19,16 +19,6 @@ namespace {
 using enum Table::Align;
 using Json = nlohmann::ordered_json;
 
-std::vector<Target> Played(const AutoNode& node) {
-    std::vector<Target> played;
-    for (const Prompt& prompt : node.prompts) {
-        if (prompt.target.typeID != NumberlessType) {
-            played.push_back(TargetOf(prompt.target, Slot::Prompts));
-        }
-    }
-    return played;
-}
-
 // One trace, for people or for programs.
 class Tracing {
   public:
@@ -105,7 +95,7 @@ class Tracing {
     }
 
     void AddPlayed(Table& table, const Menu& menu) const {
-        const auto played = Played(menu.Node());
+        const auto played = PlayedBy(menu.Node());
         for (const Target& prompt : played) {
             table.Add({&prompt == &played.front() ? "plays" : "", prompt.Text(), map_.LabelOf(prompt.Key())});
         }
@@ -153,7 +143,7 @@ class Tracing {
         Json document = KAL_AUTO_Node::ToJson(map_, node);
         if (const Menu* menu = map_.MenuOf(node)) {
             Json& prompts = document["prompts"] = Json::array();
-            for (const Target& prompt : Played(menu->Node())) {
+            for (const Target& prompt : PlayedBy(menu->Node())) {
                 prompts.push_back(KAL_AUTO_Node::ToJson(map_, prompt));
             }
         } else {
