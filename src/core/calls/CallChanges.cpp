@@ -108,6 +108,37 @@ void CompareExceptions(const Menu& before, const Menu& after, std::vector<CallCh
     }
 }
 
+// The references of nodes of other types, by their places.
+void CompareWays(const std::map<NodeKey, std::vector<OtherWay>>& before,
+                 const std::map<NodeKey, std::vector<OtherWay>>& after, std::vector<NodeCallChanges>& all) {
+    std::map<NodeKey, std::map<std::string, std::pair<std::string, std::string>>> places;
+    for (const auto& [node, ways] : before) {
+        for (const OtherWay& way : ways) {
+            places[node][way.place].first = way.target.Text();
+        }
+    }
+    for (const auto& [node, ways] : after) {
+        for (const OtherWay& way : ways) {
+            places[node][way.place].second = way.target.Text();
+        }
+    }
+    for (const auto& [node, texts] : places) {
+        if (node.second == TemplateNumber) {
+            continue;
+        }
+        NodeCallChanges changed{node, {}};
+        for (const auto& [place, text] : texts) {
+            const auto& [was, is] = text;
+            if (was != is) {
+                Change(changed.changes, place, was.empty() ? "nowhere" : was, is.empty() ? "nowhere" : is);
+            }
+        }
+        if (!changed.changes.empty()) {
+            all.push_back(std::move(changed));
+        }
+    }
+}
+
 // The AUTO nodes to which calls may get.
 std::set<int> Reached(const CallMap& map, const std::vector<int>& entries) {
     std::set<int> reached;
@@ -187,11 +218,15 @@ std::vector<NodeCallChanges> CompareCalls(const CallMap& before, const CallMap& 
     }
     std::vector<NodeCallChanges> all;
     for (const int number : numbers) {
+        // The template is no menu that anybody calls.
+        if (number == TemplateNumber) {
+            continue;
+        }
         const auto was = before.menus.find(number);
         const auto is = after.menus.find(number);
         const Menu* from = was == before.menus.end() ? nullptr : &was->second;
         const Menu* to = is == after.menus.end() ? nullptr : &is->second;
-        NodeCallChanges node{number, {}};
+        NodeCallChanges node{{AutoType, number}, {}};
         if (from == nullptr || to == nullptr || from->Node() != to->Node()) {
             node.changes = CompareCalls(from, to);
         }
@@ -202,6 +237,9 @@ std::vector<NodeCallChanges> CompareCalls(const CallMap& before, const CallMap& 
         if (!node.changes.empty()) {
             all.push_back(std::move(node));
         }
+    }
+    for (const auto ways : {&CallMap::others, &CallMap::played}) {
+        CompareWays(before.*ways, after.*ways, all);
     }
     return all;
 }

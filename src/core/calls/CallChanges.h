@@ -8,9 +8,10 @@
 
 namespace KAL_AUTO_Node {
 
-// Something that callers notice of a change to an AUTO node.
+// Something that callers notice of a change to a node.
 struct CallChange {
-    // "entries", the step of an exception, "prompts", a setting's name, or "node".
+    // "entries", the step of an exception, "prompts", a setting's name, or "node"; of nodes of other types
+    // the place of a reference.
     std::string what;
     std::vector<std::pair<std::string, std::string>> entries; // from, to; of entries only
     // How it was and how it is then, or what is said instead.
@@ -31,12 +32,13 @@ struct CallChange {
 [[nodiscard]] std::vector<CallChange> CompareCalls(const Menu* before, const Menu* after);
 
 struct NodeCallChanges {
-    int number = 0;
+    NodeKey node;
     std::vector<CallChange> changes;
 };
 
-// Of all AUTO nodes of a partition that was and is then, by number; with those that no caller gets to any
-// more, from where calls entered before, and those that they get to now.
+// Of a partition that was and is then: of the AUTO nodes by number, with those that no caller gets to any
+// more, from where calls entered before, and those that callers get to now; then of the references of other
+// nodes.
 [[nodiscard]] std::vector<NodeCallChanges> CompareCalls(const CallMap& before, const CallMap& after);
 
 } // namespace KAL_AUTO_Node

@@ -16,6 +16,13 @@ const Menu* CallMap::MenuOf(const Target& target) const {
     return found == menus.end() ? nullptr : &found->second;
 }
 
+void CallMap::Put(int number, std::optional<AutoNode> node) {
+    menus.erase(number);
+    if (node) {
+        menus.emplace(number, Menu(number, std::move(*node)));
+    }
+}
+
 const Menu& CallMap::RequireMenu(int number) const {
     const auto found = menus.find(number);
     if (found == menus.end()) {
@@ -81,12 +88,12 @@ CallMap ReadCallMap(DataBase& dataBase, const TypeNames& names, Partition partit
             flow.AddReferenceTo(*reference.number);
         }
         const NodeKey holder{reference.holderTypeID, reference.holder};
-        if (IsPlayed(column) || !map.labels.contains(holder)) {
+        if (!map.labels.contains(holder)) {
             return;
         }
-        map.others[holder].push_back(
+        (IsPlayed(column) ? map.played : map.others)[holder].push_back(
             {PlaceText(column, reference.row), {*typeID, *reference.number, true, reference.type}});
-        if (*typeID == AutoType && map.menus.contains(*reference.number)) {
+        if (!IsPlayed(column) && *typeID == AutoType && map.menus.contains(*reference.number)) {
             entered.insert(*reference.number);
         }
     });

@@ -24,11 +24,14 @@ struct CallMap {
     std::map<int, Menu> menus;             // AUTO nodes by number, the template among them
     std::map<NodeKey, std::string> labels; // of the nodes that are registered
     std::map<NodeKey, std::vector<OtherWay>>
-        others;               // of registered nodes of other types, where they have any
+        others; // of registered nodes of other types, where they have any
+    std::map<NodeKey, std::vector<OtherWay>> played; // what they play, likewise
     std::vector<int> entries; // the AUTO nodes at which calls may enter: none but themselves refers to them,
                               // or nodes of other types lead to them; by number
 
     [[nodiscard]] const Menu* MenuOf(const Target& target) const;
+    // Lets a node be that; nothing for no node. Where calls may enter stays.
+    void Put(int number, std::optional<AutoNode> node);
     // Raises InvalidProcedureCall where there is none.
     [[nodiscard]] const Menu& RequireMenu(int number) const;
     [[nodiscard]] std::string LabelOf(const NodeKey& node) const;

@@ -1,4 +1,5 @@
 #include "auto-node/Arguments.h"
+#include "auto-node/CallDiff.h"
 #include "auto-node/Changes.h"
 #include "auto-node/Commands.h"
 #include "history/History.h"
@@ -16,6 +17,7 @@ struct Options {
     std::vector<int> versions;
     std::vector<std::int16_t> other; // node: configuration, partition, number
     std::string store;
+    CallOptions calls;
 };
 
 template <class Number>
@@ -50,7 +52,13 @@ int Run(const Options& options) {
     if (!before && !after) {
         throw std::runtime_error("neither of the two nodes exists");
     }
-    PrintChanges(ChangesInWords(before, after));
+    if (!options.calls.calls) {
+        PrintChanges(ChangesInWords(before, after));
+    } else if (otherStore || otherPlace != place) {
+        PrintCalls(dataBase, place, before, after, options.calls.json);
+    } else {
+        PrintCalls(dataBase, {{place, before, after}}, options.calls.json);
+    }
     return 0;
 }
 
@@ -75,6 +83,7 @@ Subcommand DiffCommand(CommandLine& program) {
     command.Text("--store", options->store, "The file of another store, in which the other node is")
         .ShownAs("FILE")
         .Excludes(versions);
+    AddCalls(command, options->calls);
     command.Together([options] {
         if (options->versions.empty() && options->other.empty() && options->store.empty()) {
             Refuse("diff", "takes --versions, --node or --store");

@@ -1,3 +1,4 @@
+#include "auto-node/CallDiff.h"
 #include "auto-node/Changes.h"
 #include "auto-node/CheckReport.h"
 #include "auto-node/Commands.h"
@@ -26,6 +27,7 @@ struct Options {
     std::string into;
     bool damaged = false;
     bool dryRun = false;
+    CallOptions calls;
 };
 
 // A line that writes over itself, for a person who waits; none where nobody looks.
@@ -147,11 +149,19 @@ int CarryBack(const Options& options) {
     const auto dataBase =
         options.into.empty() ? std::make_unique<DataBase>() : std::make_unique<DataBase>(options.into);
     std::vector<ChangedNode> nodes;
+    std::vector<NodeStates> states;
     const ExchangeReport report =
         ImportExchange(*dataBase, options.file, options.dryRun ? Import::OnlyTell : Import::Carry,
                        [&](const NodePlace& place, const auto& before, const auto& after) {
                            nodes.push_back({place, ChangesInWords(before, after)});
+                           if (options.calls.calls) {
+                               states.push_back({place, before, after});
+                           }
                        });
+    if (options.calls.json) {
+        PrintCalls(*dataBase, states, true);
+        return 0;
+    }
     std::cout << (options.dryRun ? "Would import " : "Imported ") << Named(report.scope) << " into "
               << dataBase->File().string() << '\n';
     for (const ChangedNode& node : nodes) {
@@ -162,6 +172,10 @@ int CarryBack(const Options& options) {
     }
     if (report.tables.empty()) {
         std::cout << "Nothing differs\n";
+    }
+    if (options.calls.calls) {
+        std::cout << '\n';
+        PrintCalls(*dataBase, states, false);
     }
     return 0;
 }
@@ -197,7 +211,9 @@ Subcommand ImportCommand(CommandLine& program) {
               "The store's file, a new one or without rows for a Jet file; where the editor looks "
               "where none is given")
         .ShownAs("STORE");
-    command.Flag("--dry-run", options->dryRun, "Only tell what would change; not for a Jet file");
+    const Option dryRun =
+        command.Flag("--dry-run", options->dryRun, "Only tell what would change; not for a Jet file");
+    AddCalls(command, options->calls, dryRun);
     command.Flag("--damaged", options->damaged, "Take what can be read of a damaged Jet file");
     return {command, [options] { return Run(*options); }};
 }

@@ -1,5 +1,6 @@
 #include "audit/Repoint.h"
 #include "auto-node/Arguments.h"
+#include "auto-node/CallDiff.h"
 #include "auto-node/Commands.h"
 #include "auto-node/Table.h"
 #include "history/History.h"
@@ -24,6 +25,7 @@ struct Options {
     std::string newType;
     std::int16_t newNumber = 0;
     bool dryRun = false;
+    CallOptions calls;
 };
 
 int Run(const Options& options) {
@@ -42,6 +44,10 @@ int Run(const Options& options) {
         }
         throw std::runtime_error(text);
     }
+    if (options.calls.json) {
+        PrintCalls(dataBase, partition, plan, to.number, true);
+        return 0;
+    }
     Table table({Left, Left, Left});
     std::set<std::pair<int, int>> holders;
     for (const auto& [use, typeID, type] : plan.changes) {
@@ -59,6 +65,10 @@ int Run(const Options& options) {
                   << Counted(plan.changes.size(), "reference") << " in " << Counted(holders.size(), "node")
                   << '\n';
     }
+    if (options.calls.calls) {
+        std::cout << '\n';
+        PrintCalls(dataBase, partition, plan, to.number, false);
+    }
     return 0;
 }
 
@@ -74,7 +84,8 @@ Subcommand RepointCommand(CommandLine& program) {
     AddType(command, "NEW_TYPE", options->newType);
     AddNumber(command, "NEW_NUMBER", options->newNumber, "Number of the node that takes its place")
         .Required();
-    command.Flag("--dry-run", options->dryRun, "Only tell what would change");
+    const Option dryRun = command.Flag("--dry-run", options->dryRun, "Only tell what would change");
+    AddCalls(command, options->calls, dryRun);
     return {command, [options] { return Run(*options); }};
 }
 

@@ -1,4 +1,5 @@
 #include "auto-node/Arguments.h"
+#include "auto-node/CallDiff.h"
 #include "auto-node/Changes.h"
 #include "auto-node/Commands.h"
 #include "history/History.h"
@@ -15,6 +16,7 @@ Subcommand RestoreCommand(CommandLine& program) {
         NodePlace place;
         int version = 0; // the latest
         bool dryRun = false;
+        CallOptions calls;
     };
 
     auto options = std::make_shared<Options>();
@@ -27,7 +29,8 @@ Subcommand RestoreCommand(CommandLine& program) {
             [options](const std::string& text) { options->version = ReadVersion("VERSION", text); },
             "Number of the change; the latest where none is given")
         .ShownAs("");
-    command.Flag("--dry-run", options->dryRun, "Only tell what would change");
+    const Option dryRun = command.Flag("--dry-run", options->dryRun, "Only tell what would change");
+    AddCalls(command, options->calls, dryRun);
     return {
         command, [options] {
             const NodePlace& place = options->place;
@@ -44,9 +47,17 @@ Subcommand RestoreCommand(CommandLine& program) {
             const NodeContent after = history.ToPutBack(place, version);
             const NodeContent before = options->dryRun ? ReadContent(dataBase, place.partition, place.number)
                                                        : history.PutBack(place, version, "restore");
+            if (options->calls.json) {
+                PrintCalls(dataBase, {{place, before.node, after.node}}, true);
+                return 0;
+            }
             std::cout << (options->dryRun ? "Would put back" : "Put back") << " AUTO node " << place.number
                       << " as it was before version " << version << ":\n";
             PrintChanges(ChangesInWords(before.node, after.node));
+            if (options->calls.calls) {
+                std::cout << '\n';
+                PrintCalls(dataBase, {{place, before.node, after.node}}, false);
+            }
             return 0;
         }};
 }

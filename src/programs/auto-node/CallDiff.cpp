@@ -1,0 +1,158 @@
+#include "auto-node/CallDiff.h"
+
+#include "audit/Repoint.h"
+#include "nodes/JsonText.h"
+#include "platform/VisibleText.h"
+#include "store/DataBase.h"
+
+#include <iostream>
+#include <map>
+#include <nlohmann/json.hpp>
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// Partition by partition.
+class Telling {
+  public:
+    Telling(const TypeNames& names, bool json) : names_(names), json_(json) {}
+
+    void Tell(Partition partition, const std::vector<NodeCallChanges>& nodes) {
+        for (const auto& [node, changes] : nodes) {
+            const std::string name = names_.Name(node.first) + ' ' + std::to_string(node.second);
+            for (const CallChange& change : changes) {
+                any_ = true;
+                if (json_) {
+                    document_.push_back(ToJson(partition, node, change));
+                } else {
+                    std::cout << Visible(name + (change.what == "node" ? ": " : ", ") + change.Text())
+                              << '\n';
+                }
+            }
+        }
+    }
+
+    void End() const {
+        if (json_) {
+            std::cout << JsonText(document_) << '\n';
+        } else if (!any_) {
+            std::cout << "callers notice nothing\n";
+        }
+    }
+
+  private:
+    [[nodiscard]] Json ToJson(Partition partition, const NodeKey& node, const CallChange& change) const {
+        Json entries = Json::array();
+        for (const auto& [low, high] : change.entries) {
+            entries.push_back({{"low", low}, {"high", high}});
+        }
+        return {{"config", partition.config},    {"partition", partition.number},
+                {"typeID", node.first},          {"type", names_.Name(node.first)},
+                {"number", node.second},         {"what", change.what},
+                {"entries", std::move(entries)}, {"before", change.before},
+                {"after", change.after},         {"says", change.says}};
+    }
+
+    const TypeNames& names_;
+    bool json_;
+    bool any_ = false;
+    Json document_ = Json::array();
+};
+
+// Lets what the plan changes refer to the new node.
+void Apply(CallMap& map, const RepointPlan& plan, int number) {
+    std::map<int, AutoNode> edited;
+    for (const auto& [use, typeID, type] : plan.changes) {
+        const Reference to{typeID, type, number, {}};
+        const ReferenceColumn& column = use.Column();
+        if (use.holderTypeID != AutoType) {
+            for (auto* ways : {&map.others, &map.played}) {
+                for (OtherWay& way : (*ways)[{use.holderTypeID, use.holder}]) {
+                    if (way.place == PlaceText(column, use.row)) {
+                        way.target = {typeID, number, true, type};
+                    }
+                }
+            }
+            continue;
+        }
+        const auto menu = map.menus.find(use.holder);
+        if (menu == map.menus.end()) {
+            continue;
+        }
+        AutoNode& node = edited.try_emplace(use.holder, menu->second.Node()).first->second;
+        const auto branch = std::ranges::find(BranchRules, column.word, &BranchRule::column);
+        const auto repoint = [&](auto& rows) {
+            for (auto& row : rows) {
+                if (row.sequence == use.row && KeyOf(row.target).second == *use.number) {
+                    row.target = to;
+                }
+            }
+        };
+        if (branch != BranchRules.end()) {
+            node.branches.at(static_cast<std::size_t>(branch - BranchRules.begin())) = to;
+        } else if (column.table.ends_with("_Prompts")) {
+            repoint(node.prompts);
+        } else {
+            repoint(node.actions);
+        }
+    }
+    for (auto& [holder, node] : edited) {
+        map.Put(holder, std::move(node));
+    }
+}
+
+} // namespace
+
+void AddCalls(const CommandArguments& command, CallOptions& options, const std::optional<Option>& dryRun) {
+    const Option calls = command.Flag("--calls", options.calls, "Tell what callers notice of it");
+    if (dryRun) {
+        static_cast<void>(calls.Needs(*dryRun));
+    }
+    static_cast<void>(
+        command.Flag("--json", options.json, "Print JSON, for programs; with --calls").Needs(calls));
+}
+
+void PrintCalls(DataBase& dataBase, const std::vector<NodeStates>& nodes, bool json) {
+    const TypeNames names(dataBase);
+    Telling telling(names, json);
+    for (auto node = nodes.begin(); node != nodes.end();) {
+        const Partition partition = node->place.partition;
+        CallMap before = ReadCallMap(dataBase, names, partition);
+        CallMap after = before;
+        for (; node != nodes.end() && node->place.partition == partition; ++node) {
+            before.Put(node->place.number, node->before);
+            after.Put(node->place.number, node->after);
+        }
+        telling.Tell(partition, CompareCalls(before, after));
+    }
+    telling.End();
+}
+
+void PrintCalls(DataBase& dataBase, Partition partition, const RepointPlan& plan, int number, bool json) {
+    const TypeNames names(dataBase);
+    const CallMap before = ReadCallMap(dataBase, names, partition);
+    CallMap after = before;
+    Apply(after, plan, number);
+    Telling telling(names, json);
+    telling.Tell(partition, CompareCalls(before, after));
+    telling.End();
+}
+
+void PrintCalls(DataBase& dataBase, const NodePlace& place, const std::optional<AutoNode>& before,
+                const std::optional<AutoNode>& after, bool json) {
+    const TypeNames names(dataBase);
+    const auto menu = [&](const std::optional<AutoNode>& node) {
+        return node ? std::optional(Menu(place.number, *node)) : std::nullopt;
+    };
+    const auto from = menu(before);
+    const auto to = menu(after);
+    Telling telling(names, json);
+    telling.Tell(place.partition,
+                 {{{AutoType, place.number}, CompareCalls(from ? &*from : nullptr, to ? &*to : nullptr)}});
+    telling.End();
+}
+
+} // namespace KAL_AUTO_Node
