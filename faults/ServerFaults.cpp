@@ -1,5 +1,6 @@
 // What becomes of the node of a store when its server is killed in the middle of a save, comes back, or
-// leaves its place to a standby. Prints a row for each case, and fails where anything was lost or passed
+// leaves its place to a standby; when the line is cut, at each byte; when the server refuses what it had
+// taken, and when many save at once. Prints a row for each case, and fails where anything was lost or passed
 // unseen. ServerFaults [brief|long]
 
 #include "Relay.h"
@@ -12,6 +13,8 @@
 #include <csignal>
 #include <fstream>
 #include <iostream>
+#include <mutex>
+#include <optional>
 #include <thread>
 
 namespace KAL_AUTO_Node {
@@ -33,60 +36,48 @@ void WriteLink(const std::filesystem::path& link, const std::string& address) {
     std::ofstream(link, std::ios::trunc) << address << '\n';
 }
 
-// A save breaks at that way; afterwards comes what brings a server back. The node has to be as it was, or
-// saved, or marked as half saved and put back exactly; what was said to be saved has to be there, and the
-// next save goes through.
-void Break(Row& row, Relay& relay, const std::filesystem::path& link, int way, bool creating,
-           const std::function<void()>& breakDown, const std::function<void()>& bringBack) {
+// Begin makes a save break, end makes the next one possible. The node has to be as it was, or saved; what was
+// said to be saved has to be there, what was said not to be must not, and the next save goes through.
+void Break(Row& row, const std::filesystem::path& link, bool creating, const std::string& where,
+           const std::function<void()>& begin, const std::function<void()>& end) {
     ++row.tries;
     Saver saver(link);
     const NodeContent before = saver.Read();
-    const int number = 1000 * row.tries + way;
+    const int number = 10 * row.tries;
     const NodeContent intended = IntendedContent(before, number, 10);
-    bool broken = false;
-    relay.AtWay = [&, left = way](int) mutable {
-        if (--left == 0) {
-            breakDown();
-            broken = true;
-        }
-    };
+    bool mayBeThere = true;
     bool said = false;
+    begin();
     try {
         Save(saver, number, creating);
         said = true;
-    } catch (const RuntimeError&) {
+    } catch (const RuntimeError& error) {
         ++row.told;
+        mayBeThere = error.Number() == ErrorNumber::OutcomeUnknown ||
+                     std::string_view(error.what()).starts_with("All of the node is written");
     }
-    relay.AtWay = nullptr;
-    if (!broken) {
-        breakDown();
-    }
-    bringBack();
+    end();
 
     // The same window, and another.
     Saver other(link);
     for (Saver* one : {&saver, &other}) {
-        row.putBack += one->PutBack();
         const NodeContent now = one->Read();
-        if (now == intended) {
-            row.whole += one == &other ? 1 : 0;
-        } else if (now != before) {
-            row.Wrong("way " + std::to_string(way) + ": neither as before nor as intended");
-        } else if (said) {
-            row.Lost("way " + std::to_string(way) + ": said to be saved");
-        } else {
-            row.asBefore += one == &other ? 1 : 0;
+        if (now == intended ? !mayBeThere : said) {
+            row.Lost(where + (said ? ": said to be saved" : ": said not to be saved"));
+        } else if (now != intended && now != before) {
+            row.Wrong(where + ": neither as before nor as intended");
         }
+        (now == intended ? row.whole : row.asBefore) += one == &other ? 1 : 0;
     }
     try {
         Save(saver, number + 1, creating);
         for (const auto& [typeID, node] : MissingNodes) {
             if (creating && !IsNodeExisted(saver.Store(), Place.partition, typeID, node)) {
-                row.Wrong("way " + std::to_string(way) + ": a node cannot be made any more");
+                row.Wrong(where + ": a node cannot be made any more");
             }
         }
     } catch (const std::exception& error) {
-        row.Wrong("way " + std::to_string(way) + ": the next save: " + error.what());
+        row.Wrong(where + ": the next save: " + error.what());
     }
 }
 
@@ -98,62 +89,168 @@ constexpr const char* TakeAwayMissingNodes = "DO $$ DECLARE found record; BEGIN 
                                              "format('DELETE FROM %I WHERE %I BETWEEN 701 AND 712',"
                                              " found.table_name, found.column_name); END LOOP; END $$";
 
-void KillServer(Row& row, const std::filesystem::path& folder, bool creating, int tries) {
-    const TestServerProcess server(folder / "one");
-    const auto link = folder / "link";
-    std::filesystem::remove(link);
-    CreateServerStore(link, server.Address(), StoreContent::Demo);
-    Relay relay(std::chrono::milliseconds(0), server.Socket());
-    WriteLink(link, relay.AddressOf("postgres"));
+// A store on a server of its own, with a standby perhaps, beyond a line.
+struct Site {
+    Site(const std::filesystem::path& folder, bool standby)
+        : server(folder / "one"), link(folder / "link"), line(std::chrono::milliseconds(0), server.Socket()) {
+        std::filesystem::remove(link);
+        CreateServerStore(link, server.Address(), StoreContent::Demo);
+        if (standby) {
+            second.emplace(folder / "two", server.Folder());
+            secondLine.emplace(std::chrono::milliseconds(0), second->Socket());
+        }
+        WriteLink(link, "postgresql://tester@127.0.0.1:" + std::to_string(line.Port()) +
+                            (standby ? ",127.0.0.1:" + std::to_string(secondLine->Port()) : "") +
+                            "/postgres?target_session_attrs=read-write&gssencmode=disable");
+    }
+
+    TestServerProcess server;
+    std::filesystem::path link;
+    Relay line;
+    std::optional<TestServerProcess> second;
+    std::optional<Relay> secondLine;
+};
+
+// At each way of a save in turn.
+void KillServer(Row& row, Site& site, bool creating, int tries) {
     const int ways = creating ? 45 : 9;
     for (int i = 0; i < tries; ++i) {
         const int way = 1 + (tries < ways ? i * ways / tries : i % ways);
         if (creating) {
-            TestDatabase::Run(server.Address(), TakeAwayMissingNodes);
+            TestDatabase::Run(site.server.Address(), TakeAwayMissingNodes);
         }
-        Break(
-            row, relay, link, way, creating, [&] { server.Do("kill"); }, [&] { server.Do("again"); });
-    }
-}
-
-void LosePrimary(Row& row, const std::filesystem::path& folder, int tries) {
-    for (int i = 0; i < tries; ++i) {
-        const TestServerProcess primary(folder / ("p" + std::to_string(i)));
-        const auto link = folder / "pair";
-        std::filesystem::remove(link);
-        CreateServerStore(link, primary.Address(), StoreContent::Demo);
-        const TestServerProcess standby(folder / ("s" + std::to_string(i)), primary.Folder());
-        Relay first(std::chrono::milliseconds(0), primary.Socket());
-        const Relay second(std::chrono::milliseconds(0), standby.Socket());
-        WriteLink(link, "postgresql://tester@127.0.0.1:" + std::to_string(first.Port()) +
-                            ",127.0.0.1:" + std::to_string(second.Port()) +
-                            "/postgres?target_session_attrs=read-write&gssencmode=disable");
-        const auto breakDown = [&] {
-            primary.Do("kill");
-            first.Close();
+        bool killed = false;
+        const auto kill = [&] {
+            site.server.Do("kill");
+            if (site.second) {
+                site.line.Close();
+            }
+            killed = true;
         };
-        Break(row, first, link, 2 + i % 8, false, breakDown, [&] { standby.Do("promote"); });
+        const auto begin = [&] {
+            site.line.AtWay = [&, left = way](int) mutable {
+                if (--left == 0) {
+                    kill();
+                }
+            };
+        };
+        const auto end = [&] {
+            site.line.AtWay = nullptr;
+            if (!killed) {
+                kill();
+            }
+            site.second ? site.second->Do("promote") : site.server.Do("again");
+        };
+        Break(row, site.link, creating, "way " + std::to_string(way), begin, end);
     }
 }
 
-int Run(bool atLength) {
+// After so many of the bytes of a save, in either direction, beyond those by which the node is loaded.
+void CutLine(Row& row, Site& site, std::size_t tries) {
+    // Each version makes the next save longer.
+    const auto forget = [&] { TestDatabase::Run(site.server.Address(), "TRUNCATE Node_AUTO_Version"); };
+    Saver saver(site.link);
+    static_cast<void>(saver.Load());
+    forget();
+    static_cast<void>(site.line.Passed());
+    static_cast<void>(saver.Load());
+    const std::size_t first = site.line.Passed();
+    Save(saver, 1, false);
+    const std::size_t bytes = site.line.Passed() - first;
+    row.remarks = std::to_string(bytes) + " bytes";
+    tries = std::min(tries, bytes);
+    for (std::size_t i = 0; i < tries; ++i) {
+        const std::size_t byte = first + i * bytes / tries;
+        forget();
+        Break(
+            row, site.link, false, "byte " + std::to_string(byte), [&] { site.line.CutAfter(byte); },
+            [&] { site.line.CutAfter(Relay::Never); });
+    }
+}
+
+void RefuseCommits(Row& row, Site& site, int tries) {
+    const auto run = [&](const std::string& sql) { TestDatabase::Run(site.server.Address(), sql); };
+    run("CREATE FUNCTION refuse() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN RAISE 'refused'; END $$");
+    for (int i = 0; i < tries; ++i) {
+        const std::string table = i % 2 == 0 ? "Detail_AUTO_Action" : "Node_AUTO_Version";
+        Break(
+            row, site.link, false, "refused " + table,
+            [&] {
+                run("CREATE CONSTRAINT TRIGGER refuse AFTER INSERT OR UPDATE ON " + table +
+                    " INITIALLY DEFERRED FOR EACH ROW EXECUTE FUNCTION refuse()");
+            },
+            [&] { run("DROP TRIGGER refuse ON " + table); });
+    }
+    if (row.told < row.tries) {
+        row.Unseen("a commit that was refused");
+    }
+}
+
+// Each saves a node of its own over and over, where the server takes back what others' work has come across.
+void SaveAtOnce(Row& row, Site& site, int editors, int saves) {
+    TestDatabase::Run(site.server.Address(),
+                      "ALTER DATABASE postgres SET default_transaction_isolation = 'serializable'");
+    std::mutex one;
+    std::vector<std::jthread> threads;
+    for (int editor = 1; editor <= editors; ++editor) {
+        threads.emplace_back([&, place = NodePlace{{1, 2}, static_cast<std::int16_t>(editor)}] {
+            Saver saver(site.link, place);
+            Saver other(site.link, place);
+            for (int number = 1; number <= saves; ++number) {
+                const AutoNode intended = Intended(saver.Load(), number, 20);
+                bool said = false;
+                std::string why;
+                try {
+                    said = !saver.Save(intended);
+                } catch (const std::exception& error) {
+                    why = error.what();
+                }
+                const bool there = other.Read().node == intended;
+                const std::scoped_lock lock(one);
+                ++row.tries;
+                (there ? row.whole : row.asBefore) += 1;
+                row.told += said ? 0 : 1;
+                if (said != there) {
+                    row.Lost("said to be saved, or not to be");
+                } else if (!said) {
+                    row.Wrong(why);
+                }
+            }
+        });
+    }
+}
+
+int Run(bool atLength, const std::string& only) {
     const TemporaryFolder folder;
     std::filesystem::permissions(folder.Path(), std::filesystem::perms(0755));
     PrintHead(std::cout);
     bool good = true;
-    const auto tell = [&](const Row& row) {
+    const auto tell = [&](const char* name, const std::function<void(Row&)>& what) {
+        if (std::string_view(name).find(only) == std::string_view::npos) {
+            return;
+        }
+        Row row(name);
+        what(row);
         Print(std::cout, row);
         good &= row.Good();
     };
-    Row saves("server killed at each way of a save");
-    KillServer(saves, folder.Path(), false, atLength ? 90 : 3);
-    tell(saves);
-    Row creations("the same while nodes are created");
-    KillServer(creations, folder.Path(), true, atLength ? 90 : 2);
-    tell(creations);
-    Row primaries("primary killed, standby promoted");
-    LosePrimary(primaries, folder.Path(), atLength ? 16 : 1);
-    tell(primaries);
+    {
+        Site site(folder.Path(), false);
+        tell("server killed at each way of a save",
+             [&](Row& row) { KillServer(row, site, false, atLength ? 90 : 3); });
+        tell("the same while nodes are created",
+             [&](Row& row) { KillServer(row, site, true, atLength ? 90 : 2); });
+        tell("line cut at each byte of a save",
+             [&](Row& row) { CutLine(row, site, atLength ? 100'000 : 40); });
+        tell("commit refused", [&](Row& row) { RefuseCommits(row, site, atLength ? 20 : 2); });
+        tell("many at once, serializable", [&](Row& row) { SaveAtOnce(row, site, 8, atLength ? 250 : 5); });
+    }
+    tell("primary killed, standby promoted", [&](Row& row) {
+        for (int way = 1; way <= (atLength ? 9 : 1); ++way) {
+            Site site(folder.Path(), true);
+            KillServer(row, site, false, 1);
+        }
+    });
     return good ? 0 : 1;
 }
 
@@ -162,13 +259,13 @@ int Run(bool atLength) {
 
 int main(int argc, char** argv) {
     const std::string extent = argc > 1 ? argv[1] : "brief";
-    if (argc > 2 || (extent != "brief" && extent != "long")) {
-        std::cerr << "ServerFaults [brief|long]\n";
+    if (argc > 3 || (extent != "brief" && extent != "long")) {
+        std::cerr << "ServerFaults [brief|long [WORDS OF A CASE]]\n";
         return 2;
     }
     std::signal(SIGPIPE, SIG_IGN);
     try {
-        return KAL_AUTO_Node::Run(extent == "long");
+        return KAL_AUTO_Node::Run(extent == "long", argc > 2 ? argv[2] : "");
     } catch (const std::exception& error) {
         std::cerr << "ServerFaults: " << error.what() << '\n';
         return 1;

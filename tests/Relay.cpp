@@ -91,6 +91,7 @@ struct Line {
     std::string unread;            // of what the client has sent
     bool started = false;
     bool over = false;
+    bool severed = false; // at once, whatever is still on its way
 };
 
 } // namespace
@@ -170,11 +171,17 @@ void Relay::Work(const std::stop_token& stop) {
                     }
                     way.chunks.push_back({Clock::now() + delay_, std::move(bytes)});
                 }
-                while (!way.chunks.empty() && (way.chunks.front().due <= Clock::now() || line.over)) {
+                while (!way.chunks.empty() && !line.severed &&
+                       (way.chunks.front().due <= Clock::now() || line.over)) {
                     const auto& bytes = way.chunks.front().bytes;
-                    if (send(way.to, bytes.data(), bytes.size(), MSG_NOSIGNAL) < 0) {
+                    const std::size_t left = left_;
+                    const std::size_t passing = std::min(bytes.size(), left);
+                    line.severed = passing == left;
+                    if (send(way.to, bytes.data(), passing, MSG_NOSIGNAL) < 0 || line.severed) {
                         line.over = true;
                     }
+                    passed_ += passing;
+                    left_ = left == Never || line.severed ? Never : left - passing;
                     way.chunks.pop_front();
                 }
             }

@@ -2,7 +2,9 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <functional>
+#include <limits>
 #include <string>
 #include <thread>
 
@@ -35,6 +37,14 @@ class Relay {
     // nobody uses the line.
     std::function<void(int way)> AtWay;
 
+    // How many bytes went either way since this was last asked.
+    std::size_t Passed() { return passed_.exchange(0); }
+
+    static constexpr std::size_t Never = std::numeric_limits<std::size_t>::max();
+
+    // Ends the connection on which that many more bytes have gone either way.
+    void CutAfter(std::size_t bytes) { left_ = bytes; }
+
     // Ends every connection that there is.
     void Cut() { cut_ = true; }
 
@@ -51,6 +61,8 @@ class Relay {
     std::atomic<int> ways_ = 0;
     int wayNumber_ = 0;
     std::atomic<bool> cut_ = false;
+    std::atomic<std::size_t> passed_ = 0;
+    std::atomic<std::size_t> left_ = Never;
     std::jthread worker_;
 };
 

@@ -26,6 +26,8 @@ TEST(SlowLine, OpensAndSavesInAFewWays) {
                 store.Value("SELECT NodeDescription FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 8"),
                 label);
         }
+        Person::Press("cmdNext");
+        EXPECT_LE(relay.Ways(), 2) << "to the next node";
     }));
     EXPECT_EQ(person.Boxes(), std::vector<Box>());
 }

@@ -80,7 +80,12 @@ TEST_F(StoreServer, IsNamedByALinkThatOnlyItsOwnerReads) {
             EXPECT_EQ(std::string(error.what()).find("s3"), std::string::npos) << error.what();
         }
     }
-    Link(TestDatabase::AddressOf("postgres"));
+    // Where something stands in the link's place, the server is not even looked at.
+    TestDatabase untouched;
+    ExpectRaised(StoreFailure, {"exists already"},
+                 [&] { CreateServerStore(store_.File(), untouched.Address(), StoreContent::Empty); });
+    EXPECT_EQ(untouched.Rows("SELECT 1 FROM pg_tables WHERE schemaname = 'public'"), Texts{});
+    Link(TestDatabase::AddressOf("postgres") + " \t\r\n");
     DataBase none;
     ExpectRaised(StoreNotRecognized, {"no store", "init --server"}, [&] { Limit(none); });
     Link(address);
@@ -114,6 +119,26 @@ TEST_F(StoreServer, TellsWhatItRefuses) {
     EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(5));
     store_.Execute("ROLLBACK");
     EXPECT_NO_THROW(add("5"));
+
+    // Rows that were fetched ahead are old with the next write, whichever way it goes.
+    ReadAhead ahead(dataBase);
+    for (const bool together : {false, true}) {
+        store_.Execute("INSERT INTO Detail_AUTO_Prompts VALUES (1, 2, 1, 0, 1, 77, 'MSG')");
+        ahead.Add(Get_AUTO_PromptsNode, {1, 2, 77});
+        ahead.Fetch();
+        if (together) {
+            batch.Add(Delete_AUTO_PromptsNode, {1, 2, 77});
+            batch.Run();
+        } else {
+            dataBase.Execute(Delete_AUTO_PromptsNode, {1, 2, 77});
+        }
+        EXPECT_TRUE(dataBase.Query(Get_AUTO_PromptsNode, {1, 2, 77}).AtEnd());
+    }
+    {
+        Transaction all(dataBase);
+        EXPECT_THROW(add("1"), RuntimeError);
+        ExpectRaised(StoreFailure, {"taken the change back"}, [&] { all.Commit(); });
+    }
 
     // What the server tells when it is to take effect only. What another's work has taken back is done again.
     store_.Execute(
@@ -254,6 +279,38 @@ TEST_F(StoreServer, IsAskedForManyThingsAtOnce) {
     EXPECT_EQ(relay.Ways(), 1);
     save.Finish();
     EXPECT_EQ(relay.Ways(), 2);
+}
+
+// Those to connect, three, among them.
+TEST_F(StoreServer, IsAskedInFewWaysByTheCommands) {
+    for (const auto& [table, number] : {std::pair{"Node_AUTO", "NodeNumber"},
+                                        {"Detail_AUTO_Prompts", "NodeMasterID"},
+                                        {"Node_General_Pool", "NodeNumber"}}) {
+        store_.Execute(
+            std::string("CREATE TEMP TABLE copy AS SELECT * FROM ") + table + " WHERE PartID = 2 AND " +
+            number + " = 8" + (number[4] == 'N' ? " AND NodeTypeID = 9" : "") +
+            "; DO $$ BEGIN FOR n IN 1001..2000 LOOP UPDATE copy SET " + number + " = n; INSERT INTO " +
+            table + " SELECT * FROM copy; END LOOP; END $$; DROP TABLE copy");
+    }
+    store_.Execute("UPDATE Detail_AUTO_Prompts SET NodeTypeID = 0, NodeType = 'MSG', NodeNumber = 50 "
+                   "WHERE NodeMasterID > 1000 AND SequenceNo = 1");
+    Relay relay(milliseconds(0));
+    Link(relay.AddressOf(Database()));
+    for (const auto& [command, most] : {std::pair{"list 1 2", 4},
+                                        {"show 1 2 8", 5},
+                                        {"uses 1 2 MSG 50", 8},
+                                        {"check 1 2", 15},
+                                        {"graph 1 2", 15},
+                                        {"export 1 2 all.json", 12},
+                                        {"repoint 1 2 MSG 50 MSG 51", 60}}) {
+        const std::string line =
+            "cd '" + store_.Folder().string() + "' && " AUTO_NODE " " + command + " >told 2>&1";
+        static_cast<void>(relay.Ways());
+        const int status = std::system(line.c_str());
+        const std::string told = TextOf(store_.Folder() / "told");
+        EXPECT_TRUE(WEXITSTATUS(status) == 0 || std::string(command).starts_with("check")) << told;
+        EXPECT_LE(relay.Ways(), most) << command << told.substr(0, 1000);
+    }
 }
 
 TEST_F(StoreServer, LetsEachRoleDoItsOwn) {

@@ -8,6 +8,7 @@
 #include "nodes/ReferenceData.h"
 #include "nodes/References.h"
 #include "nodes/ScratchList.h"
+#include "store/Batch.h"
 
 #include <algorithm>
 #include <map>
@@ -29,6 +30,8 @@ class PartitionCheck {
         : dataBase_(dataBase), history_(history), partition_(partition), reader_(reader), names_(dataBase) {}
 
     PartitionFindings Run() {
+        ReadAhead ahead(dataBase_);
+        ReadListsAhead(ahead, dataBase_, partition_);
         ReadTypes();
         ReadRegister();
         template_ = ReadAutoNode(dataBase_, partition_, TemplateNumber);

@@ -42,6 +42,8 @@ class Planning {
     }
 
     RepointPlan Run() {
+        ReadAhead ahead(dataBase_);
+        ReadListsAhead(ahead, dataBase_, partition_);
         ReadNodeNames(dataBase_, partition_, lists_);
         if (NodeTypeOf(from_.typeID) == to_.typeID && from_.number == to_.number) {
             plan_.obstacles.push_back(NameOfNew() + " would take its own place");
@@ -61,7 +63,7 @@ class Planning {
             const int typeID = RefersToMessage(StoredType(use)) ? StoredType(use) : to_.typeID;
             plan_.changes.push_back({std::move(use), typeID, names_.Name(typeID)});
         }
-        for (const int holder : autoHolders) {
+        for (const int holder : WithUnfinished(autoHolders)) {
             CheckSaves(holder);
         }
         return std::move(plan_);
@@ -117,7 +119,11 @@ class Planning {
     }
 
     bool OffersEverywhere(int holderTypeID) {
-        bool all = false;
+        const auto [entry, added] = offeredEverywhere_.try_emplace(holderTypeID, false);
+        bool& all = entry->second;
+        if (!added) {
+            return all;
+        }
         for (ResultSet sets = dataBase_.Query(Command::Get_Sets_With_Node_Type, {to_.typeID, holderTypeID});
              !sets.AtEnd(); sets.MoveNext()) {
             all = sets.Number("Offers") > 0;
@@ -126,6 +132,22 @@ class Planning {
             }
         }
         return all;
+    }
+
+    // Those of the nodes a change of which did not get to its end, or has not yet.
+    std::vector<int> WithUnfinished(const std::set<int>& holders) {
+        std::vector<int> found;
+        if (holders.empty() || !history_.Exists()) {
+            return found;
+        }
+        for (ResultSet rows =
+                 dataBase_.Query(Command::Get_Unfinished_AUTO_Nodes, {partition_.config, partition_.number});
+             !rows.AtEnd(); rows.MoveNext()) {
+            if (const int number = rows.Number("NodeNumber"); holders.contains(number)) {
+                found.push_back(number);
+            }
+        }
+        return found;
     }
 
     void CheckSaves(int holder) {
@@ -150,37 +172,47 @@ class Planning {
     NodeID to_;
     NodeLists lists_;
     std::map<Slot, bool> offers_;
+    std::map<int, bool> offeredEverywhere_; // by the holder's type
     RepointPlan plan_;
 };
 
 // Writes all changes of one column and one stored type as one statement, as they were planned.
 void Write(DataBase& dataBase, Partition partition, NodeID from, NodeID to, const RepointPlan& plan) {
-    std::map<std::tuple<std::size_t, std::optional<int>, std::string>,
-             std::pair<const RepointPlan::Change*, std::int64_t>>
-        statements;
+    struct Group {
+        const RepointPlan::Change* example = nullptr;
+        std::int64_t count = 0;
+    };
+
+    std::map<std::tuple<std::size_t, std::optional<int>, std::string>, Group> groups;
     for (const RepointPlan::Change& change : plan.changes) {
         const StoredReference& use = change.from;
         const bool hasTypeID = use.Column().hasTypeID;
         // By ID the stored name says nothing.
-        auto& [example, count] = statements[{use.column, use.typeID, hasTypeID ? std::string() : use.type}];
-        example = &change;
-        ++count;
+        Group& group = groups[{use.column, use.typeID, hasTypeID ? std::string() : use.type}];
+        group.example = &change;
+        ++group.count;
     }
-    for (const auto& [key, statement] : statements) {
-        const auto& [change, count] = statement;
-        const ReferenceColumn& column = change->from.Column();
-        const std::int64_t written =
-            column.hasTypeID
-                ? dataBase.Execute(column.repoint, {change->typeID, change->type, to.number, partition.config,
-                                                    partition.number, from.number, change->from.typeID})
-                : dataBase.Execute(column.repoint, {change->type, to.number, partition.config,
-                                                    partition.number, from.number, change->from.type});
-        if (written != count) {
-            throw RuntimeError(ErrorNumber::StoreFailure, "The store changed " + std::to_string(written) +
-                                                              " rows of " + std::string(column.table) +
-                                                              " instead of " + std::to_string(count) +
-                                                              "; nothing is changed");
+    Batch batch(dataBase);
+    for (const auto& [key, group] : groups) {
+        const RepointPlan::Change& change = *group.example;
+        const ReferenceColumn& column = change.from.Column();
+        if (column.hasTypeID) {
+            batch.Add(column.repoint, {change.typeID, change.type, to.number, partition.config,
+                                       partition.number, from.number, change.from.typeID});
+        } else {
+            batch.Add(column.repoint, {change.type, to.number, partition.config, partition.number,
+                                       from.number, change.from.type});
         }
+    }
+    const auto written = batch.Run();
+    for (std::size_t i = 0; const auto& [key, group] : groups) {
+        if (written.at(i) != group.count) {
+            throw RuntimeError(ErrorNumber::StoreFailure,
+                               "The store changed " + std::to_string(written[i]) + " rows of " +
+                                   std::string(group.example->from.Column().table) + " instead of " +
+                                   std::to_string(group.count) + "; nothing is changed");
+        }
+        ++i;
     }
 }
 

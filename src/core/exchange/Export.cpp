@@ -6,9 +6,11 @@
 #include "nodes/JsonText.h"
 #include "platform/NewFile.h"
 #include "platform/RuntimeError.h"
-#include "store/DataBase.h"
+#include "store/Batch.h"
+#include "store/Connection.h"
 
 #include <algorithm>
+#include <list>
 #include <nlohmann/json.hpp>
 
 namespace KAL_AUTO_Node {
@@ -67,7 +69,8 @@ class ExportFile {
     std::string text_; // not written yet
 };
 
-std::uint64_t WriteTable(TableCursor rows, const StoreTable& table, ExportFile& file) {
+std::uint64_t WriteTable(TableCursor& rows, ExportFile& file) {
+    const StoreTable& table = rows.Table();
     std::vector<std::string> names;
     for (const StoreColumn& column : table.columns) {
         names.push_back((names.empty() ? "{\"" : ", \"") + column.name + "\": ");
@@ -96,14 +99,20 @@ std::uint64_t WriteStore(DataBase& dataBase, std::optional<Partition> scope, Exp
         member(Exchange::PartitionMember, scope->number);
     }
     file.Text() += ", \"" + std::string(Exchange::TablesMember) + "\": {";
+    std::list<TableCursor> cursors;
+    std::vector<StatementRun> first;
+    for (const StoreTable& table : StoreTables()) {
+        if ((!scope || table.partitioned) && dataBase.HasTable(table.name)) {
+            first.push_back(cursors.emplace_back(dataBase, table, scope).First());
+        }
+    }
+    ReadAhead ahead(dataBase);
+    ahead.Fetch(first);
     std::uint64_t rows = 0;
     const char* before = "\n";
-    for (const StoreTable& table : StoreTables()) {
-        if ((scope && !table.partitioned) || !dataBase.HasTable(table.name)) {
-            continue;
-        }
-        file.Text() += before + ('"' + table.name) + "\": [";
-        rows += WriteTable(TableCursor(dataBase, table, scope), table, file);
+    for (TableCursor& cursor : cursors) {
+        file.Text() += before + ('"' + cursor.Table().name) + "\": [";
+        rows += WriteTable(cursor, file);
         file.Text() += "\n]";
         before = ",\n";
     }

@@ -2,6 +2,7 @@
 
 #include "exchange/Tables.h"
 #include "nodes/Identity.h"
+#include "store/Connection.h"
 
 #include <memory>
 #include <optional>
@@ -10,7 +11,6 @@
 namespace KAL_AUTO_Node {
 
 class DataBase;
-class Statement;
 
 // The rows of a table, or of its part in one partition, in the order of their keys. Some at a time are held
 // in memory, so that the table may be changed meanwhile up to the row reached.
@@ -19,6 +19,11 @@ class TableCursor {
     // The data base and the table outlive the cursor.
     TableCursor(DataBase& dataBase, const StoreTable& table, std::optional<Partition> scope);
     ~TableCursor();
+
+    [[nodiscard]] const StoreTable& Table() const { return table_; }
+
+    // What it begins with, to be fetched ahead together with other cursors'.
+    [[nodiscard]] StatementRun First() const { return {first_.get(), scope_}; }
 
     // The row reached, or nothing at the end; valid until the next move. Raises DuplicateKey where the store
     // has two rows of one key, which only another program's can.

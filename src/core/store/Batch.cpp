@@ -48,6 +48,13 @@ void ReadAhead::Add(Command command, Parameters parameters) {
     }
 }
 
+void ReadAhead::Fetch(std::span<const StatementRun> runs) {
+    if (helps_) {
+        std::size_t reached = 0;
+        dataBase_.Open().FetchAhead(runs, reached);
+    }
+}
+
 void ReadAhead::Fetch() {
     if (!waiting_.empty()) {
         dataBase_.FetchAhead(std::exchange(waiting_, {}));

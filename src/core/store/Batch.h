@@ -41,6 +41,8 @@ class ReadAhead {
 
     void Add(Command command, Parameters parameters);
     void Fetch();
+    // The same of prepared statements.
+    void Fetch(std::span<const StatementRun> runs);
 
   private:
     DataBase& dataBase_;

@@ -99,6 +99,10 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
             SettleOutcome(gui);
             OfferToPutBack(gui, nodeNumber);
         });
+        ReadAhead ahead(dataBase_);
+        ReadAutoNodeAhead(ahead, PartitionOf(gui), nodeNumber);
+        History::ReadVersionsAhead(ahead, {PartitionOf(gui), nodeNumber});
+        ahead.Fetch();
         AutoNode node;
         AutoNodeReader reader(dataBase_, PartitionOf(gui), nodeNumber, Labels::Read);
         exists = reader.ReadRecord(node);

@@ -5,6 +5,7 @@
 #include "nodes/NodeJson.h"
 #include "nodes/References.h"
 #include "platform/VisibleText.h"
+#include "store/Batch.h"
 
 #include <iostream>
 #include <memory>
@@ -28,6 +29,11 @@ int Run(const Options& options) {
     const TypeNames names(dataBase);
     const int typeID = names.Meant(options.type);
     const auto uses = ReadUses(dataBase, partition, names, typeID, options.number);
+    ReadAhead ahead(dataBase);
+    for (const StoredReference& use : uses) {
+        ReadLabelAhead(ahead, partition, use.holderTypeID, use.holder);
+    }
+    ahead.Fetch();
     auto document = nlohmann::ordered_json::array();
     Table table({Left, Left, Left, Left});
     const StoredReference* before = nullptr;
