@@ -92,7 +92,7 @@ std::vector<Operation> Operations() {
          &OurList::SelectAll, &StockList::SelectNone, &StockList::SelectAll},
         // Every row's number is one too high.
         {"list: renumber", [](OurList& list) { list.List().Remove(std::array{0}); },
-         [](OurList& list) { list.List().Renumber(0, PositionColumn); }, &StockList::TakeFirst,
+         [](OurList& list) { list.List().Renumber(PositionColumn); }, &StockList::TakeFirst,
          [](StockList& list) { list.Renumber(0); }, true},
     };
 }

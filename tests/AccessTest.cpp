@@ -88,6 +88,9 @@ TEST_F(Access, ListsAreChangedAndSavedFromTheKeyboardAlone) {
 
 TEST_F(Access, TheFocusStaysWhereItIsOfUse) {
     Edit(8, [] {
+        // Where a stray key changes nothing, and no row is chosen yet.
+        EXPECT_EQ(Person::Focused() + std::to_string(Person::List("LVPrompts")->currentIndex().row()),
+                  "LVPrompts-1");
         // Apply keeps the focus where it was, also where it had it itself.
         for (const char* label : {"Edited", "Again"}) {
             Person::TypeLabel(label);
@@ -100,6 +103,15 @@ TEST_F(Access, TheFocusStaysWhereItIsOfUse) {
             EXPECT_FALSE(Person::Dirty());
             EXPECT_EQ(Person::Focused(), "txtDescription");
         }
+        // And gives it to no button, which one press too many would press.
+        Person::TypeLabel("Again and again");
+        Person::Button("cmdPromptsRemove")->setFocus(Qt::TabFocusReason);
+        Person::Button("cmdCancel")->setFocus(Qt::TabFocusReason);
+        Press(Qt::Key_Tab);
+        Press(Qt::Key_Space);
+        Press(Qt::Key_Space);
+        EXPECT_EQ(Person::Focused(), "LVPrompts");
+        EXPECT_FALSE(Person::Dirty());
         // At the last node one press too many changes and closes nothing.
         Press(Qt::Key_PageUp, Qt::AltModifier);
         EXPECT_EQ(Person::Text("cmbNode"), "AUTO 7");

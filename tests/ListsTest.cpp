@@ -1,6 +1,7 @@
 #include "Person.h"
 
 #include <QAbstractItemView>
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QMenu>
 
@@ -15,21 +16,23 @@ Box Unavailable(const std::string& type) {
                        " Node in Partition Settings.");
 }
 
-// The editors of an action, and no others, are open and sit on it.
+// The editors of an action, and no others, are open and sit on it, as wide as the font asks for.
 void ExpectEditorsOver(int row) {
     const QTreeView* view = Person::List("LVActions");
     std::set<std::string> editors;
-    for (const auto& [editor, column, offset, width] : {std::tuple{"cmbActionsNode", 2, 0, 65},
-                                                        {"cmbActionsNumber", 2, 65, 46},
-                                                        {LowBox.c_str(), 1, 0, 50},
-                                                        {"txtActionsDash", 1, 50, 6},
-                                                        {HighBox.c_str(), 1, 56, 50}}) {
-        const QRect cell = view->visualRect(view->model()->index(row, column));
+    QPoint place;
+    for (const auto& [editor, column, twips] : {std::tuple{"cmbActionsNode", 2, 975},
+                                                {"cmbActionsNumber", 0, 700},
+                                                {LowBox.c_str(), 1, 750},
+                                                {"txtActionsDash", 0, 100},
+                                                {HighBox.c_str(), 0, 750}}) {
+        const QRect cell = view->visualRect(view->model()->index(row, std::max(1, column)));
+        place = column > 0 ? view->viewport()->mapToGlobal(cell.topLeft()) : place;
         const auto* control = Person::Find<QWidget>(editor);
-        EXPECT_EQ(control->mapToGlobal(QPoint()),
-                  view->viewport()->mapToGlobal(cell.topLeft() + QPoint(offset, 0)))
-            << editor << ", row " << row;
-        EXPECT_EQ(control->size(), QSize(width, cell.height())) << editor;
+        EXPECT_EQ(control->mapToGlobal(QPoint()), place) << editor << ", row " << row;
+        EXPECT_EQ(control->size(), QSize(twips * view->fontInfo().pixelSize() / 180, cell.height()))
+            << editor;
+        place.rx() += control->width();
         editors.insert(editor);
     }
     EXPECT_EQ(Person::OpenEditors(), editors);
@@ -55,6 +58,17 @@ TEST_F(Lists, EditorsFollowTheirRow) {
         Person::ClickRow("LVActions", 50);
         EXPECT_EQ(list->columnWidth(1), 106);
         ExpectEditorsOver(50);
+        QFont large = list->font();
+        large.setPixelSize(18);
+        Person::Window("GUI")->setFont(large);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(list->columnWidth(1), 160);
+        Person::ClickRow("LVActions", 49);
+        ExpectEditorsOver(49);
+        large.setPixelSize(12);
+        Person::Window("GUI")->setFont(large);
+        resize(800);
+        Person::ClickRow("LVActions", 50);
         // Those of a row that is half out of sight would float over something else.
         const QRect row = list->visualRect(list->model()->index(50, 1));
         resize(800 - (list->viewport()->height() - row.center().y()));
@@ -88,6 +102,12 @@ TEST_F(Lists, EditorsTakeNothingThatWasMeantForOthers) {
         EXPECT_EQ(Person::Text("cmbPromptsNode") + Person::Text("cmbPromptsNumber"), "MSG2");
         EXPECT_EQ(Person::OpenEditors(), open);
         EXPECT_EQ(open.size(), 2U);
+        // A pop-up that the window system takes away keeps no Escape back.
+        node->showPopup();
+        node->view()->window()->hide();
+        QCoreApplication::processEvents();
+        QTest::keyClick(node, Qt::Key_Escape);
+        EXPECT_TRUE(Person::OpenEditors().empty());
     };
     Edit(1, deeds, {question});
 }
@@ -114,6 +134,15 @@ TEST_F(Lists, RangeBoxesAreMarkedByWhoGoesThere) {
         Person::ClickRow("LVActions", 0);
         EXPECT_EQ(Person::Row("LVActions", 5), "6|601-660|CMD 1||CMD|1|1|601|660");
         EXPECT_EQ(Person::Row("LVActions", 0), "1|1-1|AUTO 8||AUTO|9|8|1|1");
+        // A click beside the rows leaves the person where she types, one of the other button goes on there.
+        QWidget* rows = Person::List("LVActions")->viewport();
+        QTest::mouseClick(rows, Qt::LeftButton, {}, {5, rows->height() - 2});
+        EXPECT_EQ(Person::Focused(), LowBox);
+        QTimer::singleShot(0, [] { QApplication::activePopupWidget()->close(); });
+        const QPoint there = Person::InRow("LVActions", 3);
+        QContextMenuEvent menu(QContextMenuEvent::Mouse, there, rows->mapToGlobal(there));
+        QApplication::sendEvent(rows, &menu);
+        ExpectEditorsOver(3);
     });
 }
 

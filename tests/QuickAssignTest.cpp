@@ -1,5 +1,7 @@
 #include "Person.h"
 
+#include <QAbstractItemView>
+
 namespace KAL_AUTO_Node {
 namespace {
 
@@ -41,6 +43,12 @@ TEST_F(QuickAssign, OffersTypesOfTheListWithTheirNumbers) {
                 Person::Choose("cmbNodeTypes", type);
                 EXPECT_EQ(Person::Combo("cmbFrom")->count(), last) << type;
                 EXPECT_EQ(Person::Combo("cmbTo")->count(), last) << type;
+                QComboBox* from = Person::Combo("cmbFrom");
+                Person::TypeOver("cmbFrom", std::to_string(last));
+                from->showPopup();
+                EXPECT_TRUE(from->view()->rect().intersects(
+                    from->view()->visualRect(from->model()->index(last - 1, 0))));
+                from->hidePopup();
             }
         });
     });

@@ -2,6 +2,7 @@
 
 #include "KAL_AUTO_Node/Api.h"
 #include "KAL_AUTO_Node/Components.h"
+#include "KAL_AUTO_Node/Error.h"
 
 #include <cstdint>
 #include <memory>
@@ -13,8 +14,8 @@ namespace KAL_AUTO_Node {
 // process ends.
 class KAL_AUTO_NODE_API Business_Rules {
   public:
-    // Finds the place of the store anew; opens nothing. Throws an exception derived from std::runtime_error
-    // when the configured place is not a text or a number.
+    // Finds the place of the store anew; opens nothing. Throws Error 1001 when the configured place is not a
+    // text or a number.
     Business_Rules();
     // The same, with components of the host's own.
     explicit Business_Rules(ComponentFactory components);
@@ -28,8 +29,8 @@ class KAL_AUTO_NODE_API Business_Rules {
     // says so and no editor appears. What goes wrong is shown in message boxes. Everything that a person
     // saves is in the store when the call returns. A call while the one before has not returned brings that
     // one's window to the front.
-    // Throws an exception derived from std::runtime_error, and shows nothing, where the process has an
-    // application object that is no QApplication, or on another thread than that object's.
+    // Throws Error 5, and shows nothing, where the process has an application object that is no QApplication,
+    // or on another thread than that object's.
     void ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partition_ID, std::int16_t Node_Number);
 
     // Whether the latest call found all that the editor needs and showed the node.

@@ -54,8 +54,7 @@ class KAL_AUTO_NODE_API ComponentFactory {
     // From now on the creator makes the component of that identifier.
     void Register(const std::string& identifier, Creator creator);
 
-    // A new component. Throws an exception derived from std::runtime_error when none can be made that has the
-    // operations of its kind.
+    // A new component. Throws Error 429 when none can be made that has the operations of its kind.
     template <class Kind>
     [[nodiscard]] std::unique_ptr<Kind> Create() const {
         std::unique_ptr<Component> made = Make(Kind::Identifier);

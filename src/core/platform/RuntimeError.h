@@ -1,7 +1,8 @@
 #pragma once
 
+#include "KAL_AUTO_Node/Error.h"
+
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -37,10 +38,10 @@ inline constexpr const char* ComponentName = "KAL_AUTO_Node";
 
 // The one error type that crosses procedure boundaries inside the component. what() is the description,
 // UTF-8.
-class RuntimeError : public std::runtime_error {
+class RuntimeError : public Error {
   public:
     RuntimeError(ErrorNumber number, const std::string& description, std::string source = ComponentName)
-        : std::runtime_error(description), number_(number), source_(std::move(source)) {}
+        : Error(static_cast<int>(number), description), source_(std::move(source)) {}
 
     // From now on this error and its copies are one, to be told once.
     void BeOne() { told_ = std::make_shared<bool>(false); }
@@ -48,12 +49,11 @@ class RuntimeError : public std::runtime_error {
     // Whether it is to be told, which takes note that it is.
     [[nodiscard]] bool TellOnce() { return !told_ || !std::exchange(*told_, true); }
 
-    [[nodiscard]] ErrorNumber Number() const noexcept { return number_; }
+    [[nodiscard]] ErrorNumber Number() const noexcept { return static_cast<ErrorNumber>(Error::Number()); }
 
     [[nodiscard]] const std::string& Source() const noexcept { return source_; }
 
   private:
-    ErrorNumber number_;
     std::string source_;
     std::shared_ptr<bool> told_;
 };

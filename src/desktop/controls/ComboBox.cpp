@@ -3,6 +3,7 @@
 #include "platform/RuntimeError.h"
 
 #include <QAbstractListModel>
+#include <QAccessible>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QListView>
@@ -115,21 +116,22 @@ void ComboBox::focusOutEvent(QFocusEvent* event) {
 }
 
 void ComboBox::showPopup() {
-    qApp->installEventFilter(this);
     QComboBox::showPopup();
-}
-
-void ComboBox::hidePopup() {
-    QComboBox::hidePopup();
-    // Not before the key that closed it has come everywhere.
-    QTimer::singleShot(0, this, [this] {
-        if (!view()->isVisible()) {
-            qApp->removeEventFilter(this);
-        }
-    });
+    if (view()->isVisible()) {
+        qApp->installEventFilter(this);
+    }
 }
 
 bool ComboBox::eventFilter(QObject* watched, QEvent* event) {
+    // Whoever closed it: the window system does so by itself, too.
+    if (event->type() == QEvent::Hide && watched == view()) {
+        // Not before the key that closed it has come everywhere.
+        QTimer::singleShot(0, this, [this] {
+            if (!view()->isVisible()) {
+                qApp->removeEventFilter(this);
+            }
+        });
+    }
     const auto* receiver = qobject_cast<QWidget*>(watched);
     if (receiver != nullptr &&
         (event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride) &&
@@ -145,6 +147,13 @@ bool ComboBox::eventFilter(QObject* watched, QEvent* event) {
 
 PickList::PickList(QWidget* parent) : ComboBox(parent), entries_(new EntryModel(this)) {
     setModel(entries_);
+    // The name stays; the chosen entry is heard as the description.
+    connect(this, &QComboBox::currentTextChanged, this, [this] {
+        if (QAccessible::isActive()) {
+            QAccessibleEvent event(this, QAccessible::DescriptionChanged);
+            QAccessible::updateAccessibility(&event);
+        }
+    });
     if (auto* list = qobject_cast<QListView*>(view())) {
         list->setUniformItemSizes(true);
     }

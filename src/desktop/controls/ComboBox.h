@@ -26,7 +26,6 @@ class ComboBox : public QComboBox {
     [[nodiscard]] QString Text() const { return currentText(); }
 
     void showPopup() override;
-    void hidePopup() override;
 
   signals:
     void Click();

@@ -15,6 +15,13 @@ namespace {
                        "Row " + std::to_string(row) + " is not in the list of " + std::to_string(count));
 }
 
+void RequireFree(const QSet<QString>& keys, const QString& key) {
+    if (keys.contains(key)) {
+        throw RuntimeError(ErrorNumber::DuplicateRowKey,
+                           "The key \"" + key.toStdString() + "\" is not unique in the list");
+    }
+}
+
 } // namespace
 
 void ListRows::SetColumns(std::span<const ListColumn> columns) {
@@ -76,18 +83,11 @@ void ListRows::SetCell(int row, int column, const QString& text) {
     }
 }
 
-void ListRows::RequireFreeKey(const QString& key) const {
-    if (keys_.contains(key)) {
-        throw RuntimeError(ErrorNumber::DuplicateRowKey,
-                           "The key \"" + key.toStdString() + "\" is not unique in the list");
-    }
-}
-
 void ListRows::Insert(int row, ListRow content) {
     if (row < 0 || row > Count()) {
         RefuseRow(row, Count());
     }
-    RequireFreeKey(content.key);
+    RequireFree(keys_, content.key);
     content.cells.resize(captions_.size());
     beginInsertRows({}, row, row);
     keys_.insert(content.key);
@@ -108,7 +108,7 @@ void ListRows::Append(std::vector<ListRow> rows) {
         endInsertRows();
     }
     if (accepted != rows.end()) {
-        RequireFreeKey(accepted->key);
+        RequireFree(keys_, accepted->key);
     }
 }
 
@@ -155,8 +155,9 @@ void ListRows::Remove(std::span<const int> rows) {
     emit layoutChanged({}, VerticalSortHint);
 }
 
-void ListRows::Renumber(int from, int alsoColumn) {
+void ListRows::Renumber(int alsoColumn) {
     RequireColumn(alsoColumn);
+    int from = 0;
     // Rows that have theirs stay shared with whoever holds a copy of them.
     const auto isRight = [&](int row) {
         const QString& number = Cell(row, 0);
@@ -192,11 +193,17 @@ void ListRows::SwapCells(int row, int other, int firstColumn, int lastColumn) {
 }
 
 void ListRows::SetAll(std::vector<ListRow> rows) {
+    QSet<QString> keys;
+    keys.reserve(static_cast<qsizetype>(rows.size()));
+    for (ListRow& row : rows) {
+        RequireFree(keys, row.key);
+        keys.insert(row.key);
+        row.cells.resize(captions_.size());
+    }
     beginResetModel();
-    rows_.clear();
-    keys_.clear();
+    rows_ = std::move(rows);
+    keys_ = std::move(keys);
     endResetModel();
-    Append(std::move(rows));
 }
 
 int ListRows::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : Count(); }

@@ -26,7 +26,7 @@ class ListRows : public QAbstractTableModel {
     // Takes out rows given in ascending order, in one step. Over more than one run of rows the views see a
     // change of layout.
     void Remove(std::span<const int> rows);
-    void Renumber(int from, int alsoColumn);
+    void Renumber(int alsoColumn);
     void SwapCells(int row, int other, int firstColumn, int lastColumn);
 
     [[nodiscard]] const std::vector<ListRow>& All() const { return rows_; }
@@ -39,7 +39,6 @@ class ListRows : public QAbstractTableModel {
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
   private:
-    void RequireFreeKey(const QString& key) const;
     void RequireColumn(int column) const;
 
     [[nodiscard]] ListRow& RowAt(int row) { return const_cast<ListRow&>(At(row)); }

@@ -1,5 +1,6 @@
 #include "controls/ListView.h"
 
+#include "controls/FocusReason.h"
 #include "controls/ListRows.h"
 #include "controls/Twips.h"
 
@@ -13,6 +14,7 @@
 #include <QStyledItemDelegate>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace KAL_AUTO_Node {
@@ -52,7 +54,6 @@ ListView::ListView(QWidget* parent) : QTreeView(parent), rows_(new ListRows(this
     setTabKeyNavigation(false);
     header()->setSectionsMovable(false);
     header()->setHighlightSections(false);
-    header()->setMinimumSectionSize(Pixels(600));
     header()->viewport()->installEventFilter(this);
 
     connect(this, &QAbstractItemView::clicked, this,
@@ -75,9 +76,16 @@ ListView::ListView(QWidget* parent) : QTreeView(parent), rows_(new ListRows(this
 
 void ListView::SetColumns(std::span<const ListColumn> columns) {
     rows_->SetColumns(columns);
+    columns_.assign(columns.begin(), columns.end());
+    FitColumns();
+}
+
+void ListView::FitColumns() {
+    constexpr int narrowest = 600; // twips
+    header()->setMinimumSectionSize(Pixels(narrowest, *this));
     int lastVisible = 0;
-    for (int column = 0; column < static_cast<int>(columns.size()); ++column) {
-        const int width = Pixels(columns[static_cast<std::size_t>(column)].width);
+    for (int column = 0; column < static_cast<int>(columns_.size()); ++column) {
+        const int width = Pixels(columns_[static_cast<std::size_t>(column)].width, *this);
         setColumnHidden(column, width == 0);
         if (width > 0) {
             header()->resizeSection(column, width);
@@ -147,7 +155,7 @@ void ListView::Remove(std::span<const int> rows) {
     emit Rearranged();
 }
 
-void ListView::Renumber(int from, int alsoColumn) { Change().Renumber(from, alsoColumn); }
+void ListView::Renumber(int alsoColumn) { Change().Renumber(alsoColumn); }
 
 const std::vector<ListRow>& ListView::Rows() const { return rows_->All(); }
 
@@ -185,6 +193,9 @@ void ListView::Select(int first, int count) {
 
 void ListView::selectAll() {
     if (Count() > 0 && selectionMode() != QAbstractItemView::SingleSelection) {
+        if (SelectedItem() < 0) {
+            selectionModel()->setCurrentIndex(VisibleCell(0), QItemSelectionModel::NoUpdate);
+        }
         // As one range; the toolkit's own goes through the rows.
         const QItemSelection all(rows_->index(0, 0), rows_->index(Count() - 1, rows_->columnCount() - 1));
         selectionModel()->select(all, QItemSelectionModel::ClearAndSelect);
@@ -283,10 +294,30 @@ void ListView::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void ListView::contextMenuEvent(QContextMenuEvent* event) {
+    if (const int row = indexAt(event->pos()).row();
+        event->reason() == QContextMenuEvent::Mouse && row >= 0) {
+        emit ItemClick(row);
+    }
     // A key asks for the menu of the selected item.
     const bool pointed = event->reason() == QContextMenuEvent::Mouse || SelectedItem() < 0;
     const QRect row = pointed ? QRect() : visualRect(VisibleCell(SelectedItem())) & viewport()->rect();
     emit MenuRequested(pointed ? event->globalPos() : viewport()->mapToGlobal(row.bottomLeft()));
+}
+
+void ListView::focusInEvent(QFocusEvent* event) {
+    const bool none = SelectedItem() < 0;
+    QTreeView::focusInEvent(event);
+    // The toolkit makes the first row the current one, which is for a person to do who goes there.
+    if (none && (!isActiveWindow() || !MovesFocus(*event))) {
+        selectionModel()->clearCurrentIndex();
+    }
+}
+
+void ListView::changeEvent(QEvent* event) {
+    QTreeView::changeEvent(event);
+    if (event->type() == QEvent::FontChange && !columns_.empty()) {
+        FitColumns();
+    }
 }
 
 void ListView::resizeEvent(QResizeEvent* event) {
@@ -303,7 +334,19 @@ bool ListView::eventFilter(QObject* watched, QEvent* event) {
 
 void ListView::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
                        const QModelIndex& index) const {
-    QTreeView::drawRow(painter, option, index);
+    QStyleOptionViewItem row = option;
+    if (!hasFocus()) {
+        // Keys do not reach these rows.
+        constexpr float strength = 0.3F;
+        const QColor base = palette().color(QPalette::Base);
+        QColor marked = palette().color(QPalette::Highlight);
+        marked = QColor::fromRgbF(std::lerp(base.redF(), marked.redF(), strength),
+                                  std::lerp(base.greenF(), marked.greenF(), strength),
+                                  std::lerp(base.blueF(), marked.blueF(), strength));
+        row.palette.setColor(QPalette::Highlight, marked);
+        row.palette.setColor(QPalette::HighlightedText, palette().color(QPalette::Text));
+    }
+    QTreeView::drawRow(painter, row, index);
     painter->save();
     painter->setPen(palette().color(QPalette::Midlight));
     painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());

@@ -50,8 +50,8 @@ class ListView : public QTreeView {
 
     explicit ListView(QWidget* parent = nullptr);
 
-    // Gives the list its columns and their widths; rows and cells stay as they are. The last visible column
-    // takes the room that is left over.
+    // Gives the list its columns and their widths, which follow the font; rows and cells stay as they are.
+    // The last visible column takes the room that is left over.
     void SetColumns(std::span<const ListColumn> columns);
 
     [[nodiscard]] int Count() const;
@@ -67,12 +67,12 @@ class ListView : public QTreeView {
     // Takes out rows given in ascending order. Those left stay selected; where the selected item goes, the
     // row before it becomes it.
     void Remove(std::span<const int> rows);
-    // Gives every row from one on the text and the key of its position, and the position to one more column
-    // (which may be the text's own).
-    void Renumber(int from, int alsoColumn);
+    // Gives every row the text and the key of its position, and the position to one more column (which may be
+    // the text's own).
+    void Renumber(int alsoColumn);
 
     [[nodiscard]] const std::vector<ListRow>& Rows() const;
-    // Other rows instead, none of them selected; those before a row with a taken key.
+    // Other rows instead, none of them selected; the list stays as it is where two of them have one key.
     void SetRows(std::vector<ListRow> rows);
 
     void Clear() { SetRows({}); }
@@ -94,7 +94,8 @@ class ListView : public QTreeView {
 
     void EnsureVisible(int row) { scrollTo(VisibleCell(row)); }
 
-    // The selected item stays the same. Nothing where only one row may be selected.
+    // The selected item stays the same; where there is none, the first row becomes it. Nothing where only one
+    // row may be selected.
     void selectAll() override;
     // Leaves neither a selected row nor a selected item.
     void ClearSelection();
@@ -106,7 +107,7 @@ class ListView : public QTreeView {
     WindowProcedure ExchangeWindowProcedure(WindowProcedure procedure);
 
   signals:
-    // A person clicked a row or moved to one with the keyboard.
+    // A person clicked a row, with whichever button, or moved to one with the keyboard.
     void ItemClick(int row);
     // A person double-clicked a row; comes with the release of the button, as its press takes the focus.
     void ItemDoubleClick();
@@ -132,6 +133,8 @@ class ListView : public QTreeView {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     // Tell assistive technology by rows; the toolkit's own count cells.
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
@@ -142,12 +145,15 @@ class ListView : public QTreeView {
 
   private:
     void Send(WindowMessage message);
+    // Gives the columns their widths for the font.
+    void FitColumns();
     // The rows, to be changed.
     [[nodiscard]] ListRows& Change();
     // A cell of the row that the toolkit can mark and scroll to: it does neither with one of a hidden column.
     [[nodiscard]] QModelIndex VisibleCell(int row) const;
 
     ListRows* rows_;
+    std::vector<ListColumn> columns_;
     WindowProcedure procedure_;
     bool doubleClicked_ = false; // the button is still down
 };

@@ -76,7 +76,6 @@ NumberBox::NumberBox(QWidget* parent) : ComboBox(parent), numbers_(new NumberMod
     setModel(numbers_);
     if (auto* list = qobject_cast<QListView*>(view())) {
         list->setUniformItemSizes(true);
-        list->setLayoutMode(QListView::Batched);
     }
     setInputMethodHints(Qt::ImhDigitsOnly);
     lineEdit()->setInputMethodHints(Qt::ImhDigitsOnly);

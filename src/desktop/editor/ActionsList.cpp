@@ -87,6 +87,8 @@ bool ActionsList::IsNodeTypeAvailable(Slot slot, const QString& name) const {
 void ActionsList::MouseUp() {
     for (QLineEdit* box : {Form().txtActionsDTMFRangeLow, Form().txtActionsDTMFRangeHigh}) {
         if (!IsHiddenByCode(*box)) {
+            // A click beside the rows has taken the focus from where is typed.
+            box->setFocus(Qt::MouseFocusReason);
             box->end(false);
             return;
         }
@@ -100,7 +102,8 @@ std::vector<QWidget*> ActionsList::RangeEditors() const {
 void ActionsList::PlaceRangeEditors(const QRect& row) {
     int left = row.left();
     const auto place = [&](QLineEdit* box, int twips) {
-        box->setGeometry(left, row.top(), Pixels(twips), row.height());
+        box->setGeometry(left, row.top(), Pixels(twips, List()), row.height());
+        Form().ShowWhole(*box);
         left += box->width();
     };
     place(Form().txtActionsDTMFRangeLow, RangeBoxWidth);

@@ -18,8 +18,8 @@ EditorWindow::EditorWindow(const ComponentFactory& components)
       exceptions_(gui_, undo_) {
     constexpr int deeds = 100;
     undo_.setUndoLimit(deeds);
-    OnKey(gui_, UndoKey, [this] { undo_.undo(); });
-    OnKey(gui_, RedoKey, [this] { undo_.redo(); });
+    OnKey(gui_, UndoKey, [this] { Undo(undo_); });
+    OnKey(gui_, RedoKey, [this] { Redo(undo_); });
     ConnectHandlers();
     WatchFocus();
     LabelPopups();
@@ -99,7 +99,7 @@ void EditorWindow::Form_Load() {
     rules_ = std::make_unique<NodeRules>(components_);
 
     constexpr int panelMargin = 100; // twips
-    gui_.StatusBar1->SetPanelWidth(gui_.width() - Pixels(panelMargin));
+    gui_.StatusBar1->SetPanelWidth(gui_.width() - Pixels(panelMargin, gui_));
     gui_.StatusBar1->hide();
 
     for (std::size_t i = 0; i < lists_.size(); ++i) {

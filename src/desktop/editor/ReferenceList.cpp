@@ -22,7 +22,7 @@ namespace {
 // Numbers of more digits than usual get the room that they need; the label beside them is empty then.
 int NumberPickerWidth(const NumberBox& number) {
     constexpr int usual = 700; // twips
-    return std::max(Pixels(usual), number.NumbersWidth());
+    return std::max(Pixels(usual, number), number.NumbersWidth());
 }
 
 bool IsEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
@@ -188,7 +188,7 @@ void ReferenceList::Place(Slot slot, int row) {
     QRect cell = List().CellRect(row, CommandNodeColumn);
     cell.translate(List().viewport()->mapTo(gui_.NodePicker(slot)->parentWidget(), QPoint(0, 0)));
     PickList& node = *gui_.NodePicker(slot);
-    node.setGeometry(cell.left(), cell.top(), node.width(), cell.height());
+    node.setGeometry(cell.left(), cell.top(), gui_.NodePickerWidth(slot), cell.height());
     PlaceNumber(slot);
     QRect lead = List().CellRect(row, LeadColumn);
     lead.translate(cell.topLeft() - List().CellRect(row, CommandNodeColumn).topLeft());
@@ -337,8 +337,8 @@ void ReferenceList::ShowMenu(const QPoint& place) {
         offer(button->text(), KeyOf(*button), button->isEnabled(), [button] { button->click(); });
     }
     menu.addSeparator();
-    offer(QStringLiteral("Undo"), QKeySequence(UndoKey), undo_.canUndo(), [this] { undo_.undo(); });
-    offer(QStringLiteral("Redo"), QKeySequence(RedoKey), undo_.canRedo(), [this] { undo_.redo(); });
+    offer(QStringLiteral("Undo"), QKeySequence(UndoKey), undo_.canUndo(), [this] { Undo(undo_); });
+    offer(QStringLiteral("Redo"), QKeySequence(RedoKey), undo_.canRedo(), [this] { Redo(undo_); });
     menu.addSeparator();
     const auto type = [this](int character) { return [this, character] { KeyPress(character); }; };
     offer(QStringLiteral("Copy"), QKeySequence::Copy, List().GetSelectedCount() > 0,

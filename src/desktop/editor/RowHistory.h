@@ -1,6 +1,7 @@
 #pragma once
 
 #include "controls/ListView.h"
+#include "feedback/ErrorReport.h"
 
 #include <QObject>
 #include <QUndoStack>
@@ -58,5 +59,14 @@ class RowHistory : public QObject {
     int editedRow_ = 0;
     std::optional<std::vector<ListRow>> before_; // the deed, once it has changed something
 };
+
+// Take back the latest deed, and do it again. An error is reported; the deed is then as it was.
+inline void Undo(QUndoStack& stack) {
+    Reporting("Undo", [&] { stack.undo(); });
+}
+
+inline void Redo(QUndoStack& stack) {
+    Reporting("Redo", [&] { stack.redo(); });
+}
 
 } // namespace KAL_AUTO_Node

@@ -2,7 +2,6 @@
 
 #include "feedback/MessageBox.h"
 #include "feedback/MousePointer.h"
-#include "platform/NumericValue.h"
 
 namespace KAL_AUTO_Node {
 
@@ -56,11 +55,10 @@ void RowList::Add_Click() {
         const Hourglass busy;
         BeforeAppending();
         List().ClearSelection();
-        const int last = List().Count() - 1;
-        const auto position =
-            last < 0 ? 1 : NumericValue(List().Cell(last, PositionColumn).toStdString()) + 1;
-        List().Append({NewRow(static_cast<int>(position))});
-        ShowNewRow(last + 1);
+        List().Renumber(rowRules_.positionColumn);
+        const int row = List().Count();
+        List().Append({NewRow(row + 1)});
+        ShowNewRow(row);
     });
 }
 
@@ -75,11 +73,12 @@ void RowList::Insert_Click() {
         const Hourglass busy;
         const int row = List().SelectedRows().front();
         List().ClearSelection();
+        List().Renumber(rowRules_.positionColumn);
         ListRow inserted = NewRow(row + 1);
         // The key of the position is still the old row's.
         inserted.key += 'b';
         List().Insert(row, std::move(inserted));
-        List().Renumber(row, rowRules_.positionColumn);
+        List().Renumber(rowRules_.positionColumn);
         ShowNewRow(row);
     });
 }
@@ -93,7 +92,7 @@ void RowList::Remove_Click() {
         const Hourglass busy;
         const int next = selected.size() == 1 ? selected.front() : 0;
         List().Remove(selected);
-        List().Renumber(0, rowRules_.positionColumn);
+        List().Renumber(rowRules_.positionColumn);
         if (List().Count() == 0) {
             AfterEmptied();
         }
@@ -119,7 +118,7 @@ void RowList::TakeIn(std::vector<ListRow> rows) {
     }
     all.insert(all.begin() + at, rows.begin(), rows.end());
     List().SetRows(std::move(all));
-    List().Renumber(0, rowRules_.positionColumn);
+    List().Renumber(rowRules_.positionColumn);
     List().Select(at, static_cast<int>(rows.size()));
 }
 
@@ -134,6 +133,7 @@ void RowList::Move_Click(const QPushButton& button, int distance) {
             const int row = List().SelectedRows().front();
             const int other = row + distance;
             if (other >= 0 && other < List().Count()) {
+                List().Renumber(rowRules_.positionColumn);
                 SwapRows(row, other);
                 List().Select(other);
             }

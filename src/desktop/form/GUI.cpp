@@ -16,7 +16,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <limits>
 
 namespace KAL_AUTO_Node {
 
@@ -131,7 +130,7 @@ void GUI::CreateControls() {
 
     txtDescription = Named(new QLineEdit(Frame1), "txtDescription");
     // A longer stored label would lose its end by being shown.
-    txtDescription->setMaxLength(std::numeric_limits<int>::max());
+    txtDescription->setMaxLength(LongestLabel);
     cmbNumDigits = Named(new NumberBox(Frame1), "cmbNumDigits");
     cmbTermDigit = Named(new PickList(Frame1), "cmbTermDigit");
     cmbRetryLimit = Named(new NumberBox(Frame1), "cmbRetryLimit");
@@ -201,10 +200,10 @@ void GUI::CreateInPlaceEditors() {
     for (std::size_t i = 0; i < SlotRules.size(); ++i) {
         const auto& [nodeName, numberName, spokenName] = PickerNamesOf[i];
         QGroupBox* frame = frameOf(static_cast<Slot>(i));
-        editors_[i] = {Named(new PickList(frame), nodeName), Named(new NumberBox(frame), numberName)};
+        editors_[i] = {Named(new PickList(frame), nodeName), Named(new NumberBox(frame), numberName), 0};
         editors_[i].node->setStyle(compact);
         editors_[i].number->setStyle(compact);
-        editors_[i].node->resize(Pixels(NarrowPicker), editors_[i].node->height());
+        SetNodePickerWidth(static_cast<Slot>(i), NarrowPicker);
         editors_[i].node->setAccessibleName(QString::fromLatin1(spokenName) + " node type");
         editors_[i].number->setAccessibleName(QString::fromLatin1(spokenName) + " node number");
     }
@@ -256,9 +255,11 @@ void GUI::ResetExceptionsListView() {
 }
 
 void GUI::SetNodePickerWidth(Slot slot, int twips) {
-    PickList* picker = NodePicker(slot);
-    picker->resize(Pixels(twips), picker->height());
+    editors_[static_cast<std::size_t>(slot)].nodeWidth = twips;
+    NodePicker(slot)->resize(NodePickerWidth(slot), NodePicker(slot)->height());
 }
+
+int GUI::NodePickerWidth(Slot slot) const { return Pixels(Editors(slot).nodeWidth, *NodePicker(slot)); }
 
 std::array<QWidget*, 2> GUI::Pickers(Slot slot) const { return {NodePicker(slot), NumberPicker(slot)}; }
 

@@ -87,6 +87,8 @@ class GUI : public QDialog {
     static constexpr int NarrowPicker = 975;
     static constexpr int WidePicker = 1675;
     void SetNodePickerWidth(Slot slot, int twips);
+    // In pixels, for the font.
+    [[nodiscard]] int NodePickerWidth(Slot slot) const;
 
     // The seventeen editors that float over the lists while a row is edited, in the order of the lists.
     [[nodiscard]] std::vector<QWidget*> InPlaceEditors() const;
@@ -95,12 +97,18 @@ class GUI : public QDialog {
     // closed.
     bool UnloadWindow();
 
+    // Makes the digits of a box of fixed width as small as it takes to see all of them.
+    void ShowWhole(QLineEdit& box) const;
+
     // Opens the bar that finds rows of a list.
     void Find(ListView& list) { findBar_->Open(list); }
 
     // Where the screen is too small for all: scrolls to a list, or to its selected item where the list itself
     // is too high.
     void BringIntoSight(const ListView& list) const;
+
+    // In characters; the toolkit cannot lay out every length.
+    static constexpr int LongestLabel = 100'000;
 
     QFrame* Frame1;
 
@@ -188,6 +196,7 @@ class GUI : public QDialog {
     struct ReferenceEditors {
         PickList* node;
         NumberBox* number;
+        int nodeWidth; // twips
     };
 
     [[nodiscard]] const ReferenceEditors& Editors(Slot slot) const {
@@ -205,8 +214,6 @@ class GUI : public QDialog {
     void FocusMoved(QWidget* from, QWidget* to);
     // Gives the window and its exceptions list the sizes that the screen and the fonts ask for.
     void FitScreen();
-    // Makes the digits of a box of fixed width as small as it takes to see all of them.
-    void ShowWhole(QLineEdit& box) const;
     // The control that gets the focus of one that cannot keep it.
     [[nodiscard]] QWidget* HeirOf(QWidget* control) const;
     [[nodiscard]] std::array<QWidget*, 2> Pickers(Slot slot) const;
@@ -215,7 +222,7 @@ class GUI : public QDialog {
     QScrollArea* upper_ = nullptr;
     FindBar* findBar_ = nullptr;
     ListView* latestList_ = nullptr; // that had the focus, or one of its buttons
-    QPointer<QWidget> beforeApply_;  // what had the focus before Apply
+    QPointer<QWidget> latestInput_;  // above the closing buttons, that had the focus
     std::optional<NodeLists> nodeLists_;
     std::array<ReferenceEditors, SlotRules.size()> editors_{};
 };

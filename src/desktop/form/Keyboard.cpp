@@ -36,7 +36,8 @@ void GUI::OrderTabs() {
     for (std::size_t i = 1; i < order.size(); ++i) {
         setTabOrder(order[i - 1], order[i]);
     }
-    txtDescription->setFocus();
+    // Not on the label, which the first key would change.
+    LVPrompts->setFocus();
 }
 
 void GUI::MakeShortcuts() {
@@ -83,30 +84,34 @@ void GUI::MakeShortcuts() {
     }
 }
 
-void GUI::FocusMoved(QWidget* from, QWidget* to) {
+void GUI::FocusMoved(QWidget* /*from*/, QWidget* to) {
     for (ListView* list : {LVPrompts, LVActions, LVExceptions}) {
         if (to != nullptr && list->parentWidget()->isAncestorOf(to)) {
             latestList_ = list;
         }
     }
-    if (to == cmdApply && from != nullptr && isAncestorOf(from)) {
-        beforeApply_ = from;
+    if (to != nullptr && Frame1->isAncestorOf(to)) {
+        latestInput_ = to;
     }
 }
 
 QWidget* GUI::HeirOf(QWidget* control) const {
-    if (control == cmdFirst || control == cmdPrevious || control == cmdNext || control == cmdLast) {
+    QWidget* const first = control == cmdApply ? latestInput_.data() : control;
+    if (first == cmdFirst || first == cmdPrevious || first == cmdNext || first == cmdLast) {
         return cmbNode;
     }
+    // No button, which the same key pressed again would press.
     const auto canHave = [](const QWidget* widget) {
-        return widget->isVisible() && widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus) != 0;
+        return widget->isVisible() && widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus) != 0 &&
+               qobject_cast<const QPushButton*>(widget) == nullptr;
     };
-    QWidget* heir = control == cmdApply ? beforeApply_.data() : control->previousInFocusChain();
     // A list comes before its editors and its buttons.
-    while (heir != nullptr && heir != control && !canHave(heir)) {
+    QWidget* heir = first;
+    while (heir != nullptr && !canHave(heir)) {
         heir = heir->previousInFocusChain();
+        heir = heir == first ? nullptr : heir;
     }
-    return heir == nullptr || heir == control ? txtDescription : heir;
+    return heir == nullptr ? txtDescription : heir;
 }
 
 bool GUI::focusNextPrevChild(bool next) {

@@ -19,9 +19,6 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-// The narrowest list in which every column has its given width.
-constexpr int ListWidth = Pixels(1600 * 3) + 24;
-
 // A list with its buttons in a column beside it.
 void LayOutList(QGroupBox* frame, ListView* list, std::initializer_list<QPushButton*> buttons) {
     auto* row = new QHBoxLayout(frame);
@@ -118,6 +115,9 @@ void GUI::LayOut() {
 }
 
 void GUI::FitScreen() {
+    for (std::size_t i = 0; i < editors_.size(); ++i) {
+        SetNodePickerWidth(static_cast<Slot>(i), editors_[i].nodeWidth);
+    }
     const int rowHeight = std::max(LVExceptions->sizeHintForRow(0), cmbNode->sizeHint().height());
     LVExceptions->setFixedHeight(LVExceptions->header()->sizeHint().height() +
                                  static_cast<int>(BranchRules.size()) * rowHeight +
@@ -126,8 +126,10 @@ void GUI::FitScreen() {
     upper_->setMinimumSize(bar * 3, bar * 3);
     const QSize room = RoomOnScreen(*this);
     const QSize beside = layout()->totalMinimumSize() - upper_->minimumSize();
+    // In which every column has its given width.
+    const int listWidth = Pixels(1600 * 3, *LVPrompts) + 24;
     for (ListView* list : {LVPrompts, LVActions, LVExceptions}) {
-        list->setMinimumWidth(ListWidth);
+        list->setMinimumWidth(listWidth);
     }
     // The layouts learn of a changed size only when events are handled.
     const auto content = [this] {
@@ -137,9 +139,9 @@ void GUI::FitScreen() {
     };
     // The label columns give what a narrow screen lacks.
     const int lacking = content().width() + beside.width() - room.width();
-    const int given = std::clamp((lacking + 1) / 2, 0, Pixels(1600 - 900));
+    const int given = std::clamp((lacking + 1) / 2, 0, Pixels(1600 - 900, *LVPrompts));
     for (ListView* list : {LVPrompts, LVActions, LVExceptions}) {
-        list->setMinimumWidth(ListWidth - given);
+        list->setMinimumWidth(listWidth - given);
     }
     setMinimumSize((content() + beside).boundedTo(room));
 }
@@ -157,7 +159,7 @@ void GUI::BringIntoSight(const ListView& list) const {
 }
 
 void GUI::ShowWhole(QLineEdit& box) const {
-    constexpr int frameAndMargins = 10;
+    const int frameAndMargins = box.hasFrame() ? 10 : 0;
     QFont digits = font();
     const int needed = QFontMetrics(digits).horizontalAdvance(box.text());
     const int room = box.width() - frameAndMargins;

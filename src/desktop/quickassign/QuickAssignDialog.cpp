@@ -80,9 +80,13 @@ void QuickAssignDialog::Apply(Change prompts, Change actions) {
 }
 
 template <class MakeRow>
-void QuickAssignDialog::AddRange(ListView& list, MakeRow makeRow) {
+void QuickAssignDialog::AddRange(ListView& list, int alsoRenumbered, MakeRow makeRow) {
     Reference target{form_.cmbNodeTypes->SelectedData(), form_.cmbNodeTypes->Text().toStdString(), 0, {}};
     const auto [first, last] = ChosenRange();
+    if (first > last) {
+        return;
+    }
+    list.Renumber(alsoRenumbered);
     std::vector<ListRow> rows;
     int position = list.Count() + 1;
     for (auto number = first; number <= last; ++number) {
@@ -90,9 +94,7 @@ void QuickAssignDialog::AddRange(ListView& list, MakeRow makeRow) {
         rows.push_back(makeRow(position++, target));
     }
     list.Append(std::move(rows));
-    if (first <= last) {
-        list.EnsureVisible(list.Count() - 1);
-    }
+    list.EnsureVisible(list.Count() - 1);
 }
 
 void QuickAssignDialog::AddPromptsRange() {
@@ -100,11 +102,11 @@ void QuickAssignDialog::AddPromptsRange() {
     if (first <= last) {
         RemoveEmptyRow(*gui_.LVPrompts);
     }
-    AddRange(*gui_.LVPrompts, PromptRowAt);
+    AddRange(*gui_.LVPrompts, LeadColumn, PromptRowAt);
 }
 
 void QuickAssignDialog::AddActionsRange() {
-    AddRange(*gui_.LVActions, [](int position, const Reference& target) {
+    AddRange(*gui_.LVActions, PositionColumn, [](int position, const Reference& target) {
         return ActionRowAt(position, QStringLiteral("0"), QStringLiteral("100"), target);
     });
 }
@@ -120,7 +122,7 @@ void QuickAssignDialog::RemoveRange(ListView& list, int alsoRenumbered) {
         }
     }
     list.Remove(removed);
-    list.Renumber(0, alsoRenumbered);
+    list.Renumber(alsoRenumbered);
 }
 
 void QuickAssignDialog::RemovePromptsRange() {

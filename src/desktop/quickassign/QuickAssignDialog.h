@@ -57,7 +57,7 @@ class QuickAssignDialog : public QObject {
 
     // Adds one row a number; makeRow takes the position and the reference.
     template <class MakeRow>
-    void AddRange(ListView& list, MakeRow makeRow);
+    void AddRange(ListView& list, int alsoRenumbered, MakeRow makeRow);
     void RemoveRange(ListView& list, int alsoRenumbered);
 
     GUI& gui_;

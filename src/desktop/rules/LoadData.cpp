@@ -4,6 +4,7 @@
 #include "form/GUI.h"
 #include "form/ValueBoxes.h"
 #include "nodes/AutoNodeReader.h"
+#include "platform/RuntimeError.h"
 #include "rules/NodeRules.h"
 #include "rules/Rows.h"
 #include "rules/Utf8.h"
@@ -33,7 +34,13 @@ void EnableNavigation(const GUI& gui) {
 }
 
 void ShowSettings(const GUI& gui, const AutoNode& node) {
-    gui.txtDescription->setText(FromUtf8(node.label.value_or("")));
+    const QString label = FromUtf8(node.label.value_or(""));
+    if (label.size() > GUI::LongestLabel) {
+        throw RuntimeError(ErrorNumber::Overflow, "The label has " + std::to_string(label.size()) +
+                                                      " characters, and the field takes " +
+                                                      std::to_string(GUI::LongestLabel));
+    }
+    gui.txtDescription->setText(label);
     const auto show = [&](const ValueBoxRule& rule) {
         (gui.*rule.box)->SetListIndex(ValueOf(rule.setting, node.settings) - rule.setting.first);
     };
@@ -42,10 +49,18 @@ void ShowSettings(const GUI& gui, const AutoNode& node) {
     std::for_each(ValueBoxRules.begin() + 1, ValueBoxRules.end(), show);
 }
 
+// Labels of nodes that are referred to are there to be read; the toolkit cannot lay out every length.
+QString ShownLabel(std::string_view label) {
+    constexpr qsizetype longest = 1000;
+    constexpr std::size_t bytesPerCharacter = 4;
+    const QString whole = FromUtf8(label.substr(0, (longest + 1) * bytesPerCharacter));
+    return whole.size() > longest ? whole.left(longest) + QChar(0x2026) : whole;
+}
+
 // The stored type is shown, the type's name of today kept for saving.
 ListRow WithTarget(ListRow row, const GUI& gui, const Reference& target) {
     row.cells[NodeNameColumn] = gui.NodeName(target.typeID);
-    row.cells[LabelColumn] = FromUtf8(target.label);
+    row.cells[LabelColumn] = ShownLabel(target.label);
     return row;
 }
 
@@ -95,10 +110,13 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
         const Hourglass busy;
         const SingleWait wait(dataBase_);
         // Where that fails, the node is shown as it stands.
-        Reporting("LoadData", [&] {
+        std::exception_ptr notOffered;
+        try {
             SettleOutcome(gui);
             OfferToPutBack(gui, nodeNumber);
-        });
+        } catch (const RuntimeError&) {
+            notOffered = std::current_exception();
+        }
         ReadAhead ahead(dataBase_);
         ReadAutoNodeAhead(ahead, PartitionOf(gui), nodeNumber);
         History::ReadVersionsAhead(ahead, {PartitionOf(gui), nodeNumber});
@@ -127,12 +145,16 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
             Inform(gui.NodeName(AutoType) + ' ' + QString::number(nodeNumber) + " doesn't exist.");
         }
         EnableNavigation(gui);
+        // What also keeps the node from being read is told once, by that.
+        if (notOffered) {
+            Reporting("LoadData", [&] { std::rethrow_exception(notOffered); });
+        }
     });
     return loaded && exists;
 }
 
 QString NodeRules::LabelOfNode(const GUI& gui, int nodeTypeID, int nodeNumber) {
-    return FromUtf8(LabelOf(dataBase_, PartitionOf(gui), NodeTypeOf(nodeTypeID), nodeNumber));
+    return ShownLabel(LabelOf(dataBase_, PartitionOf(gui), NodeTypeOf(nodeTypeID), nodeNumber));
 }
 
 } // namespace KAL_AUTO_Node

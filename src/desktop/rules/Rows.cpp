@@ -46,7 +46,7 @@ bool HoldsEmptyRow(const ListView& prompts) {
 void RemoveEmptyRow(ListView& prompts) {
     if (HoldsEmptyRow(prompts)) {
         prompts.Remove(std::array{0});
-        prompts.Renumber(0, LeadColumn);
+        prompts.Renumber(LeadColumn);
     }
 }
 
