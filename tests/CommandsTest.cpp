@@ -1,5 +1,4 @@
 #include "Performing.h"
-#include "store/PortableSql.h"
 
 #include <map>
 #include <set>
@@ -128,38 +127,6 @@ TEST(Commands, CopyEveryColumnButTheReplacedOnes) {
         EXPECT_EQ(table.Rows(), rows) << "over an existing node";
     }
     EXPECT_EQ(next, tables.size());
-}
-
-TEST(Commands, WriteEveryParameterIntoItsColumn) {
-    const TestStore store(StoreContent::Empty);
-    DataBase dataBase;
-    // Rows are added with all columns; an update sets those after the key.
-    const auto write = [&](Command command, const char* tableName, std::ptrdiff_t first) {
-        SCOPED_TRACE(CommandName(command));
-        Table table(store, tableName, {"ConfigID", "PartID", "NodeTypeID", "NodeNumber"});
-        table.Add();
-        const Texts names = Numbered(CommandText(command)).parameters;
-        Texts parameters;
-        Values written;
-        for (auto column = table.columns.begin() + first; column != table.columns.end(); ++column) {
-            parameters.push_back(std::to_string(++table.last));
-            written[*column] = parameters.back();
-            if (first == 0) {
-                EXPECT_STRCASEEQ(names.at(parameters.size() - 1).c_str(), column->c_str());
-            }
-        }
-        RowSet rows = table.Rows(first == 0 ? "TRUE" : "NOT (" + table.where + ')');
-        rows.merge(table.Rows(table.where, written));
-        Perform(dataBase, command, Joined(parameters, first == 0 ? Texts() : table.parameters));
-        EXPECT_EQ(table.Rows(), rows);
-    };
-    write(Update_AUTO_Node, "Node_AUTO", 4);
-    write(Update_DTMF_Node, "Node_DTMF", 4);
-    write(Update_Node_General_Pool, "Node_General_Pool", 5);
-    write(Add_AUTO_PromptsNode, "Detail_AUTO_Prompts", 0);
-    write(Add_AUTO_ActionsNode, "Detail_AUTO_Action", 0);
-    write(Add_DTMF_PromptsNode, "Detail_DTMF_Prompts", 0);
-    write(Add_DTMF_ActionsNode, "Detail_DTMF_Action", 0);
 }
 
 TEST(Commands, ReadInOrderAndDeleteByKey) {

@@ -59,6 +59,21 @@ TEST(HostProgram, TellsHowToUseIt) {
     ExpectTold(Program(0, {"init", "--help"}).output, "--demo");
 }
 
+// Thirty libraries hang on that one, most of what a command on a file would cost.
+TEST(HostProgram, LoadsWhatAServerNeedsForAServerOnly) {
+    const TestStore store;
+    const auto told = store.Folder() / "told";
+    for (const auto& [command, needed] :
+         {std::pair{"LD_DEBUG=files " AUTO_NODE " list", TestStore::OnServer()},
+          {"LD_TRACE_LOADED_OBJECTS=1 " AUTO_NODE "-edit", false}}) {
+        ASSERT_EQ(std::system((std::string(command) + " >" + told.string() + " 2>&1").c_str()), 0);
+        std::ostringstream text;
+        text << std::ifstream(told).rdbuf();
+        EXPECT_EQ(text.str().find("libpq") != std::string::npos, needed) << command;
+        EXPECT_NE(text.str().find("libc."), std::string::npos);
+    }
+}
+
 TEST(HostProgram, OpensTheEditorOnTheNodeAskedForAndTellsWhereItIsMissing) {
     const EnvironmentVariable platform("QT_QPA_PLATFORM");
     platform.Set("offscreen");

@@ -2,8 +2,8 @@
 
 #include "platform/NewFile.h"
 #include "platform/RuntimeError.h"
-#include "store/PostgresConnection.h"
 #include "store/Scripts.h"
+#include "store/ServerModule.h"
 #include "store/StoreFormat.h"
 
 #include <stdexcept>
@@ -12,7 +12,7 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-ServerStore MakeTables(PostgresConnection& server, StoreContent content) {
+ServerStore MakeTables(Connection& server, StoreContent content) {
     if (server.HasTable("Node_AUTO")) {
         if (content == StoreContent::Demo) {
             throw std::runtime_error("there is a store on " + server.Place() + " already");
@@ -41,8 +41,8 @@ ServerStore CreateServerStore(const std::filesystem::path& file, const std::stri
         if (std::filesystem::exists(std::filesystem::symlink_status(file))) {
             throw std::runtime_error("it exists already");
         }
-        PostgresConnection server(uri, PostgresConnection::Wanted::Database);
-        const ServerStore store = MakeTables(server, content);
+        const auto server = OpenServer(uri, ServerUse::Database);
+        const ServerStore store = MakeTables(*server, content);
         link.Place();
         folders.Keep();
         return store;

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "server/PostgresConnection.h"
 #include "store/PortableSql.h"
-#include "store/PostgresConnection.h"
 
 namespace KAL_AUTO_Node {
 

@@ -4,6 +4,7 @@
 #include "store/Connection.h"
 #include "store/PortableSql.h"
 #include "store/ServerLink.h"
+#include "store/ServerModule.h"
 
 #include <array>
 #include <chrono>
@@ -20,12 +21,8 @@ class PostgresStatement;
 // comes next connects anew, with several servers in the URI to the one that takes writes by then.
 class PostgresConnection : public Connection {
   public:
-    // What the address is used for: stores are opened; where there is none yet, one is made.
-    enum class Wanted { Store, Database };
-
-    // Connects to the database that a connection URI names. Raises StoreFailure where that fails, and
-    // StoreNotRecognized where it holds no store or one of a version that is not known here yet.
-    explicit PostgresConnection(std::string uri, Wanted wanted = Wanted::Store);
+    // As OpenServer.
+    PostgresConnection(std::string uri, ServerUse use);
     ~PostgresConnection() override;
 
     PostgresConnection(const PostgresConnection&) = delete;
@@ -119,7 +116,7 @@ class PostgresConnection : public Connection {
     void Committed(const Result& result);
 
     std::string uri_;
-    Wanted wanted_;
+    ServerUse use_;
     std::unique_ptr<PGconn, Finish> connection_;
     LinkSecrets secrets_;
     std::string place_;

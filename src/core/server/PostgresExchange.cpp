@@ -1,7 +1,7 @@
 // What travels between a PostgresConnection and its server.
 
-#include "store/PostgresErrors.h"
-#include "store/PostgresStatement.h"
+#include "server/PostgresErrors.h"
+#include "server/PostgresStatement.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "store/PostgresErrors.h"
+#include "server/PostgresErrors.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
-#include "store/PostgresConnection.h"
+#include "server/PostgresConnection.h"
 
 #include "platform/FoldCase.h"
 #include "platform/NumericValue.h"
-#include "store/PostgresErrors.h"
-#include "store/PostgresStatement.h"
+#include "server/PostgresErrors.h"
+#include "server/PostgresStatement.h"
 #include "store/StoreFormat.h"
 
 #include <algorithm>
@@ -84,8 +84,8 @@ std::string SchemaName(std::string_view name) {
 
 } // namespace
 
-PostgresConnection::PostgresConnection(std::string uri, Wanted wanted)
-    : uri_(std::move(uri)), wanted_(wanted), secrets_(uri_) {
+PostgresConnection::PostgresConnection(std::string uri, ServerUse use)
+    : uri_(std::move(uri)), use_(use), secrets_(uri_) {
     Connect();
 }
 
@@ -155,7 +155,7 @@ void PostgresConnection::SetUp() {
     }
     if (const auto store = tables_.find(StoreTable); store != tables_.end()) {
         schema_ = store->second;
-    } else if (wanted_ == Wanted::Store && !tables_.contains("node_general_pool")) {
+    } else if (use_ == ServerUse::Store && !tables_.contains("node_general_pool")) {
         throw RuntimeError(ErrorNumber::StoreNotRecognized,
                            "There is no store on " + place_ +
                                "; \"auto-node init --server\" makes one, in an empty database",

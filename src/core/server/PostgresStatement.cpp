@@ -1,4 +1,4 @@
-#include "store/PostgresStatement.h"
+#include "server/PostgresStatement.h"
 
 #include <charconv>
 
