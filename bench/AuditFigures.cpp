@@ -1,4 +1,7 @@
 #include "audit/PartitionCheck.h"
+#include "calls/CallChanges.h"
+#include "calls/Expectations.h"
+#include "calls/Paths.h"
 #include "history/History.h"
 #include "nodes/References.h"
 #include "tests/TestStore.h"
@@ -15,7 +18,8 @@
 #include <vector>
 
 // The check and the uses of a partition of 10,000 AUTO nodes with 20 rows each, beside reading the same rows
-// through the engine's interface, every value copied. The two take turns; the medians are told.
+// through the engine's interface, every value copied; what is asked of its calls, beside the check. The two
+// take turns; the medians are told.
 namespace {
 
 using namespace KAL_AUTO_Node;
@@ -100,7 +104,7 @@ void Compare(const char* name, Ours ours, Floor floor) {
     }
     std::ranges::sort(our);
     std::ranges::sort(raw);
-    std::printf("%s: %.1f ms, raw %.1f ms, %.2fx\n", name, our[Turns / 2], raw[Turns / 2],
+    std::printf("%s: %.1f ms, beside %.1f ms, %.2fx\n", name, our[Turns / 2], raw[Turns / 2],
                 our[Turns / 2] / raw[Turns / 2]);
 }
 
@@ -112,6 +116,69 @@ std::string PeakMemory() {
         }
     }
     return {};
+}
+
+// Ranges of five digits, of which every second leads elsewhere than in the other one.
+Menu LargeMenu(int target) {
+    AutoNode node;
+    node.type = "AUTO";
+    node.settings.numberOfDigits = 5;
+    for (int row = 0; row < 32000; ++row) {
+        Action& action = node.actions.emplace_back();
+        action.sequence = row;
+        action.target = {MessageType, "MSG", row % 2 * target + row % 500, ""};
+        action.low = SequenceText(5, row * 3);
+        action.high = SequenceText(5, row * 3 + 1);
+    }
+    return {1, std::move(node)};
+}
+
+void CompareCallsBesideTheCheck(DataBase& dataBase, History& history) {
+    const TypeNames names(dataBase);
+    const auto check = [&] { static_cast<void>(CheckPartition(dataBase, history, Measured)); };
+    std::vector<std::string> lines;
+    WriteExpectations(ReadCallMap(dataBase, names, Measured), names, [&](const std::string& line) {
+        if (lines.size() < 10000 && line.find(": 7 ->") != std::string::npos) {
+            lines.push_back(line);
+        }
+    });
+    std::size_t certain = 0;
+    Compare(
+        "expectations, beside the check",
+        [&] {
+            certain = 0;
+            const CallMap map = ReadCallMap(dataBase, names, Measured);
+            for (const std::string& line : lines) {
+                certain += Judge(map, *ExpectationOf(line, names)).verdict == Verdict::Certain ? 1U : 0U;
+            }
+        },
+        check);
+    std::printf("%zu of %zu certain\n", certain, lines.size());
+    std::size_t steps = 0;
+    Compare(
+        "paths, beside the check",
+        [&] {
+            const CallMap map = ReadCallMap(dataBase, names, Measured);
+            steps = FindPaths(map, names, {AutoType, 5000}, 1).front().certain.value().size();
+        },
+        check);
+    std::printf("%zu steps\n", steps);
+    std::size_t told = 0;
+    const Menu before = LargeMenu(0);
+    const Menu after = LargeMenu(7);
+    Compare(
+        "calls of two nodes of 32,000 actions, beside the digits of both",
+        [&] { told = CompareCalls(&before, &after).size(); },
+        [&] {
+            for (const Menu* menu : {&before, &after}) {
+                for (const auto& [length, intervals] : DigitSpaceOf(menu->Node())) {
+                    for (const DigitInterval& interval : intervals) {
+                        told += TextOf(menu->Enter(length, interval)).size();
+                    }
+                }
+            }
+        });
+    std::printf("%zu told\n", CompareCalls(&before, &after).size());
 }
 
 } // namespace
@@ -152,4 +219,5 @@ int main() {
             rows = raw.Read(Command::Get_Uses, {"1", "3", "1", "0", "817", "818", "MSG", "M_ON", "M_OFF"});
         });
     std::printf("%zu rows, %zu uses\n", rows, found);
+    CompareCallsBesideTheCheck(dataBase, history);
 }

@@ -65,11 +65,14 @@ void ComparePrompts(const AutoNode& before, const AutoNode& after, std::vector<C
         if (of.seen++ > 0 || of.before == of.after) {
             return;
         }
+        const auto count = [](int number) {
+            return number == 1 ? "once" : std::to_string(number) + " times";
+        };
         Say(changes, "prompts",
-            target.Text() + (of.after == 0    ? " is no longer played"
-                             : of.before == 0 ? " is played, too"
-                                              : " is played " + std::to_string(of.after) + " times, not " +
-                                                    std::to_string(of.before)));
+            target.Text() + (of.after == 0 ? " is no longer played"
+                             : of.before == 0
+                                 ? " is played, too"
+                                 : " is played " + count(of.after) + ", not " + count(of.before)));
     };
     for (const auto* list : {&played, &then}) {
         for (const Target& target : *list) {
@@ -88,7 +91,7 @@ void ComparePrompts(const AutoNode& before, const AutoNode& after, std::vector<C
         }
         return rest;
     };
-    if (!IsPartOf(played, then) && !IsPartOf(then, played) && kept(played) != kept(then)) {
+    if (!IsPartOf(kept(then), played) && !IsPartOf(kept(played), then)) {
         Say(changes, "prompts", "they are played in another order");
     }
 }

@@ -52,7 +52,7 @@ class Telling {
         }
         line += " -> " + Named(to_);
         const char* verdict = certain ? "certain" : "possible";
-        table_.Add({verdict, line, steps.empty() ? "calls may enter there" : over});
+        table_.Add({verdict, line, steps.empty() ? "begins there" : over});
         document_.push_back({{"from", from},
                              {"certain", certain},
                              {"steps", std::move(words)},
