@@ -173,7 +173,8 @@ Subcommand ExpectCommand(CommandLine& program) {
         program.Add("expect", "Check how calls have to go, as files tell it, or write how they go");
     const Option files =
         command.Texts("FILE", options->files, "Expectations, one a line: 1 2 AUTO 1: 2 7 -> MSG 31")
-            .ShownAs("...");
+            .ShownAs("");
+    const Option json = command.Flag("--json", options->json, "Print JSON, for programs");
     command
         .Words(
             "--write",
@@ -181,8 +182,8 @@ Subcommand ExpectCommand(CommandLine& program) {
             "Print the expectations of a partition as it is")
         .Takes(2, 2)
         .ShownAs("CONFIG PARTITION")
-        .Excludes(files);
-    command.Flag("--json", options->json, "Print JSON, for programs");
+        .Excludes(files)
+        .Excludes(json);
     command.Together([options] {
         if (options->files.empty() && options->write.empty()) {
             Refuse("expect", "takes FILE or --write");

@@ -202,7 +202,7 @@ Subcommand TraceCommand(CommandLine& program) {
         .Texts("STEP", options->steps,
                "What a caller does: digits, '*', '#', timeout, invalid or abort; @TYPE NUMBER chooses among "
                "ways")
-        .ShownAs("...");
+        .ShownAs("");
     command.Flag("--json", options->json, "Print JSON, for programs");
     return {command, [options] { return Run(*options); }};
 }
