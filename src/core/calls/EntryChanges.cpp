@@ -32,7 +32,11 @@ class TwoSets {
             return;
         }
         auto& there = there_.at(side);
-        was ? there.erase(element) > 0 : there.insert(element).second;
+        if (was) {
+            there.erase(element);
+        } else {
+            there.insert(element);
+        }
         Flip(differing_, element);
         Flip(moved_, {side, element});
     }

@@ -138,17 +138,23 @@ void WriteExpectations(const CallMap& map, const TypeNames& names,
                        const std::function<void(const std::string& line)>& take) {
     const std::string place =
         std::to_string(map.partition.config) + ' ' + std::to_string(map.partition.number) + ' ';
-    for (const auto& [number, menu] : map.menus) {
+    for (const auto& [number, node] : map.menus) {
         // The template is no menu that anybody calls.
         if (number == TemplateNumber) {
             continue;
         }
+        const Menu& menu = node;
         const auto write = [&](const std::string& step, const Target& target) {
-            std::string line = place + names.Name(AutoType) + ' ' + std::to_string(menu.Number()) + ": " +
-                               step + " -> " + names.Name(target.typeID);
-            line += target.hasNumber ? ' ' + std::to_string(target.number) : "";
             // One that could not be read is for people.
-            take(names.Knows(target.typeID) ? line : "# " + line);
+            std::string line = names.Knows(target.typeID) ? "" : "# ";
+            line += place;
+            line += names.Name(AutoType) + ' ' + std::to_string(menu.Number());
+            line += ": ";
+            line += step;
+            line += " -> ";
+            line += names.Name(target.typeID);
+            line += target.hasNumber ? ' ' + std::to_string(target.number) : "";
+            take(line);
         };
         // For each action the first entry that leads to its node for certain.
         std::map<std::size_t, std::string> entries;

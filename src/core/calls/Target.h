@@ -14,6 +14,7 @@ struct Target {
     bool hasNumber = true;
     std::string type; // the stored name
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): finds a 0 in what the compiler writes
     friend auto operator<=>(const Target&, const Target&) = default;
 
     // "MSG 31", or the type alone.

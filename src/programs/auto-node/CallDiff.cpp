@@ -84,10 +84,10 @@ void Apply(CallMap& map, const RepointPlan& plan, int number) {
         }
         AutoNode& node = edited.try_emplace(use.holder, menu->second.Node()).first->second;
         const auto branch = std::ranges::find(BranchRules, column.word, &BranchRule::column);
-        const auto repoint = [&](auto& rows) {
-            for (auto& row : rows) {
-                if (row.sequence == use.row && KeyOf(row.target).second == *use.number) {
-                    row.target = to;
+        const auto repoint = [&to, row = use.row, from = *use.number](auto& rows) {
+            for (auto& item : rows) {
+                if (item.sequence == row && item.target.number == from) {
+                    item.target = to;
                 }
             }
         };

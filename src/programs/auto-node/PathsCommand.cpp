@@ -11,6 +11,7 @@
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace KAL_AUTO_Node {
 
@@ -30,8 +31,8 @@ struct Options {
 
 class Telling {
   public:
-    Telling(const CallMap& map, const TypeNames& names, const NodeKey& to)
-        : map_(map), names_(names), to_(to) {}
+    Telling(const CallMap& map, const TypeNames& names, NodeKey to)
+        : map_(map), names_(names), to_(std::move(to)) {}
 
     void Add(int from, const std::vector<PathStep>& steps, bool certain) {
         std::string line = std::to_string(map_.partition.config) + ' ' +
