@@ -1,6 +1,7 @@
 #include "editor/ExceptionsList.h"
 
 #include "controls/Visibility.h"
+#include "nodes/AutoNode.h"
 #include "rules/Rows.h"
 
 #include <algorithm>

@@ -7,6 +7,7 @@
 #include "controls/Twips.h"
 #include "feedback/ErrorReport.h"
 #include "form/Making.h"
+#include "form/Stored.h"
 #include "platform/RuntimeError.h"
 
 #include <QAbstractItemView>

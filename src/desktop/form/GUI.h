@@ -7,7 +7,6 @@
 #include "controls/NumberBox.h"
 #include "controls/StatusBar.h"
 #include "form/Columns.h"
-#include "nodes/AutoNode.h"
 #include "nodes/Identity.h"
 #include "nodes/NodeLists.h"
 #include "nodes/Slots.h"
@@ -24,6 +23,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -46,13 +46,8 @@ class GUI : public QDialog {
 
     // The node as it is stored, as far as the window knows: as it was loaded or saved latest. None where
     // loading the latest one failed or found none, which leaves on screen what was there.
-    struct Stored {
-        std::int16_t number;
-        int version; // of its history; 0 where there is none
-        AutoNode node;
-    };
-
-    std::optional<Stored> StoredNode;
+    struct Stored; // in form/Stored.h, which few need
+    std::unique_ptr<Stored> StoredNode;
 
     void CreateNodeLists() { nodeLists_.emplace(); }
 

@@ -2,6 +2,7 @@
 
 #include "form/GUI.h"
 #include "form/ValueBoxes.h"
+#include "nodes/AutoNode.h"
 #include "platform/RuntimeError.h"
 
 namespace KAL_AUTO_Node {

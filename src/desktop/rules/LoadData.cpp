@@ -2,6 +2,7 @@
 #include "feedback/MessageBox.h"
 #include "feedback/MousePointer.h"
 #include "form/GUI.h"
+#include "form/Stored.h"
 #include "form/ValueBoxes.h"
 #include "nodes/AutoNodeReader.h"
 #include "platform/RuntimeError.h"
@@ -138,7 +139,8 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
                 const Reference& target = node.branches[branch];
                 gui.LVExceptions->Append({WithTarget(ExceptionRowAt(branch, target), gui, target)});
             }
-            gui.StoredNode = GUI::Stored{nodeNumber, LatestVersion(gui, nodeNumber), std::move(node)};
+            gui.StoredNode = std::make_unique<GUI::Stored>(
+                GUI::Stored{nodeNumber, LatestVersion(gui, nodeNumber), std::move(node)});
             gui.lblRecordPosition->setText(QString::number(gui.cmbNode->ListIndex() + 1) + " of " +
                                            QString::number(gui.cmbNode->ListCount()));
         } else {

@@ -1,5 +1,6 @@
 #include "rules/Rows.h"
 
+#include "nodes/AutoNode.h"
 #include "platform/NumericValue.h"
 #include "rules/Utf8.h"
 

@@ -3,6 +3,7 @@
 #include "feedback/MousePointer.h"
 #include "form/GUI.h"
 #include "form/LongOperation.h"
+#include "form/Stored.h"
 #include "history/NodeSave.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
@@ -82,7 +83,8 @@ void NodeRules::AfterFailedSave(GUI& gui, std::int16_t nodeNumber, bool half) {
         gui.cmdApply->setEnabled(false);
     } else if (auto stored = ReadAutoNode(dataBase_, PartitionOf(gui), nodeNumber)) {
         // What this window itself has left there is nobody else's change.
-        gui.StoredNode = GUI::Stored{nodeNumber, LatestVersion(gui, nodeNumber), std::move(*stored)};
+        gui.StoredNode = std::make_unique<GUI::Stored>(
+            GUI::Stored{nodeNumber, LatestVersion(gui, nodeNumber), std::move(*stored)});
     }
 }
 
@@ -125,7 +127,7 @@ bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
             half = save.Fail();
             throw;
         }
-        gui.StoredNode = GUI::Stored{nodeNumber, save.VersionNumber(), node};
+        gui.StoredNode = std::make_unique<GUI::Stored>(GUI::Stored{nodeNumber, save.VersionNumber(), node});
         gui.StatusBar1->SetPanelText(QString());
     });
     // Before that, what is stored there now may be somebody else's, which has not been seen here.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "auto-node/CommandLine.h"
-#include "nodes/AutoNode.h"
 #include "nodes/Identity.h"
 
 #include <cstdint>
@@ -10,6 +9,7 @@
 namespace KAL_AUTO_Node {
 
 class DataBase;
+struct AutoNode;
 
 // What the commands take alike.
 
