@@ -19,7 +19,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr std::size_t BytesAtOnce = 64U << 10U;
+constexpr std::size_t BytesWrittenAtOnce = 64U << 10U;
 
 void AppendText(std::string& line, const std::string& text) {
     try {
@@ -53,7 +53,7 @@ class ExportFile {
     std::string& Text() { return text_; }
 
     void MayWrite() {
-        if (text_.size() >= BytesAtOnce) {
+        if (text_.size() >= BytesWrittenAtOnce) {
             file_.Append(text_);
             text_.clear();
         }

@@ -13,7 +13,7 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-constexpr std::size_t HeadBytes = 256;
+constexpr std::size_t FileHeadBytes = 256;
 
 // Behind a version of four bytes; the number of the format follows at a place of its own.
 constexpr std::size_t SignatureAt = 4;
@@ -39,7 +39,7 @@ FileKind KindOf(const std::filesystem::path& file) {
     if (!stream) {
         Fail(file, std::generic_category().message(errno));
     }
-    std::string bytes(HeadBytes, '\0');
+    std::string bytes(FileHeadBytes, '\0');
     stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<std::size_t>(stream.gcount()));
     std::string_view head = bytes;

@@ -42,8 +42,8 @@ std::string FromUtf16(std::string_view bytes) {
         const auto high = static_cast<unsigned char>(bytes[2 * at + 1]);
         units[at] = static_cast<char16_t>(low | high << 8);
     }
-    using Converter = std::codecvt<char16_t, char8_t, std::mbstate_t>;
-    const auto& converter = std::use_facet<Converter>(std::locale::classic());
+    using Utf16 = std::codecvt<char16_t, char8_t, std::mbstate_t>;
+    const auto& converter = std::use_facet<Utf16>(std::locale::classic());
     std::string text;
     const char16_t* from = units.data();
     const char16_t* const end = from + units.size();
@@ -54,7 +54,7 @@ std::string FromUtf16(std::string_view bytes) {
         const auto result =
             converter.out(state, from, end, from, part.data(), part.data() + part.size(), partEnd);
         text.append(part.data(), partEnd);
-        if (result == Converter::error || partEnd == part.data()) {
+        if (result == Utf16::error || partEnd == part.data()) {
             text += "\uFFFD";
             ++from;
         }
