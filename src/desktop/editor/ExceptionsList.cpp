@@ -1,7 +1,6 @@
 #include "editor/ExceptionsList.h"
 
 #include "controls/Visibility.h"
-#include "nodes/AutoNode.h"
 #include "rules/Rows.h"
 
 #include <algorithm>

@@ -1,7 +1,6 @@
 #include "rules/RowText.h"
 
 #include "form/GUI.h"
-#include "nodes/AutoNode.h"
 #include "platform/VisibleText.h"
 #include "rules/Rows.h"
 #include "rules/Utf8.h"

@@ -1,6 +1,5 @@
 #include "rules/Rows.h"
 
-#include "nodes/AutoNode.h"
 #include "platform/NumericValue.h"
 #include "rules/Utf8.h"
 

@@ -2,12 +2,11 @@
 
 #include "controls/ListView.h"
 #include "form/Columns.h"
+#include "nodes/AutoNode.h"
 
 #include <cstddef>
 
 namespace KAL_AUTO_Node {
-
-struct Reference;
 
 // The rows of the three lists at their position from 1: key, lead cell and what they refer to; without a
 // label. A prompt is led by its position, an action by its range of digits, an exception, at its branch's
