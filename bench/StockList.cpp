@@ -11,6 +11,8 @@ StockList::StockList(const ListView& like) {
     tree_.setColumnCount(columns);
     tree_.setSelectionMode(QAbstractItemView::ExtendedSelection);
     tree_.setRootIsDecorated(false);
+    // As the editor's list is told, or each row would be measured anew with each change.
+    tree_.setUniformRowHeights(true);
     for (int column = 0; column < columns; ++column) {
         tree_.setColumnHidden(column, like.isColumnHidden(column));
     }
