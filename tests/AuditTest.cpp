@@ -62,8 +62,9 @@ const std::vector<Case> Cases = {
     {"UPDATE Node_General_Pool SET NodeType = 'OLD' WHERE NodeTypeID = 0 AND NodeNumber = 1",
      {"type-name MSG 1 'OLD' for MSG"}},
     {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'1','1','MSG')", {"duplicate-entry AUTO 1 1-1"}},
-    {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'0','2','MSG'), (1,2,8,0,1,1,'01','02','MSG')",
-     {"shared-digits AUTO 1 1, also in 0-2"}},
+    {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'0','2','MSG'), (1,2,8,0,1,1,'01','02','MSG'),"
+     " (1,2,9,0,1,1,'4','4','MSG'), (1,2,10,0,1,1,'4','6','MSG')",
+     {"shared-digits AUTO 1 1, also in 0-2", "shared-digits AUTO 1 4, also in 4-6"}},
     {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'9','8','MSG')", {"reversed-range AUTO 1 9-8"}},
     {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'001','001','MSG')",
      {"range-too-long AUTO 1 001-001"}},
@@ -79,7 +80,7 @@ const std::vector<Case> Cases = {
      {"no-way-out AUTO 1", "no-way-out AUTO 2"}},
     {"UPDATE Detail_AUTO_Action SET NodeNumber = 1", {"unreferenced AUTO 2"}},
     {"INSERT INTO Detail_AUTO_Prompts VALUES (1,2,1,0,1,-3,'MSG'), (1,2,1,0,1,9,'MSG'), (1,2,2,0,1,9,'MSG');"
-     "INSERT INTO Detail_LIST VALUES (1,2,1,0,1,5,'MSG'), (1,2,2,0,1,5,'MSG')",
+     "INSERT INTO Detail_LIST VALUES (1,2,1,0,1,5,'MSG'), (1,2,2,0,7,5,'MSG')",
      {"orphan-rows AUTO -3 1 prompts", "orphan-rows AUTO 9 2 prompts",
       "orphan-rows LIST 5 2 of Detail_LIST"}},
     {"INSERT INTO Node_General_Pool VALUES (1,2,13,1,'TABLE','',''), (1,2,77,1,'other','','')",

@@ -111,6 +111,8 @@ TEST(Exchange, BringsAStoreBackRowForRow) {
         UPDATE Node_AUTO SET NodeDescription = 'two
 lines, "quoted" \    😀';
         UPDATE Node_MSG SET Comment = NULL, Password = '' WHERE NodeNumber = 4)");
+    // Another program may have named a table in letters of another case.
+    store.Execute("ALTER TABLE Node_CMD RENAME TO Other; ALTER TABLE Other RENAME TO NODE_cmd");
     store.Execute(R"(WITH RECURSIVE N(i) AS (VALUES (-3) UNION ALL SELECT i + 1 FROM N WHERE i < 3000)
                      INSERT INTO Node_General_Pool SELECT 1, 3, 9, i, 'X', NULL, NULL FROM N)");
     // Letters of a single byte each, as an old program may have written them; a server takes none.
@@ -245,7 +247,7 @@ TEST(Exchange, RefusesAWrongTextAndAStoreAtWorkWhole) {
         {name(R"({"ID": 1, "ID": 1, "English_Name": "CMD"})"), "twice"},
         {name(R"({"ID": 0, "English_Name": "CMD"})"),
          "line 4: the rows of SR_Node_Type_Names stand in the order"},
-        {name(R"({"ID": "x", "English_Name": "CMD"})"), "\"x\" is no whole number"},
+        {name(R"({"ID": "x", "English_Name": "CMD"})"), "ID is a number, and stands without"},
         {name(R"({"ID": 1.5, "English_Name": "CMD"})"), "\"1.5\" is no whole number"},
         {name(R"({"ID": 2147483648, "English_Name": "CMD"})"), "no whole number of 32 bits"},
         {name(R"({"ID": 1, "English_Name": null})"), "English_Name is Null"},
@@ -268,6 +270,11 @@ TEST(Exchange, RefusesAWrongTextAndAStoreAtWorkWhole) {
         EXPECT_NE(failure.find("in.json'"), std::string::npos) << failure;
     }
     EXPECT_EQ(ExportOf(store), before);
+    if (TestStore::OnServer()) {
+        const std::string bytes = name(R"({"ID": 1, "English_Name": {"bytes": "e9"}})");
+        EXPECT_NE(FailureOf([&] { ImportInto(store, bytes); }).find("line 4: English_Name is no UTF-8"),
+                  std::string::npos);
+    }
 
     // Somebody is saving a node that would change.
     DataBase dataBase;
@@ -275,9 +282,12 @@ TEST(Exchange, RefusesAWrongTextAndAStoreAtWorkWhole) {
     NodeSave save(dataBase, history, {{1, 2}, 5});
     ASSERT_FALSE(save.Begin(ReadAutoNode(dataBase, {1, 2}, 5).value(), 0));
     const std::string label = R"("NodeNumber": 5, "NumberOfDigits": )";
-    EXPECT_NE(
-        FailureOf([&] { ImportInto(store, Replaced(good, label, label + "1")); }).find("is being saved"),
-        std::string::npos);
+    for (const Import how : {Import::Carry, Import::OnlyTell}) {
+        EXPECT_NE(FailureOf([&] {
+                      ImportInto(store, Replaced(good, label, label + "1"), how);
+                  }).find("is being saved"),
+                  std::string::npos);
+    }
     EXPECT_EQ(ExportOf(store), before);
     EXPECT_NE(ImportInto(store, good).find("SR_Node_Type_Names +0 ~1 -0"), std::string::npos);
 }
@@ -292,6 +302,17 @@ TEST(Exchange, ReplacesNothingButAnExport) {
     }
     EXPECT_NE(FailureOf([&] { Export(dataBase, {}, store.File()); }), "");
     EXPECT_NE(FailureOf([&] { Export(dataBase, {}, store.Folder() / "no" / "folder.json"); }), "");
+    // What import would refuse.
+    for (const char* sql : {"UPDATE Node_AUTO SET RetryLimit = 3000000000 WHERE NodeNumber = 5",
+                            "UPDATE Node_AUTO SET RetryLimit = 3, NodeDescription = 'a' || CHAR(0)"}) {
+        if (!TestStore::OnServer()) {
+            std::filesystem::remove(store.Folder() / "out.json");
+            store.Execute(sql);
+            EXPECT_NE(FailureOf([&] { ExportOf(store); }).find("import would refuse it: Node_AUTO, Conf"),
+                      std::string::npos);
+        }
+    }
+    store.Execute("UPDATE Node_AUTO SET NodeDescription = ''");
     // A store of another program's, whose rows cannot be told apart, is not written in part.
     store.Execute(R"(CREATE TABLE Copy AS SELECT * FROM Detail_AUTO_Prompts; DROP TABLE Detail_AUTO_Prompts;
                      INSERT INTO Copy SELECT * FROM Copy LIMIT 1; ALTER TABLE Copy RENAME TO Detail_AUTO_Prompts)");

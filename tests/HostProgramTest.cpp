@@ -54,6 +54,8 @@ TEST(HostProgram, TellsHowToUseIt) {
                                          {"init", "here"}}) {
         Program(2, arguments);
     }
+    ExpectTold(Program(2, {"lsit"}).errors, "is list meant");
+    ExpectTold(Program(2, {"list", "\x1b[31m"}).errors, "'\\x1b[31m'");
     ExpectTold(Program(0, {"--help"}).output, "edit");
     ExpectTold(Program(0, {"edit", "--help"}).output, "PARTITION");
     ExpectTold(Program(0, {"init", "--help"}).output, "--demo");
@@ -174,7 +176,8 @@ TEST(HostProgram, ListsAndShowsWhatAPersonWouldAskFor) {
                "\"prompts\": [\n    {\n      \"sequence\": 1,\n      \"typeID\": 2,");
     ExpectTold(Program(0, {"list", "1", "2", "--json"}).output, "\"number\": 40,");
     ExpectTold(Program(1, {"show", "1", "2", "25"}).errors, "AUTO node 25");
-    EXPECT_EQ(Program(0, {"list", "9", "9", "--json"}).output, "[]\n");
+    ExpectTold(Program(0, {"show", "1", "2", "12"}).output, "M_ON 44   Voice of Müller, trailer\n");
+    ExpectTold(Program(1, {"list", "9", "9"}).errors, "partition 9 has no nodes");
     Program(2, {"list", "1"});
 }
 
@@ -182,6 +185,7 @@ TEST(HostProgram, TellsWhatChangedAndPutsItBack) {
     const TestStore store;
     ExpectTold(Program(0, {"history", "1", "2", "8"}).output, "No changes");
     Program(1, {"restore", "1", "2", "8"});
+    ExpectTold(Program(1, {"history", "1", "2", "25"}).errors, "AUTO node 25");
     {
         DataBase dataBase;
         History history(dataBase);
@@ -195,12 +199,13 @@ TEST(HostProgram, TellsWhatChangedAndPutsItBack) {
     const std::string change = "    label \"Sales\" \u2192 \"Changed\"\n";
     ExpectTold(Program(0, {"history", "1", "2", "8"}).output, "  save\n" + change);
     ExpectTold(Program(0, {"history", "1", "2", "8", "--json"}).output, "\"state\": \"finished\"");
-    EXPECT_EQ(Program(0, {"diff", "1", "2", "8", "--versions", "1"}).output, change);
+    const std::string back = "    label \"Changed\" \u2192 \"Sales\"\n";
+    EXPECT_EQ(Program(0, {"diff", "1", "2", "8", "--versions", "1"}).output, back);
+    ExpectTold(Program(1, {"diff", "1", "2", "8", "--node", "1", "2", "25"}).errors, "AUTO node 25");
     ExpectTold(Program(0, {"diff", "1", "2", "8", "--node", "1", "2", "8"}).output, "nothing differs");
     ExpectTold(
         Program(0, {"diff", "1", "2", "8", "--store", QString::fromStdString(store.File().string())}).output,
         "nothing differs");
-    const std::string back = "    label \"Changed\" \u2192 \"Sales\"\n";
     ExpectTold(Program(0, {"restore", "1", "2", "8", "--dry-run"}).output, back);
     EXPECT_EQ(store.Value("SELECT NodeDescription FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 8"),
               "Changed");
@@ -261,6 +266,8 @@ TEST(HostProgram, BringsStoresOver) {
     const TestStore store;
     const QString file = QString::fromStdString((store.Folder() / "out.json").string());
     ExpectTold(Program(0, {"export", "1", "2", file}).output, "Wrote 698 rows into ");
+    EXPECT_TRUE(Program(0, {"export", "1", "2", "/dev/stdout"}).output.starts_with("{\"format\""));
+    ExpectTold(Program(1, {"export", "9", "9", file}).errors, "partition 9 has no rows");
     store.Execute("UPDATE Node_AUTO SET RetryLimit = 7 WHERE PartID = 2 AND NodeNumber = 5;"
                   "DELETE FROM Node_CMD WHERE PartID = 2 AND NodeNumber = 1");
     const std::string changes = "AUTO node 5 of configuration 1, partition 2:\n    retry limit 7 \u2192 2\n"
@@ -318,6 +325,8 @@ TEST(HostProgram, ChecksAPartitionAndMakesWhatIsMissing) {
     const std::string left = check(1, {"--keys"}).output;
     ExpectTold(left, "missing-node 1 2 AUTO 6 HOLD 4\n");
     EXPECT_EQ(left.find("AUTO 6 MSG"), std::string::npos) << left;
+    store.Execute("INSERT INTO Detail_LIST VALUES (7, 7, 1, 0, 1, 5, 'MSG')");
+    ExpectTold(Program(1, {"check", "--keys"}).output, "orphan-rows 7 7 LIST 5");
     ExpectTold(left, "as-template 1 2 AUTO 33\n");
 }
 
@@ -328,12 +337,35 @@ TEST(HostProgram, TellsWhatUsesANodeAndLetsAnotherTakeItsPlace) {
     ExpectTold(Program(0, {"uses", "1", "2", "4", "1", "--json"}).output, "\"place\": \"row 2\",");
     ExpectTold(Program(0, {"uses", "1", "2", "MSG", "44"}).output, "action 5  M_OFF 44");
     ExpectTold(Program(1, {"uses", "1", "2", "MSGS", "44"}).errors, "'MSGS'");
+    ExpectTold(Program(1, {"uses", "1", "2", "MSG", "99"}).errors, "MSG 99 does not exist, and nothing");
 
     const auto repoint = [](int status, const QStringList& more) {
         return Program(status, QStringList{"repoint", "1", "2", "MSG", "44", "MSG", "43"} + more);
     };
     const std::string change = "AUTO 12  action 5  M_OFF 44 → M_OFF 43\n";
     ExpectTold(repoint(0, {"--dry-run"}).output, change + "Would change 4 references in 1 node\n");
+    const QString file = QString::fromStdString((store.Folder() / "out.json").string());
+    {
+        // Who reads waits for nobody who writes, and keeps nobody from it.
+        DataBase writer;
+        const Transaction all(writer);
+        repoint(0, {"--dry-run"});
+        Program(0, {"export", file});
+        ExpectTold(Program(0, {"import", file, "--dry-run"}).output, "Nothing differs");
+        ExpectTold(Program(0, {"import", file}).output, "Nothing differs");
+        Program(1, {"check"});
+    }
+    DataBase reader;
+    std::optional<Snapshot> snapshot(reader);
+    const auto label = [&] { return ReadAutoNode(reader, {1, 2}, 12)->label; };
+    const auto before = label();
+    store.Execute("UPDATE Node_AUTO SET NodeDescription = 'new' WHERE PartID = 2 AND NodeNumber = 12");
+    ExpectTold(Program(0, {"import", file}).output, "AUTO node 12");
+    store.Execute("UPDATE Node_AUTO SET NodeDescription = 'new' WHERE PartID = 2 AND NodeNumber = 12");
+    EXPECT_EQ(label(), before);
+    snapshot.reset();
+    EXPECT_EQ(label(), "new");
+    ExpectTold(Program(0, {"import", file}).output, "Imported");
     {
         DataBase dataBase;
         History history(dataBase);
@@ -344,6 +376,10 @@ TEST(HostProgram, TellsWhatUsesANodeAndLetsAnotherTakeItsPlace) {
     }
     ExpectTold(repoint(0, {}).output, change + "Changed 4 references in 1 node\n");
     ExpectTold(Program(0, {"history", "1", "2", "12"}).output, "  repoint\n    prompt 1 M_ON 44 → M_ON 43\n");
+    const QString backslashed = QString::fromStdString((store.Folder() / "a\\b.mdb").string());
+    Program(0, {"init", "--demo", "--store", backslashed});
+    ExpectTold(Program(0, {"diff", "1", "2", "12", "--store", backslashed}).output, "M_ON 43 → M_ON 44");
+    ExpectTold(Program(0, {"uses", "1", "2", "MSG", "44", "--store", backslashed}).output, "M_ON 44");
     ExpectTold(repoint(0, {}).output, "Nothing refers to MSG 44.");
 }
 

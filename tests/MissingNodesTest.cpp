@@ -118,6 +118,7 @@ TEST(MissingNodes, ThatCannotBeCreatedAreNotSaidToBe) {
         EXPECT_EQ(told.contains(node + " is created."), created) << node;
     }
     EXPECT_EQ(check.Created().size(), MissingInAuto6.size() - 3);
+    EXPECT_EQ(check.store.Value("SELECT COUNT(*) FROM Node_Creation WHERE NodeTypeID = 5"), "0");
 }
 
 TEST(MissingNodes, AFailedCreationEndsTheCheckButNotTheSave) {

@@ -257,7 +257,9 @@ class PartitionCheck {
         ReadOtherReferences(dataBase_, partition_, [&](const StoredReference& reference) {
             const ReferenceColumn& column = reference.Column();
             if (reference.row != 0 && !nodes.contains({reference.holderTypeID, reference.holder})) {
+                // Nobody follows what a node that does not exist refers to.
                 orphans[{reference.holderTypeID, reference.holder, column.table}].insert(reference.row);
+                return;
             }
             const auto typeID = column.hasTypeID ? reference.typeID : names_.ID(reference.type);
             if (!typeID || !reference.number) {
@@ -336,6 +338,15 @@ class PartitionCheck {
 };
 
 } // namespace
+
+std::vector<Partition> PartitionsWithRows(DataBase& dataBase) {
+    std::vector<Partition> partitions;
+    for (ResultSet rows = dataBase.Query(Command::Get_Partitions_With_Rows, {}); !rows.AtEnd();
+         rows.MoveNext()) {
+        partitions.push_back({rows.Number16("ConfigID"), rows.Number16("PartID")});
+    }
+    return partitions;
+}
 
 PartitionFindings CheckPartition(DataBase& dataBase, History& history, Partition partition,
                                  const CheckReader& reader) {

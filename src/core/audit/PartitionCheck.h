@@ -23,6 +23,9 @@ struct PartitionFindings {
     std::vector<RequiredNode> missing; // each node that does not exist, once
 };
 
+// Every partition that has a row of a node, also where no node is whole.
+[[nodiscard]] std::vector<Partition> PartitionsWithRows(DataBase& dataBase);
+
 // What a check reads, for those who need it as well: what is handed over is there until they return.
 struct CheckReader {
     std::function<void(const NodeKey& node, std::string_view type, const std::string& label)> takeRegistered =

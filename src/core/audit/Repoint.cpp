@@ -225,7 +225,11 @@ RepointPlan PlanRepoint(DataBase& dataBase, History& history, const TypeNames& n
 
 RepointPlan Repoint(DataBase& dataBase, History& history, const TypeNames& names, Partition partition,
                     NodeID from, NodeID to, const std::string& date) {
-    RepointPlan plan = PlanRepoint(dataBase, history, names, partition, from, to);
+    RepointPlan plan;
+    {
+        const Snapshot snapshot(dataBase);
+        plan = PlanRepoint(dataBase, history, names, partition, from, to);
+    }
     if (!plan.obstacles.empty() || plan.changes.empty()) {
         return plan;
     }
@@ -235,7 +239,7 @@ RepointPlan Repoint(DataBase& dataBase, History& history, const TypeNames& names
     }
     {
         Transaction all(dataBase);
-        // What is planned from here on stays so.
+        // Others may have changed something until now; what is planned from here on stays so.
         plan = PlanRepoint(dataBase, history, names, partition, from, to);
         if (!plan.obstacles.empty()) {
             return plan;

@@ -183,7 +183,8 @@ std::vector<SharedDigits> FindSharedDigits(const std::vector<Action>& actions, i
     std::vector<DigitRange> ranges = RangesOf(actions, digits);
     std::erase_if(ranges, [](const DigitRange& range) { return !range.clear; });
     std::ranges::sort(ranges, [](const DigitRange& a, const DigitRange& b) {
-        return std::tie(a.length, a.low, a.action) < std::tie(b.length, b.low, b.action);
+        // By what they hold, so that the same is found wherever the rows stand.
+        return std::tie(a.length, a.low, b.high, a.action) < std::tie(b.length, b.low, a.high, b.action);
     });
     std::vector<SharedDigits> shared;
     const DigitRange* furthest = nullptr;

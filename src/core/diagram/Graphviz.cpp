@@ -1,19 +1,17 @@
 #include "diagram/Graphviz.h"
 
+#include "platform/ChildProcess.h"
+#include "platform/Interruption.h"
+#include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
 
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
-#include <optional>
-#include <spawn.h>
-#include <stdexcept>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <system_error>
-#include <thread>
 #include <unistd.h>
 
 namespace KAL_AUTO_Node {
@@ -26,8 +24,10 @@ constexpr const char* PixelSize = "-Gsize=72,72";
 
 using Clock = std::chrono::steady_clock;
 
-[[noreturn]] void Fail(int error, const char* what) {
-    throw std::system_error(error, std::generic_category(), what);
+constexpr std::chrono::milliseconds BetweenLooks(50);
+
+[[noreturn]] void Fail(int error, const std::string& what) {
+    throw RuntimeError(ErrorNumber::StoreFailure, what + ": " + std::generic_category().message(error));
 }
 
 // A file without a name: a child that hangs or writes much never has to be waited for as with a pipe.
@@ -72,68 +72,38 @@ class Scratch {
     int number_;
 };
 
-// The program dot, ended at the end of its life at the latest.
-class Child {
-  public:
-    Child(const std::string& format, const Scratch& input, const Scratch& output, const Scratch& errors,
-          std::chrono::seconds limit) {
-        posix_spawn_file_actions_t files;
-        posix_spawn_file_actions_init(&files);
-        posix_spawn_file_actions_adddup2(&files, input.Number(), STDIN_FILENO);
-        posix_spawn_file_actions_adddup2(&files, output.Number(), STDOUT_FILENO);
-        posix_spawn_file_actions_adddup2(&files, errors.Number(), STDERR_FILENO);
-        std::string name = "dot";
-        std::string option = "-T";
-        option += format;
-        std::string size = PixelSize;
-        std::array<char*, 4> arguments = {name.data(), option.data(), format == "png" ? size.data() : nullptr,
-                                          nullptr};
-        const int error = posix_spawnp(&process_, "dot", &files, nullptr, arguments.data(), environ);
-        posix_spawn_file_actions_destroy(&files);
-        if (error == ENOENT) {
-            throw std::runtime_error("Graphviz's program dot is not installed");
+ChildStart StartOfDot(const std::string& format, std::array<int, 3> files, std::chrono::seconds limit) {
+    ChildStart start{"dot", {"-T" + format}, files, {}};
+    if (format == "png") {
+        start.arguments.emplace_back(PixelSize);
+    }
+    start.limits = {{RLIMIT_CPU, static_cast<std::uint64_t>(limit.count() + 1)}};
+    return start;
+}
+
+int WaitForDot(const ChildStart& start, std::chrono::seconds limit, const Waiting& waiting) try {
+    ChildProcess dot(start);
+    const auto begun = Clock::now();
+    for (;;) {
+        if (const auto status = dot.WaitFor(BetweenLooks)) {
+            return *status;
         }
-        if (error != 0) {
-            Fail(error, "cannot start dot");
+        Interruption::Look();
+        const auto lasting = Clock::now() - begun;
+        if (lasting >= limit) {
+            throw RuntimeError(ErrorNumber::StoreFailure, "dot was ended, because it took longer than " +
+                                                              std::to_string(limit.count()) + " seconds");
         }
-        // Should this process be killed, the other one ends all the same.
-        const auto seconds = static_cast<rlim_t>(limit.count() + 1);
-        const rlimit processorTime = {seconds, seconds};
-        prlimit(process_, RLIMIT_CPU, &processorTime, nullptr);
+        waiting(std::chrono::duration_cast<std::chrono::seconds>(lasting));
     }
 
-    ~Child() {
-        if (process_ > 0) {
-            kill(process_, SIGKILL);
-            waitpid(process_, nullptr, 0);
-        }
+} catch (const RuntimeError& error) {
+
+    if (error.Number() == ErrorNumber::StoreNotFound) {
+        throw RuntimeError(error.Number(), "Graphviz's program dot is not installed");
     }
-
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
-
-    // Its status as waitpid gives it; nothing where it still runs at that time.
-    std::optional<int> WaitUntil(Clock::time_point end) {
-        for (;;) {
-            int status = 0;
-            const pid_t ended = waitpid(process_, &status, WNOHANG);
-            if (ended == process_) {
-                process_ = 0;
-                return status;
-            }
-            if (ended < 0 && errno != EINTR) {
-                Fail(errno, "cannot wait for dot");
-            }
-            if (Clock::now() >= end) {
-                return std::nullopt;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-    }
-
-  private:
-    pid_t process_ = 0;
-};
+    throw;
+}
 
 std::string FirstLines(const std::string& text) {
     constexpr std::size_t enough = 1000;
@@ -144,24 +114,23 @@ std::string FirstLines(const std::string& text) {
 
 } // namespace
 
-Picture DrawGraph(std::string_view graph, const std::string& format, std::chrono::seconds limit) {
+Picture DrawGraph(std::string_view graph, const std::string& format, std::chrono::seconds limit,
+                  const Waiting& waiting) {
     const Scratch input;
     const Scratch output;
     const Scratch errors;
     input.Write(graph);
-    Child dot(format, input, output, errors, limit);
-    const auto status = dot.WaitUntil(Clock::now() + limit);
-    if (!status) {
-        throw std::runtime_error("dot was ended, because it took longer than " +
-                                 std::to_string(limit.count()) + " seconds");
-    }
-    if (WIFSIGNALED(*status)) {
-        throw std::runtime_error(std::string("dot crashed: ") + strsignal(WTERMSIG(*status)));
+    const int status = WaitForDot(
+        StartOfDot(format, {input.Number(), output.Number(), errors.Number()}, limit), limit, waiting);
+    if (WIFSIGNALED(status)) {
+        throw RuntimeError(ErrorNumber::StoreFailure,
+                           std::string("dot crashed: ") + strsignal(WTERMSIG(status)));
     }
     Picture picture{output.Read(), FirstLines(errors.Read())};
-    if (WEXITSTATUS(*status) != 0 || picture.bytes.empty()) {
-        throw std::runtime_error("dot failed with status " + std::to_string(WEXITSTATUS(*status)) + ": " +
-                                 picture.warnings);
+    if (WEXITSTATUS(status) != 0 || picture.bytes.empty()) {
+        throw RuntimeError(ErrorNumber::StoreFailure, "dot failed with status " +
+                                                          std::to_string(WEXITSTATUS(status)) + ": " +
+                                                          picture.warnings);
     }
     return picture;
 }

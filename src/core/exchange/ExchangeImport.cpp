@@ -1,18 +1,19 @@
 #include "exchange/ExchangeImport.h"
 
 #include "exchange/ExchangeReader.h"
+#include "exchange/RowOwners.h"
 #include "exchange/RowWrites.h"
 #include "exchange/TableCursor.h"
 #include "history/History.h"
-#include "nodes/NodeTypes.h"
 #include "platform/RuntimeError.h"
+#include "store/Connection.h"
 #include "store/DataBase.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <fstream>
 #include <map>
+#include <set>
 #include <system_error>
 #include <vector>
 
@@ -23,42 +24,56 @@ namespace {
 // More are counted, but a person has seen enough by then.
 constexpr std::size_t MostRowsTold = 100;
 
-// In which tables an AUTO node has rows, and which columns of their keys say whose they are.
-struct NodeRows {
-    const char* table;
-    const char* number;
-    const char* type; // none where all rows are AUTO nodes'
+// Of what is planned before the right to write is taken. An import that changes more holds that right while
+// it compares, too.
+constexpr std::size_t MostPlannedBytes = 64U << 20U;
+
+// How often others may change what was planned on before the import keeps them from it.
+constexpr int MostPlans = 3;
+
+constexpr std::uint64_t RowsBetweenProgress = 1000;
+
+constexpr const char* Work = "import";
+
+// A row that changes: as it was, and as it becomes; nothing for no row.
+struct RowChange {
+    const StoreTable* table;
+    std::optional<StoreRow> before;
+    std::optional<StoreRow> after;
 };
 
-constexpr std::array<NodeRows, 4> AutoNodeRows = {{{"Node_AUTO", "NodeNumber", "NodeTypeID"},
-                                                   {"Detail_AUTO_Prompts", "NodeMasterID", nullptr},
-                                                   {"Detail_AUTO_Action", "NodeMasterID", nullptr},
-                                                   {"Node_General_Pool", "NodeNumber", "NodeTypeID"}}};
-// Of them, those whose content is told as the node's.
-constexpr std::size_t TablesToldAsNodes = 3;
+void Put(RowWrites& writes, const StoreRow* before, const StoreRow* after) {
+    if (before == nullptr) {
+        writes.Insert(*after);
+    } else if (after == nullptr) {
+        writes.Remove(*before);
+    } else {
+        writes.Update(*before, *after);
+    }
+}
+
+enum class Mode { Tell, Plan, Write };
 
 // Goes over a table of the store and over its rows in the text side by side, both in the order of their keys.
-class ExchangeImport : public ExchangeSink {
+class Comparison : public ExchangeSink {
   public:
-    ExchangeImport(DataBase& dataBase, bool keepsHistory, const ExchangeNode& tell)
-        : dataBase_(dataBase), history_(dataBase), keepsHistory_(keepsHistory), tell_(tell) {}
+    Comparison(DataBase& dataBase, Mode mode, const ImportProgress& progress)
+        : dataBase_(dataBase), history_(dataBase), mode_(mode), progress_(progress) {}
 
     void TakeScope(std::optional<Partition> scope) override { report_.scope = scope; }
 
     void TakeTable(const StoreTable& table) override {
         table_ = &table;
+        owners_.emplace(table);
         cursor_.emplace(dataBase_, table, report_.scope);
         writes_.emplace(dataBase_, table);
         counts_ = {table.name, 0, 0, 0, {}, 0};
-        nodeRows_ = std::ranges::find(AutoNodeRows, table.name, &NodeRows::table);
-        isToldAsNodes_ = nodeRows_ - AutoNodeRows.begin() < std::ptrdiff_t{TablesToldAsNodes};
-        if (nodeRows_ != AutoNodeRows.end()) {
-            number_ = PlaceInKey(nodeRows_->number);
-            type_ = nodeRows_->type != nullptr ? std::optional(PlaceInKey(nodeRows_->type)) : std::nullopt;
-        }
     }
 
     void TakeRow(const StoreRow& row) override {
+        if (++rows_ % RowsBetweenProgress == 0) {
+            progress_(rows_);
+        }
         const StoreRow* stored = cursor_->Row();
         if (stored != nullptr && *stored == row) {
             cursor_->Next();
@@ -67,18 +82,18 @@ class ExchangeImport : public ExchangeSink {
         const StoreKey key = KeyOf(*table_, row);
         stored = RemoveUpTo(&key);
         if (stored == nullptr || cursor_->Key() != key) {
-            Change(&RowWrites::Insert, counts_.added, "added", row, key);
+            Change(nullptr, &row, key);
             return;
         }
         if (*stored != row) {
-            Change(&RowWrites::Update, counts_.changed, "changed", row, key, Differing(*stored, row));
+            Change(stored, &row, key);
         }
         cursor_->Next();
     }
 
     void TakeEndOfTable() override {
         RemoveUpTo(nullptr);
-        Write();
+        Settle();
         if (counts_.added + counts_.changed + counts_.removed > 0) {
             report_.tables.push_back(std::move(counts_));
         }
@@ -86,62 +101,74 @@ class ExchangeImport : public ExchangeSink {
         cursor_.reset();
     }
 
-    ExchangeReport Finish() {
+    // Once the text is read to its end.
+    [[nodiscard]] ExchangeReport& Report() { return report_; }
+
+    [[nodiscard]] bool IsTooLarge() const { return plannedBytes_ > MostPlannedBytes; }
+
+    [[nodiscard]] std::vector<NodePlace> Places() const {
         std::vector<NodePlace> places;
         for (const auto& [place, before] : touched_) {
             places.push_back(place);
         }
-        ReadContents(dataBase_, places, [this](const NodePlace& place, const NodeContent& after) {
-            tell_(place, touched_.at(place), after.node);
+        return places;
+    }
+
+    // Part of a transaction. Whether all was as it was when it was planned; otherwise the transaction must
+    // not be committed.
+    [[nodiscard]] bool CarryOut() {
+        bool same = true;
+        const auto places = Places();
+        history_.Keep(places, Work, [&](const NodePlace& place, const NodeContent& content) {
+            same = same && content == touched_.at(place);
         });
-        return std::move(report_);
+        const auto failed = [&](const StoreRow&) { same = false; };
+        std::optional<RowWrites> writes;
+        const StoreTable* table = nullptr;
+        for (auto change = plan_.begin(); same && change != plan_.end(); ++change) {
+            if (change->table != table || writes->AreMany()) {
+                if (writes) {
+                    writes->Send(failed);
+                }
+                table = change->table;
+                writes.emplace(dataBase_, *table);
+            }
+            Put(*writes, change->before ? &*change->before : nullptr,
+                change->after ? &*change->after : nullptr);
+        }
+        if (same && writes) {
+            writes->Send(failed);
+        }
+        return same;
+    }
+
+    // Tells the nodes that changed as a store has them now.
+    void TellNodes(DataBase& after, const ExchangeNode& tell) const {
+        ReadContents(after, Places(), [&](const NodePlace& place, const NodeContent& content) {
+            tell(place, touched_.at(place).node, content.node);
+        });
     }
 
   private:
-    [[nodiscard]] std::size_t PlaceInKey(const char* column) const {
-        const auto found = std::ranges::find(table_->key, FindColumn(*table_, column).value());
-        return static_cast<std::size_t>(found - table_->key.begin());
-    }
-
     // Removes what the store has before that key, or all the rest; returns the row reached.
     const StoreRow* RemoveUpTo(const StoreKey* key) {
         const StoreRow* stored = cursor_->Row();
         for (; stored != nullptr && (key == nullptr || cursor_->Key() < *key); stored = cursor_->Row()) {
-            Change(&RowWrites::Remove, counts_.removed, "removed", *stored, cursor_->Key());
+            Change(stored, nullptr, cursor_->Key());
             cursor_->Next();
         }
         return stored;
     }
 
-    // Whether the row of that key is one of an AUTO node's. Before the first of them changes, the node is
-    // kept as it is.
-    bool Touch(const StoreKey& key) {
-        if (nodeRows_ == AutoNodeRows.end()) {
-            return false;
-        }
-        const std::array numbers = {key[0], key[1], key.at(number_)};
-        // A number that no AUTO node can have is another program's.
-        if ((type_ && key.at(*type_) != AutoType) ||
-            !std::ranges::all_of(numbers, [](std::int64_t n) { return std::in_range<std::int16_t>(n); })) {
-            return false;
-        }
-        const auto small = [&](std::size_t i) { return static_cast<std::int16_t>(numbers[i]); };
-        const NodePlace place{{small(0), small(1)}, small(2)};
-        if (place != latest_ && touched_.try_emplace(place).second) {
-            newlyTouched_.push_back(place);
-        }
-        latest_ = place;
-        return true;
-    }
-
-    // All that waits, and what has to be kept before it.
-    void Write() {
+    // All that waits, and before it the nodes that it changes as they are.
+    void Settle() {
         const auto take = [this](const NodePlace& place, NodeContent before) {
-            touched_[place] = std::move(before.node);
+            touched_[place] = std::move(before);
         };
-        if (keepsHistory_) {
-            history_.Keep(newlyTouched_, "import", take);
+        if (mode_ == Mode::Write) {
+            history_.Keep(newlyTouched_, Work, take);
         } else {
+            history_.RequireIdle(newlyTouched_);
             ReadContents(dataBase_, newlyTouched_, take);
         }
         newlyTouched_.clear();
@@ -151,22 +178,47 @@ class ExchangeImport : public ExchangeSink {
         });
     }
 
-    void Change(void (RowWrites::*write)(const StoreRow&), std::uint64_t& count, const char* what,
-                const StoreRow& row, const StoreKey& key, const std::string& columns = "") {
-        const bool isNode = Touch(key);
-        ((*writes_).*write)(row);
-        if (writes_->AreMany()) {
-            Write();
+    void Plan(const StoreRow* before, const StoreRow* after) {
+        const auto copied = [this](const StoreRow* row) {
+            if (row == nullptr) {
+                return std::optional<StoreRow>();
+            }
+            for (const auto& field : *row) {
+                plannedBytes_ += sizeof field + (field ? field->size() : 0);
+            }
+            return std::optional(*row);
+        };
+        plan_.push_back({table_, copied(before), copied(after)});
+        if (IsTooLarge()) {
+            plan_.clear();
         }
-        ++count;
-        if (isNode && isToldAsNodes_) {
+    }
+
+    void Change(const StoreRow* before, const StoreRow* after, const StoreKey& key) {
+        const auto place = owners_->AutoNodeOf(key);
+        if (place && place != latest_ && touched_.try_emplace(*place).second) {
+            newlyTouched_.push_back(*place);
+        }
+        latest_ = place ? place : latest_;
+        if (mode_ == Mode::Write) {
+            Put(*writes_, before, after);
+            if (writes_->AreMany()) {
+                Settle();
+            }
+        } else if (mode_ == Mode::Plan) {
+            Plan(before, after);
+        }
+        ++(before == nullptr ? counts_.added : after == nullptr ? counts_.removed : counts_.changed);
+        if (place && owners_->AreToldAsNodes()) {
             return;
         }
         if (counts_.rows.size() == MostRowsTold) {
             ++counts_.untold;
             return;
         }
-        counts_.rows.push_back(std::string(what) + ' ' + KeyText(*table_, row) + columns);
+        const char* what = before == nullptr ? "added " : after == nullptr ? "removed " : "changed ";
+        counts_.rows.push_back(what + KeyText(*table_, after != nullptr ? *after : *before) +
+                               (before != nullptr && after != nullptr ? Differing(*before, *after) : ""));
     }
 
     [[nodiscard]] std::string Differing(const StoreRow& before, const StoreRow& after) const {
@@ -182,52 +234,129 @@ class ExchangeImport : public ExchangeSink {
 
     DataBase& dataBase_;
     History history_;
-    bool keepsHistory_;
-    const ExchangeNode& tell_;
+    Mode mode_;
+    const ImportProgress& progress_;
+    std::uint64_t rows_ = 0;
     ExchangeReport report_;
     // Of the table that is being gone over.
     const StoreTable* table_ = nullptr;
+    std::optional<RowOwners> owners_;
     std::optional<TableCursor> cursor_;
     std::optional<RowWrites> writes_;
     ExchangeReport::Table counts_;
-    const NodeRows* nodeRows_ = AutoNodeRows.end(); // the end where no row of the table is an AUTO node's
-    bool isToldAsNodes_ = false;
-    std::size_t number_ = 0; // where in the key
-    std::optional<std::size_t> type_;
-    std::map<NodePlace, std::optional<AutoNode>> touched_; // as they were
-    std::optional<NodePlace> latest_;                      // of them
-    std::vector<NodePlace> newlyTouched_;                  // by what is not written yet, and not kept yet
+    std::map<NodePlace, NodeContent> touched_; // as they were
+    std::optional<NodePlace> latest_;          // of them
+    std::vector<NodePlace> newlyTouched_;      // by what is not written yet, and not kept yet
+    std::vector<RowChange> plan_;
+    std::size_t plannedBytes_ = 0;
 };
 
-} // namespace
+// Brings the rows of some AUTO nodes into a store that holds nothing else.
+class Scratch : public ExchangeSink {
+  public:
+    explicit Scratch(const std::vector<NodePlace>& places) : places_(places.begin(), places.end()) {}
 
-ExchangeReport ImportExchange(DataBase& dataBase, const std::filesystem::path& file, Import how,
-                              const ExchangeNode& tell) {
+    void TakeScope(std::optional<Partition>) override {}
+
+    void TakeTable(const StoreTable& table) override {
+        table_ = &table;
+        taken_.insert(&table);
+        owners_.emplace(table);
+        writes_.emplace(store_, table);
+    }
+
+    void TakeRow(const StoreRow& row) override {
+        const auto place = owners_->AutoNodeOf(KeyOf(*table_, row));
+        if (place && places_.contains(*place)) {
+            writes_->Insert(row);
+            if (writes_->AreMany()) {
+                TakeEndOfTable();
+            }
+        }
+    }
+
+    void TakeEndOfTable() override {
+        writes_->Send([](const StoreRow&) {});
+    }
+
+    // What a text leaves as it is.
+    void TakeRest(DataBase& dataBase, std::optional<Partition> scope) {
+        for (const char* name : TablesOfAutoNodes()) {
+            const StoreTable& table = *FindTable(name);
+            if (taken_.contains(&table)) {
+                continue;
+            }
+            TakeTable(table);
+            for (TableCursor cursor(dataBase, table, scope); const StoreRow* row = cursor.Row();
+                 cursor.Next()) {
+                TakeRow(*row);
+            }
+            TakeEndOfTable();
+        }
+    }
+
+    [[nodiscard]] DataBase& Store() { return store_; }
+
+  private:
+    std::set<NodePlace> places_;
+    DataBase store_{OpenScratchStore()};
+    std::set<const StoreTable*> taken_;
+    const StoreTable* table_ = nullptr;
+    std::optional<RowOwners> owners_;
+    std::optional<RowWrites> writes_;
+};
+
+void Read(const std::filesystem::path& file, DataBase& dataBase, ExchangeSink& sink) {
     std::ifstream text(file, std::ios::binary);
     if (!text) {
         throw RuntimeError(ErrorNumber::StoreNotFound,
                            "Cannot read '" + file.string() + "': " + std::generic_category().message(errno));
     }
-    // What is only told leaves nothing behind, not even the tables that a history needs.
-    const bool keepsHistory = how == Import::Carry && History(dataBase).Prepare();
-    if (how == Import::Carry && !keepsHistory) {
-        throw RuntimeError(ErrorNumber::PermissionDenied,
-                           "The store may not keep the nodes as they were, so that nothing is imported");
-    }
-    Transaction all(dataBase);
-    ExchangeImport import(dataBase, keepsHistory, tell);
     try {
-        ReadExchange(text, import);
+        ReadExchange(text, sink, dataBase.TakesAnyBytes() ? AnyBytes::Take : AnyBytes::Refuse);
     } catch (const RuntimeError& error) {
         throw RuntimeError(error.Number(), "Cannot import '" + file.string() + "': " + error.what(),
                            error.Source());
     }
-    ExchangeReport report = import.Finish();
-    if (how == Import::Carry) {
+}
+
+} // namespace
+
+ExchangeReport ImportExchange(DataBase& dataBase, const std::filesystem::path& file, Import how,
+                              const ExchangeNode& tell, const ImportProgress& progress) {
+    for (int attempt = 1;; ++attempt) {
+        Comparison import(dataBase, how == Import::Carry ? Mode::Plan : Mode::Tell, progress);
+        {
+            const Snapshot snapshot(dataBase);
+            Read(file, dataBase, import);
+            if (how == Import::OnlyTell) {
+                Scratch scratch(import.Places());
+                Read(file, dataBase, scratch);
+                scratch.TakeRest(dataBase, import.Report().scope);
+                import.TellNodes(scratch.Store(), tell);
+                return std::move(import.Report());
+            }
+        }
+        if (import.Report().tables.empty()) {
+            return std::move(import.Report());
+        }
+        if (!History(dataBase).Prepare()) {
+            throw RuntimeError(ErrorNumber::PermissionDenied,
+                               "The store may not keep the nodes as they were, so that nothing is imported");
+        }
+        Transaction all(dataBase);
+        std::optional<Comparison> direct;
+        if (import.IsTooLarge() || attempt == MostPlans) {
+            Read(file, dataBase, direct.emplace(dataBase, Mode::Write, progress));
+        } else if (!import.CarryOut()) {
+            continue;
+        }
+        Comparison& done = direct ? *direct : import;
+        done.TellNodes(dataBase, tell);
         all.Commit();
         dataBase.Flush();
+        return std::move(done.Report());
     }
-    return report;
 }
 
 } // namespace KAL_AUTO_Node

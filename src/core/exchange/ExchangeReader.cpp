@@ -1,6 +1,7 @@
 #include "exchange/ExchangeReader.h"
 
 #include "exchange/ExchangeFormat.h"
+#include "nodes/JsonText.h"
 #include "platform/RuntimeError.h"
 
 #include <algorithm>
@@ -64,17 +65,11 @@ class Source : public std::streambuf {
     std::size_t bytesOfLine_ = 0; // before these, of the line that goes on in them
 };
 
-int DigitOf(char c) {
-    if (c >= '0' && c <= '9') {
-        return c - '0';
-    }
-    return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
-}
-
 // What the parser tells of the text, in the words of its library.
 class Handler {
   public:
-    Handler(Source& source, ExchangeSink& sink) : source_(source), sink_(sink) {}
+    Handler(Source& source, ExchangeSink& sink, AnyBytes anyBytes)
+        : source_(source), sink_(sink), anyBytes_(anyBytes) {}
 
     bool null() { return Value(std::nullopt, Kind::Null); }
 
@@ -156,6 +151,9 @@ class Handler {
         case Place::Bytes:
             if (!bytes_) {
                 Fail("a value that is no text has one member, bytes");
+            }
+            if (anyBytes_ == AnyBytes::Refuse && !IsUtf8(*bytes_)) {
+                Fail(Column().name + " is no UTF-8, and a server takes no other texts");
             }
             place_ = Place::Row;
             Field().swap(*bytes_);
@@ -317,13 +315,9 @@ class Handler {
     }
 
     void PutBytes(const std::string& digits, Kind kind) {
-        if (kind != Kind::Text || digits.size() % 2 != 0 ||
-            !std::ranges::all_of(digits, [](char c) { return DigitOf(c) >= 0; })) {
+        bytes_ = kind == Kind::Text ? BytesOfDigits(digits) : std::nullopt;
+        if (!bytes_) {
             Fail("bytes are a text of two digits each, 0 to 9 and a to f");
-        }
-        bytes_.emplace();
-        for (std::size_t at = 0; at < digits.size(); at += 2) {
-            *bytes_ += static_cast<char>(DigitOf(digits[at]) * 16 + DigitOf(digits[at + 1]));
         }
     }
 
@@ -339,6 +333,9 @@ class Handler {
     void Check(Kind kind) {
         if (kind == Kind::Number && !Column().number) {
             Fail(Column().name + " is a text, and stands in quotes");
+        }
+        if (kind == Kind::Text && Column().number) {
+            Fail(Column().name + " is a number, and stands without quotes");
         }
         if (const auto why = WhyNot(Column(), row_[*column_])) {
             Fail(Column().name + ' ' + *why);
@@ -365,6 +362,7 @@ class Handler {
 
     Source& source_;
     ExchangeSink& sink_;
+    AnyBytes anyBytes_;
     Place place_ = Place::Outside;
     std::set<std::string> members_;
     std::string member_;
@@ -384,9 +382,9 @@ class Handler {
 
 } // namespace
 
-void ReadExchange(std::istream& text, ExchangeSink& sink) {
+void ReadExchange(std::istream& text, ExchangeSink& sink, AnyBytes anyBytes) {
     Source source(text);
-    Handler handler(source, sink);
+    Handler handler(source, sink, anyBytes);
     std::istream bytes(&source);
     Json::sax_parse(bytes, &handler);
 }

@@ -23,9 +23,12 @@ class ExchangeSink {
     virtual void TakeEndOfTable() = 0;
 };
 
+// Whether a text may be any bytes, which not every store takes.
+enum class AnyBytes { Take, Refuse };
+
 // Reads a text to its end, a row at a time. Raises StoreNotRecognized, naming the line, for one of another
 // form, where something is missing or too much, and where a value is none that its column can hold; what was
 // told until then was right.
-void ReadExchange(std::istream& text, ExchangeSink& sink);
+void ReadExchange(std::istream& text, ExchangeSink& sink, AnyBytes anyBytes = AnyBytes::Take);
 
 } // namespace KAL_AUTO_Node

@@ -4,6 +4,7 @@
 #include "exchange/FileKind.h"
 #include "exchange/TableCursor.h"
 #include "nodes/JsonText.h"
+#include "platform/Interruption.h"
 #include "platform/NewFile.h"
 #include "platform/RuntimeError.h"
 #include "store/Batch.h"
@@ -22,24 +23,33 @@ using Json = nlohmann::json;
 constexpr std::size_t BytesWrittenAtOnce = 64U << 10U;
 
 void AppendText(std::string& line, const std::string& text) {
-    try {
+    if (IsUtf8(text)) {
         AppendJsonText(line, text, NotUtf8::Refuse);
-    } catch (const Json::type_error&) {
-        static constexpr std::string_view digits = "0123456789abcdef";
-        line += R"({"bytes": ")";
-        for (const char byte : text) {
-            line += digits[static_cast<unsigned char>(byte) >> 4U];
-            line += digits[static_cast<unsigned char>(byte) & 0xFU];
-        }
-        line += "\"}";
+    } else {
+        line += R"({"bytes": ")" + DigitsOfBytes(text) + "\"}";
     }
 }
 
-void AppendValue(std::string& line, const StoreColumn& column, const std::optional<std::string>& value) {
-    auto number = value;
+// What import would refuse is no export: it is told while it can still be mended.
+void AppendValue(std::string& line, const StoreTable& table, const StoreRow& row, std::size_t at) {
+    const StoreColumn& column = table.columns[at];
+    const auto& value = row[at];
+    std::optional<std::string> why;
+    if (column.number || !value || value->find('\0') != std::string::npos) {
+        auto taken = value;
+        why = WhyNot(column, taken);
+        if (!why && taken != value) {
+            why = "is \"" + *value + "\" and not " + *taken;
+        }
+    }
+    if (why) {
+        throw RuntimeError(ErrorNumber::StoreFailure,
+                           "Nothing is exported, since import would refuse it: " + table.name + ", " +
+                               KeyText(table, row) + ": " + column.name + ' ' + *why);
+    }
     if (!value) {
         line += "null";
-    } else if (column.number && !WhyNot(column, number) && number == value) {
+    } else if (column.number) {
         line += *value;
     } else {
         AppendText(line, *value);
@@ -48,28 +58,31 @@ void AppendValue(std::string& line, const StoreColumn& column, const std::option
 
 class ExportFile {
   public:
-    explicit ExportFile(const std::filesystem::path& place) : file_(place) { file_.Write(""); }
+    ExportFile(const std::filesystem::path& place, const ExportProgress& progress)
+        : file_(place), progress_(progress) {}
 
     std::string& Text() { return text_; }
 
-    void MayWrite() {
+    void MayWrite(std::uint64_t rows) {
         if (text_.size() >= BytesWrittenAtOnce) {
             file_.Append(text_);
             text_.clear();
+            progress_(rows);
         }
     }
 
     void Finish() {
         file_.Append(text_);
-        file_.Replace();
+        file_.Finish();
     }
 
   private:
-    NewFile file_;
+    Output file_;
+    const ExportProgress& progress_;
     std::string text_; // not written yet
 };
 
-std::uint64_t WriteTable(TableCursor& rows, ExportFile& file) {
+std::uint64_t WriteTable(TableCursor& rows, ExportFile& file, std::uint64_t before) {
     const StoreTable& table = rows.Table();
     std::vector<std::string> names;
     for (const StoreColumn& column : table.columns) {
@@ -80,10 +93,10 @@ std::uint64_t WriteTable(TableCursor& rows, ExportFile& file) {
         file.Text() += count++ == 0 ? "\n" : ",\n";
         for (std::size_t column = 0; column < names.size(); ++column) {
             file.Text() += names[column];
-            AppendValue(file.Text(), table.columns[column], (*row)[column]);
+            AppendValue(file.Text(), table, *row, column);
         }
         file.Text() += '}';
-        file.MayWrite();
+        file.MayWrite(before + count);
     }
     return count;
 }
@@ -112,7 +125,7 @@ std::uint64_t WriteStore(DataBase& dataBase, std::optional<Partition> scope, Exp
     const char* before = "\n";
     for (TableCursor& cursor : cursors) {
         file.Text() += before + ('"' + cursor.Table().name) + "\": [";
-        rows += WriteTable(cursor, file);
+        rows += WriteTable(cursor, file, rows);
         file.Text() += "\n]";
         before = ",\n";
     }
@@ -120,36 +133,26 @@ std::uint64_t WriteStore(DataBase& dataBase, std::optional<Partition> scope, Exp
     return rows;
 }
 
-// Where one may not write one cannot keep others from it either.
-void TryToHold(std::optional<Transaction>& state, DataBase& dataBase) {
-    try {
-        state.emplace(dataBase);
-    } catch (const RuntimeError& error) {
-        if (error.Number() != ErrorNumber::PermissionDenied) {
-            throw;
-        }
-    }
-}
-
 } // namespace
 
-std::uint64_t Export(DataBase& dataBase, std::optional<Partition> scope, const std::filesystem::path& file) {
+std::uint64_t Export(DataBase& dataBase, std::optional<Partition> scope, const std::filesystem::path& file,
+                     const ExportProgress& progress) {
     std::error_code ignored;
-    // Through a link the file that it names is replaced, not the link.
-    std::filesystem::path place = std::filesystem::weakly_canonical(file, ignored);
-    if (place.empty()) {
-        place = file;
-    }
-    if (std::filesystem::exists(place, ignored) && !std::filesystem::is_empty(place, ignored) &&
-        KindOf(place) != FileKind::Exchange) {
+    if (!Output::IsStream(file) && std::filesystem::exists(file, ignored) &&
+        !std::filesystem::is_empty(file, ignored) && KindOf(file) != FileKind::Exchange) {
         throw RuntimeError(ErrorNumber::PermissionDenied,
                            "'" + file.string() + "' is something else than an export, and is left as it is");
     }
-    std::optional<Transaction> state;
-    TryToHold(state, dataBase);
     try {
-        ExportFile written(place);
+        const Snapshot state(dataBase);
+        const Interruption interruption;
+        ExportFile written(file, progress);
         const std::uint64_t rows = WriteStore(dataBase, scope, written);
+        if (scope && rows == 0) {
+            throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                               "Nothing is exported: configuration " + std::to_string(scope->config) +
+                                   ", partition " + std::to_string(scope->number) + " has no rows");
+        }
         written.Finish();
         return rows;
     } catch (const RuntimeError&) {

@@ -34,6 +34,10 @@ FileKind KindOf(const std::filesystem::path& file) {
     if (std::filesystem::is_directory(file)) {
         Fail(file, "it is a folder");
     }
+    std::error_code ignored;
+    if (std::filesystem::exists(file, ignored) && !std::filesystem::is_regular_file(file, ignored)) {
+        Fail(file, "it is no file, which can be looked at before it is read");
+    }
     errno = 0;
     std::ifstream stream(file, std::ios::binary);
     if (!stream) {

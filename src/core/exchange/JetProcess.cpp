@@ -1,6 +1,8 @@
 #include "exchange/JetProcess.h"
 
 #include "exchange/JetFrames.h"
+#include "platform/ChildProcess.h"
+#include "platform/Interruption.h"
 #include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
 
@@ -11,7 +13,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <system_error>
@@ -32,77 +33,61 @@ constexpr rlim_t MebibytesPerSecond = 4;
 // Of waiting for the program, on a machine that is busy with other things.
 constexpr int WaitPerSecondOfWork = 4;
 
-constexpr int CannotStart = 127;
+[[noreturn]] void Fail(const std::string& why) { throw RuntimeError(ErrorNumber::StoreNotRecognized, why); }
 
-[[noreturn]] void Fail(const std::string& why) { throw std::runtime_error(why); }
+// The ends of a pipe, each open until it is closed.
+struct Pipe {
+    Pipe() {
+        if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+            Fail("cannot hear its reader: " + std::generic_category().message(errno));
+        }
+    }
 
-void Limit(int resource, rlim_t most) {
-    const rlimit limit{most, most};
-    setrlimit(static_cast<__rlimit_resource>(resource), &limit);
-}
+    ~Pipe() {
+        CloseWritten();
+        close(ends[0]);
+    }
 
-// The program and the end of the pipe that it writes to.
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+
+    void CloseWritten() {
+        if (const int end = std::exchange(ends[1], -1); end >= 0) {
+            close(end);
+        }
+    }
+
+    std::array<int, 2> ends{-1, -1};
+};
+
+// The program and the pipe that it writes to.
 class ReaderProcess {
   public:
     ReaderProcess(const std::filesystem::path& program, const std::filesystem::path& file,
                   const std::vector<std::string>& tables)
         : seconds_(LeastSeconds + (std::filesystem::file_size(file) >> 20U) / MebibytesPerSecond),
-          patience_(std::chrono::seconds(seconds_) * WaitPerSecondOfWork) {
-        // A name that begins with a dash would be none to the program.
-        const std::string path = std::filesystem::absolute(file).string();
-        std::vector<char*> arguments = {const_cast<char*>(program.c_str()), const_cast<char*>(path.c_str())};
-        for (const std::string& table : tables) {
-            arguments.push_back(const_cast<char*>(table.c_str()));
-        }
-        arguments.push_back(nullptr);
-        std::array<int, 2> pipe{};
-        if (pipe2(pipe.data(), O_CLOEXEC) != 0) {
-            throw std::system_error(errno, std::generic_category(), "cannot start its reader");
-        }
-        output_ = pipe[0];
-        process_ = fork();
-        if (process_ == 0) {
-            Become(pipe[1], arguments);
-        }
-        const int failure = errno;
-        close(pipe[1]);
-        if (process_ < 0) {
-            close(output_);
-            throw std::system_error(failure, std::generic_category(), "cannot start its reader");
-        }
+          patience_(std::chrono::seconds(seconds_) * WaitPerSecondOfWork),
+          process_(StartOf(program, file, tables)) {
+        output_.CloseWritten();
     }
-
-    ~ReaderProcess() {
-        close(output_);
-        if (process_ > 0) {
-            kill(process_, SIGKILL);
-            Reap();
-        }
-    }
-
-    ReaderProcess(const ReaderProcess&) = delete;
-    ReaderProcess& operator=(const ReaderProcess&) = delete;
 
     std::size_t Read(std::span<char> buffer) {
         Wait();
         ssize_t got = 0;
         do {
-            got = read(output_, buffer.data(), buffer.size());
+            got = read(output_.ends[0], buffer.data(), buffer.size());
         } while (got < 0 && errno == EINTR);
         if (got < 0) {
-            throw std::system_error(errno, std::generic_category(), "cannot hear its reader");
+            Fail("cannot hear its reader: " + std::generic_category().message(errno));
         }
         return static_cast<std::size_t>(got);
     }
 
     // Why the stream ended before its end, told by how the program did.
     [[noreturn]] void ExplainEnd(const std::string& otherwise) {
-        // One that only closed its output is no better.
-        kill(process_, SIGKILL);
-        const int status = Reap();
-        if (WIFEXITED(status) && WEXITSTATUS(status) == CannotStart) {
-            Fail("its reader cannot be started");
-        }
+        // One that only closed its output is no better; one that is ending has its own status in a moment.
+        static_cast<void>(process_.WaitFor(100ms));
+        const int status = process_.End();
         if (WIFSIGNALED(status) && WTERMSIG(status) == SIGXCPU) {
             Fail("its reader came to no end; the file is damaged");
         }
@@ -114,48 +99,43 @@ class ReaderProcess {
     }
 
   private:
-    // In the new process: nothing but system calls.
-    [[noreturn]] void Become(int output, std::vector<char*>& arguments) const {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
-        dup2(nowhere, STDIN_FILENO);
-        dup2(nowhere, STDERR_FILENO);
-        dup2(output, STDOUT_FILENO);
-        Limit(RLIMIT_CORE, 0);
-        Limit(RLIMIT_FSIZE, 0);
-        Limit(RLIMIT_CPU, seconds_);
+    [[nodiscard]] ChildStart StartOf(const std::filesystem::path& program, const std::filesystem::path& file,
+                                     const std::vector<std::string>& tables) const {
+        // A name that begins with a dash would be none to the program. Nothing in the environment changes how
+        // the file is read.
+        ChildStart start{program.string(),
+                         {std::filesystem::absolute(file).string()},
+                         {-1, output_.ends[1], -1},
+                         {{RLIMIT_CORE, 0}, {RLIMIT_FSIZE, 0}, {RLIMIT_CPU, seconds_}},
+                         false};
 #ifndef __SANITIZE_ADDRESS__
-        Limit(RLIMIT_AS, MostMemory);
+        start.limits.emplace_back(RLIMIT_AS, MostMemory);
 #endif
-        // Nothing in the environment changes how the file is read.
-        std::array<char*, 1> environment{};
-        execve(arguments[0], arguments.data(), environment.data());
-        _exit(CannotStart);
+        start.arguments.insert(start.arguments.end(), tables.begin(), tables.end());
+        return start;
     }
 
     void Wait() {
-        const auto begun = std::chrono::steady_clock::now();
-        pollfd waited{output_, POLLIN, 0};
-        const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(patience_);
-        const int ready = poll(&waited, 1, static_cast<int>(milliseconds.count()));
-        patience_ -= std::chrono::steady_clock::now() - begun;
-        if (ready == 0 || patience_ <= 0s) {
-            Fail("its reader came to no end; the file is damaged");
+        constexpr auto betweenLooks = 200ms;
+        pollfd waited{output_.ends[0], POLLIN, 0};
+        for (;;) {
+            const auto begun = std::chrono::steady_clock::now();
+            const int ready = poll(&waited, 1, static_cast<int>(betweenLooks.count()));
+            patience_ -= std::chrono::steady_clock::now() - begun;
+            Interruption::Look();
+            if (patience_ <= 0s) {
+                Fail("its reader came to no end; the file is damaged");
+            }
+            if (ready != 0) {
+                return;
+            }
         }
-    }
-
-    int Reap() {
-        int status = 0;
-        while (waitpid(process_, &status, 0) < 0 && errno == EINTR) {
-        }
-        process_ = 0;
-        return status;
     }
 
     rlim_t seconds_;
     std::chrono::steady_clock::duration patience_; // left, of waiting
-    int output_ = -1;
-    pid_t process_ = 0;
+    Pipe output_;
+    ChildProcess process_;
 };
 
 // What goes wrong in the sink is nothing of the file's.

@@ -21,36 +21,51 @@ std::vector<std::size_t> OtherColumns(const StoreTable& table) {
     return columns;
 }
 
-std::vector<std::size_t> Joined(std::vector<std::size_t> columns, const std::vector<std::size_t>& more) {
-    columns.insert(columns.end(), more.begin(), more.end());
-    return columns;
-}
-
 } // namespace
 
 RowWrites::RowWrites(DataBase& dataBase, const StoreTable& table)
-    : dataBase_(dataBase), insert_{InsertStatement(table), AllColumns(table), {}},
-      update_{UpdateStatement(table, OtherColumns(table)), Joined(OtherColumns(table), table.key), {}},
-      remove_{DeleteStatement(table, table.key), table.key, {}} {}
+    : dataBase_(dataBase), all_(AllColumns(table)), others_(OtherColumns(table)),
+      key_(table.key), insert_{InsertStatement(table), {}}, update_{UpdateStatement(table, others_), {}},
+      remove_{RemoveStatement(table, others_), {}} {}
 
 RowWrites::~RowWrites() = default;
 
 bool RowWrites::AreMany() const { return waiting_ >= ManyWrites || bytes_ >= ManyBytes; }
 
-void RowWrites::Add(Kind& kind, const StoreRow& row) {
+void RowWrites::Insert(const StoreRow& row) { Put(Begin(insert_), row, all_); }
+
+void RowWrites::Update(const StoreRow& before, const StoreRow& row) {
+    StoreRow& parameters = Begin(update_);
+    Put(parameters, row, others_);
+    Put(parameters, row, key_);
+    Put(parameters, before, others_);
+}
+
+void RowWrites::Remove(const StoreRow& before) {
+    StoreRow& parameters = Begin(remove_);
+    Put(parameters, before, key_);
+    Put(parameters, before, others_);
+}
+
+StoreRow& RowWrites::Begin(Kind& kind) {
     if (!kind.statement) {
         kind.statement = dataBase_.Prepare(kind.sql);
     }
     if (waiting_ == writes_.size()) {
         writes_.emplace_back();
     }
-    auto& [statement, parameters] = writes_[waiting_++];
+    auto& [statement, parameters, used] = writes_[waiting_++];
     statement = kind.statement.get();
-    parameters.resize(kind.columns.size());
-    for (std::size_t i = 0; i < parameters.size(); ++i) {
-        const auto& field = row[kind.columns[i]];
-        parameters[i] = field;
-        bytes_ += field ? field->size() : 0;
+    parameters.resize(statement->ParameterCount());
+    used = 0;
+    return parameters;
+}
+
+void RowWrites::Put(StoreRow& parameters, const StoreRow& row, std::span<const std::size_t> columns) {
+    std::size_t& used = writes_[waiting_ - 1].used;
+    for (const std::size_t column : columns) {
+        parameters[used++] = row[column];
+        bytes_ += row[column] ? row[column]->size() : 0;
     }
 }
 
@@ -59,7 +74,7 @@ void RowWrites::Send(const std::function<void(const StoreRow&)>& failed) {
     waiting_ = bytes_ = 0;
     std::vector<StatementRun> runs;
     runs.reserve(writes.size());
-    for (const auto& [statement, parameters] : writes) {
+    for (const auto& [statement, parameters, used] : writes) {
         runs.push_back({statement, parameters});
     }
     const auto written = dataBase_.RunTogether(runs);

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -19,12 +20,10 @@ class RowWrites {
     RowWrites(DataBase& dataBase, const StoreTable& table);
     ~RowWrites();
 
-    void Insert(const StoreRow& row) { Add(insert_, row); }
-
-    // All other columns of the row of that key.
-    void Update(const StoreRow& row) { Add(update_, row); }
-
-    void Remove(const StoreRow& row) { Add(remove_, row); }
+    void Insert(const StoreRow& row);
+    // All other columns of the row of that key, and the row: not where it is another than before by then.
+    void Update(const StoreRow& before, const StoreRow& row);
+    void Remove(const StoreRow& before);
 
     // Whether so many wait, or so much, that they should be sent.
     [[nodiscard]] bool AreMany() const;
@@ -36,18 +35,22 @@ class RowWrites {
   private:
     struct Kind {
         std::string sql;
-        std::vector<std::size_t> columns;     // of the parameters
         std::unique_ptr<Statement> statement; // once it is needed
     };
 
     struct Write {
         Statement* statement = nullptr;
         StoreRow parameters;
+        std::size_t used = 0; // of them, while they are put there
     };
 
-    void Add(Kind& kind, const StoreRow& row);
+    StoreRow& Begin(Kind& kind);
+    void Put(StoreRow& parameters, const StoreRow& row, std::span<const std::size_t> columns);
 
     DataBase& dataBase_;
+    std::vector<std::size_t> all_; // positions of columns
+    std::vector<std::size_t> others_;
+    std::vector<std::size_t> key_;
     Kind insert_;
     Kind update_;
     Kind remove_;

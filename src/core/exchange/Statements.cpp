@@ -33,6 +33,15 @@ std::string Equal(const StoreTable& table, std::span<const std::size_t> columns,
     return text;
 }
 
+std::string MatchingKeyAndBefore(const StoreTable& table, std::span<const std::size_t> columns) {
+    std::string text = Matching(table, table.key);
+    for (const std::size_t column : columns) {
+        const std::string& name = table.columns[column].name;
+        text += " AND " + name + " IS NOT DISTINCT FROM :Before_" + name;
+    }
+    return text;
+}
+
 } // namespace
 
 std::string Matching(const StoreTable& table, std::span<const std::size_t> columns) {
@@ -41,7 +50,11 @@ std::string Matching(const StoreTable& table, std::span<const std::size_t> colum
 
 std::string UpdateStatement(const StoreTable& table, std::span<const std::size_t> columns) {
     return "UPDATE " + table.name + " SET " + Equal(table, columns, ", ") + " WHERE " +
-           Matching(table, table.key);
+           MatchingKeyAndBefore(table, columns);
+}
+
+std::string RemoveStatement(const StoreTable& table, std::span<const std::size_t> columns) {
+    return "DELETE FROM " + table.name + " WHERE " + MatchingKeyAndBefore(table, columns);
 }
 
 std::string DeleteStatement(const StoreTable& table, std::span<const std::size_t> columns) {

@@ -12,8 +12,12 @@ namespace KAL_AUTO_Node {
 // Inserts a row. Leaves one alone whose key is there already; it counts as not written.
 [[nodiscard]] std::string InsertStatement(const StoreTable& table);
 
-// Sets those columns of the row of a key; the key's come last.
+// Sets those columns of the row of a key, where it holds what it held: then come the key's columns, and those
+// columns as they were.
 [[nodiscard]] std::string UpdateStatement(const StoreTable& table, std::span<const std::size_t> columns);
+
+// Deletes the row of a key, likewise: first the key's columns, then those.
+[[nodiscard]] std::string RemoveStatement(const StoreTable& table, std::span<const std::size_t> columns);
 
 // Deletes the rows with those columns.
 [[nodiscard]] std::string DeleteStatement(const StoreTable& table, std::span<const std::size_t> columns);

@@ -235,6 +235,22 @@ void History::RequireIdle(const NodePlace& place, const std::vector<Version>& ve
     }
 }
 
+void History::RequireIdle(std::span<const NodePlace> places) {
+    while (!places.empty()) {
+        const auto together = TakeTogether(places);
+        ReadAhead ahead(dataBase_);
+        if (Exists()) {
+            for (const NodePlace& place : together) {
+                ReadVersionsAhead(ahead, place);
+            }
+            ahead.Fetch();
+        }
+        for (const NodePlace& place : together) {
+            RequireIdle(place, Versions(place));
+        }
+    }
+}
+
 void History::Keep(std::span<const NodePlace> places, const char* work, const TakeContent& take) {
     while (!places.empty()) {
         const auto together = TakeTogether(places);

@@ -54,6 +54,9 @@ class History {
     // in order what is kept. Raises Busy while one of them is being saved. No place stands there twice.
     void Keep(std::span<const NodePlace> places, const char* work, const TakeContent& take = {});
 
+    // Raises Busy while one of them is being saved.
+    void RequireIdle(std::span<const NodePlace> places);
+
     // Whether a save began to make that node from its template. Needs a store with a history.
     [[nodiscard]] bool HasBegun(Partition partition, int typeID, int number);
 

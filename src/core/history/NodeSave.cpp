@@ -75,7 +75,9 @@ std::optional<Obstacle> NodeSave::Begin(const AutoNode& loaded, int version) {
 Creation NodeSave::Create(int typeID, int number, const std::string& date) {
     const auto& [partition, node] = place_;
     auto existing = Existing::Refuse;
-    if (Guarded()) {
+    // Where nothing can be made nothing is left to be finished.
+    const bool marked = Guarded() && HasCopyRule(NodeTypeOf(typeID));
+    if (marked) {
         if (history_.HasBegun(partition, typeID, number)) {
             existing = Existing::Keep;
         } else {
@@ -83,7 +85,13 @@ Creation NodeSave::Create(int typeID, int number, const std::string& date) {
                                                       number, version_, node, date});
         }
     }
-    return CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, number, typeID, date, existing);
+    const Creation outcome =
+        CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, number, typeID, date, existing);
+    if (marked && outcome == Creation::NoTemplate) {
+        dataBase_.Execute(Command::Delete_Creation,
+                          {partition.config, partition.number, NodeTypeOf(typeID), number});
+    }
+    return outcome;
 }
 
 void NodeSave::Renew() {

@@ -12,8 +12,9 @@
 
 namespace KAL_AUTO_Node {
 
-// Whether the labels of the nodes that a node refers to are read with it.
-enum class Labels { Read, Leave };
+// Whether the labels of the nodes that a node refers to are read with it: under the type of the reference, as
+// the window shows them, or that of the node, which is another where a message is referred to.
+enum class Labels { Read, ReadOfNodes, Leave };
 
 // The node that an AUTO node refers to.
 struct Reference {

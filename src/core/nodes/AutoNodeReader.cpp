@@ -1,5 +1,6 @@
 #include "nodes/AutoNodeReader.h"
 
+#include "nodes/NodeTypes.h"
 #include "nodes/Record.h"
 
 namespace KAL_AUTO_Node {
@@ -10,9 +11,13 @@ std::string LabelOf(DataBase& dataBase, Partition partition, int typeID, int num
     return node.AtEnd() ? std::string() : std::string(node.Field("NodeDescription").value_or(""));
 }
 
+int AutoNodeReader::LabelledType(int typeID) const {
+    return labels_ == Labels::ReadOfNodes ? NodeTypeOf(typeID) : typeID;
+}
+
 void AutoNodeReader::ReadLabel(Reference& reference) {
-    if (labels_ == Labels::Read) {
-        reference.label = LabelOf(dataBase_, partition_, reference.typeID, reference.number);
+    if (labels_ != Labels::Leave) {
+        reference.label = LabelOf(dataBase_, partition_, LabelledType(reference.typeID), reference.number);
     }
 }
 
@@ -29,7 +34,7 @@ void ReadAutoNodeAhead(ReadAhead& ahead, Partition partition, std::int16_t numbe
 // The rows of both lists are here by now; what cannot be read of them is told when they are read.
 void AutoNodeReader::ReadLabelsAhead(ReadAhead& ahead) try {
     const auto add = [&](const ResultSet& row, const ReferenceColumns& columns) {
-        ReadLabelAhead(ahead, partition_, columns.TypeID(row), columns.Number(row));
+        ReadLabelAhead(ahead, partition_, LabelledType(columns.TypeID(row)), columns.Number(row));
     };
     for (const BranchRule& branch : BranchRules) {
         add(*record_, ReferenceColumns(*record_, branch.column));
@@ -57,7 +62,7 @@ bool AutoNodeReader::ReadRecord(AutoNode& node) {
         return false;
     }
     KAL_AUTO_Node::ReadRecord(*record_, node);
-    if (ahead.Helps() && labels_ == Labels::Read) {
+    if (ahead.Helps() && labels_ != Labels::Leave) {
         ReadLabelsAhead(ahead);
         ahead.Fetch();
     }

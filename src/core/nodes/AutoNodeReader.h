@@ -25,6 +25,7 @@ class AutoNodeReader {
     void ReadBranch(AutoNode& node, std::size_t branch);
 
   private:
+    [[nodiscard]] int LabelledType(int typeID) const;
     void ReadLabel(Reference& reference);
     void ReadLabelsAhead(ReadAhead& ahead);
     template <class Columns, class Item>

@@ -18,6 +18,12 @@ enum class NotUtf8 {
 
 void AppendJsonText(std::string& json, std::string_view text, NotUtf8 how);
 
+[[nodiscard]] bool IsUtf8(std::string_view text);
+
+// Two digits of base 16 a byte, and back; nothing for what are none.
+[[nodiscard]] std::string DigitsOfBytes(std::string_view bytes);
+[[nodiscard]] std::optional<std::string> BytesOfDigits(std::string_view digits);
+
 [[nodiscard]] std::string BytesOfLetters(const std::string& letters);
 
 // Writes JSON without blanks at the end of a text, which outlives it.

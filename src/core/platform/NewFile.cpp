@@ -1,5 +1,7 @@
 #include "platform/NewFile.h"
 
+#include "platform/Interruption.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -26,6 +28,14 @@ void SyncFolder(const std::filesystem::path& folder) {
         fsync(Descriptor(folder, O_RDONLY | O_DIRECTORY).Number());
     } catch (const std::runtime_error&) {
         return;
+    }
+}
+
+void WriteAll(int descriptor, std::string_view content) {
+    while (!content.empty()) {
+        const ssize_t written = write(descriptor, content.data(), content.size());
+        Require(written >= 0 || errno == EINTR);
+        content.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
     }
 }
 
@@ -107,11 +117,8 @@ void NewFile::Write(std::string_view content) {
 }
 
 void NewFile::Append(std::string_view content) {
-    while (!content.empty()) {
-        const ssize_t written = write(file_.Number(), content.data(), content.size());
-        Require(written >= 0 || errno == EINTR);
-        content.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
-    }
+    Interruption::Look();
+    WriteAll(file_.Number(), content);
 }
 
 void NewFile::Place() {
@@ -126,6 +133,37 @@ void NewFile::Replace() {
     placed_ = rename(name_.c_str(), place_.c_str()) == 0;
     Require(placed_);
     SyncFolder(place_.parent_path());
+}
+
+bool Output::IsStream(const std::filesystem::path& place) {
+    std::error_code ignored;
+    const auto kind = std::filesystem::status(place, ignored).type();
+    using enum std::filesystem::file_type;
+    return kind == fifo || kind == character || kind == block || kind == socket;
+}
+
+Output::Output(const std::filesystem::path& place) {
+    if (IsStream(place)) {
+        stream_.emplace(place, O_WRONLY | O_NOCTTY);
+        return;
+    }
+    std::error_code ignored;
+    const auto named = std::filesystem::weakly_canonical(place, ignored);
+    file_.emplace(named.empty() ? place : named).Write("");
+}
+
+void Output::Append(std::string_view content) {
+    if (file_) {
+        file_->Append(content);
+    } else {
+        WriteAll(stream_->Number(), content);
+    }
+}
+
+void Output::Finish() {
+    if (file_) {
+        file_->Replace();
+    }
 }
 
 } // namespace KAL_AUTO_Node

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -70,6 +71,23 @@ class NewFile {
     std::filesystem::path name_;
     Descriptor file_;
     bool placed_ = false;
+};
+
+// What is written for others to read: into a file, whole or not at all, or as it comes where the place is
+// none, such as a pipe or a terminal. Through a link the file that it names is replaced, not the link.
+class Output {
+  public:
+    explicit Output(const std::filesystem::path& place);
+
+    void Append(std::string_view content);
+    void Finish();
+
+    // Whether a place is there already and no file.
+    [[nodiscard]] static bool IsStream(const std::filesystem::path& place);
+
+  private:
+    std::optional<NewFile> file_;
+    std::optional<Descriptor> stream_;
 };
 
 } // namespace KAL_AUTO_Node

@@ -1,9 +1,11 @@
 #include "platform/Registry.h"
 
 #include "platform/FoldCase.h"
+#include "platform/RuntimeError.h"
 #include "platform/SpecialFolder.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -25,12 +27,20 @@ std::optional<std::filesystem::path> ExportFile() {
     return std::nullopt;
 }
 
+// An export of a few keys has some kilobytes; of the whole registry of a machine nobody needs all.
+constexpr std::uintmax_t MostBytes = std::uintmax_t{16} << 20U;
+
 std::optional<std::string> Content(const std::filesystem::path& file) {
     std::error_code failure;
     const auto size = std::filesystem::file_size(file, failure);
     std::ifstream stream(file, std::ios::binary);
     if (failure || !stream) {
         return std::nullopt;
+    }
+    if (size > MostBytes) {
+        throw RuntimeError(ErrorNumber::UnsupportedValueType,
+                           "The registry file '" + file.string() + "' is larger than " +
+                               std::to_string(MostBytes >> 20U) + " MiB, and is not read");
     }
     std::string content(size, '\0');
     stream.read(content.data(), static_cast<std::streamsize>(size));

@@ -28,6 +28,7 @@ class RegistryKey {
     };
 
     // Nothing where the key cannot be opened: there is no such key, or no file that can be read as an export.
+    // Raises UnsupportedValueType for a file that is too large to be one of a few keys.
     [[nodiscard]] static std::optional<RegistryKey> Open(RegistryHive hive, std::string_view keyPath);
 
     // Copies the data of a value to the beginning of the buffer; the name "" is the key's default value.

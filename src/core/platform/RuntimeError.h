@@ -2,6 +2,7 @@
 
 #include "KAL_AUTO_Node/Error.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <utility>
@@ -37,11 +38,12 @@ enum class ErrorNumber : int {
 inline constexpr const char* ComponentName = "KAL_AUTO_Node";
 
 // The one error type that crosses procedure boundaries inside the component. what() is the description,
-// UTF-8.
+// UTF-8;
+// the middle of one that is very long is left out.
 class RuntimeError : public Error {
   public:
     RuntimeError(ErrorNumber number, const std::string& description, std::string source = ComponentName)
-        : Error(static_cast<int>(number), description), source_(std::move(source)) {}
+        : Error(static_cast<int>(number), Cut(description)), source_(std::move(source)) {}
 
     // From now on this error and its copies are one, to be told once.
     void BeOne() { told_ = std::make_shared<bool>(false); }
@@ -54,6 +56,27 @@ class RuntimeError : public Error {
     [[nodiscard]] const std::string& Source() const noexcept { return source_; }
 
   private:
+    // A person reads no more; what is stored, or named, can be of any length.
+    static constexpr std::size_t Longest = 8000;
+
+    static std::string Cut(const std::string& text) {
+        if (text.size() <= Longest) {
+            return text;
+        }
+        const auto isInside = [&](std::size_t at) {
+            return (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U;
+        };
+        std::size_t head = Longest * 3 / 4;
+        std::size_t tail = text.size() - Longest / 4;
+        while (head > 0 && isInside(head)) {
+            --head;
+        }
+        while (tail < text.size() && isInside(tail)) {
+            ++tail;
+        }
+        return text.substr(0, head) + " \u2026 " + text.substr(tail);
+    }
+
     std::string source_;
     std::shared_ptr<bool> told_;
 };

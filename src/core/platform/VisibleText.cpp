@@ -89,6 +89,23 @@ std::string Visible(std::string_view text) {
     return visible;
 }
 
+std::string VisibleLines(std::string_view text) {
+    std::string visible;
+    for (;;) {
+        const auto end = text.find('\n');
+        std::string_view line = text.substr(0, end);
+        if (line.ends_with('\r') && end != std::string_view::npos) {
+            line.remove_suffix(1);
+        }
+        visible += Visible(line);
+        if (end == std::string_view::npos) {
+            return visible;
+        }
+        visible += '\n';
+        text.remove_prefix(end + 1);
+    }
+}
+
 std::size_t DisplayWidth(std::string_view text) {
     std::size_t width = 0;
     ForEachCharacter(text, [&](std::string_view, wint_t character) {

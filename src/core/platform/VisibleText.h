@@ -10,6 +10,9 @@ namespace KAL_AUTO_Node {
 // direction of what follows, stands there in the form \x1b or \u202e.
 [[nodiscard]] std::string Visible(std::string_view text);
 
+// The same line by line: line breaks stay.
+[[nodiscard]] std::string VisibleLines(std::string_view text);
+
 // How many columns of a terminal a visible text takes.
 [[nodiscard]] std::size_t DisplayWidth(std::string_view text);
 

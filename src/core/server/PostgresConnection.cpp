@@ -201,6 +201,18 @@ void PostgresConnection::Begin(std::optional<std::int64_t> number) {
     ahead_.clear();
 }
 
+void PostgresConnection::BeginReading() {
+    BeReady();
+    beginning_ = {"BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY"};
+    inTransaction_ = true;
+    ahead_.clear();
+}
+
+bool PostgresConnection::EndReading() noexcept {
+    Rollback();
+    return false;
+}
+
 void PostgresConnection::Commit() {
     if (!beginning_.empty()) {
         Rollback(); // of nothing

@@ -61,6 +61,11 @@ class Connection {
     virtual void Commit() = 0;
     virtual void Rollback() noexcept = 0;
 
+    // Until EndReading, all that is read is of one state, which nobody is kept from changing, and nothing is
+    // written. EndReading tells whether statements that were prepared meanwhile go on reading that state.
+    virtual void BeginReading() = 0;
+    virtual bool EndReading() noexcept = 0;
+
     [[nodiscard]] virtual bool HasTable(const std::string& name) = 0;
     // Several statements without parameters and result rows.
     virtual void RunScript(const char* sql) = 0;
@@ -93,5 +98,8 @@ class Connection {
 // Opens the store that a file is or stands for; the file's content tells which engine reads it. Nothing is
 // created: a missing file raises StoreNotFound, a file that no engine here reads StoreNotRecognized.
 std::unique_ptr<Connection> OpenStore(const std::filesystem::path& file);
+
+// An empty store in memory, gone with the connection.
+std::unique_ptr<Connection> OpenScratchStore();
 
 } // namespace KAL_AUTO_Node

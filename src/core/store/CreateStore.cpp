@@ -4,15 +4,11 @@
 #include "platform/RuntimeError.h"
 #include "store/DataBase.h"
 #include "store/Scripts.h"
+#include "store/SqliteHandle.h"
 #include "store/StoreFormat.h"
-
-#include <SQLiteCpp/SQLiteCpp.h>
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <array>
-#include <memory>
-#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -35,24 +31,20 @@ void RequireFree(const std::filesystem::path& file) {
 
 // A store as its file holds it, made in memory, so that no half of one ever lies on disk.
 std::string StoreImage(StoreContent content) {
-    SQLite::Database database(":memory:", SQLite::OPEN_READWRITE);
-    SQLite::Transaction all(database);
-    database.exec(SchemaScript);
-    database.exec(HistoryScript);
+    const SqliteHandle database = OpenInMemory();
+    const auto run = [&](const std::string& sql) {
+        RequireSqlite(RunSqlite(database.get(), sql.c_str()), database.get());
+    };
+    run("BEGIN");
+    run(SchemaScript);
+    run(HistoryScript);
     if (content == StoreContent::Demo) {
-        database.exec(DemoScript);
+        run(DemoScript);
     }
-    database.exec("PRAGMA application_id = " + std::to_string(StoreApplicationId));
-    database.exec("PRAGMA user_version = " + std::to_string(StoreVersion));
-    all.commit();
-
-    sqlite3_int64 size = 0;
-    const std::unique_ptr<unsigned char, void (*)(void*)> bytes(
-        sqlite3_serialize(database.getHandle(), "main", &size, 0), &sqlite3_free);
-    if (!bytes) {
-        throw std::bad_alloc();
-    }
-    std::string image(reinterpret_cast<const char*>(bytes.get()), static_cast<std::size_t>(size));
+    run("PRAGMA application_id = " + std::to_string(StoreApplicationId));
+    run("PRAGMA user_version = " + std::to_string(StoreVersion));
+    run("COMMIT");
+    std::string image = ImageOf(database.get());
     // The file format's numbers for who writes and who reads it: a write-ahead log, for readers and one
     // writer side by side, and a save that reaches the disk in one go.
     image[18] = image[19] = 2;

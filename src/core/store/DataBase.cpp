@@ -33,6 +33,12 @@ const NamedCommand& CommandOf(Command command) {
     return commands.at(static_cast<std::size_t>(command));
 }
 
+// Of the configured place, whose parts are separated as the suite separates them.
+std::filesystem::path FileIn(std::string_view connectionString) {
+    static constexpr std::string_view key = "Data Source=";
+    return NativePath(connectionString.substr(connectionString.find(key) + key.size()));
+}
+
 bool SameName(std::string_view a, std::string_view b) {
     if (a == b) {
         return true;
@@ -154,21 +160,18 @@ void ResultSet::Close() noexcept {
     }
 }
 
-DataBase::DataBase() : connectionString_(GetConnectionString()) {}
+DataBase::DataBase() : connectionString_(GetConnectionString()), file_(FileIn(connectionString_)) {}
 
-DataBase::DataBase(const std::filesystem::path& file)
-    : connectionString_(ConnectionStringOf(file.string())) {}
+DataBase::DataBase(std::filesystem::path file)
+    : connectionString_(ConnectionStringOf(file.string())), file_(std::move(file)) {}
+
+DataBase::DataBase(std::unique_ptr<Connection> connection) : connection_(std::move(connection)) {}
 
 DataBase::~DataBase() = default;
 
-std::filesystem::path DataBase::File() const {
-    static constexpr std::string_view key = "Data Source=";
-    return NativePath(std::string_view(connectionString_).substr(connectionString_.find(key) + key.size()));
-}
-
 Connection& DataBase::Open() {
     if (!connection_) {
-        connection_ = OpenStore(File());
+        connection_ = OpenStore(file_);
     }
     return *connection_;
 }
@@ -306,6 +309,18 @@ void DataBase::FetchAhead(const std::vector<CommandRun>& runs) {
     DescribingReached(runs, [&](const auto& statements, std::size_t& reached) {
         connection_->FetchAhead(statements, reached);
     });
+}
+
+Snapshot::Snapshot(DataBase& dataBase) : dataBase_(dataBase) {
+    dataBase_.Describing("beginning to read", "", [&] { dataBase_.Open().BeginReading(); });
+}
+
+Snapshot::~Snapshot() {
+    if (dataBase_.connection_->EndReading()) {
+        for (DataBase::Prepared& prepared : dataBase_.prepared_) {
+            prepared.statement.reset();
+        }
+    }
 }
 
 Transaction::Transaction(DataBase& dataBase, std::optional<std::int64_t> number) : dataBase_(dataBase) {

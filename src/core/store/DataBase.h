@@ -127,8 +127,10 @@ class DataBase {
     // Finds the store's place anew. Opens nothing. Raises UnsupportedValueType where the configured place is
     // of a kind that no path is made of.
     DataBase();
-    // The store in a file of that path, wherever that is.
-    explicit DataBase(const std::filesystem::path& file);
+    // The store in a file of that path, as this system writes it.
+    explicit DataBase(std::filesystem::path file);
+    // A store that is open already.
+    explicit DataBase(std::unique_ptr<Connection> connection);
     ~DataBase();
 
     DataBase(const DataBase&) = delete;
@@ -136,8 +138,8 @@ class DataBase {
 
     [[nodiscard]] const std::string& ConnectionString() const noexcept { return connectionString_; }
 
-    // The file that the connection string names, as this system writes its path.
-    [[nodiscard]] std::filesystem::path File() const;
+    // The store's file, as this system writes its path.
+    [[nodiscard]] const std::filesystem::path& File() const noexcept { return file_; }
 
     // Runs a command. Raises ResultSetOpen while the command's result set of an earlier run is open, and
     // InvalidProcedureCall for a wrong number of parameters. Execute returns how many rows were written.
@@ -163,6 +165,9 @@ class DataBase {
     // Whether it lies on a server. Opens it.
     [[nodiscard]] bool IsRemote();
 
+    // Whether texts may be any bytes; else they have to be UTF-8, without NULs.
+    [[nodiscard]] bool TakesAnyBytes() { return !IsRemote(); }
+
     // Runs statements that make tables, all or none.
     void MakeTables(const char* script);
 
@@ -171,6 +176,7 @@ class DataBase {
     friend class ReadAhead;
     friend class ResultSet;
     friend class SingleWait;
+    friend class Snapshot;
     friend class Transaction;
 
     Connection& Open();
@@ -203,6 +209,7 @@ class DataBase {
     std::vector<StatementRun> RunsOf(const std::vector<CommandRun>& runs);
 
     std::string connectionString_;
+    std::filesystem::path file_;
     std::unique_ptr<Connection> connection_;
     std::array<Prepared, CommandCount> prepared_;
     int readersAhead_ = 0;
@@ -225,6 +232,20 @@ class SingleWait {
 
     SingleWait(const SingleWait&) = delete;
     SingleWait& operator=(const SingleWait&) = delete;
+
+  private:
+    DataBase& dataBase_;
+};
+
+// One state of the store, in which all is read as long as it lives. It keeps nobody from writing, and nothing
+// is written on the data base meanwhile. No two on one data base.
+class Snapshot {
+  public:
+    explicit Snapshot(DataBase& dataBase);
+    ~Snapshot();
+
+    Snapshot(const Snapshot&) = delete;
+    Snapshot& operator=(const Snapshot&) = delete;
 
   private:
     DataBase& dataBase_;

@@ -1,4 +1,5 @@
 #include "platform/RuntimeError.h"
+#include "store/Scripts.h"
 #include "store/ServerLink.h"
 #include "store/ServerModule.h"
 #include "store/SqliteConnection.h"
@@ -40,6 +41,12 @@ std::unique_ptr<SqliteConnection> OpenSqlite(const std::filesystem::path& file) 
 }
 
 } // namespace
+
+std::unique_ptr<Connection> OpenScratchStore() {
+    auto scratch = std::make_unique<SqliteConnection>(":memory:");
+    scratch->RunScript(SchemaScript);
+    return scratch;
+}
 
 std::unique_ptr<Connection> OpenStore(const std::filesystem::path& file) {
     auto sqlite = OpenSqlite(file);

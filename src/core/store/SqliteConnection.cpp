@@ -1,14 +1,13 @@
 #include "store/SqliteConnection.h"
 
+#include "platform/NumericValue.h"
 #include "platform/RuntimeError.h"
 #include "store/StoreFormat.h"
 
-#include <SQLiteCpp/Exception.h>
 #include <sqlite3.h>
 
-#include <cerrno>
-#include <fcntl.h>
-#include <unistd.h>
+#include <string_view>
+#include <sys/statvfs.h>
 #include <utility>
 #include <vector>
 
@@ -30,37 +29,8 @@ constexpr std::chrono::seconds RunLimit(10);
 // How many of the engine's steps pass between two looks at the clock; a few milliseconds.
 constexpr int StepsBetweenLooks = 100'000;
 
-// Asks the file system alone: to open a file here would take away the locks on it.
-bool IsProtected(const std::string& file) {
-    return faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) != 0 && errno == EACCES;
-}
-
-// The engine's words for a result, and what to do where they name the file though the folder may be what it
-// could not write. Of a file that was protected while it was open here the engine only says that writing
-// failed: it gives the journal the file's rights, and cannot write it the next time.
-std::string Words(int result, std::string words, sqlite3* database = nullptr) {
-    const std::string file = database != nullptr ? sqlite3_db_filename(database, "main") : "";
-    const bool failed = (result & 0xFF) == SQLITE_IOERR || (result & 0xFF) == SQLITE_CANTOPEN;
-    if ((result & 0xFF) == SQLITE_READONLY ||
-        (failed && !file.empty() && (IsProtected(file) || IsProtected(file + "-journal")))) {
-        words +=
-            "; the engine needs the right to write the store's file and the folder that it lies in, where "
-            "it keeps its journal";
-    }
-    return words;
-}
-
-// Runs one use of the engine; its error becomes the component's.
-template <class Use>
-decltype(auto) Engine(Use&& use) {
-    try {
-        return use();
-    } catch (const SQLite::Exception& error) {
-        throw RuntimeError(error.getErrorCode() == SQLITE_BUSY ? ErrorNumber::StoreLocked
-                                                               : ErrorNumber::StoreFailure,
-                           Words(error.getErrorCode(), error.what()), "SQLite");
-    }
-}
+// Where the log can neither be made nor written: a medium or a folder that is only to be read.
+bool LacksLog(int result) { return result == SQLITE_CANTOPEN || result == SQLITE_READONLY; }
 
 // What readers still need stays in the log until a later time; the log begins anew, and is cut to its usual
 // size, with the first write after all of it was carried over. What it holds is safe there, so that a failure
@@ -69,8 +39,6 @@ void CarryLogOver(sqlite3* engine) {
     sqlite3_wal_checkpoint_v2(engine, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
 }
 
-// Over the engine's own interface: rows are read value by value, and the wrapper around it makes an object
-// that is shared, and counted, for each.
 class SqliteStatement : public Statement {
   public:
     SqliteStatement(sqlite3* database, const std::string& sql, SqliteConnection::Since*& running)
@@ -164,14 +132,7 @@ class SqliteStatement : public Statement {
                                "Stopped after " + std::to_string(RunLimit.count()) + " seconds of work",
                                "SQLite");
         }
-        if (result != SQLITE_OK) {
-            const int cause = sqlite3_extended_errcode(database_);
-            const bool duplicate = cause == SQLITE_CONSTRAINT_PRIMARYKEY || cause == SQLITE_CONSTRAINT_UNIQUE;
-            throw RuntimeError(duplicate              ? ErrorNumber::DuplicateKey
-                               : cause == SQLITE_BUSY ? ErrorNumber::StoreLocked
-                                                      : ErrorNumber::StoreFailure,
-                               Words(cause, sqlite3_errmsg(database_), database_), "SQLite");
-        }
+        RequireSqlite(result, database_);
     }
 
     sqlite3* database_;
@@ -186,12 +147,12 @@ class SqliteStatement : public Statement {
 } // namespace
 
 SqliteConnection::SqliteConnection(const std::filesystem::path& file)
-    : database_(Engine([&] {
-          return SQLite::Database(file.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX,
-                                  LockWaitMilliseconds);
-      })),
-      place_("file '" + file.string() + '\'') {
-    sqlite3* engine = database_.getHandle();
+    : file_(file), database_(OpenSqliteFile(file)), place_("file '" + file.string() + '\'') {
+    SetUp(database_.get());
+}
+
+void SqliteConnection::SetUp(sqlite3* engine) {
+    sqlite3_busy_timeout(engine, LockWaitMilliseconds);
     // What stands in the file is data, whoever wrote it: its views and triggers call nothing that does more
     // than compute, and nothing that runs here can damage the file's own structure.
     sqlite3_db_config(engine, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
@@ -213,57 +174,78 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file)
 }
 
 SqliteConnection::~SqliteConnection() {
-    sqlite3_busy_timeout(database_.getHandle(), 0);
-    try {
-        // Takes away the journal that Recognizes asked to keep. Not where the store has a write-ahead log, by
-        // now perhaps: it would lose it.
-        if (database_.execAndGet("PRAGMA journal_mode").getString() == "persist") {
-            database_.exec("PRAGMA journal_mode = DELETE");
-        }
-    } catch (const SQLite::Exception&) {
-        return; // somebody else is at work there
+    sqlite3_busy_timeout(database_.get(), 0);
+    // Takes away the journal that Recognizes asked to keep. Not where the store has a write-ahead log, by now
+    // perhaps: it would lose it. Where somebody else is at work there it stays.
+    std::string mode;
+    if (AskSqlite(database_.get(), "PRAGMA journal_mode", mode) == SQLITE_OK && mode == "persist") {
+        static_cast<void>(RunSqlite(database_.get(), "PRAGMA journal_mode = DELETE"));
     }
 }
 
+std::int64_t SqliteConnection::Number(const char* sql) {
+    std::string answer;
+    RequireSqlite(AskSqlite(database_.get(), sql, answer), database_.get());
+    return NumericValue(answer);
+}
+
+bool SqliteConnection::ReadWithoutLog() {
+    struct statvfs medium {};
+
+    SqliteHandle other;
+    if (statvfs(file_.c_str(), &medium) == 0 && (medium.f_flag & ST_RDONLY) != 0 &&
+        !std::filesystem::exists(file_.string() + "-wal")) {
+        other = OpenUnchanging(file_);
+    } else if (const auto bytes = BytesAtRest(file_)) {
+        other = OpenImage(*bytes);
+    } else {
+        return false;
+    }
+    database_ = std::move(other);
+    SetUp(database_.get());
+    return true;
+}
+
 bool SqliteConnection::Recognizes() {
-    return Engine([this] {
-        try {
-            writeAhead_ = database_.execAndGet("PRAGMA journal_mode").getString() == "wal";
-        } catch (const SQLite::Exception& error) {
-            if (error.getErrorCode() == SQLITE_NOTADB) {
-                return false;
-            }
-            throw;
-        }
-        if (database_.execAndGet("PRAGMA application_id").getInt() == StoreApplicationId) {
-            RequireKnownVersion(database_.execAndGet("PRAGMA user_version").getInt(), place_);
-        }
-        if (!writeAhead_) {
-            // Every statement has to sync for itself here, as is the engine's default. A journal that stays
-            // between them spares making and removing a file, and syncing its folder, each time.
-            database_.exec("PRAGMA journal_mode = PERSIST");
-            return true;
-        }
-        // A write-ahead log keeps the statements' order by itself, so that one sync, in Flush, covers them
-        // all.
-        database_.exec("PRAGMA synchronous = NORMAL");
-        database_.exec(LogBytesToKeep);
-        // The engine would carry the log over, and sync, in the middle of a save; the hook takes that over.
-        sqlite3_wal_hook(
-            database_.getHandle(),
-            [](void* connection, sqlite3*, const char*, int pages) {
-                static_cast<SqliteConnection*>(connection)->logPages_ = pages;
-                return SQLITE_OK;
-            },
-            this);
+    std::string mode;
+    int result = AskSqlite(database_.get(), "PRAGMA journal_mode", mode);
+    if (LacksLog(result) && ReadWithoutLog()) {
+        result = AskSqlite(database_.get(), "PRAGMA journal_mode", mode);
+    }
+    if (result == SQLITE_NOTADB) {
+        return false;
+    }
+    RequireSqlite(result, database_.get());
+    writeAhead_ = mode == "wal";
+    if (Number("PRAGMA application_id") == StoreApplicationId) {
+        RequireKnownVersion(static_cast<int>(Number("PRAGMA user_version")), place_);
+    }
+    if (sqlite3_db_readonly(database_.get(), "main") != 0) {
         return true;
-    });
+    }
+    if (!writeAhead_) {
+        // Every statement has to sync for itself here, as is the engine's default. A journal that stays
+        // between them spares making and removing a file, and syncing its folder, each time.
+        RunScript("PRAGMA journal_mode = PERSIST");
+        return true;
+    }
+    // A write-ahead log keeps the statements' order by itself, so that one sync, in Flush, covers them all.
+    RunScript("PRAGMA synchronous = NORMAL");
+    RunScript(LogBytesToKeep);
+    // The engine would carry the log over, and sync, in the middle of a save; the hook takes that over.
+    sqlite3_wal_hook(
+        database_.get(),
+        [](void* connection, sqlite3*, const char*, int pages) {
+            static_cast<SqliteConnection*>(connection)->logPages_ = pages;
+            return SQLITE_OK;
+        },
+        this);
+    return true;
 }
 
 std::string SqliteConnection::FirstBytes(std::size_t count) {
     sqlite3_file* file = nullptr;
-    sqlite3_file_control(database_.getHandle(), nullptr, SQLITE_FCNTL_FILE_POINTER,
-                         static_cast<void*>(&file));
+    sqlite3_file_control(database_.get(), nullptr, SQLITE_FCNTL_FILE_POINTER, static_cast<void*>(&file));
     std::string bytes(count, '\0');
     // Filled up with NULs where the file is shorter.
     const int result = file->pMethods->xRead(file, bytes.data(), static_cast<int>(count), 0);
@@ -271,12 +253,12 @@ std::string SqliteConnection::FirstBytes(std::size_t count) {
 }
 
 std::unique_ptr<Statement> SqliteConnection::Prepare(const std::string& sql) {
-    return std::make_unique<SqliteStatement>(database_.getHandle(), sql, running_);
+    return std::make_unique<SqliteStatement>(snapshot_ ? snapshot_.get() : database_.get(), sql, running_);
 }
 
 void SqliteConnection::Begin(std::optional<std::int64_t>) {
     int moved = 0;
-    sqlite3_file_control(database_.getHandle(), nullptr, SQLITE_FCNTL_HAS_MOVED, &moved);
+    sqlite3_file_control(database_.get(), nullptr, SQLITE_FCNTL_HAS_MOVED, &moved);
     if (moved != 0) {
         // The engine would write into the file that is gone, for nobody to see.
         throw RuntimeError(ErrorNumber::StoreNotFound,
@@ -288,35 +270,52 @@ void SqliteConnection::Begin(std::optional<std::int64_t>) {
 
 void SqliteConnection::Commit() { RunScript("COMMIT"); }
 
-void SqliteConnection::Rollback() noexcept { database_.tryExec("ROLLBACK"); }
+void SqliteConnection::Rollback() noexcept { static_cast<void>(RunSqlite(database_.get(), "ROLLBACK")); }
+
+void SqliteConnection::BeginReading() {
+    if (writeAhead_ || sqlite3_db_readonly(database_.get(), "main") != 0) {
+        RunScript("BEGIN");
+        return;
+    }
+    // Without a log who writes waits for all who read; it takes milliseconds to copy what a file holds.
+    snapshot_ = OpenImage(ImageOf(database_.get()));
+    SetUp(snapshot_.get());
+}
+
+bool SqliteConnection::EndReading() noexcept {
+    if (snapshot_) {
+        snapshot_.reset();
+        return true;
+    }
+    Rollback();
+    return false;
+}
 
 bool SqliteConnection::HasTable(const std::string& name) {
-    return Engine([&] { return database_.tableExists(name); });
+    // The engine finds tables whatever the case of their names.
+    const auto table =
+        Prepare("SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = :Name COLLATE NOCASE");
+    const std::array<std::optional<std::string>, 1> parameters = {name};
+    table->Run(parameters);
+    return !table->AtEnd();
 }
 
 void SqliteConnection::RunScript(const char* sql) {
-    if (const int result = database_.tryExec(sql); result != SQLITE_OK) {
-        const std::string what = Words(result, database_.getErrorMsg(), database_.getHandle());
-        // What is not so for a moment only.
-        const bool denied = result == SQLITE_READONLY || result == SQLITE_PERM || result == SQLITE_AUTH ||
-                            result == SQLITE_ERROR;
-        throw RuntimeError(denied ? ErrorNumber::PermissionDenied : ErrorNumber::StoreFailure, what,
-                           "SQLite");
-    }
+    RequireSqlite(RunSqlite(database_.get(), sql), database_.get(), ErrorNumber::PermissionDenied);
 }
 
 void SqliteConnection::Flush() {
     if (!writeAhead_) {
         return;
     }
-    sqlite3* engine = database_.getHandle();
+    sqlite3* engine = database_.get();
     // Every commit has written its pages into the log by now, and what another program has carried over since
     // it synced first. So this sync completes what was written; it needs no lock and writes nothing.
     sqlite3_file* log = nullptr;
     sqlite3_file_control(engine, nullptr, SQLITE_FCNTL_JOURNAL_POINTER, static_cast<void*>(&log));
     if (log != nullptr && log->pMethods != nullptr) {
         if (const int result = log->pMethods->xSync(log, SQLITE_SYNC_NORMAL); result != SQLITE_OK) {
-            throw RuntimeError(ErrorNumber::StoreFailure, sqlite3_errstr(result), "SQLite");
+            RequireSqlite(result);
         }
     }
     if (logPages_ > LogPagesToKeep) {

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "store/Connection.h"
-
-#include <SQLiteCpp/Database.h>
+#include "store/SqliteHandle.h"
 
 #include <chrono>
 
@@ -31,6 +30,8 @@ class SqliteConnection : public Connection {
     void Begin(std::optional<std::int64_t> number) override;
     void Commit() override;
     void Rollback() noexcept override;
+    void BeginReading() override;
+    bool EndReading() noexcept override;
     [[nodiscard]] bool HasTable(const std::string& name) override;
     void RunScript(const char* sql) override;
     void Flush() override;
@@ -39,7 +40,15 @@ class SqliteConnection : public Connection {
     SqliteConnection& operator=(const SqliteConnection&) = delete;
 
   private:
-    SQLite::Database database_;
+    // The limits of whatever runs on that handle.
+    void SetUp(sqlite3* engine);
+    [[nodiscard]] std::int64_t Number(const char* sql);
+    // Where the store can only be read, and there is no log that could be: goes on with what the file holds.
+    bool ReadWithoutLog();
+
+    std::filesystem::path file_;
+    SqliteHandle database_;
+    SqliteHandle snapshot_; // in the place of a file whose readers keep others from writing
     std::string place_;
     bool writeAhead_ = false;
     int logPages_ = 0;         // in the write-ahead log after the latest commit of this connection

@@ -15,6 +15,59 @@ SELECT NodeTypeID, NodeNumber, NodeType, NodeDescription FROM Node_General_Pool
  WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID
  ORDER BY NodeTypeID, NodeNumber;
 
+-- Every partition that has a row of a node, of whatever kind.
+-- name: Get_Partitions_With_Rows
+SELECT ConfigID, PartID FROM Node_General_Pool
+UNION
+SELECT ConfigID, PartID FROM Node_AUTO
+UNION
+SELECT ConfigID, PartID FROM Detail_AUTO_Prompts
+UNION
+SELECT ConfigID, PartID FROM Detail_AUTO_Action
+UNION
+SELECT ConfigID, PartID FROM Node_MSG
+UNION
+SELECT ConfigID, PartID FROM Node_CMD
+UNION
+SELECT ConfigID, PartID FROM Detail_CMD
+UNION
+SELECT ConfigID, PartID FROM Node_TIME
+UNION
+SELECT ConfigID, PartID FROM Detail_TIME
+UNION
+SELECT ConfigID, PartID FROM Node_DATE
+UNION
+SELECT ConfigID, PartID FROM Detail_DATE
+UNION
+SELECT ConfigID, PartID FROM Node_XFER
+UNION
+SELECT ConfigID, PartID FROM Node_DTMF
+UNION
+SELECT ConfigID, PartID FROM Detail_DTMF_Prompts
+UNION
+SELECT ConfigID, PartID FROM Detail_DTMF_Action
+UNION
+SELECT ConfigID, PartID FROM Node_VOX
+UNION
+SELECT ConfigID, PartID FROM Detail_VOX_Prompts
+UNION
+SELECT ConfigID, PartID FROM Detail_VOX_Action
+UNION
+SELECT ConfigID, PartID FROM Node_LIST
+UNION
+SELECT ConfigID, PartID FROM Detail_LIST
+UNION
+SELECT ConfigID, PartID FROM Node_PAAS
+UNION
+SELECT ConfigID, PartID FROM Node_TABLE
+UNION
+SELECT ConfigID, PartID FROM Detail_TABLE_Action
+UNION
+SELECT ConfigID, PartID FROM Node_DBN
+UNION
+SELECT ConfigID, PartID FROM Detail_DBN_Prompts
+ ORDER BY ConfigID, PartID;
+
 -- name: Get_Unfinished_AUTO_Nodes
 SELECT DISTINCT NodeNumber FROM Node_AUTO_Version
  WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND State IN ('begun', 'failed')

@@ -68,6 +68,11 @@ INSERT INTO Node_Creation (ConfigID, PartID, NodeTypeID, NodeNumber, VersionNo, 
 VALUES (:Given_ConfigID, :Given_PartID, :Given_NodeTypeID, :Given_NodeNumber, :Given_VersionNo, :Given_MasterID,
         :Given_DateModified);
 
+-- name: Delete_Creation
+DELETE FROM Node_Creation
+ WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeTypeID = :Given_NodeTypeID
+   AND NodeNumber = :Given_NodeNumber;
+
 -- name: Delete_Finished_Creations
 DELETE FROM Node_Creation
  WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND MasterID = :Given_MasterID

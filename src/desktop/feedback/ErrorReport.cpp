@@ -2,6 +2,7 @@
 
 #include "feedback/MessageBox.h"
 #include "platform/RuntimeError.h"
+#include "platform/VisibleText.h"
 
 #include <exception>
 
@@ -17,9 +18,9 @@ void ShowErrorReport(const char* procedure) {
             return;
         }
         source = QString::fromStdString(error.Source());
-        description = QString::fromUtf8(error.what());
+        description = QString::fromStdString(VisibleLines(error.what()));
     } catch (const std::exception& error) {
-        description = QString::fromUtf8(error.what());
+        description = QString::fromStdString(VisibleLines(error.what()));
     } catch (...) {
         description = QStringLiteral("An error that does not say what it is");
     }

@@ -74,7 +74,8 @@ class Reader {
         std::ranges::for_each(cells, [](QString& cell) { cell = cell.trimmed(); });
         const auto leads = static_cast<qsizetype>(LeadColumns(kind_).size());
         if (cells.size() < leads + 2) {
-            throw Refusal("it has " + QString::number(cells.size()) + " cells instead of " +
+            throw Refusal("it has " + QString::number(cells.size()) +
+                          (cells.size() == 1 ? " cell" : " cells") + " instead of " +
                           QString::number(leads + 2) + " or more");
         }
         if (rows_.size() == MostRows) {

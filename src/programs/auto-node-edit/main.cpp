@@ -5,7 +5,9 @@
 #include "feedback/MessageBox.h"
 #include "nodes/Overview.h"
 #include "platform/TellError.h"
+#include "platform/VisibleText.h"
 #include "store/DataBase.h"
+#include "store/NoStore.h"
 
 #include <QApplication>
 
@@ -65,7 +67,8 @@ int main(int argc, char** argv) {
         }
         return Edit(argc == 1 ? FirstNode() : NodePlace{{numbers[0], numbers[1]}, numbers[2]});
     } catch (const std::exception& error) {
-        TellError(error.what());
+        const std::string told = ToldOfNoStore(error);
+        TellError(told);
         // Nobody sees what is written by a program that was started from a menu.
         if (!HasTerminal()) {
             // The component has made one where it got that far.
@@ -73,7 +76,7 @@ int main(int argc, char** argv) {
             if (QCoreApplication::instance() == nullptr) {
                 application.emplace(argc, argv);
             }
-            MsgBox(QString::fromUtf8(error.what()), QMessageBox::Critical, QMessageBox::Ok,
+            MsgBox(QString::fromStdString(VisibleLines(told)), QMessageBox::Critical, QMessageBox::Ok,
                    QStringLiteral("AUTO Node Editor"));
         }
     }

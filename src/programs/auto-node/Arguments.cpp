@@ -56,13 +56,22 @@ void AddNode(const CommandArguments& command, NodePlace& place) {
         .Required();
 }
 
-AutoNode RequireAutoNode(DataBase& dataBase, const NodePlace& place) {
-    if (auto node = ReadAutoNode(dataBase, place.partition, place.number, Labels::Read)) {
-        return std::move(*node);
-    }
+void FailWithoutNodes(Partition partition) {
+    throw std::runtime_error("configuration " + std::to_string(partition.config) + ", partition " +
+                             std::to_string(partition.number) + " has no nodes");
+}
+
+void FailWithout(const NodePlace& place) {
     throw std::runtime_error("AUTO node " + std::to_string(place.number) + " of configuration " +
                              std::to_string(place.partition.config) + ", partition " +
                              std::to_string(place.partition.number) + " does not exist");
+}
+
+AutoNode RequireAutoNode(DataBase& dataBase, const NodePlace& place) {
+    if (auto node = ReadAutoNode(dataBase, place.partition, place.number, Labels::ReadOfNodes)) {
+        return std::move(*node);
+    }
+    FailWithout(place);
 }
 
 } // namespace KAL_AUTO_Node

@@ -30,6 +30,11 @@ void AddType(const CommandArguments& command, const std::string& name, std::stri
 // CONFIG PARTITION NODE, all required.
 void AddNode(const CommandArguments& command, NodePlace& place);
 
+// Throws that a partition has none.
+[[noreturn]] void FailWithoutNodes(Partition partition);
+// Throws that the AUTO node does not exist.
+[[noreturn]] void FailWithout(const NodePlace& place);
+
 // The node with the labels of those that it refers to. Throws where there is none.
 [[nodiscard]] AutoNode RequireAutoNode(DataBase& dataBase, const NodePlace& place);
 

@@ -3,11 +3,11 @@
 #include "auto-node/Arguments.h"
 #include "auto-node/CheckReport.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "history/History.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/NodeJson.h"
-#include "nodes/Overview.h"
 #include "platform/RuntimeError.h"
 #include "platform/Today.h"
 #include "platform/VisibleText.h"
@@ -68,8 +68,7 @@ std::set<std::string> ReadAccepted(const std::string& file) {
 // Checks one partition after the other, and prints what is found as it goes.
 class Checking {
   public:
-    Checking(const Options& options, std::unique_ptr<DataBase> dataBase)
-        : options_(options), owned_(std::move(dataBase)) {
+    Checking(const Options& options, DataBase& dataBase) : options_(options), dataBase_(dataBase) {
         if (!options_.accept.empty()) {
             accepted_ = ReadAccepted(options_.accept);
         }
@@ -80,13 +79,11 @@ class Checking {
             const Partition partition = options_.place.partition;
             Check(partition);
             if (autoNodes_ + registeredNodes_ + reported_.size() == 0) {
-                throw std::runtime_error("configuration " + std::to_string(partition.config) +
-                                         ", partition " + std::to_string(partition.number) + " has no nodes");
+                FailWithoutNodes(partition);
             }
         } else {
-            for (const PartitionCounts& counts : ReadPartitions(dataBase_)) {
-                Check(counts.partition);
-            }
+            std::ranges::for_each(PartitionsWithRows(dataBase_),
+                                  [this](const Partition& partition) { Check(partition); });
         }
         if (options_.json) {
             std::cout << JsonText(document_) << '\n';
@@ -124,7 +121,16 @@ class Checking {
     }
 
     PartitionFindings Find(Partition partition) {
-        PartitionFindings checked = CheckPartition(dataBase_, history_, partition);
+        CheckReader reader;
+        reader.takeAutoNode = [&](int number, const AutoNode&) {
+            progress_->Show([&] {
+                return "configuration " + std::to_string(partition.config) + ", partition " +
+                       std::to_string(partition.number) + ": AUTO node " + std::to_string(number);
+            });
+        };
+        progress_.emplace();
+        PartitionFindings checked = CheckPartition(dataBase_, history_, partition, reader);
+        progress_.reset();
         if (options_.oneNode) {
             const int number = options_.place.number;
             std::erase_if(checked.findings, [&](const Finding& finding) {
@@ -229,8 +235,8 @@ class Checking {
 
     const Options& options_;
     std::set<std::string> accepted_;
-    std::unique_ptr<DataBase> owned_;
-    DataBase& dataBase_ = *owned_;
+    DataBase& dataBase_;
+    std::optional<Progress> progress_;
     History history_{dataBase_};
     std::size_t autoNodes_ = 0;
     std::size_t registeredNodes_ = 0;
@@ -243,7 +249,9 @@ class Checking {
 
 void PrintCheckOf(const std::filesystem::path& store) {
     const Options options;
-    Checking(options, std::make_unique<DataBase>(store)).Run();
+    DataBase dataBase(store);
+    const Snapshot snapshot(dataBase);
+    Checking(options, dataBase).Run();
 }
 
 Subcommand CheckCommand(CommandLine& program) {
@@ -269,10 +277,11 @@ Subcommand CheckCommand(CommandLine& program) {
         .OneOf({"missing"})
         .Excludes(json)
         .Excludes(keys);
-    return {command, [options, partition, node] {
+    return {command, [options, partition, node](const StoreChoice& store) {
                 options->onePartition = partition.Given();
                 options->oneNode = node.Given();
-                return Checking(*options, std::make_unique<DataBase>()).Run();
+                const auto run = [&](DataBase& dataBase) { return Checking(*options, dataBase).Run(); };
+                return (options->fix.empty() ? Reading(run) : Opening(run))(store);
             }};
 }
 

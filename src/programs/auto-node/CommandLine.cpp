@@ -1,10 +1,40 @@
 #include "auto-node/CommandLine.h"
 
+#include "platform/TellError.h"
+
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <iostream>
+#include <sstream>
+#include <string_view>
 #include <utility>
 
 namespace KAL_AUTO_Node {
+
+namespace {
+
+// How many letters have to be changed, exchanged with the next, put in or taken out to make one word of the
+// other.
+std::size_t Distance(std::string_view one, std::string_view other) {
+    std::vector<std::vector<std::size_t>> steps(one.size() + 1, std::vector<std::size_t>(other.size() + 1));
+    for (std::size_t i = 0; i <= one.size(); ++i) {
+        for (std::size_t j = 0; j <= other.size(); ++j) {
+            if (i == 0 || j == 0) {
+                steps[i][j] = i + j;
+                continue;
+            }
+            steps[i][j] = std::min({steps[i - 1][j] + 1, steps[i][j - 1] + 1,
+                                    steps[i - 1][j - 1] + (one[i - 1] == other[j - 1] ? 0 : 1)});
+            if (i > 1 && j > 1 && one[i - 1] == other[j - 2] && one[i - 2] == other[j - 1]) {
+                steps[i][j] = std::min(steps[i][j], steps[i - 2][j - 2] + 1);
+            }
+        }
+    }
+    return steps[one.size()][other.size()];
+}
+
+} // namespace
 
 bool Option::Given() const { return option_->count() > 0; }
 
@@ -74,15 +104,50 @@ CommandLine::CommandLine(const std::string& description, const std::string& prog
 
 CommandLine::~CommandLine() = default;
 
-CommandArguments CommandLine::Add(const std::string& command, const std::string& description) {
-    return CommandArguments(*program_->add_subcommand(command, description));
+CommandArguments CommandLine::Add(const std::string& command, const std::string& description,
+                                  const std::string& storeOption) {
+    CLI::App* added = program_->add_subcommand(command, description);
+    if (!storeOption.empty()) {
+        added
+            ->add_option(storeOption, store_,
+                         "The store's file, where it is not the one that the editor opens")
+            ->type_name("FILE");
+    }
+    return CommandArguments(*added);
+}
+
+std::string CommandLine::WithoutCommand() const {
+    std::vector<std::string> names;
+    for (const CLI::App* command : program_->get_subcommands({})) {
+        names.push_back(command->get_name());
+    }
+    const auto words = program_->remaining();
+    if (words.empty()) {
+        return "takes a command: " + CLI::detail::join(names, ", ");
+    }
+    const auto nearest = std::ranges::min_element(
+        names, {}, [&](const std::string& name) { return Distance(words.front(), name); });
+    std::string text = "there is no command '" + words.front() + "'";
+    if (Distance(words.front(), *nearest) < std::max<std::size_t>(2, nearest->size() / 2)) {
+        text += "; is " + *nearest + " meant?";
+    }
+    return text + "\nRun with --help for all of them.";
 }
 
 CommandLine::Outcome CommandLine::Read(int argc, char** argv) {
     try {
         program_->parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return program_->exit(error) == 0 ? Outcome::Told : Outcome::Wrong;
+        if (error.get_exit_code() != 0 && program_->get_subcommands().empty()) {
+            TellError(WithoutCommand());
+            return Outcome::Wrong;
+        }
+        std::ostringstream wrong;
+        if (program_->exit(error, std::cout, wrong) == 0) {
+            return Outcome::Told;
+        }
+        std::cerr << VisibleLines(wrong.str());
+        return Outcome::Wrong;
     }
     return Outcome::Run;
 }

@@ -74,14 +74,23 @@ class CommandLine {
     CommandLine(const std::string& description, const std::string& program, const std::string& version);
     ~CommandLine();
 
-    CommandArguments Add(const std::string& command, const std::string& description);
+    // Each command takes an option for the store's file: by another name, or none, where that is given.
+    CommandArguments Add(const std::string& command, const std::string& description,
+                         const std::string& storeOption = "--store");
+
+    // The store that the command line names; empty for the one that the editor opens.
+    [[nodiscard]] const std::string& Store() const { return store_; }
 
     // Whether a command is to be run. Otherwise all is said: what was asked for, or what is wrong.
     enum class Outcome { Run, Told, Wrong };
     [[nodiscard]] Outcome Read(int argc, char** argv);
 
   private:
+    // What is wrong with a command line that names no command.
+    [[nodiscard]] std::string WithoutCommand() const;
+
     std::unique_ptr<CLI::App> program_;
+    std::string store_;
 };
 
 } // namespace KAL_AUTO_Node

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "auto-node/CommandLine.h"
+#include "auto-node/StoreChoice.h"
 
 #include <functional>
 
@@ -10,8 +11,14 @@ namespace KAL_AUTO_Node {
 // exit status, and throws what goes wrong.
 struct Subcommand {
     CommandArguments arguments;
-    std::function<int()> run;
+    std::function<int(const StoreChoice& store)> run;
 };
+
+// Work on one store, as a command's run. Reading is done in one state of the store, and keeps nobody from
+// writing.
+using StoreWork = std::function<int(DataBase& dataBase)>;
+[[nodiscard]] std::function<int(const StoreChoice& store)> Reading(StoreWork work);
+[[nodiscard]] std::function<int(const StoreChoice& store)> Opening(StoreWork work);
 
 [[nodiscard]] Subcommand EditCommand(CommandLine& program);
 [[nodiscard]] Subcommand CheckCommand(CommandLine& program);

@@ -16,7 +16,7 @@ struct Options {
     NodePlace place;
     std::vector<int> versions;
     std::vector<std::int16_t> other; // node: configuration, partition, number
-    std::string store;
+    std::string otherStore;
     CallOptions calls;
 };
 
@@ -35,29 +35,33 @@ std::optional<AutoNode> NodeBefore(DataBase& dataBase, const NodePlace& place, s
                    : ReadContent(dataBase, place.partition, place.number).node;
 }
 
-int Run(const Options& options) {
+int Run(const Options& options, DataBase& dataBase) {
     const NodePlace& place = options.place;
     const NodePlace otherPlace =
         options.other.empty() ? place : NodePlace{{options.other[0], options.other[1]}, options.other[2]};
     const auto version = [&](std::size_t position) {
         return position < options.versions.size() ? std::optional(options.versions[position]) : std::nullopt;
     };
-    DataBase dataBase;
     std::unique_ptr<DataBase> otherStore;
-    if (!options.store.empty()) {
-        otherStore = std::make_unique<DataBase>(options.store);
+    std::optional<Snapshot> snapshot;
+    if (!options.otherStore.empty()) {
+        otherStore = std::make_unique<DataBase>(std::filesystem::path(options.otherStore));
+        snapshot.emplace(*otherStore);
     }
-    const auto before = NodeBefore(dataBase, place, version(0));
-    const auto after = NodeBefore(otherStore ? *otherStore : dataBase, otherPlace, version(1));
-    if (!before && !after) {
-        throw std::runtime_error("neither of the two nodes exists");
+    const auto node = NodeBefore(dataBase, place, version(1));
+    const auto other = NodeBefore(otherStore ? *otherStore : dataBase, otherPlace, version(0));
+    if (!node && (!options.other.empty() || !other)) {
+        FailWithout(place);
+    }
+    if (!other && !options.other.empty()) {
+        FailWithout(otherPlace);
     }
     if (!options.calls.calls) {
-        PrintChanges(ChangesInWords(before, after));
+        PrintChanges(ChangesInWords(node, other));
     } else if (otherStore || otherPlace != place) {
-        PrintCalls(dataBase, place, before, after, options.calls.json);
+        PrintCalls(dataBase, place, node, other, options.calls.json);
     } else {
-        PrintCalls(dataBase, {{place, before, after}}, options.calls.json);
+        PrintCalls(dataBase, {{place, node, other}}, options.calls.json);
     }
     return 0;
 }
@@ -68,11 +72,12 @@ Subcommand DiffCommand(CommandLine& program) {
     auto options = std::make_shared<Options>();
     const CommandArguments command = program.Add(
         "diff",
-        "Tell what turns an AUTO node into another: an older state of it, another node, another store's");
+        "Tell what turns an AUTO node into another: an older state of it, another node, another store's",
+        "--in");
     AddNode(command, options->place);
     const Option versions =
         AddNumbers(command, "--versions", options->versions, &ReadVersion,
-                   "The node as it was before one change, against before another or as it is now")
+                   "Into what it was before change OLD, from what it is, or was before change NEW")
             .Takes(1, 2)
             .ShownAs("OLD [NEW]");
     AddNumbers(command, "--node", options->other, &ReadNumber,
@@ -80,16 +85,16 @@ Subcommand DiffCommand(CommandLine& program) {
         .Takes(3, 3)
         .ShownAs("CONFIG PARTITION NODE")
         .Excludes(versions);
-    command.Text("--store", options->store, "The file of another store, in which the other node is")
+    command.Text("--store", options->otherStore, "The file of another store, in which the other node is")
         .ShownAs("FILE")
         .Excludes(versions);
     AddCalls(command, options->calls);
     command.Together([options] {
-        if (options->versions.empty() && options->other.empty() && options->store.empty()) {
+        if (options->versions.empty() && options->other.empty() && options->otherStore.empty()) {
             Refuse("diff", "takes --versions, --node or --store");
         }
     });
-    return {command, [options] { return Run(*options); }};
+    return {command, Reading([options](DataBase& dataBase) { return Run(*options, dataBase); })};
 }
 
 } // namespace KAL_AUTO_Node

@@ -142,8 +142,7 @@ Subcommand DigitsCommand(CommandLine& program) {
         "digits", "Tell where each digit sequence leads from an AUTO node, and which wait for more digits");
     AddNode(command, options->place);
     command.Flag("--json", options->json, "Print JSON, for programs");
-    return {command, [options] {
-                DataBase dataBase;
+    return {command, Reading([options](DataBase& dataBase) {
                 const Menu menu(options->place.number, RequireAutoNode(dataBase, options->place));
                 const auto lengths = DigitSpaceOf(menu.Node());
                 if (options->json) {
@@ -152,7 +151,7 @@ Subcommand DigitsCommand(CommandLine& program) {
                     Print(options->place, menu, lengths);
                 }
                 return 0;
-            }};
+            })};
 }
 
 } // namespace KAL_AUTO_Node

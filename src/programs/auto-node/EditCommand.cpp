@@ -29,13 +29,13 @@ bool HasDisplay() {
 Subcommand EditCommand(CommandLine& program) {
     auto place = std::make_shared<NodePlace>();
     const CommandArguments edit =
-        program.Add("edit", "Open the editor on a node, or on the first AUTO node of the store");
+        program.Add("edit", "Open the editor on a node, or on the first AUTO node of the store", "");
     const Option config = AddNumber(edit, "CONFIG", place->partition.config, "Configuration number");
     AddNumber(edit, "PARTITION", place->partition.number, "Partition number");
     const Option node =
         AddNumber(edit, "NODE", place->number, "Number of the AUTO node; 0 for the partition's template");
     config.Needs(node);
-    return {edit, [place, node]() -> int {
+    return {edit, [place, node](const StoreChoice&) -> int {
                 if (!HasDisplay()) {
                     throw std::runtime_error(
                         "there is no display to show the editor on (DISPLAY is not set)");

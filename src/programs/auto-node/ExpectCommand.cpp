@@ -45,7 +45,7 @@ std::string Listed(const std::vector<Target>& targets) {
 
 class Checking {
   public:
-    explicit Checking(bool json) : json_(json) {}
+    Checking(bool json, DataBase& dataBase) : json_(json), dataBase_(dataBase) {}
 
     void Check(const std::string& file) {
         std::ifstream lines(file);
@@ -138,23 +138,22 @@ class Checking {
     }
 
     bool json_;
-    DataBase dataBase_;
+    DataBase& dataBase_;
     TypeNames names_{dataBase_};
     std::map<Partition, CallMap> maps_;
     std::array<std::size_t, Verdicts.size()> counts_{};
     Json document_ = Json::array();
 };
 
-int Run(const Options& options) {
+int Run(const Options& options, DataBase& dataBase) {
     if (options.write.empty()) {
-        Checking checking(options.json);
+        Checking checking(options.json, dataBase);
         for (const std::string& file : options.files) {
             checking.Check(file);
         }
         return checking.End();
     }
     const Partition partition{options.write[0], options.write[1]};
-    DataBase dataBase;
     const TypeNames names(dataBase);
     const CallMap map = ReadCallMap(dataBase, names, partition);
     if (map.menus.empty()) {
@@ -189,7 +188,7 @@ Subcommand ExpectCommand(CommandLine& program) {
             Refuse("expect", "takes FILE or --write");
         }
     });
-    return {command, [options] { return Run(*options); }};
+    return {command, Reading([options](DataBase& dataBase) { return Run(*options, dataBase); })};
 }
 
 } // namespace KAL_AUTO_Node

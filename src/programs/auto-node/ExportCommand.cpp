@@ -1,6 +1,10 @@
 #include "auto-node/Arguments.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
+#include "auto-node/Table.h"
 #include "exchange/Export.h"
+#include "platform/NewFile.h"
+#include "platform/VisibleText.h"
 #include "store/DataBase.h"
 
 #include <iostream>
@@ -36,13 +40,21 @@ Subcommand ExportCommand(CommandLine& program) {
             options->scope = {ReadNumber("CONFIG", arguments[0]), ReadNumber("PARTITION", arguments[1])};
         }
     });
-    return {command, [options] {
-                DataBase dataBase;
+    return {command, Opening([options](DataBase& dataBase) {
                 const std::string& file = options->arguments.back();
-                const std::uint64_t rows = Export(dataBase, options->scope, file);
-                std::cout << "Wrote " << rows << (rows == 1 ? " row" : " rows") << " into " << file << '\n';
+                std::uint64_t rows = 0;
+                {
+                    Progress progress;
+                    rows = Export(dataBase, options->scope, file, [&](std::uint64_t written) {
+                        progress.Show([&] { return Counted(written, "row") + " written"; });
+                    });
+                }
+                // A pipe may be the standard output's, where this would stand behind what was written.
+                if (!Output::IsStream(file)) {
+                    std::cout << "Wrote " << Counted(rows, "row") << " into " << Visible(file) << '\n';
+                }
                 return 0;
-            }};
+            })};
 }
 
 } // namespace KAL_AUTO_Node

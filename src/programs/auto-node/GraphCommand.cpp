@@ -1,8 +1,13 @@
 #include "auto-node/Arguments.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
+#include "auto-node/Table.h"
 #include "diagram/DotText.h"
 #include "diagram/Graphviz.h"
 #include "history/History.h"
+#include "platform/Interruption.h"
+#include "platform/NewFile.h"
+#include "platform/VisibleText.h"
 #include "store/DataBase.h"
 
 #include <algorithm>
@@ -39,33 +44,25 @@ std::string CheckFile(const std::string& file) {
                : "'" + file + "' ends neither in .svg nor .png, .pdf or .dot";
 }
 
-// In the place of what is there, once it is whole.
 void WriteFile(const std::string& file, const std::string& content) {
-    const std::string begun = file + ".new";
-    std::ofstream out(begun, std::ios::binary);
-    out << content;
-    out.close();
-    std::error_code failure;
-    if (out) {
-        std::filesystem::rename(begun, file, failure);
-    }
-    if (!out || failure) {
-        std::filesystem::remove(begun, failure);
-        throw std::runtime_error("cannot write " + file);
+    try {
+        Output output(file);
+        output.Append(content);
+        output.Finish();
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error("cannot write " + file + ": " + error.what());
     }
 }
 
-std::string GraphOf(const Options& options) {
+std::string GraphOf(const Options& options, DataBase& dataBase) {
     const auto& [partition, number] = options.place;
-    DataBase dataBase;
     History history(dataBase);
     const CallFlow flow = ReadCallFlow(dataBase, history, partition);
     const std::string place = "configuration " + std::to_string(partition.config) + ", partition " +
                               std::to_string(partition.number);
     if (options.oneNode) {
         if (!flow.nodes.contains(number)) {
-            throw std::runtime_error("AUTO node " + std::to_string(number) + " of " + place +
-                                     " does not exist");
+            FailWithout(options.place);
         }
         return DotText(flow, Surroundings(flow, number, options.depth), number);
     }
@@ -83,7 +80,12 @@ std::string GraphOf(const Options& options) {
 
 std::string Drawn(const std::string& graph, const std::string& format, const std::string& file) {
     try {
-        Picture picture = DrawGraph(graph, format, TimeLimit);
+        Progress progress;
+        Picture picture = DrawGraph(graph, format, TimeLimit, [&](std::chrono::seconds lasting) {
+            progress.Show([&] {
+                return "dot draws for " + Counted(static_cast<std::size_t>(lasting.count()), "second");
+            });
+        });
         std::cerr << picture.warnings << (picture.warnings.empty() ? "" : "\n");
         return std::move(picture.bytes);
     } catch (const std::exception& error) {
@@ -94,15 +96,15 @@ std::string Drawn(const std::string& graph, const std::string& format, const std
     }
 }
 
-int Run(const Options& options) {
-    const std::string graph = GraphOf(options);
+int Draw(const Options& options, const std::string& graph) {
+    const Interruption interruption;
     if (options.file.empty()) {
         std::cout << graph;
         return 0;
     }
     const std::string format = FormatOf(options.file);
     WriteFile(options.file, format == "dot" ? graph : Drawn(graph, format, options.file));
-    std::cout << "Drew " << options.file << '\n';
+    std::cout << "Drew " << Visible(options.file) << '\n';
     return 0;
 }
 
@@ -127,9 +129,14 @@ Subcommand GraphCommand(CommandLine& program) {
               "printed where no file is given")
         .Check(CheckFile)
         .ShownAs("FILE");
-    return {command, [options, node] {
+    return {command, [options, node](const StoreChoice& store) {
                 options->oneNode = node.Given();
-                return Run(*options);
+                std::string graph;
+                Reading([&](DataBase& dataBase) {
+                    graph = GraphOf(*options, dataBase);
+                    return 0;
+                })(store);
+                return Draw(*options, graph);
             }};
 }
 

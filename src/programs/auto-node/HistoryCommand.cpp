@@ -93,13 +93,15 @@ Subcommand HistoryCommand(CommandLine& program) {
     const CommandArguments command = program.Add("history", "List the changes of an AUTO node, newest first");
     AddNode(command, options->place);
     command.Flag("--json", options->json, "Print JSON, for programs");
-    return {command, [options] {
-                DataBase dataBase;
+    return {command, Reading([options](DataBase& dataBase) {
                 History history(dataBase);
                 const auto changes = ReadChanges(dataBase, history, options->place);
+                if (changes.empty()) {
+                    static_cast<void>(RequireAutoNode(dataBase, options->place));
+                }
                 options->json ? PrintJson(changes) : Print(changes);
                 return 0;
-            }};
+            })};
 }
 
 Subcommand PruneCommand(CommandLine& program) {
@@ -107,12 +109,11 @@ Subcommand PruneCommand(CommandLine& program) {
         "prune", "Drop what the history keeps no longer: all but the last " +
                      std::to_string(History::KeptVersions) + " changes of each node and those younger than " +
                      std::to_string(History::KeptDays) + " days");
-    return {command, [] {
-                DataBase dataBase;
+    return {command, Opening([](DataBase& dataBase) {
                 const auto dropped = static_cast<std::size_t>(History(dataBase).Prune());
                 std::cout << "Dropped " << Counted(dropped, "version") << '\n';
                 return 0;
-            }};
+            })};
 }
 
 } // namespace KAL_AUTO_Node

@@ -3,20 +3,19 @@
 #include "auto-node/CheckReport.h"
 #include "auto-node/Commands.h"
 #include "auto-node/Programs.h"
+#include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "exchange/ExchangeImport.h"
 #include "exchange/FileKind.h"
 #include "exchange/JetImport.h"
-#include "platform/NativePath.h"
+#include "platform/Interruption.h"
 #include "platform/VisibleText.h"
 #include "store/CreateStore.h"
 #include "store/DataBase.h"
-#include "store/ParlonPlusFilesAndFolders.h"
 
 #include <iostream>
 #include <memory>
 #include <stdexcept>
-#include <unistd.h>
 
 namespace KAL_AUTO_Node {
 
@@ -24,31 +23,9 @@ namespace {
 
 struct Options {
     std::string file;
-    std::string into;
     bool damaged = false;
     bool dryRun = false;
     CallOptions calls;
-};
-
-// A line that writes over itself, for a person who waits; none where nobody looks.
-class ProgressLine {
-  public:
-    ~ProgressLine() { Show(""); }
-
-    void operator()(const std::string& table, std::uint32_t taken, std::uint32_t stored) {
-        Show(table + ": " + std::to_string(taken) + " of " + std::to_string(stored) + " rows");
-    }
-
-    ProgressLine() = default;
-    ProgressLine(const ProgressLine&) = delete;
-    ProgressLine& operator=(const ProgressLine&) = delete;
-
-  private:
-    static void Show(const std::string& text) {
-        if (isatty(STDERR_FILENO) != 0) {
-            std::cerr << '\r' << text << "\x1b[K" << std::flush;
-        }
-    }
 };
 
 void Print(const char* head, const std::vector<std::string>& lines) {
@@ -79,16 +56,18 @@ void Print(const JetReport& report) {
 }
 
 // Into a store that is made for it, or one that was made and holds nothing yet, such as one on a server.
-int BringOver(const Options& options) {
-    const std::filesystem::path store =
-        options.into.empty() ? NativePath(GetNewDatabaseFile()) : std::filesystem::path(options.into);
+int BringOver(const Options& options, const std::filesystem::path& store) {
     const bool exists = std::filesystem::exists(std::filesystem::symlink_status(store));
     JetReport report;
     {
-        ProgressLine progress;
+        Progress progress;
+        const auto show = [&](const std::string& table, std::uint32_t taken, std::uint32_t stored) {
+            progress.Show(
+                [&] { return table + ": " + std::to_string(taken) + " of " + Counted(stored, "row"); });
+        };
         const auto fill = [&](DataBase& dataBase) {
             report = ImportJet(dataBase, ProgramOfOurs("auto-node-jet"), options.file,
-                               options.damaged ? Damage::Accept : Damage::Refuse, std::ref(progress));
+                               options.damaged ? Damage::Accept : Damage::Refuse, show);
         };
         if (exists) {
             DataBase dataBase(store);
@@ -97,11 +76,12 @@ int BringOver(const Options& options) {
             all.Commit();
             dataBase.Flush();
         } else {
+            const Interruption interruption;
             CreateStore(store, fill);
         }
     }
     Print(report);
-    std::cout << (exists ? "Filled " : "Created ") << store.string() << "\n\n";
+    std::cout << (exists ? "Filled " : "Created ") << Visible(store.string()) << "\n\n";
     try {
         PrintCheckOf(store);
     } catch (const RuntimeError& error) {
@@ -110,6 +90,9 @@ int BringOver(const Options& options) {
     }
     return 0;
 }
+
+// More are counted, as rows of other tables are.
+constexpr std::size_t MostNodesTold = 100;
 
 // A node that changes, and how.
 struct ChangedNode {
@@ -145,27 +128,38 @@ std::string Named(const std::optional<Partition>& scope) {
                  : "the whole store";
 }
 
-int CarryBack(const Options& options) {
-    const auto dataBase =
-        options.into.empty() ? std::make_unique<DataBase>() : std::make_unique<DataBase>(options.into);
+int CarryBack(const Options& options, DataBase& dataBase) {
     std::vector<ChangedNode> nodes;
     std::vector<NodeStates> states;
-    const ExchangeReport report =
-        ImportExchange(*dataBase, options.file, options.dryRun ? Import::OnlyTell : Import::Carry,
-                       [&](const NodePlace& place, const auto& before, const auto& after) {
-                           nodes.push_back({place, ChangesInWords(before, after)});
-                           if (options.calls.calls) {
-                               states.push_back({place, before, after});
-                           }
-                       });
+    std::size_t untold = 0;
+    const auto tell = [&](const NodePlace& place, const auto& before, const auto& after) {
+        if (options.calls.calls) {
+            states.push_back({place, before, after});
+        }
+        if (nodes.size() == MostNodesTold) {
+            ++untold;
+        } else {
+            nodes.push_back({place, ChangesInWords(before, after)});
+        }
+    };
+    ExchangeReport report;
+    {
+        Progress progress;
+        report = ImportExchange(
+            dataBase, options.file, options.dryRun ? Import::OnlyTell : Import::Carry, tell,
+            [&](std::uint64_t rows) { progress.Show([&] { return Counted(rows, "row") + " compared"; }); });
+    }
     if (options.calls.json) {
-        PrintCalls(*dataBase, states, true);
+        PrintCalls(dataBase, states, true);
         return 0;
     }
     std::cout << (options.dryRun ? "Would import " : "Imported ") << Named(report.scope) << " into "
-              << dataBase->File().string() << '\n';
+              << Visible(dataBase.File().string()) << '\n';
     for (const ChangedNode& node : nodes) {
         Print(node);
+    }
+    if (untold > 0) {
+        std::cout << "and " << Counted(untold, "AUTO node") << " more\n";
     }
     for (const ExchangeReport::Table& table : report.tables) {
         Print(table);
@@ -175,24 +169,26 @@ int CarryBack(const Options& options) {
     }
     if (options.calls.calls) {
         std::cout << '\n';
-        PrintCalls(*dataBase, states, false);
+        PrintCalls(dataBase, states, false);
     }
     return 0;
 }
 
-int Run(const Options& options) {
+int Run(const Options& options, const StoreChoice& store) {
     switch (KindOf(options.file)) {
     case FileKind::Jet:
         if (options.dryRun) {
             throw std::runtime_error("a Jet file goes into a new store; --dry-run is for what export wrote");
         }
-        return BringOver(options);
+        return BringOver(options, store.NewPlace());
     case FileKind::LaterJet:
         throw std::runtime_error("'" + options.file +
                                  "' has a later form than Jet 4; save it as Jet 4 first");
     case FileKind::Exchange:
-    case FileKind::Json:
-        return CarryBack(options);
+    case FileKind::Json: {
+        DataBase dataBase = store.Open();
+        return CarryBack(options, dataBase);
+    }
     default:
         throw std::runtime_error("'" + options.file + "' is neither a Jet file nor what export wrote");
     }
@@ -204,18 +200,14 @@ Subcommand ImportCommand(CommandLine& program) {
     auto options = std::make_shared<Options>();
     const CommandArguments command = program.Add(
         "import",
-        "Bring an old Jet file (NewDB.mdb) over into a new store, or what export wrote back into one");
+        "Bring an old Jet file (NewDB.mdb) over into a new store, or what export wrote back into one",
+        "--into,--store");
     command.Text("FILE", options->file, "The file; what it holds tells what it is").Required().ShownAs("");
-    command
-        .Text("--into", options->into,
-              "The store's file, a new one or without rows for a Jet file; where the editor looks "
-              "where none is given")
-        .ShownAs("STORE");
     const Option dryRun =
         command.Flag("--dry-run", options->dryRun, "Only tell what would change; not for a Jet file");
     AddCalls(command, options->calls, dryRun);
     command.Flag("--damaged", options->damaged, "Take what can be read of a damaged Jet file");
-    return {command, [options] { return Run(*options); }};
+    return {command, [options](const StoreChoice& store) { return Run(*options, store); }};
 }
 
 } // namespace KAL_AUTO_Node

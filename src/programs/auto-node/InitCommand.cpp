@@ -1,7 +1,6 @@
 #include "auto-node/Commands.h"
-#include "platform/NativePath.h"
+#include "platform/VisibleText.h"
 #include "store/CreateServerStore.h"
-#include "store/ParlonPlusFilesAndFolders.h"
 #include "store/ServerLink.h"
 
 #include <iostream>
@@ -21,17 +20,17 @@ Subcommand InitCommand(CommandLine& program) {
         .Check([](const std::string& uri) {
             return IsLink(uri) ? std::string() : "a connection URI begins with postgresql:// or postgres://";
         });
-    return {init, [demo, server] {
-                const auto file = NativePath(GetNewDatabaseFile());
+    return {init, [demo, server](const StoreChoice& store) {
+                const auto file = store.NewPlace();
                 const auto content = *demo ? StoreContent::Demo : StoreContent::Empty;
                 if (server->empty()) {
                     CreateStore(file, content);
-                    std::cout << "Created " << file.string() << '\n';
+                    std::cout << "Created " << Visible(file.string()) << '\n';
                 } else {
                     const bool made = CreateServerStore(file, *server, content) == ServerStore::Made;
                     std::cout << (made ? "Created the store and the link "
                                        : "Found a store; created the link ")
-                              << file.string() << '\n';
+                              << Visible(file.string()) << '\n';
                 }
                 if (*demo) {
                     std::cout << "Look at its first node: auto-node edit 1 2 1\n";

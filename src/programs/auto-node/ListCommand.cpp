@@ -1,10 +1,12 @@
 #include "auto-node/Arguments.h"
 #include "auto-node/Commands.h"
 #include "auto-node/Table.h"
+#include "nodes/AutoNodeReader.h"
 #include "nodes/NodeJson.h"
 #include "nodes/Overview.h"
 #include "store/DataBase.h"
 
+#include <algorithm>
 #include <iostream>
 #include <memory>
 
@@ -43,6 +45,11 @@ void ListPartitions(DataBase& dataBase, bool json) {
 }
 
 void ListNodes(DataBase& dataBase, Partition partition, bool json) {
+    const auto all = ReadPartitions(dataBase);
+    if (std::ranges::find(all, partition, &PartitionCounts::partition) == all.end() &&
+        !AutoNodeExists(dataBase, partition, TemplateNumber)) {
+        FailWithoutNodes(partition);
+    }
     auto document = nlohmann::ordered_json::array();
     Table table({Right, Left, Right, Right, Right, Left, Right, Right, Right});
     table.Add({"Node", "Label", "Prompts", "Actions", "Digits", "End", "Retries", "Selection s", "Digit s"});
@@ -73,15 +80,14 @@ Subcommand ListCommand(CommandLine& program) {
     const Option partition = AddNumber(list, "PARTITION", options->partition.number, "Partition number");
     config.Needs(partition);
     list.Flag("--json", options->json, "Print JSON, for programs");
-    return {list, [options, partition] {
-                DataBase dataBase;
+    return {list, Reading([options, partition](DataBase& dataBase) {
                 if (partition.Given()) {
                     ListNodes(dataBase, options->partition, options->json);
                 } else {
                     ListPartitions(dataBase, options->json);
                 }
                 return 0;
-            }};
+            })};
 }
 
 } // namespace KAL_AUTO_Node

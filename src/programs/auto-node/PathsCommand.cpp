@@ -81,8 +81,7 @@ class Telling {
     Json document_ = Json::array();
 };
 
-int Run(const Options& options) {
-    DataBase dataBase;
+int Run(const Options& options, DataBase& dataBase) {
     const TypeNames names(dataBase);
     const int typeID = names.Meant(options.type);
     if (typeID == NumberlessType || typeID == NumberlessExceptionType) {
@@ -126,10 +125,10 @@ Subcommand PathsCommand(CommandLine& program) {
                                   "Number of the AUTO node at which to begin; else all where calls may enter")
                             .ShownAs("NODE");
     command.Flag("--json", options->json, "Print JSON, for programs");
-    return {command, [options, from] {
+    return {command, Reading([options, from](DataBase& dataBase) {
                 options->fromOne = from.Given();
-                return Run(*options);
-            }};
+                return Run(*options, dataBase);
+            })};
 }
 
 } // namespace KAL_AUTO_Node

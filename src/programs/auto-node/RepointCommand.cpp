@@ -28,9 +28,8 @@ struct Options {
     CallOptions calls;
 };
 
-int Run(const Options& options) {
+int Run(const Options& options, DataBase& dataBase) {
     const Partition partition = options.partition;
-    DataBase dataBase;
     History history(dataBase);
     const TypeNames names(dataBase);
     const NodeID from{names.Meant(options.type), options.number};
@@ -86,7 +85,10 @@ Subcommand RepointCommand(CommandLine& program) {
         .Required();
     const Option dryRun = command.Flag("--dry-run", options->dryRun, "Only tell what would change");
     AddCalls(command, options->calls, dryRun);
-    return {command, [options] { return Run(*options); }};
+    return {command, [options](const StoreChoice& store) {
+                const auto run = [options](DataBase& dataBase) { return Run(*options, dataBase); };
+                return (options->dryRun ? Reading(run) : Opening(run))(store);
+            }};
 }
 
 } // namespace KAL_AUTO_Node

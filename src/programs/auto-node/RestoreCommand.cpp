@@ -31,35 +31,36 @@ Subcommand RestoreCommand(CommandLine& program) {
         .ShownAs("");
     const Option dryRun = command.Flag("--dry-run", options->dryRun, "Only tell what would change");
     AddCalls(command, options->calls, dryRun);
-    return {
-        command, [options] {
-            const NodePlace& place = options->place;
-            DataBase dataBase;
-            History history(dataBase);
-            int version = options->version;
-            if (version == 0) {
-                const auto versions = history.Versions(place);
-                if (versions.empty()) {
-                    throw RuntimeError(ErrorNumber::InvalidProcedureCall, "No changes of this node are kept");
-                }
-                version = versions.front().number;
+    const auto run = [options](DataBase& dataBase) {
+        const NodePlace& place = options->place;
+        History history(dataBase);
+        int version = options->version;
+        if (version == 0) {
+            const auto versions = history.Versions(place);
+            if (versions.empty()) {
+                throw RuntimeError(ErrorNumber::InvalidProcedureCall, "No changes of this node are kept");
             }
-            const NodeContent after = history.ToPutBack(place, version);
-            const NodeContent before = options->dryRun ? ReadContent(dataBase, place.partition, place.number)
-                                                       : history.PutBack(place, version, "restore");
-            if (options->calls.json) {
-                PrintCalls(dataBase, {{place, before.node, after.node}}, true);
-                return 0;
-            }
-            std::cout << (options->dryRun ? "Would put back" : "Put back") << " AUTO node " << place.number
-                      << " as it was before version " << version << ":\n";
-            PrintChanges(ChangesInWords(before.node, after.node));
-            if (options->calls.calls) {
-                std::cout << '\n';
-                PrintCalls(dataBase, {{place, before.node, after.node}}, false);
-            }
+            version = versions.front().number;
+        }
+        const NodeContent after = history.ToPutBack(place, version);
+        const NodeContent before = options->dryRun ? ReadContent(dataBase, place.partition, place.number)
+                                                   : history.PutBack(place, version, "restore");
+        if (options->calls.json) {
+            PrintCalls(dataBase, {{place, before.node, after.node}}, true);
             return 0;
-        }};
+        }
+        std::cout << (options->dryRun ? "Would put back" : "Put back") << " AUTO node " << place.number
+                  << " as it was before version " << version << ":\n";
+        PrintChanges(ChangesInWords(before.node, after.node));
+        if (options->calls.calls) {
+            std::cout << '\n';
+            PrintCalls(dataBase, {{place, before.node, after.node}}, false);
+        }
+        return 0;
+    };
+    return {command, [options, run](const StoreChoice& store) {
+                return (options->dryRun ? Reading(run) : Opening(run))(store);
+            }};
 }
 
 } // namespace KAL_AUTO_Node

@@ -68,9 +68,8 @@ Subcommand ShowCommand(CommandLine& program) {
         program.Add("show", "Print one AUTO node: settings, prompts, actions, exceptions");
     AddNode(show, options->place);
     show.Flag("--json", options->json, "Print JSON, for programs");
-    return {show, [options] {
+    return {show, Reading([options](DataBase& dataBase) {
                 const NodePlace& place = options->place;
-                DataBase dataBase;
                 const AutoNode node = RequireAutoNode(dataBase, place);
                 if (options->json) {
                     std::cout << JsonText(ToJson(place.partition, place.number, node, Labels::Read)) << '\n';
@@ -78,7 +77,7 @@ Subcommand ShowCommand(CommandLine& program) {
                     Print(place, node);
                 }
                 return 0;
-            }};
+            })};
 }
 
 } // namespace KAL_AUTO_Node

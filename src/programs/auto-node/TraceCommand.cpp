@@ -165,8 +165,7 @@ struct Options {
     bool json = false;
 };
 
-int Run(const Options& options) {
-    DataBase dataBase;
+int Run(const Options& options, DataBase& dataBase) {
     const TypeNames names(dataBase);
     // A choice may be one word to the shell.
     std::vector<std::string> words;
@@ -204,7 +203,7 @@ Subcommand TraceCommand(CommandLine& program) {
                "ways")
         .ShownAs("");
     command.Flag("--json", options->json, "Print JSON, for programs");
-    return {command, [options] { return Run(*options); }};
+    return {command, Reading([options](DataBase& dataBase) { return Run(*options, dataBase); })};
 }
 
 } // namespace KAL_AUTO_Node

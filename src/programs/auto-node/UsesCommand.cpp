@@ -3,12 +3,15 @@
 #include "auto-node/Table.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/NodeJson.h"
+#include "nodes/NodeTypes.h"
 #include "nodes/References.h"
+#include "nodes/Templates.h"
 #include "platform/VisibleText.h"
 #include "store/Batch.h"
 
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 
 namespace KAL_AUTO_Node {
 
@@ -23,12 +26,16 @@ struct Options {
     bool json = false;
 };
 
-int Run(const Options& options) {
+int Run(const Options& options, DataBase& dataBase) {
     const Partition partition = options.partition;
-    DataBase dataBase;
     const TypeNames names(dataBase);
     const int typeID = names.Meant(options.type);
     const auto uses = ReadUses(dataBase, partition, names, typeID, options.number);
+    const std::string name = names.Name(NodeTypeOf(typeID)) + ' ' + std::to_string(options.number);
+    // What refers to a missing node is worth knowing.
+    if (uses.empty() && !IsNodeExisted(dataBase, partition, typeID, options.number)) {
+        throw std::runtime_error(name + " does not exist, and nothing refers to it");
+    }
     ReadAhead ahead(dataBase);
     for (const StoredReference& use : uses) {
         ReadLabelAhead(ahead, partition, use.holderTypeID, use.holder);
@@ -61,8 +68,7 @@ int Run(const Options& options) {
     if (options.json) {
         std::cout << JsonText(document) << '\n';
     } else if (uses.empty()) {
-        std::cout << "Nothing refers to "
-                  << Visible(names.Name(NodeTypeOf(typeID)) + ' ' + std::to_string(options.number)) << ".\n";
+        std::cout << "Nothing refers to " << Visible(name) << ".\n";
     } else {
         table.Print(std::cout);
     }
@@ -79,7 +85,7 @@ Subcommand UsesCommand(CommandLine& program) {
     AddType(command, "TYPE", options->type);
     AddNumber(command, "NUMBER", options->number, "Number of the node").Required();
     command.Flag("--json", options->json, "Print JSON, for programs");
-    return {command, [options] { return Run(*options); }};
+    return {command, Reading([options](DataBase& dataBase) { return Run(*options, dataBase); })};
 }
 
 } // namespace KAL_AUTO_Node

@@ -38,14 +38,15 @@ int main(int argc, char** argv) {
     case CommandLine::Outcome::Wrong:
         return UsageError;
     }
+    const StoreChoice store(program.Store());
     try {
         for (const Subcommand& command : commands) {
             if (command.arguments.Given()) {
-                return Ended(command.run());
+                return Ended(command.run(store));
             }
         }
     } catch (const std::exception& error) {
-        TellError(error.what());
+        TellError(store.Told(error));
     }
     return Failed;
 }

@@ -1,0 +1,36 @@
+#include "platform/Interruption.h"
+
+#include "platform/RuntimeError.h"
+
+namespace KAL_AUTO_Node {
+
+namespace {
+
+constexpr int Ending[] = {SIGINT, SIGTERM};
+
+} // namespace
+
+Interruption::Interruption() {
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int signal : Ending) {
+        sigaddset(&ending, signal);
+    }
+    pthread_sigmask(SIG_BLOCK, &ending, &before_);
+}
+
+Interruption::~Interruption() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+void Interruption::Look() {
+    sigset_t pending;
+    sigset_t blocked;
+    sigpending(&pending);
+    pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+    for (const int signal : Ending) {
+        if (sigismember(&pending, signal) == 1 && sigismember(&blocked, signal) == 1) {
+            throw RuntimeError(ErrorNumber::StoreFailure, "Interrupted");
+        }
+    }
+}
+
+} // namespace KAL_AUTO_Node
