@@ -28,11 +28,11 @@ void Hold(const char* at) {
     std::getline(std::cin, line);
 }
 
-const std::map<std::string, Fault> Faults = {{"none", Fault::None},
-                                             {"kill", Fault::Kill},
-                                             {"eio", Fault::InputOutput},
-                                             {"full", Fault::Full},
-                                             {"pause", Fault::Pause}};
+const std::map<std::string, DiskFault> Faults = {{"none", DiskFault::None},
+                                                 {"kill", DiskFault::Kill},
+                                                 {"eio", DiskFault::InputOutput},
+                                                 {"full", DiskFault::Full},
+                                                 {"pause", DiskFault::Pause}};
 
 class Window {
   public:

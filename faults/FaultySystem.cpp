@@ -12,7 +12,7 @@ namespace {
 
 struct Plan {
     bool armed = false;
-    Fault fault = Fault::None;
+    DiskFault fault = DiskFault::None;
     int at = 0;
     bool lasting = false;
     std::function<void()> pause;
@@ -43,17 +43,17 @@ int Meet(int code, bool takesSpace) {
         return SQLITE_OK;
     }
     switch (plan.fault) {
-    case Fault::Kill:
+    case DiskFault::Kill:
         raise(SIGKILL);
         return SQLITE_OK;
-    case Fault::InputOutput:
+    case DiskFault::InputOutput:
         return code;
-    case Fault::Full:
+    case DiskFault::Full:
         return takesSpace ? SQLITE_FULL : SQLITE_OK;
-    case Fault::Pause:
+    case DiskFault::Pause:
         plan.pause();
         return SQLITE_OK;
-    case Fault::None:
+    case DiskFault::None:
         break;
     }
     return SQLITE_OK;
@@ -111,7 +111,7 @@ FileSyncs SyncsOf(const std::function<void()>& work) {
     return counts;
 }
 
-void Arm(Fault fault, int at, bool lasting, std::function<void()> pause) {
+void Arm(DiskFault fault, int at, bool lasting, std::function<void()> pause) {
     plan = {true, fault, at, lasting, std::move(pause), 0};
 }
 

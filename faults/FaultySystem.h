@@ -5,7 +5,7 @@
 namespace KAL_AUTO_Node {
 
 // What befalls a write of the engine's: of bytes, of a file's end, of a file's removal, of a sync.
-enum class Fault {
+enum class DiskFault {
     None,
     Kill,        // the process is killed before it
     InputOutput, // it fails as on a broken disk
@@ -30,7 +30,7 @@ void StartFaultySystem();
 
 // From now on writes are counted, from 1, and the one of that number meets the fault; where it lasts, those
 // after it do too.
-void Arm(Fault fault, int at, bool lasting, std::function<void()> pause);
+void Arm(DiskFault fault, int at, bool lasting, std::function<void()> pause);
 void Disarm();
 [[nodiscard]] int WritesSinceArmed();
 

@@ -31,7 +31,7 @@ class Told : public ExchangeSink {
             Require(!WhyNot(table_->columns[column], value) && value == row[column],
                     "its column can hold a value");
         }
-        const StoreKey key = KeyOf(*table_, row);
+        const StoreKey key = RowKeyOf(*table_, row);
         Require(!before_ || *before_ < key, "rows come in the order of their keys");
         Require(!scope_ || (key[0] == scope_->config && key[1] == scope_->number),
                 "a row is one of the scope");

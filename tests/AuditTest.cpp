@@ -65,6 +65,19 @@ const std::vector<Case> Cases = {
     {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'0','2','MSG'), (1,2,8,0,1,1,'01','02','MSG'),"
      " (1,2,9,0,1,1,'4','4','MSG'), (1,2,10,0,1,1,'4','6','MSG')",
      {"shared-digits AUTO 1 1, also in 0-2", "shared-digits AUTO 1 4, also in 4-6"}},
+    {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'20','70','MSG'), (1,2,8,0,1,1,'30','40','MSG'),"
+     " (1,2,9,0,1,1,'35','80','MSG')",
+     {"shared-digits AUTO 1 30-40, also in 20-70", "shared-digits AUTO 1 35-70, also in 20-70"}},
+    {"UPDATE Detail_AUTO_Action SET NodeNumber = NodeMasterID",
+     {"unreferenced AUTO 1", "unreferenced AUTO 2"}},
+    {"INSERT INTO Node_LIST VALUES (1,2,8,3,'','LIST',''); INSERT INTO Detail_LIST VALUES "
+     "(1,2,1,0,1,3,'OLD');"
+     "INSERT INTO Node_General_Pool VALUES (1,2,8,3,'LIST','','')",
+     {"type-name LIST 3 'OLD' for MSG"}},
+    {"UPDATE Node_AUTO SET TimeoutNodeTypeID = 9, TimeoutNodeType = 'AUTO', InvalidNodeTypeID = 9,"
+     " InvalidNodeType = 'AUTO', AbortNodeTypeID = 9, AbortNodeType = 'AUTO';"
+     "UPDATE Detail_AUTO_Action SET NodeNumber = 7 WHERE NodeMasterID = 2",
+     {"missing-node AUTO 2 AUTO 7"}},
     {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'9','8','MSG')", {"reversed-range AUTO 1 9-8"}},
     {"INSERT INTO Detail_AUTO_Action VALUES (1,2,7,0,1,1,'001','001','MSG')",
      {"range-too-long AUTO 1 001-001"}},
@@ -80,8 +93,9 @@ const std::vector<Case> Cases = {
      {"no-way-out AUTO 1", "no-way-out AUTO 2"}},
     {"UPDATE Detail_AUTO_Action SET NodeNumber = 1", {"unreferenced AUTO 2"}},
     {"INSERT INTO Detail_AUTO_Prompts VALUES (1,2,1,0,1,-3,'MSG'), (1,2,1,0,1,9,'MSG'), (1,2,2,0,1,9,'MSG');"
+     "INSERT INTO Detail_AUTO_Action VALUES (1,2,1,0,1,9,'1','1','MSG');"
      "INSERT INTO Detail_LIST VALUES (1,2,1,0,1,5,'MSG'), (1,2,2,0,7,5,'MSG')",
-     {"orphan-rows AUTO -3 1 prompts", "orphan-rows AUTO 9 2 prompts",
+     {"orphan-rows AUTO -3 1 prompts", "orphan-rows AUTO 9 1 actions", "orphan-rows AUTO 9 2 prompts",
       "orphan-rows LIST 5 2 of Detail_LIST"}},
     {"INSERT INTO Node_General_Pool VALUES (1,2,13,1,'TABLE','',''), (1,2,77,1,'other','','')",
      {"registered-without-node TABLE 1"}},
@@ -209,6 +223,9 @@ TEST(References, AreRepointedAllOrNone) {
 
     EXPECT_EQ(repoint({0, 248}), std::vector<std::string>{"MSG 248 does not exist"});
     EXPECT_EQ(repoint({0, 249}).size(), 2U) << "its own place, and it does not exist";
+    store.Execute("UPDATE Node_Type_Max SET Max_Number = 59 WHERE NodeType_ID = 0 AND PartitionID = 2");
+    EXPECT_NE(repoint({0, 60}).at(0).find("MSG 60 is above the partition's highest"), std::string::npos);
+    store.Execute("UPDATE Node_Type_Max SET Max_Number = 250 WHERE NodeType_ID = 0 AND PartitionID = 2");
     // All but the AUTO node's branches, its action, and its prompt, which takes a message.
     EXPECT_EQ(repoint({9, 1}).size(), all - 6);
     EXPECT_EQ(repoint({817, 1}).size(), 1 + all - 1) << "no node";

@@ -130,11 +130,15 @@ TEST(Diagram, MergesWaysIntoOneLineAndMuchIntoOneStack) {
     node.actions.push_back(By("100", {5, "HOLD", 1, {}}));
     node.actions.push_back(By("0101", {5, "HOLD", 1, {}}));
     node.branches[0] = node.branches[2] = {5, "HOLD", 1, {}};
+    node.prompts.push_back({1, {0, "MSG", 7, {}}});
     const std::string text = DotText(flow, {1}, std::nullopt);
     for (const char* shown : {"<601-660>", "and 54 more", "<099-100, 0101>", "<Timeout, Abort>",
                               "<B>✗ HOLD 1 is missing</B>>, shape=octagon"}) {
         EXPECT_NE(text.find(shown), std::string::npos) << shown << " in " << text;
     }
+    // Neither what is only heard nor what leads nowhere is a way.
+    EXPECT_EQ(text.find("NONE"), std::string::npos) << text;
+    EXPECT_EQ(text.find("MSG 7"), text.rfind("MSG 7")) << text;
 }
 
 TEST(Diagram, CostsAMessageWhereDotFails) {
@@ -156,6 +160,7 @@ TEST(Diagram, CostsAMessageWhereDotFails) {
     fail("kill -SEGV $$", "crashed: Segmentation fault");
     fail("echo 'no \033 go' >&2; exit 3", "status 3: no \\x1b go");
     fail("", "status 0");
+    fail("echo picture; exit 1", "status 1");
     path.Set(folder.Path().string() + "/none");
     EXPECT_THROW(static_cast<void>(DrawGraph("digraph { a }", "svg", seconds(1))), std::runtime_error);
 }

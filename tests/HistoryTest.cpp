@@ -55,11 +55,11 @@ class HistoryOfANode : public testing::Test {
 };
 
 TEST_F(HistoryOfANode, KeepsItAsItWasBeforeEachChange) {
-    store_.Execute(
-        "UPDATE Node_AUTO SET RetryLimit = NULL, AbortNodeType = 'old' WHERE PartID = 2 AND NodeNumber = 8;"
-        "UPDATE Detail_AUTO_Action SET SequenceNo = 70, DTMFRangeLow = NULL WHERE PartID = 2 AND"
-        " NodeMasterID = 8 AND SequenceNo = 8;"
-        "UPDATE Node_General_Pool SET DateModified = NULL WHERE PartID = 2 AND NodeTypeID = 9");
+    store_.Execute("UPDATE Node_AUTO SET RetryLimit = NULL, AbortNodeType = 'C:\\temp\\old' WHERE PartID = 2 "
+                   "AND NodeNumber = 8;"
+                   "UPDATE Detail_AUTO_Action SET SequenceNo = 70, DTMFRangeLow = NULL WHERE PartID = 2 AND"
+                   " NodeMasterID = 8 AND SequenceNo = 8;"
+                   "UPDATE Node_General_Pool SET DateModified = NULL WHERE PartID = 2 AND NodeTypeID = 9");
     const Texts original = Stored();
     anna_.Save("First");
     const Texts first = Stored();

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <regex>
 #include <sstream>
 
 namespace KAL_AUTO_Node {
@@ -166,12 +167,15 @@ TEST(HostProgram, ListsAndShowsWhatAPersonWouldAskFor) {
         "UPDATE Node_AUTO SET NodeDescription = 'Esc \x1b[31m, turn \u202e, two\nlines' WHERE NodeNumber = 9;"
         "UPDATE Node_AUTO SET RetryLimit = 9 WHERE PartID = 2 AND NodeNumber = 9");
     ExpectTold(Program(0, {"list"}).output, "            1          2          17        210\n");
+    ExpectTold(Program(0, {"list", "1", "2"}).output, "  3  #          3            8        2\n");
     ExpectTold(Program(0, {"list", "1", "2"}).output,
                "  15  Réservations, Café Genève                      3");
     const std::string node = Program(0, {"show", "1", "2", "9"}).output;
     ExpectTold(node, "AUTO 9  Esc \\x1b[31m, turn \\u202e, two\\x0alines\n");
     ExpectTold(node, "  retry limit         9 (shown as 0)\n");
     ExpectTold(node, "Exceptions\n  Timeout  ");
+    ExpectTold(Program(0, {"show", "1", "2", "9", "--json"}).output,
+               R"("label": "Esc \u001b[31m, turn \u202e, two\nlines",)");
     ExpectTold(Program(0, {"show", "1", "2", "1", "--json"}).output,
                "\"prompts\": [\n    {\n      \"sequence\": 1,\n      \"typeID\": 2,");
     ExpectTold(Program(0, {"list", "1", "2", "--json"}).output, "\"number\": 40,");
@@ -247,6 +251,8 @@ TEST(HostProgram, DrawsTheCallFlowOrOffersItsText) {
     ExpectTold(Program(0, {"graph", "1", "2", "10"}).output, "row 2 → AUTO 10 After hours");
     ExpectTold(draw(1, {"25"}).errors, "AUTO node 25");
     ExpectTold(Program(1, {"graph", "9", "9"}).errors, "no AUTO nodes");
+    ExpectTold(Program(1, {"graph", "1", "2", "-o", "/no/folder.dot"}).errors, "/no/folder.dot");
+    EXPECT_EQ(Program(0, {"graph", "1", "2"}).output.find("Menu template"), std::string::npos);
     for (const QStringList& arguments : {QStringList{"graph", "1"},
                                          {"graph", "1", "2", "-o", "flow.jpg"},
                                          {"graph", "1", "2", "--depth", "1"},
@@ -286,7 +292,9 @@ TEST(HostProgram, BringsStoresOver) {
     ExpectTold(told, "\nNode_MSG                                         114    114\n");
     ExpectTold(told, "Not known here and left:\n    Node_AUTO.Remark\n    Scheduler\n");
     ExpectTold(told, "missing-node");
-    Program(1, {"import", old, "--into", made, "--dry-run"});
+    const QString other = QString::fromStdString((store.Folder() / "other.db").string());
+    Program(1, {"import", old, "--into", other, "--dry-run"});
+    EXPECT_FALSE(std::filesystem::exists(other.toStdString()));
     ExpectTold(Program(1, {"import", AUTO_NODE}).errors, "neither a Jet file nor");
     ExpectTold(Program(1, {"import", QString::fromStdString(store.Folder().string())}).errors, "folder");
 }
@@ -310,7 +318,9 @@ TEST(HostProgram, ChecksAPartitionAndMakesWhatIsMissing) {
     ExpectTold(Program(0, {"check", "1", "1"}).output, "0 errors, 0 warnings, 0 notes");
 
     const std::string keys = check(1, {"--keys"}).output;
-    std::ofstream(accepted) << "# for now\n" << keys;
+    const QStringList fixBut = {"--accept", QString::fromStdString(accepted), "--fix", "missing"};
+    std::ofstream(accepted) << "# for now\r\n" << std::regex_replace(keys, std::regex("\n"), "\r\n");
+    EXPECT_EQ(check(0, fixBut).output.find("is created"), std::string::npos) << "it is accepted";
     ExpectTold(check(0, {"--accept", QString::fromStdString(accepted)}).output, "; 34 accepted\n");
     std::ofstream(accepted) << "missing 1 2 AUTO 6";
     ExpectTold(check(1, {"--accept", QString::fromStdString(accepted)}).errors, "line 1");
@@ -320,6 +330,7 @@ TEST(HostProgram, ChecksAPartitionAndMakesWhatIsMissing) {
 
     const std::string fixed = check(1, {"--fix", "missing"}).output;
     ExpectTold(fixed, "MSG 241 is created.\n");
+    EXPECT_EQ(fixed.find("MSG 241 is"), fixed.rfind("MSG 241 is"));
     ExpectTold(fixed, "HOLD 4: These nodes could not be created");
     EXPECT_EQ(store.Value("SELECT VexoFilename FROM Node_MSG WHERE NodeNumber = 241"), "P02M241.wav");
     const std::string left = check(1, {"--keys"}).output;
@@ -332,10 +343,11 @@ TEST(HostProgram, ChecksAPartitionAndMakesWhatIsMissing) {
 
 TEST(HostProgram, TellsWhatUsesANodeAndLetsAnotherTakeItsPlace) {
     const TestStore store;
-    ExpectTold(Program(0, {"uses", "1", "2", "msg", "44"}).output,
-               "AUTO 12  Voice of Müller  prompt 1  M_ON 44\n");
+    const std::string auto12 = "AUTO 12  Voice of Müller  ";
+    EXPECT_EQ(Program(0, {"uses", "1", "2", "msg", "44"}).output,
+              auto12 + "prompt 1  M_ON 44\n" + auto12 + "prompt 3  M_OFF 44\n" + auto12 +
+                  "action 4  M_ON 44\n" + auto12 + "action 5  M_OFF 44\n");
     ExpectTold(Program(0, {"uses", "1", "2", "4", "1", "--json"}).output, "\"place\": \"row 2\",");
-    ExpectTold(Program(0, {"uses", "1", "2", "MSG", "44"}).output, "action 5  M_OFF 44");
     ExpectTold(Program(1, {"uses", "1", "2", "MSGS", "44"}).errors, "'MSGS'");
     ExpectTold(Program(1, {"uses", "1", "2", "MSG", "99"}).errors, "MSG 99 does not exist, and nothing");
 

@@ -101,6 +101,8 @@ TEST_F(StoreLocation, RegistryIsTheFallbackWhateverItNames) {
         WriteValues("\"Common AppData\"=" + std::string(value) + "\r\n");
         EXPECT_EQ(GetSuiteFolder(), std::string(folder) + R"(\Brevank\Parlon+\)");
     }
+    WriteValues("\"Common AppData\"=\"D:\"\r\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Other]\r\n");
+    EXPECT_EQ(GetSuiteFolder(), R"(D:\Brevank\Parlon+\)") << "another key is gone, not this one";
     WriteValues("\"Common AppData\"=\"" + std::string(17U << 20U, 'x') + "\"\r\n");
     EXPECT_THROW(static_cast<void>(GetSuiteFolder()), RuntimeError);
     EXPECT_LT(std::string(RuntimeError(ErrorNumber::Overflow, std::string(1 << 20, 'x')).what()).size(),

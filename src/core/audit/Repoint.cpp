@@ -4,9 +4,11 @@
 #include "nodes/ReferenceData.h"
 #include "platform/RuntimeError.h"
 #include "store/Batch.h"
+#include "store/Connection.h"
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -192,19 +194,29 @@ void Write(DataBase& dataBase, Partition partition, NodeID from, NodeID to, cons
         group.example = &change;
         ++group.count;
     }
-    Batch batch(dataBase);
+    // To a server they go together.
+    std::vector<std::unique_ptr<Statement>> prepared;
+    std::vector<std::vector<std::optional<std::string>>> parameters;
     for (const auto& [key, group] : groups) {
         const RepointPlan::Change& change = *group.example;
         const ReferenceColumn& column = change.from.Column();
+        prepared.push_back(dataBase.Prepare(RepointStatement(column)));
+        auto& all = parameters.emplace_back();
+        for (const Parameter& parameter :
+             {Parameter(change.type), Parameter(to.number), Parameter(partition.config),
+              Parameter(partition.number), Parameter(from.number),
+              column.hasTypeID ? Parameter(change.from.typeID) : Parameter(change.from.type)}) {
+            all.push_back(parameter.Value());
+        }
         if (column.hasTypeID) {
-            batch.Add(column.repoint, {change.typeID, change.type, to.number, partition.config,
-                                       partition.number, from.number, change.from.typeID});
-        } else {
-            batch.Add(column.repoint, {change.type, to.number, partition.config, partition.number,
-                                       from.number, change.from.type});
+            all.insert(all.begin(), std::to_string(change.typeID));
         }
     }
-    const auto written = batch.Run();
+    std::vector<StatementRun> runs;
+    for (std::size_t i = 0; i < prepared.size(); ++i) {
+        runs.push_back({prepared[i].get(), parameters[i]});
+    }
+    const auto written = dataBase.RunTogether(runs);
     for (std::size_t i = 0; const auto& [key, group] : groups) {
         if (written.at(i) != group.count) {
             throw RuntimeError(ErrorNumber::StoreFailure,

@@ -2,9 +2,9 @@
 
 #include "platform/FoldCase.h"
 #include "platform/RuntimeError.h"
+#include "platform/WholeNumber.h"
 
 #include <algorithm>
-#include <charconv>
 #include <set>
 #include <utility>
 
@@ -104,12 +104,7 @@ class Walking {
 
 } // namespace
 
-std::optional<int> NodeNumberOf(std::string_view text) {
-    std::int16_t number = 0;
-    const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return failure == std::errc() && end == text.data() + text.size() ? std::optional<int>(number)
-                                                                      : std::nullopt;
-}
+std::optional<int> NodeNumberOf(std::string_view text) { return WholeNumber<std::int16_t>(text); }
 
 std::string StepName(std::size_t branch) { return FoldAscii(BranchRules.at(branch).label); }
 

@@ -1,9 +1,9 @@
 #include "diagram/Markup.h"
 
 #include "platform/VisibleText.h"
+#include "platform/WholeNumber.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <utility>
 
@@ -36,14 +36,9 @@ void Replace(std::string& text, std::string_view what, std::string_view by) {
 
 // Whether a digit sequence comes directly after another of its length.
 bool Follows(const std::string& first, const std::string& second) {
-    const auto number = [](const std::string& text) {
-        std::uint64_t value = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-        return std::pair(error == std::errc() && end == text.data() + text.size(), value);
-    };
-    const auto [firstIs, low] = number(first);
-    const auto [secondIs, high] = number(second);
-    return firstIs && secondIs && first.size() == second.size() && high == low + 1;
+    const auto low = WholeNumber<std::uint64_t>(first);
+    const auto high = WholeNumber<std::uint64_t>(second);
+    return low && high && first.size() == second.size() && *high == *low + 1;
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "exchange/TableCursor.h"
 #include "history/History.h"
 #include "platform/RuntimeError.h"
+#include "store/Batch.h"
 #include "store/Connection.h"
 #include "store/DataBase.h"
 
@@ -79,7 +80,7 @@ class Comparison : public ExchangeSink {
             cursor_->Next();
             return;
         }
-        const StoreKey key = KeyOf(*table_, row);
+        const StoreKey key = RowKeyOf(*table_, row);
         stored = RemoveUpTo(&key);
         if (stored == nullptr || cursor_->Key() != key) {
             Change(nullptr, &row, key);
@@ -168,8 +169,19 @@ class Comparison : public ExchangeSink {
         if (mode_ == Mode::Write) {
             history_.Keep(newlyTouched_, Work, take);
         } else {
-            history_.RequireIdle(newlyTouched_);
-            ReadContents(dataBase_, newlyTouched_, take);
+            for (std::span<const NodePlace> rest = newlyTouched_; !rest.empty();) {
+                const auto together = TakeTogether(rest);
+                ReadAhead ahead(dataBase_);
+                for (const NodePlace& place : together) {
+                    History::ReadVersionsAhead(ahead, place);
+                    ReadContentAhead(ahead, place.partition, place.number);
+                }
+                if (history_.Exists()) {
+                    ahead.Fetch();
+                }
+                history_.RequireIdle(together);
+                ReadContents(dataBase_, together, take);
+            }
         }
         newlyTouched_.clear();
         writes_->Send([this](const StoreRow&) {
@@ -266,7 +278,7 @@ class Scratch : public ExchangeSink {
     }
 
     void TakeRow(const StoreRow& row) override {
-        const auto place = owners_->AutoNodeOf(KeyOf(*table_, row));
+        const auto place = owners_->AutoNodeOf(RowKeyOf(*table_, row));
         if (place && places_.contains(*place)) {
             writes_->Insert(row);
             if (writes_->AreMany()) {

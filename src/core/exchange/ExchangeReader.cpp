@@ -3,6 +3,7 @@
 #include "exchange/ExchangeFormat.h"
 #include "nodes/JsonText.h"
 #include "platform/RuntimeError.h"
+#include "platform/WholeNumber.h"
 
 #include <algorithm>
 #include <array>
@@ -288,13 +289,11 @@ class Handler {
 
     void PutMember(const std::string& value, Kind kind) {
         const auto number = [&]() -> std::int16_t {
-            std::optional<std::string> text = value;
-            const auto why = WhyNot({member_, true, true}, text);
-            const int whole = why || kind != Kind::Number ? INT32_MAX : std::stoi(*text);
-            if (!std::in_range<std::int16_t>(whole)) {
+            const auto whole = kind == Kind::Number ? WholeNumber<std::int16_t>(value) : std::nullopt;
+            if (!whole) {
                 Fail("\"" + member_ + "\" is no number of a partition");
             }
-            return static_cast<std::int16_t>(whole);
+            return *whole;
         };
         if (member_ == Exchange::FormatMember) {
             if (kind != Kind::Text || value != Exchange::Format) {
@@ -348,7 +347,7 @@ class Handler {
             Fail("the row has no " +
                  table_->columns[static_cast<std::size_t>(missing - given_.begin())].name);
         }
-        const StoreKey key = KeyOf(*table_, row_);
+        const StoreKey key = RowKeyOf(*table_, row_);
         if (before_ && key <= *before_) {
             Fail("the rows of " + table_->name + " stand in the order of their keys, no key twice; " +
                  KeyText(*table_, row_) + " does not");

@@ -12,23 +12,12 @@
 
 #include <algorithm>
 #include <list>
-#include <nlohmann/json.hpp>
 
 namespace KAL_AUTO_Node {
 
 namespace {
 
-using Json = nlohmann::json;
-
 constexpr std::size_t BytesWrittenAtOnce = 64U << 10U;
-
-void AppendText(std::string& line, const std::string& text) {
-    if (IsUtf8(text)) {
-        AppendJsonText(line, text, NotUtf8::Refuse);
-    } else {
-        line += R"({"bytes": ")" + DigitsOfBytes(text) + "\"}";
-    }
-}
 
 // What import would refuse is no export: it is told while it can still be mended.
 void AppendValue(std::string& line, const StoreTable& table, const StoreRow& row, std::size_t at) {
@@ -52,7 +41,7 @@ void AppendValue(std::string& line, const StoreTable& table, const StoreRow& row
     } else if (column.number) {
         line += *value;
     } else {
-        AppendText(line, *value);
+        AppendJsonText(line, *value, NotUtf8::Bytes);
     }
 }
 
@@ -102,14 +91,16 @@ std::uint64_t WriteTable(TableCursor& rows, ExportFile& file, std::uint64_t befo
 }
 
 std::uint64_t WriteStore(DataBase& dataBase, std::optional<Partition> scope, ExportFile& file) {
-    const auto member = [&](const char* name, const Json& value) {
-        file.Text() += (file.Text().empty() ? "{\"" : ", \"") + std::string(name) + "\": " + value.dump();
+    const auto member = [&](const char* name, const std::string& value) {
+        file.Text() += (file.Text().empty() ? "{\"" : ", \"") + std::string(name) + "\": " + value;
     };
-    member(Exchange::FormatMember, Exchange::Format);
-    member(Exchange::VersionMember, Exchange::Version);
+    std::string format;
+    AppendJsonText(format, Exchange::Format, NotUtf8::Bytes);
+    member(Exchange::FormatMember, format);
+    member(Exchange::VersionMember, std::to_string(Exchange::Version));
     if (scope) {
-        member(Exchange::ConfigMember, scope->config);
-        member(Exchange::PartitionMember, scope->number);
+        member(Exchange::ConfigMember, std::to_string(scope->config));
+        member(Exchange::PartitionMember, std::to_string(scope->number));
     }
     file.Text() += ", \"" + std::string(Exchange::TablesMember) + "\": {";
     std::list<TableCursor> cursors;
@@ -143,24 +134,17 @@ std::uint64_t Export(DataBase& dataBase, std::optional<Partition> scope, const s
         throw RuntimeError(ErrorNumber::PermissionDenied,
                            "'" + file.string() + "' is something else than an export, and is left as it is");
     }
-    try {
-        const Snapshot state(dataBase);
-        const Interruption interruption;
-        ExportFile written(file, progress);
-        const std::uint64_t rows = WriteStore(dataBase, scope, written);
-        if (scope && rows == 0) {
-            throw RuntimeError(ErrorNumber::InvalidProcedureCall,
-                               "Nothing is exported: configuration " + std::to_string(scope->config) +
-                                   ", partition " + std::to_string(scope->number) + " has no rows");
-        }
-        written.Finish();
-        return rows;
-    } catch (const RuntimeError&) {
-        throw;
-    } catch (const std::runtime_error& error) {
-        throw RuntimeError(ErrorNumber::StoreFailure,
-                           "Cannot write '" + file.string() + "': " + error.what());
+    const Snapshot state(dataBase);
+    const Interruption interruption;
+    ExportFile written(file, progress);
+    const std::uint64_t rows = WriteStore(dataBase, scope, written);
+    if (scope && rows == 0) {
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                           "Nothing is exported: configuration " + std::to_string(scope->config) +
+                               ", partition " + std::to_string(scope->number) + " has no rows");
     }
+    written.Finish();
+    return rows;
 }
 
 } // namespace KAL_AUTO_Node

@@ -1,8 +1,9 @@
 #include "exchange/JetFrames.h"
 
+#include "platform/RuntimeError.h"
+
 #include <cstring>
 #include <optional>
-#include <stdexcept>
 #include <utility>
 
 namespace KAL_AUTO_Node {
@@ -24,7 +25,11 @@ constexpr std::size_t WriteBytes = 64U << 10U;
 // No table of a Jet file has more columns.
 constexpr std::uint32_t MostColumns = 255;
 
-[[noreturn]] void FailForm() { throw std::runtime_error("the reader's answer breaks its own form"); }
+[[noreturn]] void FailStream(const std::string& why) {
+    throw RuntimeError(ErrorNumber::StoreNotRecognized, why);
+}
+
+[[noreturn]] void FailForm() { FailStream("the reader's answer breaks its own form"); }
 
 std::uint32_t NumberIn(const char* bytes) {
     std::uint32_t number = 0;
@@ -99,7 +104,7 @@ class FrameReader {
     std::string_view Need(std::size_t count) {
         while (end_ - begin_ < count) {
             if (More(count) == 0) {
-                throw std::runtime_error("the reader ended before the file was read");
+                FailStream("the reader ended before the file was read");
             }
         }
         return {buffer_.data() + begin_, count};
@@ -144,7 +149,7 @@ class FrameReader {
             content.RequireEnd();
             return true;
         case FailureFrame:
-            throw std::runtime_error(std::string(content.Text()));
+            FailStream(std::string(content.Text()));
         default:
             FailForm();
         }

@@ -65,7 +65,7 @@ class JetFrameWriter : public JetSink {
 };
 
 // Reads a stream to its end; read fills a buffer with what is there and returns how much that is, 0 at the
-// end. Trusts nothing of it: raises std::runtime_error for a stream that is cut short, that breaks the form,
+// end. Trusts nothing of it: raises StoreNotRecognized for a stream that is cut short, that breaks the form,
 // or that asks for more memory than a row may take, and with the writer's own words where that failed.
 void ReadJetFrames(const std::function<std::size_t(std::span<char>)>& read, JetSink& sink);
 

@@ -33,13 +33,15 @@ constexpr rlim_t MebibytesPerSecond = 4;
 // Of waiting for the program, on a machine that is busy with other things.
 constexpr int WaitPerSecondOfWork = 4;
 
-[[noreturn]] void Fail(const std::string& why) { throw RuntimeError(ErrorNumber::StoreNotRecognized, why); }
+[[noreturn]] void FailReading(const std::string& why) {
+    throw RuntimeError(ErrorNumber::StoreNotRecognized, why);
+}
 
 // The ends of a pipe, each open until it is closed.
 struct Pipe {
     Pipe() {
         if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-            Fail("cannot hear its reader: " + std::generic_category().message(errno));
+            FailReading("cannot hear its reader: " + std::generic_category().message(errno));
         }
     }
 
@@ -78,7 +80,7 @@ class ReaderProcess {
             got = read(output_.ends[0], buffer.data(), buffer.size());
         } while (got < 0 && errno == EINTR);
         if (got < 0) {
-            Fail("cannot hear its reader: " + std::generic_category().message(errno));
+            FailReading("cannot hear its reader: " + std::generic_category().message(errno));
         }
         return static_cast<std::size_t>(got);
     }
@@ -89,13 +91,13 @@ class ReaderProcess {
         static_cast<void>(process_.WaitFor(100ms));
         const int status = process_.End();
         if (WIFSIGNALED(status) && WTERMSIG(status) == SIGXCPU) {
-            Fail("its reader came to no end; the file is damaged");
+            FailReading("its reader came to no end; the file is damaged");
         }
         if (WIFSIGNALED(status) && WTERMSIG(status) != SIGKILL) {
-            Fail(std::string("its reader crashed over it (") + strsignal(WTERMSIG(status)) +
-                 "); the file is damaged");
+            FailReading(std::string("its reader crashed over it (") + strsignal(WTERMSIG(status)) +
+                        "); the file is damaged");
         }
-        Fail(otherwise + "; the file is damaged");
+        FailReading(otherwise + "; the file is damaged");
     }
 
   private:
@@ -124,7 +126,7 @@ class ReaderProcess {
             patience_ -= std::chrono::steady_clock::now() - begun;
             Interruption::Look();
             if (patience_ <= 0s) {
-                Fail("its reader came to no end; the file is damaged");
+                FailReading("its reader came to no end; the file is damaged");
             }
             if (ready != 0) {
                 return;

@@ -36,7 +36,7 @@ const StoreRow* TableCursor::Row() {
         begun_ = true;
         Load(*first_, scope_);
         if (count_ > 0) {
-            key_ = KeyOf(table_, rows_.front());
+            key_ = RowKeyOf(table_, rows_.front());
         }
     }
     return at_ < count_ ? &rows_[at_] : nullptr;
@@ -51,10 +51,10 @@ void TableCursor::Next() {
             parameters.push_back(rows_.back()[column]);
         }
         Load(*further_, parameters);
-        at_ = count_ > 0 && KeyOf(table_, rows_.front()) == key_ ? 1 : 0;
+        at_ = count_ > 0 && RowKeyOf(table_, rows_.front()) == key_ ? 1 : 0;
     }
     if (at_ < count_) {
-        const StoreKey key = KeyOf(table_, rows_[at_]);
+        const StoreKey key = RowKeyOf(table_, rows_[at_]);
         if (key <= key_) {
             FailOrder(rows_[at_]);
         }

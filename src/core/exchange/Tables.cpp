@@ -2,10 +2,10 @@
 
 #include "platform/FoldCase.h"
 #include "platform/NumericValue.h"
+#include "platform/WholeNumber.h"
 #include "store/Scripts.h"
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -51,7 +51,7 @@ class SchemaReader {
 };
 
 // The whole number that a text is, but for blanks around it.
-std::optional<std::int32_t> WholeNumber(std::string_view text) {
+std::optional<std::int32_t> NumberIn(std::string_view text) {
     const auto first = text.find_first_not_of(' ');
     if (first == std::string_view::npos) {
         return std::nullopt;
@@ -60,9 +60,7 @@ std::optional<std::int32_t> WholeNumber(std::string_view text) {
     if (text.starts_with('+') && !text.starts_with("+-")) {
         text.remove_prefix(1);
     }
-    std::int32_t number = 0;
-    const auto [stop, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return failure == std::errc() && stop == text.data() + text.size() ? std::optional(number) : std::nullopt;
+    return WholeNumber<std::int32_t>(text);
 }
 
 } // namespace
@@ -103,7 +101,7 @@ std::string KeyText(const StoreTable& table, const StoreRow& row) {
     return text;
 }
 
-StoreKey KeyOf(const StoreTable& table, const StoreRow& row) {
+StoreKey RowKeyOf(const StoreTable& table, const StoreRow& row) {
     StoreKey key{};
     for (std::size_t i = 0; i < table.key.size(); ++i) {
         const auto& field = row[table.key[i]];
@@ -117,7 +115,7 @@ std::optional<std::string> WhyNot(const StoreColumn& column, std::optional<std::
         return column.required ? std::optional<std::string>("is Null") : std::nullopt;
     }
     if (column.number) {
-        const auto number = WholeNumber(*value);
+        const auto number = NumberIn(*value);
         if (!number) {
             return "\"" + *value + "\" is no whole number of 32 bits";
         }

@@ -42,7 +42,7 @@ struct StoreTable {
 [[nodiscard]] std::string KeyText(const StoreTable& table, const StoreRow& row);
 
 // The row's key, to tell rows in their order.
-[[nodiscard]] StoreKey KeyOf(const StoreTable& table, const StoreRow& row);
+[[nodiscard]] StoreKey RowKeyOf(const StoreTable& table, const StoreRow& row);
 
 // Why the column cannot hold the value, in words; nothing where it can. A number is brought into its one
 // form.

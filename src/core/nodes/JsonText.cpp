@@ -1,5 +1,7 @@
 #include "nodes/JsonText.h"
 
+#include "platform/VisibleText.h"
+
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
@@ -25,19 +27,103 @@ std::string LettersOf(std::string_view bytes) {
     return letters;
 }
 
+// Of the character that begins there, in a text that is UTF-8.
+std::size_t LengthAt(std::string_view text, std::size_t at) {
+    const auto lead = static_cast<unsigned char>(text[at]);
+    return lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+}
+
+char32_t CharacterAt(std::string_view text, std::size_t at, std::size_t length) {
+    char32_t character = static_cast<unsigned char>(text[at]) & (length == 1 ? 0x7FU : 0xFFU >> (length + 1));
+    for (std::size_t i = 1; i < length; ++i) {
+        character = character << 6U | (static_cast<unsigned char>(text[at + i]) & 0x3FU);
+    }
+    return character;
+}
+
+void AppendEscaped(std::string& json, char32_t character) {
+    static constexpr std::string_view names = "btn?fr"; // from backspace on
+    const auto name = static_cast<std::size_t>(character) - 8;
+    json += '\\';
+    if (character == '"' || character == '\\') {
+        json += static_cast<char>(character);
+    } else if (character >= 8 && name < names.size() && names[name] != '?') {
+        json += names[name];
+    } else {
+        json += 'u';
+        for (int shift = 12; shift >= 0; shift -= 4) {
+            json += "0123456789abcdef"[character >> static_cast<unsigned>(shift) & 0xFU];
+        }
+    }
+}
+
+// What a reader's screen would obey stands there as its number.
+void AppendQuoted(std::string& json, std::string_view text) {
+    json += '"';
+    // Nearly all are.
+    if (std::ranges::all_of(text, IsPlain)) {
+        json += text;
+    } else {
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t length = LengthAt(text, at);
+            const char32_t character = CharacterAt(text, at, length);
+            if (character == '"' || character == '\\' || Steers(character)) {
+                AppendEscaped(json, character);
+            } else {
+                json += text.substr(at, length);
+            }
+            at += length;
+        }
+    }
+    json += '"';
+}
+
+void Write(JsonWriter& json, const Json& document) {
+    switch (document.type()) {
+    case Json::value_t::object:
+        json.Begin('{');
+        for (const auto& [name, value] : document.items()) {
+            json.Name(name);
+            Write(json, value);
+        }
+        json.End('}');
+        break;
+    case Json::value_t::array:
+        json.Begin('[');
+        for (const Json& item : document) {
+            Write(json, item);
+        }
+        json.End(']');
+        break;
+    case Json::value_t::string:
+        json.Value(std::string_view(document.get_ref<const std::string&>()));
+        break;
+    case Json::value_t::boolean:
+        json.Value(document.get<bool>());
+        break;
+    case Json::value_t::number_unsigned:
+        json.Value(document.get<std::uint64_t>());
+        break;
+    case Json::value_t::number_integer:
+        json.Value(document.get<std::int64_t>());
+        break;
+    default: // nothing here has fractions
+        json.Null();
+    }
+}
+
 } // namespace
 
 void AppendJsonText(std::string& json, std::string_view text, NotUtf8 how) {
-    // Nearly all are, and a document for each would cost more than the rest.
-    if (std::ranges::all_of(text, IsPlain)) {
-        json += '"';
-        json += text;
-        json += '"';
-        return;
+    if (how == NotUtf8::Letters) {
+        AppendQuoted(json, LettersOf(text));
+    } else if (IsUtf8(text)) {
+        AppendQuoted(json, text);
+    } else if (how == NotUtf8::Bytes) {
+        json += R"({"bytes": ")" + DigitsOfBytes(text) + "\"}";
+    } else {
+        throw Json::type_error::create(316, "a text is no UTF-8", nullptr);
     }
-    const auto onError =
-        how == NotUtf8::Replace ? Json::error_handler_t::replace : Json::error_handler_t::strict;
-    json += Json(how == NotUtf8::Letters ? LettersOf(text) : std::string(text)).dump(-1, ' ', false, onError);
 }
 
 bool IsUtf8(std::string_view text) {
@@ -107,7 +193,10 @@ std::string BytesOfLetters(const std::string& letters) {
 }
 
 std::string JsonText(const Json& document) {
-    return document.dump(2, ' ', false, Json::error_handler_t::replace);
+    std::string text;
+    JsonWriter json(text, NotUtf8::Bytes, JsonWriter::Layout::Lines);
+    Write(json, document);
+    return text;
 }
 
 } // namespace KAL_AUTO_Node

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
@@ -12,7 +13,7 @@ namespace KAL_AUTO_Node {
 // JSON is UTF-8, and texts of the store are whatever other programs have written.
 enum class NotUtf8 {
     Refuse,  // by throwing nlohmann::json::exception
-    Replace, // bytes that are no UTF-8 become replacement characters
+    Bytes,   // a text that is none stands there as {"bytes": "4361fee9"}, two digits a byte
     Letters, // each byte of a text becomes the letter of its number; BytesOfLetters brings them back
 };
 
@@ -26,25 +27,38 @@ void AppendJsonText(std::string& json, std::string_view text, NotUtf8 how);
 
 [[nodiscard]] std::string BytesOfLetters(const std::string& letters);
 
-// Writes JSON without blanks at the end of a text, which outlives it.
+// Writes JSON at the end of a text, which outlives it. What would steer a terminal stands there as its
+// number.
 class JsonWriter {
   public:
-    JsonWriter(std::string& json, NotUtf8 how) : json_(json), how_(how) {}
+    // Without blanks, or in lines, indented by two blanks.
+    enum class Layout { Tight, Lines };
+
+    JsonWriter(std::string& json, NotUtf8 how, Layout layout = Layout::Tight)
+        : json_(json), how_(how), layout_(layout) {}
 
     // An object or an array, by its brackets; a member's value where its name was told before.
     void Begin(char bracket) {
         Separate();
         json_ += bracket;
+        ++level_;
     }
 
-    void End(char bracket) { json_ += bracket; }
+    void End(char bracket) {
+        --level_;
+        if (!IsFirst()) {
+            NewLine();
+        }
+        json_ += bracket;
+    }
 
     // Of the value that follows. It is plain: neither quotes nor backslashes nor control characters.
     void Name(std::string_view name) {
         Separate();
         json_ += '"';
         json_ += name;
-        json_ += "\":";
+        json_ += layout_ == Layout::Lines ? "\": " : "\":";
+        isNamed_ = true;
     }
 
     void Value(std::integral auto value) {
@@ -81,18 +95,33 @@ class JsonWriter {
     }
 
   private:
+    [[nodiscard]] bool IsFirst() const { return json_.ends_with('{') || json_.ends_with('['); }
+
     // What was written tells where a comma is due.
     void Separate() {
-        if (!json_.empty() && std::string_view("{[:").find(json_.back()) == std::string_view::npos) {
-            json_ += ',';
+        if (isNamed_ || level_ == 0) {
+            isNamed_ = false;
+            return;
+        }
+        json_ += IsFirst() ? "" : ",";
+        NewLine();
+    }
+
+    void NewLine() {
+        if (layout_ == Layout::Lines) {
+            json_ += '\n';
+            json_.append(2 * level_, ' ');
         }
     }
 
     std::string& json_;
     NotUtf8 how_;
+    Layout layout_;
+    std::size_t level_ = 0;
+    bool isNamed_ = false; // a name was written, and its value not yet
 };
 
-// The text of a document, lines indented. Bytes that are no UTF-8 become replacement characters.
+// The text of a document, in lines.
 [[nodiscard]] std::string JsonText(const nlohmann::ordered_json& document);
 
 } // namespace KAL_AUTO_Node

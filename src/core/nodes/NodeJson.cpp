@@ -133,13 +133,6 @@ void WriteNode(JsonWriter& json, Partition partition, std::int16_t number, const
     json.End('}');
 }
 
-Json ToJson(Partition partition, std::int16_t number, const AutoNode& node, Labels labels) {
-    std::string text;
-    JsonWriter json(text, NotUtf8::Replace);
-    WriteNode(json, partition, number, node, labels);
-    return Json::parse(text);
-}
-
 AutoNode NodeFromJson(const Json& document) {
     AutoNode node;
     node.type = MemberOf<std::string>(document, "type");
@@ -160,22 +153,24 @@ AutoNode NodeFromJson(const Json& document) {
     return node;
 }
 
-Json ToJson(const AutoNodeSummary& node) {
-    std::string settings;
-    JsonWriter json(settings, NotUtf8::Replace);
+void WriteSummary(JsonWriter& json, const AutoNodeSummary& node) {
+    json.Begin('{');
+    json.Member("number", node.number);
+    json.Member("label", node.label);
+    json.Name("settings");
     Write(json, node.settings);
-    return {{"number", node.number},
-            {"label", node.label ? Json(*node.label) : Json()},
-            {"settings", Json::parse(settings)},
-            {"prompts", node.prompts},
-            {"actions", node.actions}};
+    json.Member("prompts", node.prompts);
+    json.Member("actions", node.actions);
+    json.End('}');
 }
 
-Json ToJson(const PartitionCounts& partition) {
-    return {{"config", partition.partition.config},
-            {"partition", partition.partition.number},
-            {"autoNodes", partition.autoNodes},
-            {"registeredNodes", partition.registeredNodes}};
+void WriteCounts(JsonWriter& json, const PartitionCounts& counts) {
+    json.Begin('{');
+    json.Member("config", counts.partition.config);
+    json.Member("partition", counts.partition.number);
+    json.Member("autoNodes", counts.autoNodes);
+    json.Member("registeredNodes", counts.registeredNodes);
+    json.End('}');
 }
 
 } // namespace KAL_AUTO_Node

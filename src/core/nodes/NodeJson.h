@@ -15,13 +15,10 @@ namespace KAL_AUTO_Node {
 // Labels of the nodes referred to are given where they were read.
 void WriteNode(JsonWriter& json, Partition partition, std::int16_t number, const AutoNode& node,
                Labels labels);
-// The same as a document; bytes that are no UTF-8 become replacement characters.
-[[nodiscard]] nlohmann::ordered_json ToJson(Partition partition, std::int16_t number, const AutoNode& node,
-                                            Labels labels);
 // The node of such a document. Throws nlohmann::json::exception for a document of another form.
 [[nodiscard]] AutoNode NodeFromJson(const nlohmann::ordered_json& document);
 
-[[nodiscard]] nlohmann::ordered_json ToJson(const AutoNodeSummary& node);
-[[nodiscard]] nlohmann::ordered_json ToJson(const PartitionCounts& partition);
+void WriteSummary(JsonWriter& json, const AutoNodeSummary& node);
+void WriteCounts(JsonWriter& json, const PartitionCounts& counts);
 
 } // namespace KAL_AUTO_Node

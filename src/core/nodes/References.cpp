@@ -12,12 +12,6 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-constexpr auto Columns = std::to_array<ReferenceColumn>({
-#define REFERENCE(table, type, word, hasTypeID, repoint) {#table, type, word, hasTypeID, Command::repoint},
-#include "store/References.inc"
-#undef REFERENCE
-});
-
 // Hands over references, of which the rows have the number or not.
 void Read(ResultSet rows, std::optional<int> number,
           const std::function<void(const StoredReference& reference)>& take) {
@@ -39,8 +33,6 @@ void Read(ResultSet rows, std::optional<int> number,
 }
 
 } // namespace
-
-std::span<const ReferenceColumn> AllReferenceColumns() { return Columns; }
 
 bool IsPlayed(const ReferenceColumn& column) {
     return column.table.ends_with("_Prompts") || column.word.ends_with("Prompt");

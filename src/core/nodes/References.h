@@ -2,6 +2,7 @@
 
 #include "nodes/Identity.h"
 #include "store/DataBase.h"
+#include "store/ReferenceColumns.h"
 
 #include <cstddef>
 #include <functional>
@@ -13,18 +14,6 @@
 #include <vector>
 
 namespace KAL_AUTO_Node {
-
-// A column triple (type ID, type, number) of the store by which nodes refer to others.
-struct ReferenceColumn {
-    std::string_view table;
-    int holderTypeID;      // of the nodes whose rows these are
-    std::string_view word; // with which the columns' names begin
-    bool hasTypeID;        // otherwise the type's name stands for it
-    Command repoint;       // changes what it refers to
-};
-
-// All of them, of the nodes of every type.
-[[nodiscard]] std::span<const ReferenceColumn> AllReferenceColumns();
 
 // A reference of a node of any type, as it is stored.
 struct StoredReference {

@@ -1,11 +1,11 @@
 #include "platform/NewFile.h"
 
 #include "platform/Interruption.h"
+#include "platform/RuntimeError.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <stdexcept>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -15,10 +15,14 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-void Require(bool done) {
+[[noreturn]] void Fail(const std::filesystem::path& name, const std::string& why) {
+    throw RuntimeError(ErrorNumber::StoreFailure, "Cannot write '" + name.string() + "': " + why);
+}
+
+void Require(bool done, const std::filesystem::path& name) {
     if (!done) {
         // Without the name of the call that failed, which tells a person nothing.
-        throw std::runtime_error(std::generic_category().message(errno));
+        Fail(name, std::generic_category().message(errno));
     }
 }
 
@@ -26,15 +30,15 @@ void Require(bool done) {
 void SyncFolder(const std::filesystem::path& folder) {
     try {
         fsync(Descriptor(folder, O_RDONLY | O_DIRECTORY).Number());
-    } catch (const std::runtime_error&) {
+    } catch (const RuntimeError&) {
         return;
     }
 }
 
-void WriteAll(int descriptor, std::string_view content) {
+void WriteAll(int descriptor, const std::filesystem::path& name, std::string_view content) {
     while (!content.empty()) {
         const ssize_t written = write(descriptor, content.data(), content.size());
-        Require(written >= 0 || errno == EINTR);
+        Require(written >= 0 || errno == EINTR, name);
         content.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
     }
 }
@@ -52,7 +56,7 @@ bool SameFile(int descriptor, const std::filesystem::path& name) {
 
 Descriptor::Descriptor(const std::filesystem::path& path, int flags)
     : number_(open(path.c_str(), flags | O_CLOEXEC, 0666)) {
-    Require(number_ >= 0);
+    Require(number_ >= 0, path);
 }
 
 Descriptor::~Descriptor() { close(number_); }
@@ -85,7 +89,7 @@ void NewFolders::Make(const std::filesystem::path& folder) {
         made_.push_back(folder);
     } else {
         // Another program may have made it meanwhile.
-        Require(errno == EEXIST && std::filesystem::is_directory(folder, ignored));
+        Require(errno == EEXIST && std::filesystem::is_directory(folder, ignored), folder);
     }
 }
 
@@ -99,9 +103,9 @@ NewFile::NewFile(const std::filesystem::path& place, Readers readers)
     : place_(place), name_(place.string() + ".new"), file_(name_, O_WRONLY | O_CREAT | O_NOFOLLOW) {
     // The other one may also just have given the file its place.
     if (flock(file_.Number(), LOCK_EX | LOCK_NB) != 0 || !SameFile(file_.Number(), name_)) {
-        throw std::runtime_error("another program is making it");
+        Fail(name_, "another program is making it");
     }
-    Require(readers == Readers::Any || fchmod(file_.Number(), S_IRUSR | S_IWUSR) == 0);
+    Require(readers == Readers::Any || fchmod(file_.Number(), S_IRUSR | S_IWUSR) == 0, name_);
 }
 
 NewFile::~NewFile() {
@@ -111,27 +115,27 @@ NewFile::~NewFile() {
 }
 
 void NewFile::Write(std::string_view content) {
-    Require(ftruncate(file_.Number(), 0) == 0);
+    Require(ftruncate(file_.Number(), 0) == 0, name_);
     Append(content);
-    Require(fsync(file_.Number()) == 0);
+    Require(fsync(file_.Number()) == 0, name_);
 }
 
 void NewFile::Append(std::string_view content) {
     Interruption::Look();
-    WriteAll(file_.Number(), content);
+    WriteAll(file_.Number(), name_, content);
 }
 
 void NewFile::Place() {
     placed_ = renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, place_.c_str(), RENAME_NOREPLACE) == 0;
     // Not every file system knows that way.
-    Require(placed_ || (errno == EINVAL && link(name_.c_str(), place_.c_str()) == 0));
+    Require(placed_ || (errno == EINVAL && link(name_.c_str(), place_.c_str()) == 0), place_);
     SyncFolder(place_.parent_path());
 }
 
 void NewFile::Replace() {
-    Require(fsync(file_.Number()) == 0);
+    Require(fsync(file_.Number()) == 0, name_);
     placed_ = rename(name_.c_str(), place_.c_str()) == 0;
-    Require(placed_);
+    Require(placed_, place_);
     SyncFolder(place_.parent_path());
 }
 
@@ -142,7 +146,7 @@ bool Output::IsStream(const std::filesystem::path& place) {
     return kind == fifo || kind == character || kind == block || kind == socket;
 }
 
-Output::Output(const std::filesystem::path& place) {
+Output::Output(const std::filesystem::path& place) : place_(place) {
     if (IsStream(place)) {
         stream_.emplace(place, O_WRONLY | O_NOCTTY);
         return;
@@ -156,7 +160,7 @@ void Output::Append(std::string_view content) {
     if (file_) {
         file_->Append(content);
     } else {
-        WriteAll(stream_->Number(), content);
+        WriteAll(stream_->Number(), place_, content);
     }
 }
 

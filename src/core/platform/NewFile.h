@@ -7,7 +7,7 @@
 
 namespace KAL_AUTO_Node {
 
-// What goes wrong here is an exception derived from std::runtime_error.
+// What goes wrong here raises StoreFailure, naming the file.
 
 class Descriptor {
   public:
@@ -86,6 +86,7 @@ class Output {
     [[nodiscard]] static bool IsStream(const std::filesystem::path& place);
 
   private:
+    std::filesystem::path place_;
     std::optional<NewFile> file_;
     std::optional<Descriptor> stream_;
 };

@@ -57,12 +57,12 @@ void ForEachCharacter(std::string_view text, Take take) {
     }
 }
 
-bool TurnsDirection(wint_t character) {
+bool TurnsDirection(char32_t character) {
     return (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069) ||
            character == 0x200E || character == 0x200F || character == 0x061C;
 }
 
-bool SteersTerminal(wint_t character) {
+bool SteersTerminal(char32_t character) {
     return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x2028 ||
            character == 0x2029;
 }
@@ -75,12 +75,14 @@ std::string Escaped(const char* format, unsigned code) {
 
 } // namespace
 
+bool Steers(char32_t character) { return SteersTerminal(character) || TurnsDirection(character); }
+
 std::string Visible(std::string_view text) {
     std::string visible;
     ForEachCharacter(text, [&](std::string_view bytes, wint_t character) {
         if (character == WEOF) {
             visible += Escaped("\\x%02x", static_cast<unsigned char>(bytes.front()));
-        } else if (SteersTerminal(character) || TurnsDirection(character)) {
+        } else if (Steers(character)) {
             visible += Escaped(character < 0x100 ? "\\x%02x" : "\\u%04x", character);
         } else {
             visible += bytes;

@@ -13,6 +13,9 @@ namespace KAL_AUTO_Node {
 // The same line by line: line breaks stay.
 [[nodiscard]] std::string VisibleLines(std::string_view text);
 
+// Whether a character would do something else to a person's screen than be seen on it.
+[[nodiscard]] bool Steers(char32_t character);
+
 // How many columns of a terminal a visible text takes.
 [[nodiscard]] std::size_t DisplayWidth(std::string_view text);
 

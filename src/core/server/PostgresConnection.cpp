@@ -209,7 +209,10 @@ void PostgresConnection::BeginReading() {
 }
 
 bool PostgresConnection::EndReading() noexcept {
-    Rollback();
+    readingEnds_ = beginning_.empty() && connection_ != nullptr;
+    beginning_.clear();
+    inTransaction_ = false;
+    ahead_.clear();
     return false;
 }
 

@@ -130,7 +130,8 @@ class PostgresConnection : public Connection {
     std::unordered_map<std::string, Result> ahead_;
     std::vector<std::string> beginning_; // of a transaction, not sent yet
     bool inTransaction_ = false;
-    bool committing_ = false; // what is sent may have taken effect, and no answer tells yet
+    bool readingEnds_ = false; // to be told to the server before whatever comes next
+    bool committing_ = false;  // what is sent may have taken effect, and no answer tells yet
     // For one statement. The server stops it of its own accord after ten seconds.
     std::chrono::milliseconds answerLimit_{15'000};
     std::chrono::steady_clock::time_point answerBy_;

@@ -129,12 +129,15 @@ std::vector<PostgresConnection::Result> PostgresConnection::Exchange(std::span<c
         RequireTexts(runs[reached]);
     }
     BeReady();
-    if (beginning_.size() + runs.size() + plain.size() == 0) {
-        return {};
-    }
     // Whether all of the transaction is here, so that it can be done once more.
     const bool whole = !inTransaction_ || !beginning_.empty();
     auto beginning = std::exchange(beginning_, {});
+    if (std::exchange(readingEnds_, false)) {
+        beginning.insert(beginning.begin(), Ending.front());
+    }
+    if (beginning.size() + runs.size() + plain.size() == 0) {
+        return {};
+    }
     for (int tries = 1;; ++tries) {
         std::vector<Sent> sent;
         AwaitAnother();

@@ -6,8 +6,6 @@
 #include "store/ServerModule.h"
 #include "store/StoreFormat.h"
 
-#include <stdexcept>
-
 namespace KAL_AUTO_Node {
 
 namespace {
@@ -15,7 +13,8 @@ namespace {
 ServerStore MakeTables(Connection& server, StoreContent content) {
     if (server.HasTable("Node_AUTO")) {
         if (content == StoreContent::Demo) {
-            throw std::runtime_error("there is a store on " + server.Place() + " already");
+            throw RuntimeError(ErrorNumber::StoreFailure,
+                               "there is a store on " + server.Place() + " already");
         }
         return ServerStore::Found;
     }
@@ -39,14 +38,14 @@ ServerStore CreateServerStore(const std::filesystem::path& file, const std::stri
         NewFile link(file, NewFile::Readers::Owner);
         link.Write(uri + '\n');
         if (std::filesystem::exists(std::filesystem::symlink_status(file))) {
-            throw std::runtime_error("it exists already");
+            throw RuntimeError(ErrorNumber::StoreFailure, "it exists already");
         }
         const auto server = OpenServer(uri, ServerUse::Database);
         const ServerStore store = MakeTables(*server, content);
         link.Place();
         folders.Keep();
         return store;
-    } catch (const std::runtime_error& error) {
+    } catch (const RuntimeError& error) {
         throw RuntimeError(ErrorNumber::StoreFailure,
                            "Cannot create the store '" + file.string() + "': " + error.what());
     }

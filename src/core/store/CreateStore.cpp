@@ -9,7 +9,7 @@
 
 #include <algorithm>
 #include <array>
-#include <stdexcept>
+#include <optional>
 #include <string>
 
 namespace KAL_AUTO_Node {
@@ -24,7 +24,8 @@ void RequireFree(const std::filesystem::path& file) {
         const std::filesystem::path other = file.string() + ending;
         std::error_code ignored;
         if (std::filesystem::exists(std::filesystem::symlink_status(other, ignored))) {
-            throw std::runtime_error("'" + other.filename().string() + "' exists already");
+            throw RuntimeError(ErrorNumber::StoreFailure,
+                               "'" + other.filename().string() + "' exists already");
         }
     }
 }
@@ -71,23 +72,32 @@ void Fill(const std::filesystem::path& file, const std::function<void(DataBase&)
     dataBase.Flush();
 }
 
-void Create(const std::filesystem::path& file, StoreContent content,
-            const std::function<void(const std::filesystem::path&)>& fill) {
+// What fails of the file itself, but not of what fills it, is told with its name.
+template <class Work>
+void Creating(const std::filesystem::path& file, Work work) {
     try {
-        const std::string image = StoreImage(content);
-        RequireFree(file);
-        NewFolders folders(file.parent_path());
-        NewFile made(file);
-        made.Write(image);
-        fill(made.Name());
-        made.Place();
-        folders.Keep();
-    } catch (const RuntimeError&) {
-        throw;
-    } catch (const std::runtime_error& error) {
+        work();
+    } catch (const RuntimeError& error) {
         throw RuntimeError(ErrorNumber::StoreFailure,
                            "Cannot create the store '" + file.string() + "': " + error.what());
     }
+}
+
+void Create(const std::filesystem::path& file, StoreContent content,
+            const std::function<void(const std::filesystem::path&)>& fill) {
+    const std::string image = StoreImage(content);
+    std::optional<NewFolders> folders;
+    std::optional<NewFile> made;
+    Creating(file, [&] {
+        RequireFree(file);
+        folders.emplace(file.parent_path());
+        made.emplace(file).Write(image);
+    });
+    fill(made->Name());
+    Creating(file, [&] {
+        made->Place();
+        folders->Keep();
+    });
 }
 
 } // namespace
@@ -102,7 +112,7 @@ void CreateStore(const std::filesystem::path& file, const std::function<void(Dat
         RemoveJournals(begun);
         Fill(begun, fill);
         if (HasJournal(begun)) {
-            throw std::runtime_error("what was written is not all in its file");
+            throw RuntimeError(ErrorNumber::StoreFailure, "what was written is not all in its file");
         }
     });
 }

@@ -1,5 +1,6 @@
 #include "store/DataBase.h"
 
+#include "platform/FoldCase.h"
 #include "platform/NativePath.h"
 #include "platform/NumericValue.h"
 #include "platform/RuntimeError.h"
@@ -7,6 +8,7 @@
 #include "store/Connection.h"
 #include "store/ParlonPlusFilesAndFolders.h"
 #include "store/PortableSql.h"
+#include "store/ReferenceColumns.h"
 #include "store/Scripts.h"
 
 #include <algorithm>
@@ -39,13 +41,7 @@ std::filesystem::path FileIn(std::string_view connectionString) {
     return NativePath(connectionString.substr(connectionString.find(key) + key.size()));
 }
 
-bool SameName(std::string_view a, std::string_view b) {
-    if (a == b) {
-        return true;
-    }
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-    return std::ranges::equal(a, b, {}, lower, lower);
-}
+bool SameName(std::string_view a, std::string_view b) { return a == b || FoldAscii(a) == FoldAscii(b); }
 
 } // namespace
 

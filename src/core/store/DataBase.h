@@ -24,7 +24,7 @@ class Statement;
 struct StatementRun;
 
 // The named commands, in the order of the files where their statements stand: commands.sql,
-// overview.sql, history.sql, audit.sql, references.sql.
+// overview.sql, history.sql, audit.sql; then those of ReferenceColumns.h.
 enum class Command {
 #define COMMAND(name, sql) name,
 #include "store/Commands.inc"

@@ -105,9 +105,16 @@ class SqliteStatement : public Statement {
     };
 
     int Step() {
+        // Time that passes between two rows is not the statement's.
+        if (since_) {
+            *since_ += std::chrono::steady_clock::now() - left_;
+        }
         running_ = &since_;
         const int result = sqlite3_step(statement_.get());
         running_ = nullptr;
+        if (since_) {
+            left_ = std::chrono::steady_clock::now();
+        }
         return result;
     }
 
@@ -139,6 +146,7 @@ class SqliteStatement : public Statement {
     std::unique_ptr<sqlite3_stmt, Finalize> statement_;
     SqliteConnection::Since*& running_;
     SqliteConnection::Since since_;
+    std::chrono::steady_clock::time_point left_; // when the engine was left, once it was seen to last
     bool onRow_ = false;
     int timesPreparedAnew_ = 0;
     std::vector<std::string> columns_;

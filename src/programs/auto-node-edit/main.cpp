@@ -6,6 +6,7 @@
 #include "nodes/Overview.h"
 #include "platform/TellError.h"
 #include "platform/VisibleText.h"
+#include "platform/WholeNumber.h"
 #include "store/DataBase.h"
 #include "store/NoStore.h"
 
@@ -63,7 +64,7 @@ int main(int argc, char** argv) {
     try {
         std::array<std::int16_t, 3> numbers{};
         for (int i = 1; i < argc; ++i) {
-            numbers.at(static_cast<std::size_t>(i) - 1) = static_cast<std::int16_t>(std::stoi(argv[i]));
+            numbers.at(static_cast<std::size_t>(i) - 1) = WholeNumber<std::int16_t>(argv[i]).value();
         }
         return Edit(argc == 1 ? FirstNode() : NodePlace{{numbers[0], numbers[1]}, numbers[2]});
     } catch (const std::exception& error) {

@@ -1,8 +1,8 @@
 #include "auto-node/Arguments.h"
 
 #include "nodes/AutoNodeReader.h"
+#include "platform/WholeNumber.h"
 
-#include <charconv>
 #include <limits>
 #include <stdexcept>
 #include <string>
@@ -15,14 +15,12 @@ namespace {
 template <class Whole>
 Whole ReadWhole(const std::string& name, const std::string& text, Whole first) {
     constexpr Whole last = std::numeric_limits<Whole>::max();
-    Whole number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, failure] = std::from_chars(text.data(), end, number);
-    if (failure != std::errc() || stop != end || number < first) {
+    const auto number = WholeNumber<Whole>(text);
+    if (!number || *number < first) {
         Refuse(name, "'" + text + "' is no whole number from " + std::to_string(first) + " to " +
                          std::to_string(last));
     }
-    return number;
+    return *number;
 }
 
 } // namespace

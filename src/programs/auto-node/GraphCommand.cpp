@@ -45,13 +45,9 @@ std::string CheckFile(const std::string& file) {
 }
 
 void WriteFile(const std::string& file, const std::string& content) {
-    try {
-        Output output(file);
-        output.Append(content);
-        output.Finish();
-    } catch (const std::runtime_error& error) {
-        throw std::runtime_error("cannot write " + file + ": " + error.what());
-    }
+    Output output(file);
+    output.Append(content);
+    output.Finish();
 }
 
 std::string GraphOf(const Options& options, DataBase& dataBase) {

@@ -1,7 +1,6 @@
 #include "auto-node/Arguments.h"
 #include "auto-node/Commands.h"
 #include "auto-node/Table.h"
-#include "nodes/AutoNodeReader.h"
 #include "nodes/NodeJson.h"
 #include "nodes/Overview.h"
 #include "store/DataBase.h"
@@ -28,11 +27,14 @@ std::string Number(const std::optional<std::int64_t>& number) {
 void ListPartitions(DataBase& dataBase, bool json) {
     const auto partitions = ReadPartitions(dataBase);
     if (json) {
-        auto document = nlohmann::ordered_json::array();
+        std::string text;
+        JsonWriter document(text, NotUtf8::Bytes, JsonWriter::Layout::Lines);
+        document.Begin('[');
         for (const PartitionCounts& counts : partitions) {
-            document.push_back(ToJson(counts));
+            WriteCounts(document, counts);
         }
-        std::cout << JsonText(document) << '\n';
+        document.End(']');
+        std::cout << text << '\n';
         return;
     }
     Table table({Right, Right, Right, Right});
@@ -45,17 +47,16 @@ void ListPartitions(DataBase& dataBase, bool json) {
 }
 
 void ListNodes(DataBase& dataBase, Partition partition, bool json) {
-    const auto all = ReadPartitions(dataBase);
-    if (std::ranges::find(all, partition, &PartitionCounts::partition) == all.end() &&
-        !AutoNodeExists(dataBase, partition, TemplateNumber)) {
-        FailWithoutNodes(partition);
-    }
-    auto document = nlohmann::ordered_json::array();
+    std::string text;
+    JsonWriter document(text, NotUtf8::Bytes, JsonWriter::Layout::Lines);
+    document.Begin('[');
     Table table({Right, Left, Right, Right, Right, Left, Right, Right, Right});
     table.Add({"Node", "Label", "Prompts", "Actions", "Digits", "End", "Retries", "Selection s", "Digit s"});
+    bool any = false;
     ReadSummaries(dataBase, partition, [&](const AutoNodeSummary& node) {
+        any = true;
         if (json) {
-            document.push_back(ToJson(node));
+            WriteSummary(document, node);
             return;
         }
         const Settings& settings = node.settings;
@@ -64,8 +65,15 @@ void ListNodes(DataBase& dataBase, Partition partition, bool json) {
                    settings.terminatingDigit.value_or("-"), Number(settings.retryLimit),
                    Number(settings.selectionTimeout), Number(settings.digitTimeout)});
     });
+    if (!any) {
+        const auto all = ReadPartitions(dataBase);
+        if (std::ranges::find(all, partition, &PartitionCounts::partition) == all.end()) {
+            FailWithoutNodes(partition);
+        }
+    }
     if (json) {
-        std::cout << JsonText(document) << '\n';
+        document.End(']');
+        std::cout << text << '\n';
     } else {
         table.Print(std::cout);
     }

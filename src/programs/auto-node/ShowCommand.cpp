@@ -72,7 +72,10 @@ Subcommand ShowCommand(CommandLine& program) {
                 const NodePlace& place = options->place;
                 const AutoNode node = RequireAutoNode(dataBase, place);
                 if (options->json) {
-                    std::cout << JsonText(ToJson(place.partition, place.number, node, Labels::Read)) << '\n';
+                    std::string text;
+                    JsonWriter json(text, NotUtf8::Bytes, JsonWriter::Layout::Lines);
+                    WriteNode(json, place.partition, place.number, node, Labels::Read);
+                    std::cout << text << '\n';
                 } else {
                     Print(place, node);
                 }
