@@ -12,11 +12,7 @@ namespace {
 // The actions list in the editor's window, used as a person does: through its buttons and keys.
 class OurList {
   public:
-    explicit OurList(Place place) : desk_(place) {
-        for (int row = 0; row < List().Count(); ++row) {
-            rows_.push_back(List().Row(row));
-        }
-    }
+    explicit OurList(Place place) : desk_(place) { rows_ = List().Rows(); }
 
     [[nodiscard]] GUI& Form() { return desk_.Form(); }
 
@@ -24,15 +20,7 @@ class OurList {
 
     [[nodiscard]] const std::vector<ListRow>& Rows() const { return rows_; }
 
-    void Restore() {
-        // Rows that share their cells with those kept here would be copied when they are written to.
-        std::vector<ListRow> own = rows_;
-        for (ListRow& row : own) {
-            row.cells.detach();
-        }
-        List().Clear();
-        List().Append(std::move(own));
-    }
+    void Restore() { List().SetRows(rows_); }
 
     void SelectEverySecond() {
         QItemSelection selection;
@@ -90,10 +78,6 @@ std::vector<Operation> Operations() {
          [](StockList& list) { list.Move(+1); }},
         {"list: select all", [](OurList& list) { list.List().selectionModel()->clear(); },
          &OurList::SelectAll, &StockList::SelectNone, &StockList::SelectAll},
-        // Every row's number is one too high.
-        {"list: renumber", [](OurList& list) { list.List().Remove(std::array{0}); },
-         [](OurList& list) { list.List().Renumber(PositionColumn); }, &StockList::TakeFirst,
-         [](StockList& list) { list.Renumber(0); }, true},
     };
 }
 

@@ -1,6 +1,6 @@
 #include "bench/StockList.h"
 
-#include "form/Columns.h"
+#include "controls/Columns.h"
 
 #include <algorithm>
 
@@ -20,9 +20,25 @@ StockList::StockList(const ListView& like) {
     tree_.show();
 }
 
-QTreeWidgetItem* StockList::MakeItem(const ListRow& row) const {
-    auto* item = new QTreeWidgetItem(row.cells);
-    item->setData(0, Qt::UserRole, row.key);
+namespace {
+
+QString KeyOf(int number) { return QString::number(number) + KeySuffix; }
+
+// As Add and Insert make it.
+ListRow NewRow(int number) {
+    const QString digits = QString::number(number);
+    return {Slot::Actions, 0, 1, QStringLiteral("MSG"), QStringLiteral("MSG"), {}, digits, digits};
+}
+
+} // namespace
+
+QTreeWidgetItem* StockList::MakeItem(const ListRow& row, int number) const {
+    QStringList cells;
+    for (int column = 0; column < tree_.columnCount(); ++column) {
+        cells.append(CellOf(row, number, column));
+    }
+    auto* item = new QTreeWidgetItem(cells);
+    item->setData(0, Qt::UserRole, KeyOf(number));
     return item;
 }
 
@@ -31,8 +47,9 @@ void StockList::Fill(const std::vector<ListRow>& rows) {
     byKey_.clear();
     QList<QTreeWidgetItem*> items;
     for (const ListRow& row : rows) {
-        items.append(MakeItem(row));
-        byKey_.insert(row.key, items.last());
+        const int number = static_cast<int>(items.size()) + 1;
+        items.append(MakeItem(row, number));
+        byKey_.insert(KeyOf(number), items.last());
     }
     tree_.addTopLevelItems(items);
 }
@@ -61,8 +78,6 @@ void StockList::Take(int row) {
     delete item;
 }
 
-void StockList::TakeFirst() { Take(0); }
-
 std::vector<int> StockList::SelectedRows() const {
     std::vector<int> rows;
     for (const QModelIndex& index : tree_.selectionModel()->selectedRows()) {
@@ -75,19 +90,17 @@ std::vector<int> StockList::SelectedRows() const {
 void StockList::Add() {
     SelectNone();
     const int last = tree_.topLevelItemCount() - 1;
-    const ListRow row = StockRow(tree_.topLevelItem(last)->text(PositionColumn).toInt() + 1);
-    QTreeWidgetItem* item = MakeItem(row);
+    const int number = tree_.topLevelItem(last)->text(PositionColumn).toInt() + 1;
+    QTreeWidgetItem* item = MakeItem(NewRow(number), number);
     tree_.addTopLevelItem(item);
-    byKey_.insert(row.key, item);
+    byKey_.insert(KeyOf(number), item);
     Select(last + 1);
 }
 
 void StockList::InsertAtTop() {
     SelectNone();
-    const ListRow row = StockRow(1);
-    QTreeWidgetItem* item = MakeItem(row);
-    tree_.insertTopLevelItem(0, item);
-    Renumber(0);
+    tree_.insertTopLevelItem(0, MakeItem(NewRow(1), 1));
+    Renumber();
     Select(0);
 }
 
@@ -95,7 +108,7 @@ void StockList::RemoveSelected() {
     const std::vector<int> rows = SelectedRows();
     // From the end, so that the rows before stay where they are.
     std::for_each(rows.rbegin(), rows.rend(), [this](int row) { Take(row); });
-    Renumber(0);
+    Renumber();
     Select(0);
 }
 
@@ -113,24 +126,17 @@ void StockList::Move(int distance) {
 
 void StockList::SelectAll() { tree_.selectAll(); }
 
-void StockList::Renumber(int from) {
-    for (int row = from; row < tree_.topLevelItemCount(); ++row) {
+void StockList::Renumber() {
+    for (int row = 0; row < tree_.topLevelItemCount(); ++row) {
         byKey_.remove(tree_.topLevelItem(row)->data(0, Qt::UserRole).toString());
     }
-    for (int row = from; row < tree_.topLevelItemCount(); ++row) {
+    for (int row = 0; row < tree_.topLevelItemCount(); ++row) {
         QTreeWidgetItem* item = tree_.topLevelItem(row);
-        const QString key = RowKey(row);
+        const QString key = KeyOf(row + 1);
         item->setText(PositionColumn, QString::number(row + 1));
         item->setData(0, Qt::UserRole, key);
         byKey_.insert(key, item);
     }
-}
-
-ListRow StockRow(int position) {
-    const QString number = QString::number(position);
-    return {RowKey(position - 1),
-            {number, number + '-' + number, QStringLiteral("MSG 1"), QString(), QStringLiteral("MSG"),
-             QStringLiteral("0"), QStringLiteral("1"), number, number}};
 }
 
 } // namespace KAL_AUTO_Node

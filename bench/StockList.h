@@ -17,7 +17,6 @@ class StockList {
     void Select(int row);
     void SelectEverySecond();
     void SelectNone();
-    void TakeFirst();
 
     void Add();
     void InsertAtTop();
@@ -25,18 +24,15 @@ class StockList {
     // Exchanges the selected row with the one that many rows further.
     void Move(int distance);
     void SelectAll();
-    void Renumber(int from);
 
   private:
-    [[nodiscard]] QTreeWidgetItem* MakeItem(const ListRow& row) const;
+    void Renumber();
+    [[nodiscard]] QTreeWidgetItem* MakeItem(const ListRow& row, int number) const;
     [[nodiscard]] std::vector<int> SelectedRows() const;
     void Take(int row);
 
     QTreeWidget tree_;
     QHash<QString, QTreeWidgetItem*> byKey_;
 };
-
-// A row as Add and Insert make it.
-[[nodiscard]] ListRow StockRow(int position);
 
 } // namespace KAL_AUTO_Node

@@ -1,5 +1,6 @@
 #include "Person.h"
 
+#include <QAbstractItemView>
 #include <QAccessible>
 
 #include <map>
@@ -180,6 +181,17 @@ TEST_F(Access, TheTreeHoldsWhatCanBeUsedByItsName) {
         Person::ClickRow("LVExceptions", 0);
         EXPECT_TRUE(exceptions->child(0)->state().selected);
         EXPECT_FALSE(exceptions->child(1)->state().selected);
+        // What is disabled cannot be used over assistive technology either.
+        auto* frame = Person::Find<QFrame>("Frame1");
+        for (const bool enabled : {false, true}) {
+            frame->setEnabled(enabled);
+            exceptions->child(2)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+            EXPECT_EQ(Person::SelectedRows("LVExceptions"), std::vector{enabled ? 2 : 0});
+            spoken("cmbNode")->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+            EXPECT_EQ(Person::Combo("cmbNode")->view()->isVisible(), enabled);
+        }
+        Person::Combo("cmbNode")->hidePopup();
+        Person::ClickRow("LVExceptions", 0);
         Person::Press("cmdExceptionsEdit");
         found.clear();
         Walk(spoken("fraExceptions"), found);

@@ -1,5 +1,7 @@
 #include "Person.h"
 
+#include <QAbstractItemView>
+
 namespace KAL_AUTO_Node {
 namespace {
 
@@ -165,10 +167,10 @@ TEST_F(Editor, StaysOnANodeThatItRefusesToSave) {
 
 TEST_F(Editor, KeepsValueBoxesAtNumbersTheyMayHold) {
     const std::vector<std::array<const char*, 3>> entries = {
-        {"cmbSelTimeOut", "60", "60"},    {"cmbSelTimeOut", "61", "6"}, {"cmbSelTimeOut", "-5", "1"},
-        {"cmbSelTimeOut", "\u0663", "1"}, {"cmbNumDigits", "7", "7"},   {"cmbNumDigits", "8", "1"},
-        {"cmbRetryLimit", "9", "0"},      {"cmbRetryLimit", "5", "5"},  {"cmbDigitTimeOut", "15", "15"},
-        {"cmbDigitTimeOut", "16", "1"}};
+        {"cmbSelTimeOut", "60", "60"},    {"cmbSelTimeOut", "61", "6"},  {"cmbSelTimeOut", "-5", "1"},
+        {"cmbSelTimeOut", "\u0663", "1"}, {"cmbNumDigits", "7", "7"},    {"cmbNumDigits", "8", "1"},
+        {"cmbRetryLimit", "9", "0"},      {"cmbRetryLimit", "05", "5"},  {"cmbRetryLimit", "5", "5"},
+        {"cmbDigitTimeOut", "15", "15"},  {"cmbDigitTimeOut", "16", "1"}};
     Edit(8, [&] {
         for (const auto& [name, text, becomes] : entries) {
             SCOPED_TRACE(std::string(name) + ": " + text);
@@ -196,6 +198,10 @@ TEST_F(Editor, KeepsValueBoxesAtNumbersTheyMayHold) {
 // What a host, its components and its timers do while a call has not returned.
 TEST_F(Editor, OutlastsWhatItsHostDoesMeanwhile) {
     const auto closeEverything = [] { QApplication::closeAllWindows(); };
+    // A host without windows of its own ends at that.
+    QObject closing;
+    QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &closing,
+                     [] { ADD_FAILURE() << "taken for the host's last window"; });
     store_.Execute("DELETE FROM Node_General_Pool WHERE NodeTypeID = 0 AND NodeNumber = 12");
 
     struct HostDialog : ConfirmationDialog {
@@ -243,6 +249,7 @@ TEST_F(Editor, OutlastsWhatItsHostDoesMeanwhile) {
     rules.ShowNodeEditor(1, 2, 25);
     EXPECT_EQ(Person::Window("GUI"), nullptr);
     EXPECT_EQ(person_.Boxes(), std::vector<Box>{Information("AUTO 25 doesn't exist.")});
+    closing.disconnect();
     // A host deletes the window that a message belongs to.
     auto* hosts = new QWidget;
     hosts->show();
@@ -252,6 +259,21 @@ TEST_F(Editor, OutlastsWhatItsHostDoesMeanwhile) {
     rules.ShowNodeEditor(1, 2, 25);
     person_.Boxes();
     EXPECT_FALSE(rules.Opened());
+}
+
+TEST_F(Editor, ItsPopUpsTellLabelsAsTheyAreStored) {
+    Edit(8, [&] {
+        QComboBox* box = Person::Combo("cmbNode");
+        std::vector<QImage> looks;
+        for (const char* label : {"Once", "Twice"}) {
+            store_.Execute(std::string("UPDATE Node_General_Pool SET NodeDescription = '") + label +
+                           "' WHERE PartID = 2 AND NodeTypeID = 9 AND NodeNumber = 8");
+            box->showPopup();
+            looks.push_back(box->view()->grab().toImage());
+            box->hidePopup();
+        }
+        EXPECT_NE(looks.front(), looks.back());
+    });
 }
 
 void EditFirstRow(const std::string& list) {

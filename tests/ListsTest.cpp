@@ -77,6 +77,124 @@ TEST_F(Lists, EditorsFollowTheirRow) {
     });
 }
 
+// The keys, leads and targets of a list's rows.
+std::string Rows(const std::string& list) {
+    std::string rows;
+    for (int row = 0; row < Person::Count(list); ++row) {
+        rows += (row > 0 ? ", " : "") + Person::Key(list, row) + ' ' + Person::Cell(list, row, 1) + ' ' +
+                Person::Cell(list, row, 2);
+    }
+    return rows;
+}
+
+void Key(QWidget* widget, int key, Qt::KeyboardModifiers with = Qt::ControlModifier) {
+    widget->setFocus();
+    QTest::keyClick(widget, static_cast<Qt::Key>(key), with);
+}
+
+// What each button makes of some selected rows, and which are selected then; all of it is taken back.
+TEST_F(Lists, AreChangedByTheirButtons) {
+    using Selected = std::vector<int>;
+    const std::string prompts = "1a 1 MSG 55, 3a 3 MSG 12, 7a 7 TIME 4";
+    const std::string actions = "1a 1-1 MSG 56, 3a 2-2 MSG 18, 7a 3-3 TIME 3";
+    const std::string four = "1a 1 MSG 55, 2a 2 MSG 12, 3a 3 TIME 4, 4a 4 MSG 1";
+    const std::vector<std::tuple<std::string, Selected, std::string, std::string, Selected>> cases = {
+        {"Prompts", {}, "Add", four, {3}},
+        {"Prompts", {2}, "Insert", "1a 1 MSG 55, 2a 2 MSG 12, 3a 3 MSG 1, 4a 4 TIME 4", {2}},
+        {"Prompts", {0, 2}, "Insert", prompts, {0, 2}},
+        {"Prompts", {0, 2}, "Remove", "1a 1 MSG 12", {0}},
+        {"Prompts", {2}, "Remove", "1a 1 MSG 55, 2a 2 MSG 12", {1}},
+        {"Prompts", {0, 1, 2}, "Remove", "1a 1 EMPTY", {0}},
+        {"Prompts", {}, "Remove", prompts, {}},
+        {"Prompts", {0}, "Up", prompts, {0}},
+        {"Prompts", {1}, "Up", "1a 1 MSG 12, 2a 2 MSG 55, 3a 3 TIME 4", {0}},
+        {"Prompts", {1, 2}, "Down", prompts, {1, 2}},
+        {"Actions", {0, 1}, "Insert", "1a 1-1 MSG 56, 2a 2-2 MSG 18, 3a 3-3 TIME 3, 4a 4-4 MSG 1", {3}},
+        {"Actions", {1}, "Insert", "1a 1-1 MSG 56, 2a 2-2 MSG 1, 3a 2-2 MSG 18, 4a 3-3 TIME 3", {1}},
+        {"Actions", {1}, "Down", "1a 1-1 MSG 56, 2a 3-3 TIME 3, 3a 2-2 MSG 18", {2}},
+        {"Actions", {2}, "Down", actions, {2}},
+        {"Exceptions",
+         {1},
+         "Default",
+         "1a Timeout MSG 1, 2a Invalid MSG 1, 3a Abort MSG 1, 4a * NONE, 5a # NONE",
+         {}},
+    };
+    Edit(15, [&] {
+        for (const auto& [list, selected, button, after, selectedAfter] : cases) {
+            SCOPED_TRACE(list + ' ' + button + " with " + testing::PrintToString(selected));
+            const std::string view = "LV" + list;
+            const std::string before = Rows(view);
+            Person::List(view)->selectionModel()->clear();
+            for (const int row : selected) {
+                Person::ClickRow(view, row, Qt::ControlModifier);
+            }
+            Person::MarkUnchanged();
+            Person::Press("cmd" + list + button);
+            EXPECT_EQ(Rows(view), after);
+            EXPECT_EQ(Person::SelectedRows(view), selectedAfter);
+            if (selectedAfter.size() == 1) {
+                EXPECT_EQ(Person::List(view)->currentIndex().row(), selectedAfter.front());
+            }
+            const bool moves = button == "Up" || button == "Down";
+            EXPECT_EQ(Person::Dirty(), moves || after != before);
+            if (after != before) {
+                Key(Person::List(view), Qt::Key_Z);
+            }
+            EXPECT_EQ(Rows(view), before);
+        }
+        Person::List("LVActions")->setFocus();
+        Person::List("LVActions")->selectionModel()->clear();
+        Key(Person::List("LVActions"), Qt::Key_A);
+        EXPECT_EQ(Person::SelectedRows("LVActions"), (Selected{0, 1, 2}));
+        EXPECT_EQ(Person::List("LVActions")->currentIndex().row(), 0);
+        QWidget* rows = Person::List("LVActions")->viewport();
+        QTest::mouseDClick(rows, Qt::LeftButton, {}, {5, rows->height() - 2});
+        QTest::mouseRelease(rows, Qt::LeftButton, {}, {5, rows->height() - 2});
+        EXPECT_EQ(Person::Caption("cmdActionsEdit"), "Edit");
+        // Nothing is inserted before the placeholder.
+        Key(Person::List("LVPrompts"), Qt::Key_A);
+        Key(Person::List("LVPrompts"), Qt::Key_Delete, {});
+        Person::Press("cmdPromptsInsert");
+        EXPECT_EQ(Rows("LVPrompts"), "1a 1 MSG 1");
+    });
+}
+
+// What a chosen type or number makes of the row under the editors; Escape takes it back.
+TEST_F(Lists, EditorsWriteTheirRow) {
+    const Box question{"Confirmation", "Do you want to vacate Prompts Table?", QMessageBox::Question,
+                       QMessageBox::Yes | QMessageBox::No};
+    const std::vector<std::tuple<std::string, int, std::string, std::string, std::string>> cases = {
+        {"Prompts", 0, "cmbPromptsNode", "TIME", "1|1|TIME 1||TIME|2|1"},
+        {"Prompts", 0, "cmbPromptsNumber", "250", "1|1|MSG 250||MSG|0|250"},
+        {"Actions", 0, "cmbActionsNode", "EMPTY", "1|1-1|EMPTY||EMPTY|999|1|1|1"},
+        {"Actions", 0, "cmbActionsNode", "XFER", "1|1-1|XFER 56||XFER|4|56|1|1"},
+        {"Exceptions", 1, "cmbExceptionsInvalidNode", "NONE", "2|Invalid|NONE||NONE|814|1"},
+        {"Exceptions", 3, "cmbExceptionsStarNode", "AUTO", "4|*|AUTO 1||AUTO|9|1"},
+    };
+    const auto deeds = [&] {
+        for (const auto& [list, row, editor, choice, after] : cases) {
+            SCOPED_TRACE(editor + ' ' + choice);
+            const std::string view = "LV" + list;
+            const std::string before = Person::Row(view, row);
+            Person::ClickRow(view, row);
+            Key(Person::List(view), Qt::Key_F2, {});
+            Person::Choose(editor, choice);
+            EXPECT_EQ(Person::Row(view, row), after);
+            Key(Person::Find<QWidget>(editor), Qt::Key_Escape, {});
+            EXPECT_EQ(Person::Row(view, row), before);
+            Key(Person::List(view), Qt::Key_Z);
+            EXPECT_EQ(Person::Row(view, row), before) << "nothing is left to take back";
+        }
+        Person::ClickRow("LVPrompts", 1);
+        Key(Person::List("LVPrompts"), Qt::Key_F2, {});
+        person_.WillAnswer({QMessageBox::Yes});
+        Person::Choose("cmbPromptsNode", "EMPTY");
+        EXPECT_EQ(Rows("LVPrompts"), "1a 1 EMPTY");
+        EXPECT_TRUE(Person::OpenEditors().empty());
+    };
+    Edit(15, deeds, {question});
+}
+
 TEST_F(Lists, EditorsTakeNothingThatWasMeantForOthers) {
     const Box question{"Confirmation", "Do you want to vacate Prompts Table?", QMessageBox::Question,
                        QMessageBox::Yes | QMessageBox::No};
@@ -119,6 +237,7 @@ TEST_F(Lists, RangeBoxesAreMarkedByWhoGoesThere) {
         Person::TypeOver(LowBox, "*");
         Person::TextBox(HighBox)->setFocus();
         EXPECT_EQ(Person::TextBox(HighBox)->selectedText(), "660");
+        EXPECT_TRUE(Person::TextBox("txtActionsDash")->isReadOnly());
         // What comes to the front and goes again does not select, so that what is typed goes on.
         for (const Qt::FocusReason reason :
              {Qt::ActiveWindowFocusReason, Qt::PopupFocusReason, Qt::MenuBarFocusReason}) {
@@ -178,11 +297,6 @@ TEST_F(Lists, ATypeWithoutNumbersIsNotEdited) {
          {noTypes, noTypes});
 }
 
-void Key(QWidget* widget, int key, Qt::KeyboardModifiers with = Qt::ControlModifier) {
-    widget->setFocus();
-    QTest::keyClick(widget, static_cast<Qt::Key>(key), with);
-}
-
 TEST_F(Lists, TakeNoTextThatCouldNotBeChosen) {
     const std::vector<std::array<const char*, 3>> cases = {
         {"Actions", " \n\r\n", ""},
@@ -221,6 +335,9 @@ TEST_F(Lists, TakeNoTextThatCouldNotBeChosen) {
         EXPECT_EQ(Person::Row("LVActions", 2), "3|007-9|MSG 12||MSG|0|12|007|9");
         EXPECT_EQ(Person::Row("LVActions", 3).substr(0, 12), "4|5-5|EMPTY|");
         EXPECT_EQ(Person::SelectedRows("LVActions"), (std::vector{2, 3}));
+        Key(Person::List("LVActions"), Qt::Key_V);
+        EXPECT_EQ(Person::SelectedRows("LVActions"), (std::vector{11, 12}))
+            << "at the end: two were selected";
     });
 }
 

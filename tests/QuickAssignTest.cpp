@@ -84,7 +84,14 @@ TEST_F(QuickAssign, AddsARowForEachNumber) {
     Edit(5, [&] {
         ASSERT_EQ(Person::Cell("LVPrompts", 0, 2), "EMPTY");
         Person::Press("cmdPromptsAdd");
-        Assign("Prompts", "MSG", 3, 3, "cmdAdd");
+        Assign("Prompts", "MSG", 5, 3, "cmdAdd");
+        EXPECT_EQ(Person::Count("LVPrompts"), 2);
+        person_.InQuickAssign("cmdQuickPrompts", [] {
+            Person::TypeOver("cmbFrom", "3");
+            Person::TypeOver("cmbTo", "3");
+            QTest::keyClick(Person::Combo("cmbTo"), Qt::Key_Return);
+            EXPECT_FALSE(Person::Window("frmQuickAssign")->isVisible());
+        });
         EXPECT_EQ(Person::Rows("LVPrompts").size(), 3U);
         EXPECT_EQ(Person::Key("LVPrompts", 0) + Person::Row("LVPrompts", 0).substr(0, 9), "1a1|1|MSG 9");
         EXPECT_EQ(Person::Key("LVPrompts", 2) + Person::Row("LVPrompts", 2), "3a3|3|MSG 3||MSG|0|3");

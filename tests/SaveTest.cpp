@@ -61,6 +61,8 @@ TEST(Saving, WritesTheNodeAsItStandsInTheWindow) {
         Person::ClickRow("LVExceptions", 4);
         Person::Choose("cmbExceptionsPoundNumber", "12");
 
+        Person::WaitForFocus();
+        QCoreApplication::processEvents();
         const ToldInStatusBar watch([&](const std::string& text) {
             told.push_back(text);
             EXPECT_FALSE(Person::Find<QFrame>("Frame1")->isEnabled());

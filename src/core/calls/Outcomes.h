@@ -151,9 +151,4 @@ struct EntrySpan {
 // position.
 [[nodiscard]] std::string TextOf(const Outcomes& outcomes, std::optional<std::size_t> branch = std::nullopt);
 
-// The position of an exception.
-[[nodiscard]] constexpr std::size_t BranchOf(Slot slot) {
-    return static_cast<std::size_t>(slot) - static_cast<std::size_t>(Slot::Timeout);
-}
-
 } // namespace KAL_AUTO_Node

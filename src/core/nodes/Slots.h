@@ -55,4 +55,9 @@ inline constexpr std::array<BranchRule, 5> BranchRules = {{
     {Slot::Pound, "#", "Pound", NumberlessExceptionType, 0},
 }};
 
+// The place of a branch's rule, from its slot.
+[[nodiscard]] constexpr std::size_t BranchOf(Slot slot) {
+    return static_cast<std::size_t>(slot) - static_cast<std::size_t>(Slot::Timeout);
+}
+
 } // namespace KAL_AUTO_Node

@@ -1,9 +1,13 @@
 #include "controls/ListRows.h"
 
-#include "platform/NumericValue.h"
 #include "platform/RuntimeError.h"
 
 #include <algorithm>
+#include <array>
+#include <functional>
+#include <iterator>
+#include <numeric>
+#include <unordered_set>
 #include <utility>
 
 namespace KAL_AUTO_Node {
@@ -15,14 +19,59 @@ namespace {
                        "Row " + std::to_string(row) + " is not in the list of " + std::to_string(count));
 }
 
-void RequireFree(const QSet<QString>& keys, const QString& key) {
-    if (keys.contains(key)) {
-        throw RuntimeError(ErrorNumber::DuplicateRowKey,
-                           "The key \"" + key.toStdString() + "\" is not unique in the list");
+std::vector<RowRun> RunsOf(std::span<const int> rows) {
+    std::vector<RowRun> runs;
+    for (const int row : rows) {
+        if (runs.empty() || runs.back().first + runs.back().count != row) {
+            runs.push_back({row, 0});
+        }
+        ++runs.back().count;
     }
+    return runs;
+}
+
+// How many numbers come before one that stands there before it.
+std::size_t CountUnique(const std::vector<int>& numbers) {
+    if (std::ranges::adjacent_find(numbers, std::greater_equal()) == numbers.end()) {
+        return numbers.size();
+    }
+    std::unordered_set<int> known;
+    const auto taken =
+        std::ranges::find_if(numbers, [&](int number) { return !known.insert(number).second; });
+    return static_cast<std::size_t>(taken - numbers.begin());
 }
 
 } // namespace
+
+QString DisplayText(const ListRow& row) {
+    return row.typeID == NumberlessTypeOf(row.slot) ? row.shown
+                                                    : row.shown + ' ' + QString::number(row.number);
+}
+
+QString CellOf(const ListRow& row, int number, int column) {
+    switch (column) {
+    case PositionColumn:
+        return QString::number(number);
+    case LeadColumn:
+        return row.slot == Slot::Prompts   ? QString::number(number)
+               : row.slot == Slot::Actions ? row.low + '-' + row.high
+                                           : QString::fromLatin1(BranchRules[BranchOf(row.slot)].label);
+    case CommandNodeColumn:
+        return DisplayText(row);
+    case LabelColumn:
+        return row.label;
+    case NodeNameColumn:
+        return row.name;
+    case NodeTypeIDColumn:
+        return QString::number(row.typeID);
+    case NodeNumberColumn:
+        return QString::number(row.number);
+    case DTMFRangeLowColumn:
+        return row.low;
+    default:
+        return row.high;
+    }
+}
 
 void ListRows::SetColumns(std::span<const ListColumn> columns) {
     QList<QString> captions;
@@ -45,20 +94,21 @@ const ListRow& ListRows::At(int row) const {
     return rows_[static_cast<std::size_t>(row)];
 }
 
-const QString& ListRows::Cell(int row, int column) const {
+QString ListRows::Cell(int row, int column) const {
     RequireColumn(column);
-    return At(row).cells[column];
+    return CellOf(At(row), Number(row), column);
+}
+
+QString ListRows::Key(int row) const {
+    static_cast<void>(At(row));
+    return QString::number(Number(row)) + KeySuffix;
 }
 
 int ListRows::RowOfKey(const QString& key) const {
-    if (keys_.contains(key)) {
-        // Keys start with the row's position almost always.
-        const auto guess = NumericValue(key.toStdString()) - 1;
-        if (guess >= 0 && guess < Count() && rows_[static_cast<std::size_t>(guess)].key == key) {
-            return static_cast<int>(guess);
+    for (int row = 0; row < Count(); ++row) {
+        if (Key(row) == key) {
+            return row;
         }
-        const auto found = std::ranges::find(rows_, key, &ListRow::key);
-        return static_cast<int>(found - rows_.begin());
     }
     throw RuntimeError(ErrorNumber::UnknownRow, "No row has the key \"" + key.toStdString() + "\"");
 }
@@ -70,56 +120,85 @@ void ListRows::RequireColumn(int column) const {
     }
 }
 
-void ListRows::CellsChanged(int firstRow, int lastRow, int firstColumn, int lastColumn) {
-    emit dataChanged(index(firstRow, firstColumn), index(lastRow, lastColumn), {Qt::DisplayRole});
-}
-
-void ListRows::SetCell(int row, int column, const QString& text) {
-    RequireColumn(column);
-    QString& cell = RowAt(row).cells[column];
-    if (cell != text) {
-        cell = text;
-        CellsChanged(row, row, column, column);
+void ListRows::CellsChanged(int firstRow, int lastRow, int lastColumn) {
+    if (firstRow <= lastRow) {
+        emit dataChanged(index(firstRow, 0), index(lastRow, lastColumn), {Qt::DisplayRole});
     }
 }
 
-void ListRows::Insert(int row, ListRow content) {
+void ListRows::Renumber(int from) {
+    const bool all = !numbers_.empty();
+    numbers_.clear();
+    CellsChanged(all ? 0 : from, Count() - 1, LeadColumn);
+}
+
+RowChange ListRows::Set(int row, ListRow content) {
+    RowChange change{{{row, 1}}, {}, {{row, 1}}, numbers_};
+    change.out.push_back(std::exchange(RowAt(row), std::move(content)));
+    CellsChanged(row, row, columnCount() - 1);
+    return change;
+}
+
+RowChange ListRows::Swap(int row, int other) {
+    const std::vector<RowRun> places = RunsOf(std::array{std::min(row, other), std::max(row, other)});
+    RowChange change{places, {At(std::min(row, other)), At(std::max(row, other))}, places, numbers_};
+    std::swap(RowAt(row), RowAt(other));
+    CellsChanged(std::min(row, other), std::max(row, other), columnCount() - 1);
+    Renumber(Count());
+    return change;
+}
+
+RowChange ListRows::Insert(int row, std::vector<ListRow> rows) {
     if (row < 0 || row > Count()) {
         RefuseRow(row, Count());
     }
-    RequireFree(keys_, content.key);
-    content.cells.resize(captions_.size());
-    beginInsertRows({}, row, row);
-    keys_.insert(content.key);
-    rows_.insert(rows_.begin() + row, std::move(content));
-    endInsertRows();
-}
-
-void ListRows::Append(std::vector<ListRow> rows) {
-    keys_.reserve(keys_.size() + static_cast<qsizetype>(rows.size()));
-    auto accepted = rows.begin();
-    for (; accepted != rows.end() && !keys_.contains(accepted->key); ++accepted) {
-        keys_.insert(accepted->key);
-        accepted->cells.resize(captions_.size());
-    }
-    if (accepted != rows.begin()) {
-        beginInsertRows({}, Count(), Count() + static_cast<int>(accepted - rows.begin()) - 1);
-        rows_.insert(rows_.end(), std::make_move_iterator(rows.begin()), std::make_move_iterator(accepted));
+    const auto count = static_cast<int>(rows.size());
+    RowChange change{{}, {}, {}, numbers_};
+    if (count > 0) {
+        change.inAt = {{row, count}};
+        beginInsertRows({}, row, row + count - 1);
+        // Of those that are there; the others' have no meaning from here on.
+        numbers_.resize(numbers_.empty() ? 0 : rows_.size() + rows.size());
+        rows_.insert(rows_.begin() + row, std::make_move_iterator(rows.begin()),
+                     std::make_move_iterator(rows.end()));
         endInsertRows();
     }
-    if (accepted != rows.end()) {
-        RequireFree(keys_, accepted->key);
-    }
+    Renumber(row + count);
+    return change;
 }
 
-void ListRows::Remove(std::span<const int> rows) {
+RowChange ListRows::Append(std::vector<ListRow> rows, std::vector<int> numbers) {
+    const int before = Count();
+    RowChange change{{}, {}, {}, numbers_};
+    std::vector<int> all(rows_.size());
+    for (int row = 0; row < before; ++row) {
+        all[static_cast<std::size_t>(row)] = Number(row);
+    }
+    all.insert(all.end(), numbers.begin(), numbers.end());
+    all.resize(std::max(rows_.size(), CountUnique(all)));
+    rows.resize(all.size() - rows_.size());
+    if (const auto count = static_cast<int>(rows.size()); count > 0) {
+        change.inAt = {{before, count}};
+        beginInsertRows({}, before, before + count - 1);
+        rows_.insert(rows_.end(), std::make_move_iterator(rows.begin()), std::make_move_iterator(rows.end()));
+        std::vector<int> places(all.size());
+        std::iota(places.begin(), places.end(), 1);
+        numbers_ = all == places ? std::vector<int>() : std::move(all);
+        endInsertRows();
+    }
+    return change;
+}
+
+RowChange ListRows::Remove(std::span<const int> rows) {
+    RowChange change{RunsOf(rows), {}, {}, numbers_};
     if (rows.empty()) {
-        return;
+        Renumber(Count());
+        return change;
     }
     for (const int row : {rows.front(), rows.back()}) {
         static_cast<void>(At(row));
     }
-    const bool contiguous = rows.back() - rows.front() == static_cast<int>(rows.size()) - 1;
+    const bool contiguous = change.outAt.size() == 1;
     // One run after the other would take a time that grows with the square of their number. Of a change of
     // layout that is none of the columns', their header keeps out.
     if (contiguous) {
@@ -127,83 +206,98 @@ void ListRows::Remove(std::span<const int> rows) {
     } else {
         emit layoutAboutToBeChanged({}, VerticalSortHint);
     }
-    auto next = rows.begin();
-    auto kept = static_cast<std::size_t>(rows.front());
-    for (std::size_t row = kept; row < rows_.size(); ++row) {
-        if (next != rows.end() && static_cast<std::size_t>(*next) == row) {
-            keys_.remove(rows_[row].key);
-            ++next;
-        } else {
-            rows_[kept++] = std::move(rows_[row]);
-        }
-    }
-    rows_.resize(kept);
+    change.out = Exchange(change.outAt, {}, {});
     if (contiguous) {
         endRemoveRows();
-        return;
+    } else {
+        const QModelIndexList before = persistentIndexList();
+        QModelIndexList after;
+        for (const QModelIndex& index : before) {
+            const auto removed = std::ranges::lower_bound(rows, index.row());
+            const bool gone = removed != rows.end() && *removed == index.row();
+            after.append(
+                gone ? QModelIndex()
+                     : this->index(index.row() - static_cast<int>(removed - rows.begin()), index.column()));
+        }
+        changePersistentIndexList(before, after);
+        emit layoutChanged({}, VerticalSortHint);
     }
-    const QModelIndexList before = persistentIndexList();
-    QModelIndexList after;
-    for (const QModelIndex& index : before) {
-        const auto removed = std::ranges::lower_bound(rows, index.row());
-        const bool gone = removed != rows.end() && *removed == index.row();
-        after.append(
-            gone ? QModelIndex()
-                 : this->index(index.row() - static_cast<int>(removed - rows.begin()), index.column()));
-    }
-    changePersistentIndexList(before, after);
-    emit layoutChanged({}, VerticalSortHint);
+    Renumber(rows.front());
+    return change;
 }
 
-void ListRows::Renumber(int alsoColumn) {
-    RequireColumn(alsoColumn);
-    int from = 0;
-    // Rows that have theirs stay shared with whoever holds a copy of them.
-    const auto isRight = [&](int row) {
-        const QString& number = Cell(row, 0);
-        return At(row).key == RowKey(row) && number == QString::number(row + 1) &&
-               Cell(row, alsoColumn) == number;
+RowChange ListRows::Replace(std::vector<ListRow> rows) {
+    const auto first = std::ranges::mismatch(rows_, rows).in1 - rows_.begin();
+    const auto longest = std::min(std::ssize(rows_), std::ssize(rows)) - first;
+    std::ptrdiff_t same = 0; // at the end
+    while (same < longest && rows_.end()[-1 - same] == rows.end()[-1 - same]) {
+        ++same;
+    }
+    const auto run = [&](const std::vector<ListRow>& of) {
+        const auto count = std::ssize(of) - first - same;
+        return count == 0 ? std::vector<RowRun>()
+                          : std::vector{RowRun{static_cast<int>(first), static_cast<int>(count)}};
     };
-    while (from < Count() && isRight(from)) {
-        ++from;
-    }
-    for (int row = from; row < Count(); ++row) {
-        keys_.remove(RowAt(row).key);
-    }
-    for (int row = from; row < Count(); ++row) {
-        ListRow& content = RowAt(row);
-        const QString number = QString::number(row + 1);
-        content.key = RowKey(row);
-        keys_.insert(content.key);
-        content.cells[0] = number;
-        content.cells[alsoColumn] = number;
-    }
-    if (from < Count()) {
-        CellsChanged(from, Count() - 1, 0, alsoColumn);
-    }
-}
-
-void ListRows::SwapCells(int row, int other, int firstColumn, int lastColumn) {
-    RequireColumn(firstColumn);
-    RequireColumn(lastColumn);
-    for (int column = firstColumn; column <= lastColumn; ++column) {
-        std::swap(RowAt(row).cells[column], RowAt(other).cells[column]);
-    }
-    CellsChanged(std::min(row, other), std::max(row, other), firstColumn, lastColumn);
-}
-
-void ListRows::SetAll(std::vector<ListRow> rows) {
-    QSet<QString> keys;
-    keys.reserve(static_cast<qsizetype>(rows.size()));
-    for (ListRow& row : rows) {
-        RequireFree(keys, row.key);
-        keys.insert(row.key);
-        row.cells.resize(captions_.size());
-    }
+    RowChange change{run(rows_), {}, run(rows), numbers_};
+    change.out.assign(std::make_move_iterator(rows_.begin() + first),
+                      std::make_move_iterator(rows_.end() - same));
     beginResetModel();
     rows_ = std::move(rows);
-    keys_ = std::move(keys);
+    numbers_.clear();
     endResetModel();
+    return change;
+}
+
+std::vector<ListRow> ListRows::Exchange(const std::vector<RowRun>& outAt, const std::vector<RowRun>& inAt,
+                                        std::vector<ListRow> in) {
+    std::vector<ListRow> out;
+    auto kept = rows_.begin() + (outAt.empty() ? 0 : outAt.front().first);
+    for (std::size_t i = 0; i < outAt.size(); ++i) {
+        const auto begin = rows_.begin() + outAt[i].first;
+        const auto end = begin + outAt[i].count;
+        const auto next = i + 1 < outAt.size() ? rows_.begin() + outAt[i + 1].first : rows_.end();
+        std::move(begin, end, std::back_inserter(out));
+        kept = std::move(end, next, kept);
+    }
+    if (!outAt.empty()) {
+        rows_.erase(kept, rows_.end());
+    }
+    if (inAt.empty()) {
+        return out;
+    }
+    std::vector<ListRow> rows;
+    rows.reserve(rows_.size() + in.size());
+    auto left = rows_.begin();
+    auto put = in.begin();
+    for (const auto& [first, count] : inAt) {
+        const auto until = left + (first - std::ssize(rows));
+        std::move(left, until, std::back_inserter(rows));
+        std::move(put, put + count, std::back_inserter(rows));
+        left = until;
+        put += count;
+    }
+    std::move(left, rows_.end(), std::back_inserter(rows));
+    rows_ = std::move(rows);
+    return out;
+}
+
+RowChange ListRows::TakeBack(RowChange change) {
+    RowChange again{change.inAt, {}, change.outAt, numbers_};
+    if (change.InPlace() && change.numbers == numbers_) {
+        auto row = change.out.begin();
+        for (const auto& [first, count] : change.outAt) {
+            std::swap_ranges(row, row + count, rows_.begin() + first);
+            row += count;
+            CellsChanged(first, first + count - 1, columnCount() - 1);
+        }
+        again.out = std::move(change.out);
+        return again;
+    }
+    beginResetModel();
+    again.out = Exchange(change.inAt, change.outAt, std::move(change.out));
+    numbers_ = std::move(change.numbers);
+    endResetModel();
+    return again;
 }
 
 int ListRows::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : Count(); }
@@ -216,13 +310,12 @@ QVariant ListRows::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) {
         return {};
     }
-    const ListRow& row = rows_[static_cast<std::size_t>(index.row())];
     switch (role) {
     case Qt::DisplayRole:
     case Qt::ToolTipRole:
-        return row.cells[index.column()];
+        return Cell(index.row(), index.column());
     case Qt::UserRole:
-        return index.column() == 0 ? QVariant(row.key) : QVariant();
+        return index.column() == 0 ? QVariant(Key(index.row())) : QVariant();
     default:
         return {};
     }

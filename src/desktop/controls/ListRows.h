@@ -1,13 +1,15 @@
 #pragma once
 
+#include "controls/ListRow.h"
 #include "controls/ListView.h"
 
 #include <QAbstractTableModel>
-#include <QSet>
 
 namespace KAL_AUTO_Node {
 
-// The rows of a list view.
+// The rows of a list view. Each has a number, its place from 1 after every change but those of one row's
+// content; what was stored may be numbered otherwise. What changes rows returns how they can become what they
+// were.
 class ListRows : public QAbstractTableModel {
   public:
     using QAbstractTableModel::QAbstractTableModel;
@@ -17,21 +19,24 @@ class ListRows : public QAbstractTableModel {
     [[nodiscard]] int Count() const { return static_cast<int>(rows_.size()); }
 
     [[nodiscard]] const ListRow& At(int row) const;
-    [[nodiscard]] const QString& Cell(int row, int column) const;
+    [[nodiscard]] QString Cell(int row, int column) const;
+    [[nodiscard]] QString Key(int row) const;
     [[nodiscard]] int RowOfKey(const QString& key) const;
 
-    void SetCell(int row, int column, const QString& text);
-    void Insert(int row, ListRow content);
-    void Append(std::vector<ListRow> rows);
+    RowChange Set(int row, ListRow content);
+    RowChange Swap(int row, int other);
+    RowChange Insert(int row, std::vector<ListRow> rows);
     // Takes out rows given in ascending order, in one step. Over more than one run of rows the views see a
     // change of layout.
-    void Remove(std::span<const int> rows);
-    void Renumber(int alsoColumn);
-    void SwapCells(int row, int other, int firstColumn, int lastColumn);
+    RowChange Remove(std::span<const int> rows);
+    RowChange Replace(std::vector<ListRow> rows);
+    // Adds rows with numbers of their own at the end, up to one with a number that is taken.
+    RowChange Append(std::vector<ListRow> rows, std::vector<int> numbers);
+
+    // Makes the rows what they were before a change, the latest one.
+    RowChange TakeBack(RowChange change);
 
     [[nodiscard]] const std::vector<ListRow>& All() const { return rows_; }
-
-    void SetAll(std::vector<ListRow> rows);
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
@@ -41,12 +46,21 @@ class ListRows : public QAbstractTableModel {
   private:
     void RequireColumn(int column) const;
 
+    [[nodiscard]] int Number(int row) const {
+        return numbers_.empty() ? row + 1 : numbers_[static_cast<std::size_t>(row)];
+    }
+
     [[nodiscard]] ListRow& RowAt(int row) { return const_cast<ListRow&>(At(row)); }
 
-    void CellsChanged(int firstRow, int lastRow, int firstColumn, int lastColumn);
+    // The places become the numbers; those from a row on are told anew.
+    void Renumber(int from);
+    void CellsChanged(int firstRow, int lastRow, int lastColumn);
+    // Takes rows out, and puts rows in where they are to stand then.
+    std::vector<ListRow> Exchange(const std::vector<RowRun>& outAt, const std::vector<RowRun>& inAt,
+                                  std::vector<ListRow> in);
 
     std::vector<ListRow> rows_;
-    QSet<QString> keys_;
+    std::vector<int> numbers_; // none where they are the places
     QList<QString> captions_;
 };
 

@@ -3,6 +3,7 @@
 #include "controls/FocusReason.h"
 #include "controls/ListRows.h"
 #include "controls/Twips.h"
+#include "platform/RuntimeError.h"
 
 #include <QAccessible>
 #include <QContextMenuEvent>
@@ -103,27 +104,54 @@ const ListRow& ListView::Row(int row) const { return rows_->At(row); }
 
 int ListView::RowOfKey(const QString& key) const { return rows_->RowOfKey(key); }
 
-const QString& ListView::Cell(int row, int column) const { return rows_->Cell(row, column); }
+QString ListView::Key(int row) const { return rows_->Key(row); }
 
-ListRows& ListView::Change() {
+QString ListView::Cell(int row, int column) const { return rows_->Cell(row, column); }
+
+const std::vector<ListRow>& ListView::Rows() const { return rows_->All(); }
+
+template <class Deed>
+void ListView::Change(Deed&& deed) {
     emit Changing();
-    return *rows_;
+    RowChange change = deed();
+    emit Changed(change);
 }
 
-void ListView::SetCell(int row, int column, const QString& text) { Change().SetCell(row, column, text); }
+void ListView::SetRow(int row, ListRow content) {
+    if (Row(row) != content) {
+        Change([&] { return rows_->Set(row, std::move(content)); });
+    }
+}
 
-void ListView::Insert(int row, ListRow content) { Change().Insert(row, std::move(content)); }
+void ListView::Swap(int row, int other) {
+    Change([&] { return rows_->Swap(row, other); });
+}
 
-void ListView::Append(std::vector<ListRow> rows) { Change().Append(std::move(rows)); }
+void ListView::Insert(int row, std::vector<ListRow> rows) {
+    Change([&] { return rows_->Insert(row, std::move(rows)); });
+}
 
-void ListView::SwapCells(int row, int other, int firstColumn, int lastColumn) {
-    Change().SwapCells(row, other, firstColumn, lastColumn);
+void ListView::SetRows(std::vector<ListRow> rows) {
+    Change([&] { return rows_->Replace(std::move(rows)); });
+}
+
+void ListView::Append(std::vector<ListRow> rows, const std::vector<int>& numbers) {
+    const int before = Count();
+    Change([&] { return rows_->Append(std::move(rows), numbers); });
+    if (const auto added = static_cast<std::size_t>(Count() - before); added < numbers.size()) {
+        throw RuntimeError(ErrorNumber::DuplicateRowKey, "The key \"" + std::to_string(numbers[added]) +
+                                                             KeySuffix + "\" is not unique in the list");
+    }
+}
+
+RowChange ListView::TakeBack(RowChange change) {
+    emit Changing();
+    return rows_->TakeBack(std::move(change));
 }
 
 void ListView::Remove(std::span<const int> rows) {
-    emit Changing();
     if (rows.empty() || rows.back() - rows.front() == static_cast<int>(rows.size()) - 1) {
-        rows_->Remove(rows);
+        Change([&] { return rows_->Remove(rows); });
         return;
     }
     // The selection would be split range by range; it is made anew instead.
@@ -136,11 +164,11 @@ void ListView::Remove(std::span<const int> rows) {
     std::ranges::for_each(selected, [&](int& row) { row -= removedBefore(row); });
     const int item = SelectedItem();
     const int itemAfter = item - removedBefore(item) - (isRemoved(item) ? 1 : 0);
-    {
+    Change([&] {
         // The view looks at all of it again when its rows have changed.
         const QSignalBlocker silent(selectionModel());
         selectionModel()->clear();
-        rows_->Remove(rows);
+        RowChange change = rows_->Remove(rows);
         QItemSelection again;
         for (const int row : selected) {
             again.append({rows_->index(row, 0), rows_->index(row, rows_->columnCount() - 1)});
@@ -150,16 +178,11 @@ void ListView::Remove(std::span<const int> rows) {
             selectionModel()->setCurrentIndex(VisibleCell(std::max(0, itemAfter)),
                                               QItemSelectionModel::NoUpdate);
         }
-    }
+        return change;
+    });
     viewport()->update();
     emit Rearranged();
 }
-
-void ListView::Renumber(int alsoColumn) { Change().Renumber(alsoColumn); }
-
-const std::vector<ListRow>& ListView::Rows() const { return rows_->All(); }
-
-void ListView::SetRows(std::vector<ListRow> rows) { Change().SetAll(std::move(rows)); }
 
 int ListView::SelectedItem() const { return currentIndex().row(); }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "controls/ListRow.h"
+
 #include <QTreeView>
 
 #include <functional>
@@ -15,28 +17,16 @@ struct ListColumn {
     int width; // twips; 0 hides the column
 };
 
-struct ListRow {
-    QString key;
-    QList<QString> cells; // one text per column; the first is the row's own text
-
-    friend bool operator==(const ListRow&, const ListRow&) = default;
-};
-
-// What stands behind a row's position in its key.
-inline constexpr char KeySuffix = 'a';
-
-// The key of the row at a position.
-[[nodiscard]] inline QString RowKey(int row) { return QString::number(row + 1) + KeySuffix; }
-
 // Messages that a list view's own window procedure sees before the list view acts on them.
 enum class WindowMessage {
     VScroll = 0x0115,      // the person scrolled vertically
     ParentNotify = 0x0210, // the person pressed on the column headers
 };
 
-// A report list: rows with a key each, cells by column, a selected item (the current row) beside the selected
-// rows. Rows and columns count from 0. A row index out of range raises SubscriptOutOfRange, an unknown key
-// UnknownRow, a key that another row has DuplicateRowKey.
+// A report list: rows with a key each, their number and a suffix, and with cells by column, a selected item
+// (the current row) beside the selected rows. Rows and columns count from 0, numbers from 1. A row index out
+// of range raises SubscriptOutOfRange, an unknown key UnknownRow. Whatever adds, moves or removes rows gives
+// all of them their places as numbers.
 class ListView : public QTreeView {
     Q_OBJECT
 
@@ -56,26 +46,30 @@ class ListView : public QTreeView {
 
     [[nodiscard]] int Count() const;
     [[nodiscard]] const ListRow& Row(int row) const;
+    [[nodiscard]] QString Key(int row) const;
     [[nodiscard]] int RowOfKey(const QString& key) const;
-    [[nodiscard]] const QString& Cell(int row, int column) const;
-    void SetCell(int row, int column, const QString& text);
-    void SwapCells(int row, int other, int firstColumn, int lastColumn);
+    [[nodiscard]] QString Cell(int row, int column) const;
+    [[nodiscard]] const std::vector<ListRow>& Rows() const;
 
-    void Insert(int row, ListRow content);
-    // Adds rows at the end in one step; those before a row with a taken key are added.
-    void Append(std::vector<ListRow> rows);
+    void SetRow(int row, ListRow content);
+    // Exchanges what two rows hold.
+    void Swap(int row, int other);
+    void Insert(int row, std::vector<ListRow> rows);
     // Takes out rows given in ascending order. Those left stay selected; where the selected item goes, the
     // row before it becomes it.
     void Remove(std::span<const int> rows);
-    // Gives every row the text and the key of its position, and the position to one more column (which may be
-    // the text's own).
-    void Renumber(int alsoColumn);
-
-    [[nodiscard]] const std::vector<ListRow>& Rows() const;
-    // Other rows instead, none of them selected; the list stays as it is where two of them have one key.
+    // Other rows instead, none of them selected.
     void SetRows(std::vector<ListRow> rows);
 
     void Clear() { SetRows({}); }
+
+    // Adds rows at the end, with numbers of their own. Raises DuplicateRowKey where a number is taken; the
+    // rows before that one are added.
+    void Append(std::vector<ListRow> rows, const std::vector<int>& numbers);
+
+    // Makes the rows what they were before a change, the latest one, and returns how that is done again; none
+    // of them stays selected where they did not stay in their places. No signal tells it but Changing.
+    [[nodiscard]] RowChange TakeBack(RowChange change);
 
     // The current row, or -1.
     [[nodiscard]] int SelectedItem() const;
@@ -119,8 +113,9 @@ class ListView : public QTreeView {
     void KeyPress(int character);
     // A person asks for the menu of what can be done here, at a place of the screen.
     void MenuRequested(const QPoint& place);
-    // Rows are about to be added, removed or changed.
+    // Rows are about to be added, removed or changed; and are. Who notes the change may take it.
     void Changing();
+    void Changed(RowChange& change);
     // Rows or columns may stand at other places of the viewport than before, or another row is the selected
     // item.
     void Rearranged();
@@ -147,8 +142,9 @@ class ListView : public QTreeView {
     void Send(WindowMessage message);
     // Gives the columns their widths for the font.
     void FitColumns();
-    // The rows, to be changed.
-    [[nodiscard]] ListRows& Change();
+    // Runs a change of the rows and tells it.
+    template <class Deed>
+    void Change(Deed&& deed);
     // A cell of the row that the toolkit can mark and scroll to: it does neither with one of a hidden column.
     [[nodiscard]] QModelIndex VisibleCell(int row) const;
 

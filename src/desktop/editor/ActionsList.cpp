@@ -4,11 +4,11 @@
 #include "controls/Twips.h"
 #include "controls/Visibility.h"
 #include "feedback/MessageBox.h"
-#include "platform/NumericValue.h"
 
 #include <QEvent>
 
 #include <algorithm>
+#include <utility>
 
 namespace KAL_AUTO_Node {
 
@@ -21,7 +21,7 @@ bool IsDigit(QChar character) { return character >= u'0' && character <= u'9'; }
 
 } // namespace
 
-ActionsList::ActionsList(GUI& gui, QUndoStack& undo, const ComponentFactory& components)
+ActionsList::ActionsList(GUI& gui, UndoStack& undo, const ComponentFactory& components)
     : RowList(gui, undo, components, gui.LVActions,
               {gui.cmdActionsEdit, gui.cmdActionsAdd, gui.cmdActionsInsert, gui.cmdActionsRemove,
                gui.cmdActionsUp, gui.cmdActionsDown, gui.cmdQuickActions},
@@ -29,16 +29,14 @@ ActionsList::ActionsList(GUI& gui, QUndoStack& undo, const ComponentFactory& com
                .numberlessType = NumberlessType,
                .numberlessOpens = false,
                .numberNeedsHighlight = false,
-               .firstOwnColumn = LeadColumn,
                .browsingSelection = QAbstractItemView::ExtendedSelection,
                .resetColumns = &GUI::ResetActionsListView},
               {.slot = Slot::Actions,
-               .positionColumn = PositionColumn,
                .quickList = QuickAssignDialog::List::Actions,
                .prepareQuick = &QuickAssignDialog::PrepareActionsTypes,
                .quickCaption = "Quick Actions Editor for "}) {
-    ConnectRangeBox(gui.txtActionsDTMFRangeLow, DTMFRangeLowColumn);
-    ConnectRangeBox(gui.txtActionsDTMFRangeHigh, DTMFRangeHighColumn);
+    ConnectRangeBox(gui.txtActionsDTMFRangeLow, &ListRow::low);
+    ConnectRangeBox(gui.txtActionsDTMFRangeHigh, &ListRow::high);
 }
 
 bool ActionsList::MayMakeRows() {
@@ -62,7 +60,7 @@ void ActionsList::ChooseDefaultType() {
 
 ListRow ActionsList::MakeRow(int position, const Reference& target) const {
     const QString digits = QString::number(position);
-    return ActionRowAt(position, digits, digits, target);
+    return ActionRow(digits, digits, target);
 }
 
 void ActionsList::ChooseNumberless(Slot /*slot*/) {
@@ -72,9 +70,7 @@ void ActionsList::ChooseNumberless(Slot /*slot*/) {
 }
 
 QString ActionsList::UnavailableName(int row) const {
-    const auto type = NumericValue(List().Cell(row, NodeTypeIDColumn).toStdString());
-    return type == MessageOnType || type == MessageOffType ? QStringLiteral("MSG")
-                                                           : RowList::UnavailableName(row);
+    return RefersToMessage(List().Row(row).typeID) ? QStringLiteral("MSG") : RowList::UnavailableName(row);
 }
 
 bool ActionsList::IsNodeTypeAvailable(Slot slot, const QString& name) const {
@@ -112,21 +108,21 @@ void ActionsList::PlaceRangeEditors(const QRect& row) {
 }
 
 void ActionsList::FillRangeEditors(int row) {
-    Form().txtActionsDTMFRangeLow->setText(List().Cell(row, DTMFRangeLowColumn));
-    Form().txtActionsDTMFRangeHigh->setText(List().Cell(row, DTMFRangeHighColumn));
+    Form().txtActionsDTMFRangeLow->setText(List().Row(row).low);
+    Form().txtActionsDTMFRangeHigh->setText(List().Row(row).high);
     // It got the focus, and with it the selection, before it got its text.
     if (QLineEdit* low = Form().txtActionsDTMFRangeLow; low->hasFocus()) {
         low->selectAll();
     }
 }
 
-void ActionsList::ConnectRangeBox(QLineEdit* box, int column) {
+void ActionsList::ConnectRangeBox(QLineEdit* box, QString ListRow::*end) {
     box->setInputMethodHints(Qt::ImhDigitsOnly);
-    connect(box, &QLineEdit::textChanged, this, [this, box, column] { RangeChange(*box, column); });
+    connect(box, &QLineEdit::textChanged, this, [this, box, end] { RangeChange(*box, end); });
     box->installEventFilter(this);
 }
 
-void ActionsList::RangeChange(QLineEdit& box, int column) {
+void ActionsList::RangeChange(QLineEdit& box, QString ListRow::*end) {
     Handle(box, "Change", [&] {
         const QString text = box.text();
         QString digits;
@@ -134,18 +130,17 @@ void ActionsList::RangeChange(QLineEdit& box, int column) {
         if (digits != text) {
             box.setText(digits);
         } else if (const int row = List().SelectedItem(); row >= 0 && !text.isEmpty()) {
-            List().SetCell(row, column, digits);
-            List().SetCell(row, LeadColumn,
-                           List().Cell(row, DTMFRangeLowColumn) + '-' +
-                               List().Cell(row, DTMFRangeHighColumn));
+            ListRow content = List().Row(row);
+            content.*end = digits;
+            List().SetRow(row, std::move(content));
         }
     });
 }
 
-void ActionsList::RangeLostFocus(QLineEdit& box, int column) {
+void ActionsList::RangeLostFocus(QLineEdit& box, QString ListRow::*end) {
     Handle(box, "LostFocus", [&] {
         if (const int row = List().SelectedItem(); row >= 0 && box.text().isEmpty()) {
-            box.setText(List().Cell(row, column));
+            box.setText(List().Row(row).*end);
         }
     });
 }
@@ -157,7 +152,7 @@ bool ActionsList::eventFilter(QObject* watched, QEvent* event) {
         if (event->type() == QEvent::FocusIn) {
             Handle(box, "GotFocus", [&] { box.selectAll(); });
         } else {
-            RangeLostFocus(box, low ? DTMFRangeLowColumn : DTMFRangeHighColumn);
+            RangeLostFocus(box, low ? &ListRow::low : &ListRow::high);
         }
     }
     return RowList::eventFilter(watched, event);

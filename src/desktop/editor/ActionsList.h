@@ -7,7 +7,7 @@ namespace KAL_AUTO_Node {
 // Which range of digits leads to which node.
 class ActionsList : public RowList {
   public:
-    ActionsList(GUI& gui, QUndoStack& undo, const ComponentFactory& components);
+    ActionsList(GUI& gui, UndoStack& undo, const ComponentFactory& components);
 
   private:
     bool MayMakeRows() override;
@@ -23,10 +23,10 @@ class ActionsList : public RowList {
     void PlaceRangeEditors(const QRect& row) override;
     void FillRangeEditors(int row) override;
 
-    // A box of the digit range and the column that it writes.
-    void ConnectRangeBox(QLineEdit* box, int column);
-    void RangeChange(QLineEdit& box, int column);
-    void RangeLostFocus(QLineEdit& box, int column);
+    // A box of the digit range and the end that it writes.
+    void ConnectRangeBox(QLineEdit* box, QString ListRow::*end);
+    void RangeChange(QLineEdit& box, QString ListRow::*end);
+    void RangeLostFocus(QLineEdit& box, QString ListRow::*end);
     bool eventFilter(QObject* watched, QEvent* event) override;
 };
 

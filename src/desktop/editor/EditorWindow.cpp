@@ -16,10 +16,8 @@ namespace KAL_AUTO_Node {
 EditorWindow::EditorWindow(const ComponentFactory& components)
     : components_(components), prompts_(gui_, undo_, components), actions_(gui_, undo_, components),
       exceptions_(gui_, undo_) {
-    constexpr int deeds = 100;
-    undo_.setUndoLimit(deeds);
-    OnKey(gui_, UndoKey, [this] { Undo(undo_); });
-    OnKey(gui_, RedoKey, [this] { Redo(undo_); });
+    OnKey(gui_, UndoKey, [this] { undo_.Undo(); });
+    OnKey(gui_, RedoKey, [this] { undo_.Redo(); });
     ConnectHandlers();
     WatchFocus();
     LabelPopups();

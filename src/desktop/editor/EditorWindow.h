@@ -76,7 +76,7 @@ class EditorWindow : public QObject {
 
     const ComponentFactory& components_;
     GUI gui_;
-    QUndoStack undo_; // of the three lists
+    UndoStack undo_; // of the three lists
     PromptsList prompts_;
     ActionsList actions_;
     ExceptionsList exceptions_;

@@ -17,7 +17,7 @@ std::vector<Slot> Slots() {
 
 } // namespace
 
-ExceptionsList::ExceptionsList(GUI& gui, QUndoStack& undo)
+ExceptionsList::ExceptionsList(GUI& gui, UndoStack& undo)
     : ReferenceList(
           gui, undo,
           {gui.LVExceptions, gui.cmdExceptionsEdit, {gui.cmdExceptionsEdit, gui.cmdExceptionsDefault}},
@@ -25,7 +25,6 @@ ExceptionsList::ExceptionsList(GUI& gui, QUndoStack& undo)
            .numberlessType = NumberlessExceptionType,
            .numberlessOpens = true,
            .numberNeedsHighlight = true,
-           .firstOwnColumn = CommandNodeColumn,
            .browsingSelection = QAbstractItemView::SingleSelection,
            .resetColumns = &GUI::ResetExceptionsListView},
           Slots()) {
@@ -34,21 +33,20 @@ ExceptionsList::ExceptionsList(GUI& gui, QUndoStack& undo)
 
 void ExceptionsList::Default_Click() {
     Handle(*Form().cmdExceptionsDefault, "Click", [this] {
-        GUI::ClearListView(List());
+        std::vector<ListRow> rows;
         for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
             const auto& [slot, label, column, type, number] = BranchRules[branch];
-            List().Append({ExceptionRowAt(branch, {type, Form().NodeName(type).toStdString(), number, {}})});
+            rows.push_back(ExceptionRow(branch, {type, Form().NodeName(type).toStdString(), number, {}}));
         }
+        List().SetRows(std::move(rows));
         MarkChanged();
     });
 }
 
 void ExceptionsList::TakeIn(std::vector<ListRow> rows) {
-    for (const ListRow& row : rows) {
-        for (int column = RulesOfList().firstOwnColumn; column < static_cast<int>(row.cells.size());
-             ++column) {
-            List().SetCell(List().RowOfKey(row.key), column, row.cells[column]);
-        }
+    for (ListRow& row : rows) {
+        const auto place = static_cast<int>(BranchOf(row.slot));
+        List().SetRow(place, std::move(row));
     }
 }
 
@@ -59,7 +57,6 @@ Slot ExceptionsList::SlotOf(int row) const {
 void ExceptionsList::ChooseNumberless(Slot /*slot*/) {
     if (const int row = List().SelectedItem(); row >= 0) {
         WriteNumberless(row);
-        List().SetCell(row, LabelColumn, QString());
     }
 }
 

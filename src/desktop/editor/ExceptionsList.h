@@ -7,7 +7,7 @@ namespace KAL_AUTO_Node {
 // Where the call goes on a timeout, an invalid entry, an abort, "*" and "#": five fixed rows.
 class ExceptionsList : public ReferenceList {
   public:
-    ExceptionsList(GUI& gui, QUndoStack& undo);
+    ExceptionsList(GUI& gui, UndoStack& undo);
 
   private:
     void Default_Click();

@@ -2,11 +2,10 @@
 
 #include "controls/Visibility.h"
 #include "feedback/MessageBox.h"
-#include "platform/NumericValue.h"
 
 namespace KAL_AUTO_Node {
 
-PromptsList::PromptsList(GUI& gui, QUndoStack& undo, const ComponentFactory& components)
+PromptsList::PromptsList(GUI& gui, UndoStack& undo, const ComponentFactory& components)
     : RowList(gui, undo, components, gui.LVPrompts,
               {gui.cmdPromptsEdit, gui.cmdPromptsAdd, gui.cmdPromptsInsert, gui.cmdPromptsRemove,
                gui.cmdPromptsUp, gui.cmdPromptsDown, gui.cmdQuickPrompts},
@@ -14,11 +13,9 @@ PromptsList::PromptsList(GUI& gui, QUndoStack& undo, const ComponentFactory& com
                .numberlessType = NumberlessType,
                .numberlessOpens = true,
                .numberNeedsHighlight = true,
-               .firstOwnColumn = CommandNodeColumn,
                .browsingSelection = QAbstractItemView::ExtendedSelection,
                .resetColumns = &GUI::ResetPromptsListView},
               {.slot = Slot::Prompts,
-               .positionColumn = LeadColumn,
                .quickList = QuickAssignDialog::List::Prompts,
                .prepareQuick = &QuickAssignDialog::PreparePromptsTypes,
                .quickCaption = "Quick Prompts Editor for "}) {}
@@ -44,31 +41,28 @@ void PromptsList::ChooseDefaultType() {
     }
 }
 
-ListRow PromptsList::MakeRow(int position, const Reference& target) const {
-    return PromptRowAt(position, target);
-}
+ListRow PromptsList::MakeRow(int /*position*/, const Reference& target) const { return PromptRow(target); }
 
 void PromptsList::AfterEmptied() {
-    List().Append({EmptyRow(Form().NodeName(NumberlessType))});
+    List().Insert(0, {EmptyRow(Form().NodeName(NumberlessType))});
     Form().SetNodePickerWidth(Slot::Prompts, GUI::WidePicker);
 }
 
 void PromptsList::ChooseNumberless(Slot slot) {
     const int row = List().SelectedItem();
-    if (row < 0 || NumericValue(List().Cell(row, NodeTypeIDColumn).toStdString()) == NumberlessType) {
+    if (row < 0 || List().Row(row).typeID == NumberlessType) {
         return;
     }
     const auto answer = MsgBox(QStringLiteral("Do you want to vacate Prompts Table?"), QMessageBox::Question,
                                QMessageBox::Yes | QMessageBox::No, QStringLiteral("Confirmation"));
     if (answer == QMessageBox::Yes) {
-        GUI::ClearListView(List());
         HideEditors();
         ListRow empty = EmptyRow(Form().NodeName(NumberlessType));
-        empty.cells[CommandNodeColumn] = NodePicker().Text();
-        List().Append({std::move(empty)});
+        empty.shown = NodePicker().Text();
+        List().SetRows({std::move(empty)});
     } else {
         Form().SetNodePickerWidth(slot, GUI::NarrowPicker);
-        NodePicker().SetText(List().Cell(row, NodeNameColumn));
+        NodePicker().SetText(List().Row(row).name);
     }
 }
 

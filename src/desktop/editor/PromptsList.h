@@ -7,7 +7,7 @@ namespace KAL_AUTO_Node {
 // What the node plays, in order. A list without prompts holds the EMPTY row.
 class PromptsList : public RowList {
   public:
-    PromptsList(GUI& gui, QUndoStack& undo, const ComponentFactory& components);
+    PromptsList(GUI& gui, UndoStack& undo, const ComponentFactory& components);
 
   private:
     bool InsertsOtherwise(bool oneSelected) override;

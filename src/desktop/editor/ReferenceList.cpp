@@ -4,7 +4,6 @@
 #include "controls/Visibility.h"
 #include "feedback/MessageBox.h"
 #include "form/Shortcuts.h"
-#include "platform/NumericValue.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -29,7 +28,7 @@ bool IsEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
 
 } // namespace
 
-ReferenceList::ReferenceList(GUI& gui, QUndoStack& undo, Controls controls, Rules rules,
+ReferenceList::ReferenceList(GUI& gui, UndoStack& undo, Controls controls, Rules rules,
                              std::vector<Slot> used)
     : gui_(gui), undo_(undo), controls_(std::move(controls)), rules_(rules), slots_(std::move(used)),
       history_(List(), undo) {
@@ -41,6 +40,9 @@ ReferenceList::ReferenceList(GUI& gui, QUndoStack& undo, Controls controls, Rule
     connect(&List(), &ListView::KeyPress, this, &ReferenceList::KeyPress);
     connect(&List(), &ListView::MenuRequested, this, &ReferenceList::ShowMenu);
     connect(&history_, &RowHistory::Restored, this, [this] {
+        // They show what the row was.
+        HideEditors();
+        open_ = QPersistentModelIndex();
         gui_.BringIntoSight(List());
         MarkChanged();
     });
@@ -135,7 +137,7 @@ void ReferenceList::OpenEditors(int row) {
     // A further click on the row goes on with it.
     if (open_ != List().model()->index(row, 0)) {
         open_ = List().model()->index(row, 0);
-        before_ = List().Row(row).cells;
+        before_ = List().Row(row);
         history_.BeginRow();
     }
     const Slot slot = SlotOf(row);
@@ -155,16 +157,15 @@ void ReferenceList::OpenEditors(int row) {
         }
     }
 
-    const QString name = List().Cell(row, NodeNameColumn);
+    const QString name = List().Row(row).name;
     if (!IsNodeTypeAvailable(slot, name)) {
         RefuseNodeType(row);
         return;
     }
     FillRangeEditors(row);
     node.SetText(name);
-    const QString stored = List().Cell(row, NodeNumberColumn);
-    if (NumericValue(stored.toStdString()) <= number.ListCount()) {
-        number.SetText(stored);
+    if (const int chosen = List().Row(row).number; chosen <= number.ListCount()) {
+        number.SetText(QString::number(chosen));
     } else if (!rules_.numberlessOpens || node.SelectedData() != rules_.numberlessType) {
         RefuseNodeType(row);
     }
@@ -176,7 +177,7 @@ void ReferenceList::RefuseNodeType(int row) {
     HideEditors();
 }
 
-QString ReferenceList::UnavailableName(int row) const { return List().Cell(row, NodeNameColumn); }
+QString ReferenceList::UnavailableName(int row) const { return List().Row(row).name; }
 
 bool ReferenceList::IsNodeTypeAvailable(Slot slot, const QString& name) const {
     return std::ranges::none_of(gui_.Lists().*RuleOf(slot).notAvailable, [&](const std::string& unavailable) {
@@ -224,7 +225,6 @@ void ReferenceList::NodeClick(Slot slot) {
     NumberBox& number = *gui_.NumberPicker(slot);
     Handle(node, "Click", [&] {
         const int type = node.SelectedData();
-        const QString typeID = QString::number(type);
         number.SetNumbers(1, gui_.Lists().MaxNodeNumberCollection[type]);
         if (type == rules_.numberlessType) {
             number.hide();
@@ -239,19 +239,16 @@ void ReferenceList::NodeClick(Slot slot) {
         if (row < 0) {
             return;
         }
-        List().SetCell(row, NodeTypeIDColumn, typeID);
-        const auto isOffered = [&] {
-            return NumericValue(List().Cell(row, NodeNumberColumn).toStdString()) <= number.ListCount();
-        };
-        if (!isOffered()) {
-            List().SetCell(row, NodeNumberColumn, QStringLiteral("1"));
-        }
-        List().SetCell(row, CommandNodeColumn,
-                       gui_.NodeName(type) + ' ' + List().Cell(row, NodeNumberColumn));
-        List().SetCell(row, NodeNameColumn, node.Text());
-        List().SetCell(row, LabelColumn, QString());
-        if (isOffered()) {
-            number.SetText(List().Cell(row, NodeNumberColumn));
+        ListRow content = List().Row(row);
+        content.typeID = type;
+        content.number = content.number > number.ListCount() ? 1 : content.number;
+        content.shown = gui_.NodeName(type);
+        content.name = node.Text();
+        content.label.clear();
+        const int chosen = content.number;
+        List().SetRow(row, std::move(content));
+        if (chosen <= number.ListCount()) {
+            number.SetText(QString::number(chosen));
         } else {
             ShowNoNumber(slot, type);
         }
@@ -259,11 +256,14 @@ void ReferenceList::NodeClick(Slot slot) {
 }
 
 void ReferenceList::WriteNumberless(int row) {
-    const QString name = gui_.NodeName(rules_.numberlessType);
-    List().SetCell(row, NodeTypeIDColumn, QString::number(rules_.numberlessType));
-    List().SetCell(row, CommandNodeColumn, name);
-    List().SetCell(row, NodeNameColumn, name);
-    List().SetCell(row, NodeNumberColumn, QStringLiteral("1"));
+    ListRow content = List().Row(row);
+    content.typeID = rules_.numberlessType;
+    content.number = 1;
+    content.shown = content.name = gui_.NodeName(rules_.numberlessType);
+    if (rules_.kind == RowKind::Exceptions) {
+        content.label.clear();
+    }
+    List().SetRow(row, std::move(content));
 }
 
 void ReferenceList::NumberClick(Slot slot) {
@@ -273,9 +273,10 @@ void ReferenceList::NumberClick(Slot slot) {
         if (row < 0 || (rules_.numberNeedsHighlight && !List().IsSelected(row))) {
             return;
         }
-        const QString name = gui_.NodeName(List().Cell(row, NodeTypeIDColumn).toInt());
-        List().SetCell(row, CommandNodeColumn, name + ' ' + number.Text());
-        List().SetCell(row, NodeNumberColumn, number.Text());
+        ListRow content = List().Row(row);
+        content.shown = gui_.NodeName(content.typeID);
+        content.number = number.Text().toInt();
+        List().SetRow(row, std::move(content));
     });
 }
 
@@ -288,9 +289,7 @@ void ReferenceList::LeaveEditors() {
 void ReferenceList::RestoreRow() {
     const RowHistory::Deed deed(history_, open_);
     if (open_.isValid()) {
-        for (int column = rules_.firstOwnColumn; column < static_cast<int>(before_.size()); ++column) {
-            List().SetCell(open_.row(), column, before_[column]);
-        }
+        List().SetRow(open_.row(), before_);
     }
 }
 
@@ -337,8 +336,8 @@ void ReferenceList::ShowMenu(const QPoint& place) {
         offer(button->text(), KeyOf(*button), button->isEnabled(), [button] { button->click(); });
     }
     menu.addSeparator();
-    offer(QStringLiteral("Undo"), QKeySequence(UndoKey), undo_.canUndo(), [this] { Undo(undo_); });
-    offer(QStringLiteral("Redo"), QKeySequence(RedoKey), undo_.canRedo(), [this] { Redo(undo_); });
+    offer(QStringLiteral("Undo"), QKeySequence(UndoKey), undo_.CanUndo(), [this] { undo_.Undo(); });
+    offer(QStringLiteral("Redo"), QKeySequence(RedoKey), undo_.CanRedo(), [this] { undo_.Redo(); });
     menu.addSeparator();
     const auto type = [this](int character) { return [this, character] { KeyPress(character); }; };
     offer(QStringLiteral("Copy"), QKeySequence::Copy, List().GetSelectedCount() > 0,

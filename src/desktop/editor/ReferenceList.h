@@ -33,8 +33,6 @@ class ReferenceList : public QObject {
         bool numberlessOpens;
         // A chosen number is written only while the row is highlighted, too.
         bool numberNeedsHighlight;
-        // From here on cells belong to the row; those before it tell its position or its exception.
-        Column firstOwnColumn;
         QAbstractItemView::SelectionMode browsingSelection;
         void (GUI::*resetColumns)();
     };
@@ -55,7 +53,7 @@ class ReferenceList : public QObject {
 
   protected:
     // The slots are those of the list's editors.
-    ReferenceList(GUI& gui, QUndoStack& undo, Controls controls, Rules rules, std::vector<Slot> used);
+    ReferenceList(GUI& gui, UndoStack& undo, Controls controls, Rules rules, std::vector<Slot> used);
 
     // Runs the handler of a control's event, as one deed that can be taken back.
     template <class Body>
@@ -131,14 +129,14 @@ class ReferenceList : public QObject {
     [[nodiscard]] std::vector<QWidget*> Editors(Slot slot) const;
 
     GUI& gui_;
-    QUndoStack& undo_;
+    UndoStack& undo_;
     Controls controls_;
     Rules rules_;
     std::vector<Slot> slots_;
     RowHistory history_;
     // The row that the editors were opened on, until it is accepted or taken back.
     QPersistentModelIndex open_;
-    QList<QString> before_; // its cells when they were first
+    ListRow before_; // when they were first
 };
 
 } // namespace KAL_AUTO_Node

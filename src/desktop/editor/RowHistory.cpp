@@ -1,47 +1,22 @@
 #include "editor/RowHistory.h"
 
-#include <QScopedValueRollback>
-
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace KAL_AUTO_Node {
 
-// Holds the rows as they were before it, or, once it is taken back, as they were after it.
-class RowHistory::Change : public QUndoCommand {
-  public:
-    Change(RowHistory& history, int editedRow, std::vector<ListRow> before)
-        : history_(history), editedRow_(editedRow), other_(std::move(before)) {}
+namespace {
 
-    [[nodiscard]] int id() const override { return editedRow_; }
+// Whether all that changed is what the row at a place holds.
+bool IsOfRow(const RowChange& change, int row) {
+    return change.InPlace() && change.outAt == std::vector{RowRun{row, 1}};
+}
 
-    bool mergeWith(const QUndoCommand* later) override {
-        const auto* change = dynamic_cast<const Change*>(later);
-        if (change == nullptr || &change->history_ != &history_) {
-            return false;
-        }
-        setObsolete(other_ == history_.list_.Rows());
-        return true;
-    }
+} // namespace
 
-    void undo() override { other_ = history_.Exchange(std::move(other_)); }
-
-    void redo() override {
-        // The stack calls it when it takes the change in, too.
-        if (std::exchange(done_, true)) {
-            undo();
-        }
-    }
-
-  private:
-    RowHistory& history_;
-    int editedRow_; // -1 where none was
-    std::vector<ListRow> other_;
-    bool done_ = false;
-};
-
-RowHistory::RowHistory(ListView& list, QUndoStack& stack) : list_(list), stack_(stack) {
-    connect(&list, &ListView::Changing, this, &RowHistory::NoteRows);
+RowHistory::RowHistory(ListView& list, UndoStack& stack) : list_(list), stack_(stack) {
+    connect(&list, &ListView::Changed, this, &RowHistory::Note);
 }
 
 RowHistory::Deed::Deed(RowHistory& history, const QPersistentModelIndex& edited)
@@ -55,40 +30,54 @@ RowHistory::Deed::~Deed() {
     }
 }
 
-void RowHistory::NoteRows() {
-    if (restoring_) {
+void RowHistory::Note(RowChange& change) {
+    if (deeds_ == 0) {
+        stack_.Clear();
         return;
     }
-    if (deeds_ == 0) {
-        stack_.clear();
-    } else if (!before_) {
-        before_ = list_.Rows();
+    // What a row became in between is nobody's concern.
+    if (changes_.empty() || change.outAt.empty() || !IsOfRow(change, change.outAt.front().first) ||
+        !IsOfRow(changes_.back(), change.outAt.front().first)) {
+        changes_.push_back(std::move(change));
     }
+}
+
+bool RowHistory::IsAsBefore(const RowChange& change) const {
+    auto before = change.out.begin();
+    return change.InPlace() && std::ranges::all_of(change.outAt, [&](const RowRun& run) {
+               const auto now = list_.Rows().begin() + run.first;
+               return std::equal(now, now + run.count, std::exchange(before, before + run.count));
+           });
 }
 
 void RowHistory::EndDeed(const QPersistentModelIndex& edited) {
-    if (!before_) {
+    std::vector<RowChange> changes = std::exchange(changes_, {});
+    if (changes.size() == 1 && changes.front().numbers.empty() && IsAsBefore(changes.front())) {
         return;
     }
-    auto before = *std::exchange(before_, std::nullopt);
-    if (before == list_.Rows()) {
+    if (changes.empty()) {
         return;
     }
-    const bool sameRows = edited.isValid() && before.size() == list_.Rows().size();
-    stack_.push(new Change(*this, sameRows ? editedRow_ : -1, std::move(before)));
+    const bool ofRow = edited.isValid() && std::ranges::all_of(changes, [&](const RowChange& change) {
+                           return IsOfRow(change, edited.row());
+                       });
+    stack_.Push({this, ofRow ? editedRow_ : -1, std::move(changes)});
 }
 
-std::vector<ListRow> RowHistory::Exchange(std::vector<ListRow> rows) {
-    std::vector<ListRow> shown = list_.Rows();
-    const auto differing = std::ranges::mismatch(rows, shown).in1 - rows.begin();
-    const QScopedValueRollback restoring(restoring_, true);
-    list_.SetRows(std::move(rows));
+void RowHistory::Restore(std::vector<RowChange>& changes) {
+    int first = std::numeric_limits<int>::max();
+    std::ranges::reverse(changes);
+    for (RowChange& change : changes) {
+        change = list_.TakeBack(std::move(change));
+        for (const auto* runs : {&change.outAt, &change.inAt}) {
+            first = runs->empty() ? first : std::min(first, runs->front().first);
+        }
+    }
     if (list_.Count() > 0) {
-        list_.Select(std::min(static_cast<int>(differing), list_.Count() - 1));
+        list_.Select(std::min(first, list_.Count() - 1));
     }
     list_.setFocus(Qt::OtherFocusReason);
     emit Restored();
-    return shown;
 }
 
 } // namespace KAL_AUTO_Node

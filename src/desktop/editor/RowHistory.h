@@ -1,12 +1,11 @@
 #pragma once
 
 #include "controls/ListView.h"
-#include "feedback/ErrorReport.h"
+#include "editor/UndoStack.h"
 
 #include <QObject>
-#include <QUndoStack>
+#include <QPersistentModelIndex>
 
-#include <optional>
 #include <vector>
 
 namespace KAL_AUTO_Node {
@@ -18,7 +17,7 @@ class RowHistory : public QObject {
 
   public:
     // Both outlive the history.
-    RowHistory(ListView& list, QUndoStack& stack);
+    RowHistory(ListView& list, UndoStack& stack);
 
     // While one lives, what changes in the list is one deed; those within another belong to it. Deeds on one
     // row that is edited in place are taken back together.
@@ -39,34 +38,26 @@ class RowHistory : public QObject {
     // From now on another row is edited in place, or the same one anew.
     void BeginRow() { ++editedRow_; }
 
+    // Makes the rows what they were before some changes, the latest ones, with the first of those rows
+    // selected and the focus on the list. The changes are then those that do it again.
+    void Restore(std::vector<RowChange>& changes);
+
+    // Whether rows that became others at their places are what they were.
+    [[nodiscard]] bool IsAsBefore(const RowChange& change) const;
+
   signals:
     // Rows were put back, or taken away again.
     void Restored();
 
   private:
-    class Change;
-
-    void NoteRows();
+    void Note(RowChange& change);
     void EndDeed(const QPersistentModelIndex& edited);
-    // Shows other rows, with the first that differs selected and the focus on the list; returns those that
-    // were there.
-    std::vector<ListRow> Exchange(std::vector<ListRow> rows);
 
     ListView& list_;
-    QUndoStack& stack_;
+    UndoStack& stack_;
     int deeds_ = 0; // under way, one within the other
-    bool restoring_ = false;
     int editedRow_ = 0;
-    std::optional<std::vector<ListRow>> before_; // the deed, once it has changed something
+    std::vector<RowChange> changes_; // of the deed
 };
-
-// Take back the latest deed, and do it again. An error is reported; the deed is then as it was.
-inline void Undo(QUndoStack& stack) {
-    Reporting("Undo", [&] { stack.undo(); });
-}
-
-inline void Redo(QUndoStack& stack) {
-    Reporting("Redo", [&] { stack.redo(); });
-}
 
 } // namespace KAL_AUTO_Node

@@ -5,7 +5,7 @@
 
 namespace KAL_AUTO_Node {
 
-RowList::RowList(GUI& gui, QUndoStack& undo, const ComponentFactory& components, ListView* list,
+RowList::RowList(GUI& gui, UndoStack& undo, const ComponentFactory& components, ListView* list,
                  Buttons buttons, Rules rules, RowRules rowRules)
     : ReferenceList(gui, undo,
                     {list,
@@ -55,9 +55,8 @@ void RowList::Add_Click() {
         const Hourglass busy;
         BeforeAppending();
         List().ClearSelection();
-        List().Renumber(rowRules_.positionColumn);
         const int row = List().Count();
-        List().Append({NewRow(row + 1)});
+        List().Insert(row, {NewRow(row + 1)});
         ShowNewRow(row);
     });
 }
@@ -73,12 +72,7 @@ void RowList::Insert_Click() {
         const Hourglass busy;
         const int row = List().SelectedRows().front();
         List().ClearSelection();
-        List().Renumber(rowRules_.positionColumn);
-        ListRow inserted = NewRow(row + 1);
-        // The key of the position is still the old row's.
-        inserted.key += 'b';
-        List().Insert(row, std::move(inserted));
-        List().Renumber(rowRules_.positionColumn);
+        List().Insert(row, {NewRow(row + 1)});
         ShowNewRow(row);
     });
 }
@@ -92,7 +86,6 @@ void RowList::Remove_Click() {
         const Hourglass busy;
         const int next = selected.size() == 1 ? selected.front() : 0;
         List().Remove(selected);
-        List().Renumber(rowRules_.positionColumn);
         if (List().Count() == 0) {
             AfterEmptied();
         }
@@ -111,20 +104,9 @@ void RowList::TakeIn(std::vector<ListRow> rows) {
     // What that took out stood first.
     const int gone = before - List().Count();
     const int at = selected.size() == 1 ? std::max(0, selected.front() - gone) : List().Count();
-    std::vector<ListRow> all = List().Rows();
-    for (ListRow& row : rows) {
-        // The keys of the positions are still others'.
-        row.key += 'b';
-    }
-    all.insert(all.begin() + at, rows.begin(), rows.end());
-    List().SetRows(std::move(all));
-    List().Renumber(rowRules_.positionColumn);
-    List().Select(at, static_cast<int>(rows.size()));
-}
-
-void RowList::SwapRows(int row, int other) {
-    const auto last = static_cast<int>(List().Row(row).cells.size()) - 1;
-    List().SwapCells(row, other, RulesOfList().firstOwnColumn, last);
+    const auto count = static_cast<int>(rows.size());
+    List().Insert(at, std::move(rows));
+    List().Select(at, count);
 }
 
 void RowList::Move_Click(const QPushButton& button, int distance) {
@@ -133,8 +115,7 @@ void RowList::Move_Click(const QPushButton& button, int distance) {
             const int row = List().SelectedRows().front();
             const int other = row + distance;
             if (other >= 0 && other < List().Count()) {
-                List().Renumber(rowRules_.positionColumn);
-                SwapRows(row, other);
+                List().Swap(row, other);
                 List().Select(other);
             }
         }

@@ -21,13 +21,12 @@ class RowList : public ReferenceList {
 
     struct RowRules {
         Slot slot;
-        int positionColumn; // a column that shows the row's position, besides its own text
         QuickAssignDialog::List quickList;
         void (QuickAssignDialog::*prepareQuick)();
         const char* quickCaption;
     };
 
-    RowList(GUI& gui, QUndoStack& undo, const ComponentFactory& components, ListView* list, Buttons buttons,
+    RowList(GUI& gui, UndoStack& undo, const ComponentFactory& components, ListView* list, Buttons buttons,
             Rules rules, RowRules rowRules);
 
     void Add_Click();
@@ -62,8 +61,6 @@ class RowList : public ReferenceList {
     // Up and Down: exchanges the selected row with the one that many rows further.
     void Move_Click(const QPushButton& button, int distance);
     void Quick_Click();
-    // Exchanges what two rows hold; positions and keys stay where they are.
-    void SwapRows(int row, int other);
 
     // The row for the default target at a position from 1.
     ListRow NewRow(int position);

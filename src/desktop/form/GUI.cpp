@@ -277,6 +277,13 @@ std::vector<QWidget*> GUI::InPlaceEditors() const {
     return editors;
 }
 
+bool GUI::event(QEvent* event) {
+    if (event->type() == QEvent::WindowBlocked) {
+        Frame1->setUpdatesEnabled(true);
+    }
+    return QDialog::event(event);
+}
+
 void GUI::reject() {
     const QWidget* modal = QApplication::activeModalWidget();
     if (!IsActing() && (modal == nullptr || modal == this)) {

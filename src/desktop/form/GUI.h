@@ -1,12 +1,12 @@
 #pragma once
 
+#include "controls/Columns.h"
 #include "controls/ComboBox.h"
 #include "controls/FindBar.h"
 #include "controls/ImageList.h"
 #include "controls/ListView.h"
 #include "controls/NumberBox.h"
 #include "controls/StatusBar.h"
-#include "form/Columns.h"
 #include "nodes/Identity.h"
 #include "nodes/NodeLists.h"
 #include "nodes/Slots.h"
@@ -181,6 +181,8 @@ class GUI : public QDialog {
     void reject() override;
 
   protected:
+    // A window that waits for another is painted, whatever is under way.
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;

@@ -2,7 +2,7 @@
 
 #include "form/GUI.h"
 
-#include <QApplication>
+#include <QLayout>
 #include <QPointer>
 
 namespace KAL_AUTO_Node {
@@ -13,6 +13,9 @@ namespace KAL_AUTO_Node {
 class LongOperation {
   public:
     explicit LongOperation(GUI& gui) : gui_(gui), acting_(gui), focus_(gui.focusWidget()) {
+        // What looks otherwise while it is disabled is painted once, when it is over, unless something is
+        // asked in between.
+        gui_.Frame1->setUpdatesEnabled(false);
         gui_.Frame1->setEnabled(false);
         gui_.StatusBar1->show();
     }
@@ -20,6 +23,7 @@ class LongOperation {
     ~LongOperation() {
         gui_.StatusBar1->hide();
         gui_.Frame1->setEnabled(true);
+        gui_.Frame1->setUpdatesEnabled(true);
         if (focus_ && gui_.Frame1->isAncestorOf(focus_)) {
             focus_->setFocus(Qt::OtherFocusReason);
         }
@@ -31,7 +35,8 @@ class LongOperation {
     // Shows a text at once; input stays where it is until the operation is over.
     static void ShowProgress(const GUI& gui, const QString& text) {
         gui.StatusBar1->SetPanelText(text);
-        QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        gui.StatusBar1->layout()->activate();
+        gui.StatusBar1->repaint();
     }
 
   private:

@@ -80,20 +80,18 @@ void QuickAssignDialog::Apply(Change prompts, Change actions) {
 }
 
 template <class MakeRow>
-void QuickAssignDialog::AddRange(ListView& list, int alsoRenumbered, MakeRow makeRow) {
+void QuickAssignDialog::AddRange(ListView& list, MakeRow makeRow) {
     Reference target{form_.cmbNodeTypes->SelectedData(), form_.cmbNodeTypes->Text().toStdString(), 0, {}};
     const auto [first, last] = ChosenRange();
     if (first > last) {
         return;
     }
-    list.Renumber(alsoRenumbered);
     std::vector<ListRow> rows;
-    int position = list.Count() + 1;
     for (auto number = first; number <= last; ++number) {
         target.number = static_cast<int>(number);
-        rows.push_back(makeRow(position++, target));
+        rows.push_back(makeRow(target));
     }
-    list.Append(std::move(rows));
+    list.Insert(list.Count(), std::move(rows));
     list.EnsureVisible(list.Count() - 1);
 }
 
@@ -102,37 +100,36 @@ void QuickAssignDialog::AddPromptsRange() {
     if (first <= last) {
         RemoveEmptyRow(*gui_.LVPrompts);
     }
-    AddRange(*gui_.LVPrompts, LeadColumn, PromptRowAt);
+    AddRange(*gui_.LVPrompts, PromptRow);
 }
 
 void QuickAssignDialog::AddActionsRange() {
-    AddRange(*gui_.LVActions, PositionColumn, [](int position, const Reference& target) {
-        return ActionRowAt(position, QStringLiteral("0"), QStringLiteral("100"), target);
+    AddRange(*gui_.LVActions, [](const Reference& target) {
+        return ActionRow(QStringLiteral("0"), QStringLiteral("100"), target);
     });
 }
 
-void QuickAssignDialog::RemoveRange(ListView& list, int alsoRenumbered) {
+void QuickAssignDialog::RemoveRange(ListView& list) {
     const QString name = form_.cmbNodeTypes->Text();
     const auto [first, last] = ChosenRange();
     std::vector<int> removed;
-    for (int row = 0; row < list.Count(); ++row) {
-        const auto number = NumericValue(list.Cell(row, NodeNumberColumn).toStdString());
-        if (list.Cell(row, NodeNameColumn) == name && number >= first && number <= last) {
-            removed.push_back(row);
+    for (int place = 0; place < list.Count(); ++place) {
+        const ListRow& row = list.Row(place);
+        if (row.name == name && row.number >= first && row.number <= last) {
+            removed.push_back(place);
         }
     }
     list.Remove(removed);
-    list.Renumber(alsoRenumbered);
 }
 
 void QuickAssignDialog::RemovePromptsRange() {
-    RemoveRange(*gui_.LVPrompts, LeadColumn);
+    RemoveRange(*gui_.LVPrompts);
     if (gui_.LVPrompts->Count() == 0) {
-        gui_.LVPrompts->Append({EmptyRow(QStringLiteral("EMPTY"))});
+        gui_.LVPrompts->Insert(0, {EmptyRow(QStringLiteral("EMPTY"))});
         gui_.SetNodePickerWidth(Slot::Prompts, GUI::WidePicker);
     }
 }
 
-void QuickAssignDialog::RemoveActionsRange() { RemoveRange(*gui_.LVActions, PositionColumn); }
+void QuickAssignDialog::RemoveActionsRange() { RemoveRange(*gui_.LVActions); }
 
 } // namespace KAL_AUTO_Node

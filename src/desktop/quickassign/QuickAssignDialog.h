@@ -55,10 +55,10 @@ class QuickAssignDialog : public QObject {
     void RemovePromptsRange();
     void RemoveActionsRange();
 
-    // Adds one row a number; makeRow takes the position and the reference.
+    // Adds one row a number; makeRow takes the reference.
     template <class MakeRow>
-    void AddRange(ListView& list, int alsoRenumbered, MakeRow makeRow);
-    void RemoveRange(ListView& list, int alsoRenumbered);
+    void AddRange(ListView& list, MakeRow makeRow);
+    void RemoveRange(ListView& list);
 
     GUI& gui_;
     NodeRules rules_;

@@ -20,7 +20,7 @@ std::optional<QString> CheckForDuplicateRanges(GUI& gui) {
     }
     const auto duplicate = FirstDuplicate(entries);
     gui.StatusBar1->SetPanelText(QString());
-    return duplicate ? std::optional(list.Row(static_cast<int>(*duplicate)).key) : std::nullopt;
+    return duplicate ? std::optional(list.Key(static_cast<int>(*duplicate))) : std::nullopt;
 }
 
 } // namespace KAL_AUTO_Node

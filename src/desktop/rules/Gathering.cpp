@@ -21,10 +21,8 @@ int WholeNumber(const QString& text, const QObject& control) {
 }
 
 Reference TargetOf(const ListView& list, int row) {
-    return {WholeNumber(list.Cell(row, NodeTypeIDColumn), list),
-            list.Cell(row, NodeNameColumn).toStdString(),
-            WholeNumber(list.Cell(row, NodeNumberColumn), list),
-            {}};
+    const ListRow& is = list.Row(row);
+    return {is.typeID, is.name.toStdString(), is.number, {}};
 }
 
 } // namespace
@@ -43,8 +41,8 @@ AutoNode GatherNode(const GUI& gui) {
     }
     for (int row = 0; row < gui.LVActions->Count(); ++row) {
         node.actions.push_back({row + 1, TargetOf(*gui.LVActions, row),
-                                gui.LVActions->Cell(row, DTMFRangeLowColumn).toStdString(),
-                                gui.LVActions->Cell(row, DTMFRangeHighColumn).toStdString()});
+                                gui.LVActions->Row(row).low.toStdString(),
+                                gui.LVActions->Row(row).high.toStdString()});
     }
     for (std::size_t branch = 0; branch < node.branches.size(); ++branch) {
         node.branches[branch] = TargetOf(*gui.LVExceptions, static_cast<int>(branch));

@@ -60,28 +60,28 @@ QString ShownLabel(std::string_view label) {
 
 // The stored type is shown, the type's name of today kept for saving.
 ListRow WithTarget(ListRow row, const GUI& gui, const Reference& target) {
-    row.cells[NodeNameColumn] = gui.NodeName(target.typeID);
-    row.cells[LabelColumn] = ShownLabel(target.label);
+    row.name = gui.NodeName(target.typeID);
+    row.label = ShownLabel(target.label);
     return row;
 }
 
-ListRow PromptRow(const GUI& gui, const Prompt& prompt) {
-    return WithTarget(PromptRowAt(prompt.sequence, prompt.target), gui, prompt.target);
+ListRow RowOf(const GUI& gui, const Prompt& prompt) {
+    return WithTarget(PromptRow(prompt.target), gui, prompt.target);
 }
 
-ListRow ActionRow(const GUI& gui, const Action& action) {
+ListRow RowOf(const GUI& gui, const Action& action) {
     const auto [low, high] = RangeOf(action);
-    return WithTarget(ActionRowAt(action.sequence, FromUtf8(low), FromUtf8(high), action.target), gui,
-                      action.target);
+    return WithTarget(ActionRow(FromUtf8(low), FromUtf8(high), action.target), gui, action.target);
 }
 
 // Shows in a list what a step of reading brings. When a row can't be read or shown, those before it stand in
 // the list all the same before the error goes on.
-template <class Read, class Item, class MakeRow>
-void Show(ListView& list, Read read, const std::vector<Item>& items, MakeRow makeRow) {
+template <class Read, class Item>
+void Show(const GUI& gui, ListView& list, Read read, const std::vector<Item>& items) {
     GUI::ClearListView(list);
     std::exception_ptr failure;
     std::vector<ListRow> rows;
+    std::vector<int> numbers;
     const auto keepFailure = [&](auto&& step) {
         try {
             step();
@@ -93,10 +93,11 @@ void Show(ListView& list, Read read, const std::vector<Item>& items, MakeRow mak
     keepFailure([&] {
         rows.reserve(items.size());
         for (const Item& item : items) {
-            rows.push_back(makeRow(item));
+            rows.push_back(RowOf(gui, item));
+            numbers.push_back(item.sequence);
         }
     });
-    list.Append(std::move(rows));
+    list.Append(std::move(rows), numbers);
     if (failure) {
         std::rethrow_exception(failure);
     }
@@ -128,16 +129,15 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
         if (exists) {
             ShowSettings(gui, node);
             Show(
-                *gui.LVPrompts, [&] { reader.ReadPrompts(node); }, node.prompts,
-                [&](const Prompt& prompt) { return PromptRow(gui, prompt); });
+                gui, *gui.LVPrompts, [&] { reader.ReadPrompts(node); }, node.prompts);
             Show(
-                *gui.LVActions, [&] { reader.ReadActions(node); }, node.actions,
-                [&](const Action& action) { return ActionRow(gui, action); });
+                gui, *gui.LVActions, [&] { reader.ReadActions(node); }, node.actions);
             GUI::ClearListView(*gui.LVExceptions);
             for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
                 reader.ReadBranch(node, branch);
                 const Reference& target = node.branches[branch];
-                gui.LVExceptions->Append({WithTarget(ExceptionRowAt(branch, target), gui, target)});
+                gui.LVExceptions->Insert(static_cast<int>(branch),
+                                         {WithTarget(ExceptionRow(branch, target), gui, target)});
             }
             gui.StoredNode = std::make_unique<GUI::Stored>(
                 GUI::Stored{nodeNumber, LatestVersion(gui, nodeNumber), std::move(node)});

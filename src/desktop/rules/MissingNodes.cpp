@@ -6,7 +6,6 @@
 #include "history/NodeSave.h"
 #include "nodes/RequiredNodes.h"
 #include "nodes/Templates.h"
-#include "platform/NumericValue.h"
 #include "platform/Today.h"
 #include "rules/NodeRules.h"
 #include "rules/Utf8.h"
@@ -22,12 +21,6 @@
 namespace KAL_AUTO_Node {
 
 namespace {
-
-// A cell as a number; beyond 32 bits none that anything depends on.
-int NumberIn(const QString& cell) {
-    const auto value = NumericValue(cell.toStdString());
-    return std::in_range<int>(value) ? static_cast<int>(value) : -1;
-}
 
 // Fetches from a server whether nodes exist: of all at once and, where nodes are created, which makes that
 // old, of the next few.
@@ -87,9 +80,8 @@ void NodeRules::CheckForUnReferencedNodes(GUI& gui, NodeSave& save) {
         const auto dialog = components_.Create<ConfirmationDialog>();
         RequiredNodes required;
         for (const ListView* list : {gui.LVPrompts, gui.LVActions, gui.LVExceptions}) {
-            for (int row = 0; row < list->Count(); ++row) {
-                AddNodeTolstRequired(required, list->Cell(row, CommandNodeColumn),
-                                     list->Cell(row, NodeTypeIDColumn), list->Cell(row, NodeNumberColumn));
+            for (const ListRow& row : list->Rows()) {
+                AddNodeTolstRequired(required, row);
             }
         }
 
@@ -130,10 +122,9 @@ void NodeRules::CheckForUnReferencedNodes(GUI& gui, NodeSave& save) {
     });
 }
 
-void NodeRules::AddNodeTolstRequired(RequiredNodes& required, const QString& display,
-                                     const QString& nodeTypeID, const QString& nodeNumber) {
+void NodeRules::AddNodeTolstRequired(RequiredNodes& required, const ListRow& row) {
     Reporting("AddNodeTolstRequired",
-              [&] { required.Add(display.toStdString(), NumberIn(nodeTypeID), NumberIn(nodeNumber)); });
+              [&] { required.Add(DisplayText(row).toStdString(), row.typeID, row.number); });
 }
 
 bool NodeRules::NodeExists(const GUI& gui, const RequiredNode& node) {

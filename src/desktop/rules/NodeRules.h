@@ -17,6 +17,7 @@ class GUI;
 class NodeSave;
 class QuickAssignForm;
 class RequiredNodes;
+struct ListRow;
 struct RequiredNode;
 
 // The procedures behind Business_Rules: they fill the window from the store and write it back, over a
@@ -75,8 +76,7 @@ class NodeRules {
     // part of a save.
     void CheckForUnReferencedNodes(GUI& gui, NodeSave& save);
     // Notes the node that a row refers to unless it refers to none or is there already.
-    static void AddNodeTolstRequired(RequiredNodes& required, const QString& display,
-                                     const QString& nodeTypeID, const QString& nodeNumber);
+    static void AddNodeTolstRequired(RequiredNodes& required, const ListRow& row);
 
   private:
     // Offers the types that a slot may refer to, and notes those that have no numbers.

@@ -8,7 +8,6 @@
 #include <QStringList>
 
 #include <algorithm>
-#include <array>
 #include <stdexcept>
 
 namespace KAL_AUTO_Node {
@@ -31,19 +30,8 @@ QString Quoted(const QString& cell) {
     return '"' + shown + (cell.size() > longest ? "\u2026" : "") + '"';
 }
 
-std::span<const Column> LeadColumns(RowKind kind) {
-    static constexpr std::array range{DTMFRangeLowColumn, DTMFRangeHighColumn};
-    static constexpr std::array name{LeadColumn};
-    switch (kind) {
-    case RowKind::Actions:
-        return range;
-    case RowKind::Exceptions:
-        return name;
-    case RowKind::Prompts:
-        break;
-    }
-    return {};
-}
+// How many cells lead a row.
+qsizetype Leads(RowKind kind) { return kind == RowKind::Actions ? 2 : kind == RowKind::Exceptions ? 1 : 0; }
 
 // A label is anybody's text: a spreadsheet would compute what begins like a formula, and look for the end of
 // what begins with a quote in the next rows.
@@ -72,7 +60,7 @@ class Reader {
     void Add(const QString& line) {
         QStringList cells = line.split('\t');
         std::ranges::for_each(cells, [](QString& cell) { cell = cell.trimmed(); });
-        const auto leads = static_cast<qsizetype>(LeadColumns(kind_).size());
+        const qsizetype leads = Leads(kind_);
         if (cells.size() < leads + 2) {
             throw Refusal("it has " + QString::number(cells.size()) +
                           (cells.size() == 1 ? " cell" : " cells") + " instead of " +
@@ -83,10 +71,9 @@ class Reader {
         }
         const QString& type = cells[leads];
         const QString& number = cells[leads + 1];
-        const auto position = static_cast<int>(rows_.size()) + 1;
         switch (kind_) {
         case RowKind::Prompts:
-            rows_.push_back(PromptRowAt(position, Target(Slot::Prompts, type, number)));
+            rows_.push_back(PromptRow(Target(Slot::Prompts, type, number)));
             break;
         case RowKind::Actions:
             for (const QString& digits : {cells[0], cells[1]}) {
@@ -98,7 +85,7 @@ class Reader {
                     throw Refusal(Quoted(digits) + " has more than " + QString::number(most) + " digits");
                 }
             }
-            rows_.push_back(ActionRowAt(position, cells[0], cells[1], Target(Slot::Actions, type, number)));
+            rows_.push_back(ActionRow(cells[0], cells[1], Target(Slot::Actions, type, number)));
             break;
         case RowKind::Exceptions:
             AddException(cells[0], type, number);
@@ -113,12 +100,10 @@ class Reader {
         if (rule == BranchRules.end()) {
             throw Refusal("there is no exception " + Quoted(name));
         }
-        ListRow row = ExceptionRowAt(static_cast<std::size_t>(rule - BranchRules.begin()),
-                                     Target(rule->slot, type, number));
-        if (std::ranges::find(rows_, row.key, &ListRow::key) != rows_.end()) {
+        if (std::ranges::find(rows_, rule->slot, &ListRow::slot) != rows_.end()) {
             throw Refusal("the exception " + Quoted(name) + " is there already");
         }
-        rows_.push_back(std::move(row));
+        rows_.push_back(ExceptionRow(BranchOf(rule->slot), Target(rule->slot, type, number)));
     }
 
     // What the pickers of a slot offer.
@@ -153,15 +138,16 @@ class Reader {
 
 QString TextOfRows(RowKind kind, const ListView& list, std::span<const int> rows) {
     QStringList lines;
-    for (const int row : rows) {
+    for (const int place : rows) {
+        const ListRow& row = list.Row(place);
         QStringList cells;
-        for (const Column column : LeadColumns(kind)) {
-            cells.append(list.Cell(row, column));
+        if (kind == RowKind::Actions) {
+            cells << row.low << row.high;
+        } else if (kind == RowKind::Exceptions) {
+            cells << list.Cell(place, LeadColumn);
         }
-        const bool numberless = list.Cell(row, NodeTypeIDColumn).toInt() ==
-                                (kind == RowKind::Exceptions ? NumberlessExceptionType : NumberlessType);
-        cells << list.Cell(row, NodeNameColumn) << (numberless ? QString() : list.Cell(row, NodeNumberColumn))
-              << AsCell(list.Cell(row, LabelColumn));
+        const bool numberless = row.typeID == NumberlessTypeOf(row.slot);
+        cells << row.name << (numberless ? QString() : QString::number(row.number)) << AsCell(row.label);
         lines.append(cells.join('\t'));
     }
     return lines.join('\n') + '\n';

@@ -21,7 +21,7 @@ enum class RowKind { Prompts, Actions, Exceptions };
 [[nodiscard]] QString TextOfRows(RowKind kind, const ListView& list, std::span<const int> rows);
 
 struct PastedRows {
-    std::vector<ListRow> rows; // prompts and actions at positions from 1, exceptions at their own; no labels
+    std::vector<ListRow> rows; // without labels
     QString refusal;           // why there are none; names the line
 };
 

@@ -1,9 +1,6 @@
 #include "rules/Rows.h"
 
-#include "platform/NumericValue.h"
 #include "rules/Utf8.h"
-
-#include <QStringBuilder>
 
 #include <array>
 
@@ -11,42 +8,35 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-// The number is the position as text.
-template <class... Texts>
-ListRow Row(const QString& number, const QString& lead, Slot slot, const Reference& target,
-            const Texts&... more) {
-    return {number % QLatin1Char(KeySuffix),
-            {number, lead, FromUtf8(DisplayText(target, slot)), QString(), FromUtf8(target.type),
-             QString::number(target.typeID), QString::number(target.number), more...}};
+ListRow Row(Slot slot, const Reference& target) {
+    const QString type = FromUtf8(target.type);
+    return {slot, target.typeID, target.number, type, type, {}, {}, {}};
 }
 
 } // namespace
 
-ListRow PromptRowAt(int position, const Reference& target) {
-    const QString number = QString::number(position);
-    return Row(number, number, Slot::Prompts, target);
+ListRow PromptRow(const Reference& target) { return Row(Slot::Prompts, target); }
+
+ListRow ActionRow(const QString& low, const QString& high, const Reference& target) {
+    ListRow row = Row(Slot::Actions, target);
+    row.low = low;
+    row.high = high;
+    return row;
 }
 
-ListRow ActionRowAt(int position, const QString& low, const QString& high, const Reference& target) {
-    return Row(QString::number(position), low % QLatin1Char('-') % high, Slot::Actions, target, low, high);
+ListRow ExceptionRow(std::size_t branch, const Reference& target) {
+    return Row(BranchRules.at(branch).slot, target);
 }
 
-ListRow ExceptionRowAt(std::size_t branch, const Reference& target) {
-    const BranchRule& rule = BranchRules.at(branch);
-    return Row(QString::number(branch + 1), QString::fromLatin1(rule.label), rule.slot, target);
-}
-
-ListRow EmptyRow(const QString& name) { return PromptRowAt(1, {NumberlessType, name.toStdString(), 1, {}}); }
+ListRow EmptyRow(const QString& name) { return PromptRow({NumberlessType, name.toStdString(), 1, {}}); }
 
 bool HoldsEmptyRow(const ListView& prompts) {
-    return prompts.Count() > 0 &&
-           NumericValue(prompts.Cell(0, NodeTypeIDColumn).toStdString()) == NumberlessType;
+    return prompts.Count() > 0 && prompts.Row(0).typeID == NumberlessType;
 }
 
 void RemoveEmptyRow(ListView& prompts) {
     if (HoldsEmptyRow(prompts)) {
         prompts.Remove(std::array{0});
-        prompts.Renumber(LeadColumn);
     }
 }
 

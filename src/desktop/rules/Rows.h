@@ -1,22 +1,18 @@
 #pragma once
 
 #include "controls/ListView.h"
-#include "form/Columns.h"
 #include "nodes/AutoNode.h"
 
 #include <cstddef>
 
 namespace KAL_AUTO_Node {
 
-// The rows of the three lists at their position from 1: key, lead cell and what they refer to; without a
-// label. A prompt is led by its position, an action by its range of digits, an exception, at its branch's
-// position, by its name.
-[[nodiscard]] ListRow PromptRowAt(int position, const Reference& target);
+// The rows of the three lists from what they refer to; without a label.
+[[nodiscard]] ListRow PromptRow(const Reference& target);
 
-[[nodiscard]] ListRow ActionRowAt(int position, const QString& low, const QString& high,
-                                  const Reference& target);
+[[nodiscard]] ListRow ActionRow(const QString& low, const QString& high, const Reference& target);
 
-[[nodiscard]] ListRow ExceptionRowAt(std::size_t branch, const Reference& target);
+[[nodiscard]] ListRow ExceptionRow(std::size_t branch, const Reference& target);
 
 // The row that stands in a prompts list without prompts.
 [[nodiscard]] ListRow EmptyRow(const QString& name);
@@ -24,8 +20,7 @@ namespace KAL_AUTO_Node {
 // Whether the prompts list starts with the row above, as it does where it holds no prompts.
 [[nodiscard]] bool HoldsEmptyRow(const ListView& prompts);
 
-// Takes that row out, where it is there, before prompts are added; rows that another program put behind it
-// are numbered from 1 then.
+// Takes that row out, where it is there, before prompts are added.
 void RemoveEmptyRow(ListView& prompts);
 
 } // namespace KAL_AUTO_Node
