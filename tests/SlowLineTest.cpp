@@ -32,5 +32,28 @@ TEST(SlowLine, OpensAndSavesInAFewWays) {
     EXPECT_EQ(person.Boxes(), std::vector<Box>());
 }
 
+// It takes a connection and says nothing, or falls silent when it is asked for the first or the second time.
+TEST(SlowLine, IsReportedOnceWhereTheServerIsSilent) {
+    const TestStore store;
+    for (const int silentFrom : {1, 4, 5}) {
+        std::atomic<bool> silent = true;
+        Relay relay(std::chrono::milliseconds(0));
+        relay.AtWay = [&](int way) {
+            while (way >= silentFrom && silent) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            }
+        };
+        std::ofstream(store.File(), std::ios::trunc)
+            << relay.AddressOf(store.Value("SELECT current_database()"))
+            << "&connect_timeout=2&tcp_user_timeout=400\n";
+        Person person;
+        const auto begun = std::chrono::steady_clock::now();
+        EXPECT_FALSE(person.Edit(8, [] {}));
+        EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(4));
+        EXPECT_EQ(person.Boxes().size(), 1U) << silentFrom;
+        silent = false;
+    }
+}
+
 } // namespace
 } // namespace KAL_AUTO_Node
