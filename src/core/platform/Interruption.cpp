@@ -14,7 +14,12 @@ Interruption::Interruption() {
     sigset_t ending;
     sigemptyset(&ending);
     for (const int signal : Ending) {
-        sigaddset(&ending, signal);
+        // One that is ignored, as a job in the background does with the first, ends nothing.
+        struct sigaction now {};
+
+        if (sigaction(signal, nullptr, &now) == 0 && now.sa_handler != SIG_IGN) {
+            sigaddset(&ending, signal);
+        }
     }
     pthread_sigmask(SIG_BLOCK, &ending, &before_);
 }
