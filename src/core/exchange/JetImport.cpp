@@ -20,7 +20,7 @@ namespace {
 
 // More are counted, but a person has seen enough by then.
 constexpr std::size_t MostTold = 1000;
-constexpr std::uint32_t RowsBetweenProgress = 1000;
+constexpr std::uint32_t RowsReadBetweenProgress = 1000;
 
 // Rows whose key ends so are a list: the number tells their order and nothing else.
 constexpr const char* SequenceColumn = "SequenceNo";
@@ -131,7 +131,7 @@ class JetImport : public JetSink {
                 Send();
             }
         }
-        if (read_ % RowsBetweenProgress == 0) {
+        if (read_ % RowsReadBetweenProgress == 0) {
             progress_(table_->name, read_, *count_->stored);
         }
     }
