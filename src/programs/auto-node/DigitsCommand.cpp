@@ -56,7 +56,9 @@ std::string Waiting(const Menu& menu, const DigitInterval& interval) {
 void Print(const NodePlace& place, const Menu& menu, const std::vector<DigitLength>& lengths) {
     const AutoNode& node = menu.Node();
     std::cout << Visible(node.type) << ' ' << place.number << "  " << Visible(node.label.value_or(""))
-              << "\nTakes 1 to " << menu.Entries().most << " digits"
+              << "\nTakes "
+              << (menu.Entries().most == 1 ? "1 digit"
+                                           : "1 to " + std::to_string(menu.Entries().most) + " digits")
               << (menu.Entries().known ? "" : ", or fewer: how many is not known") << "; Invalid is "
               << Visible(menu.ExceptionTarget(BranchOf(Slot::Invalid)).Text()) << "; callers "
               << (menu.MayAskAgain() ? "may be" : "are not") << " asked again\n";
