@@ -86,6 +86,8 @@ const std::vector<Case> Cases = {
     {"UPDATE Node_AUTO SET RetryLimit = 6, TerminatingDigit = 'no', NumberOfDigits = NULL WHERE NodeNumber = "
      "1",
      {"setting-outside AUTO 1 number of digits none", "setting-outside AUTO 1 retry limit 6"}},
+    {"UPDATE Node_AUTO SET TerminatingDigit = '' WHERE NodeNumber = 1",
+     {"setting-outside AUTO 1 terminating digit"}}, // no blank ends it
     {"UPDATE Detail_AUTO_Prompts SET NodeTypeID = 999, NodeType = 'EMPTY' WHERE NodeMasterID = 1",
      {"no-prompts AUTO 1"}},
     {"UPDATE Node_AUTO SET TimeoutNodeTypeID = 9, TimeoutNodeType = 'AUTO', InvalidNodeTypeID = 9,"
@@ -151,11 +153,6 @@ TEST(Check, FindsASaveThatDidNotFinishAndLeavesItThere) {
     store.Execute("UPDATE Node_AUTO SET NodeDescription = 'Menu 1' WHERE NodeNumber = 1");
     EXPECT_EQ(Found(dataBase, 2), std::vector<std::string>()) << "it has left the node as it was";
     EXPECT_EQ(store.Value("SELECT State FROM Node_AUTO_Version"), "failed");
-}
-
-TEST(Check, TellsAFindingByALineThatNoEditorShortens) {
-    const Finding finding{Fault::SettingOutside, {AutoType, "AUTO", 1}, "", "settings", "terminating digit "};
-    EXPECT_EQ(finding.Key({1, 2}), "setting-outside 1 2 AUTO 1 terminating digit");
 }
 
 TEST(Check, IsDescribedInItsPage) {
