@@ -1,8 +1,8 @@
 #include "bench/Benches.h"
 #include "bench/Desk.h"
-#include "history/NodeSave.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
+#include "tests/Saver.h"
 
 namespace KAL_AUTO_Node {
 
@@ -15,17 +15,14 @@ class Saving {
     explicit Saving(Place place)
         : place_{{BenchConfig, static_cast<std::int16_t>(place.partition)},
                  static_cast<std::int16_t>(place.node)},
-          node_(ReadAutoNode(dataBase_, place_.partition, place_.number).value()) {}
+          node_(ReadAutoNode(dataBase_, place_.partition, place_.number).value()), saver_(place_) {
+        saver_.Load();
+    }
 
     void Marked() {
-        NodeSave save(dataBase_, history_, place_);
-        if (save.Begin(node_, 0)) {
+        if (saver_.Save(node_, [this](NodeSave& /*save*/) { LookUp(); })) {
             throw std::logic_error("something stands in the way of a save");
         }
-        LookUp();
-        save.Renew();
-        Write();
-        save.Finish();
     }
 
     void Bare() {
@@ -48,9 +45,9 @@ class Saving {
     void Write() { WriteAutoNode(dataBase_, place_.partition, place_.number, node_, "11/25/2026"); }
 
     DataBase dataBase_;
-    History history_{dataBase_};
     NodePlace place_;
     AutoNode node_;
+    Saver saver_;
 };
 
 } // namespace

@@ -2,13 +2,13 @@
 // same statements with the same values in the same pipelines, prepared before, and copies every value it
 // gets. ServerFigures LINK [TURNS], where LINK names a demo store on a server of the bench's own.
 
-#include "history/NodeSave.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
 #include "store/Batch.h"
 #include "store/CreateServerStore.h"
 #include "store/PortableSql.h"
 #include "store/StoreFormat.h"
+#include "tests/Saver.h"
 
 #include <algorithm>
 #include <chrono>
@@ -221,7 +221,6 @@ void Compare(const char* what, int turns, Ours&& ours, Floor&& floor) {
 int Run(const std::string& address, const std::filesystem::path& link, int turns) {
     CreateServerStore(link, address, StoreContent::Demo);
     DataBase dataBase(link);
-    History history(dataBase);
     AutoNode node = ReadAutoNode(dataBase, Place.partition, Place.number).value();
     node.prompts.clear();
     node.actions.clear();
@@ -231,7 +230,8 @@ int Run(const std::string& address, const std::filesystem::path& link, int turns
         node.actions.push_back({row, {9, "AUTO", row, {}}, range, range});
     }
     WriteAutoNode(dataBase, Place.partition, Place.number, node, Date);
-    const AutoNode loaded = ReadAutoNode(dataBase, Place.partition, Place.number).value();
+    Saver saver(link, Place);
+    const AutoNode loaded = saver.Load();
 
     RawServer raw(address);
     const Ways ways = WaysOf(loaded);
@@ -243,23 +243,19 @@ int Run(const std::string& address, const std::filesystem::path& link, int turns
     Compare(
         "save, with its mark and the look-ups", turns,
         [&] {
-            NodeSave one(dataBase, history, Place);
-            if (one.Begin(loaded, 0)) {
+            const auto obstacle = saver.Save(loaded, [&](NodeSave& save) {
+                std::vector<RequiredNode> nodes;
+                for (int row = 1; row <= 1000; ++row) {
+                    nodes.push_back({"", 0, row});
+                    nodes.push_back({"", 9, row});
+                }
+                save.CreateMissing(nodes, Date,
+                                   {[](const RequiredNode&) { return CreationAudience::Answer::Leave; },
+                                    [](const RequiredNode&, Creation) {}, [] { throw; }});
+            });
+            if (obstacle) {
                 throw std::logic_error("something stands in the way of a save");
             }
-            ReadAhead ahead(dataBase);
-            for (int row = 1; row <= 1000; ++row) {
-                LookUpAhead(ahead, Place.partition, 0, row);
-                LookUpAhead(ahead, Place.partition, 9, row);
-            }
-            ahead.Fetch();
-            for (int row = 1; row <= 1000; ++row) {
-                static_cast<void>(IsNodeExisted(dataBase, Place.partition, 0, row));
-                static_cast<void>(IsNodeExisted(dataBase, Place.partition, 9, row));
-            }
-            one.Renew();
-            WriteAutoNode(dataBase, Place.partition, Place.number, loaded, Date);
-            one.Finish();
         },
         [&] { std::ranges::for_each(ways.save, [&](const auto& way) { raw.Exchange(way); }); });
     return 0;

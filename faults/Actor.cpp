@@ -1,7 +1,7 @@
 #include "Actor.h"
 
 #include "FaultySystem.h"
-#include "Saver.h"
+#include "Scene.h"
 #include "platform/RuntimeError.h"
 
 #include <algorithm>
@@ -49,6 +49,13 @@ class Window {
             Say(Save(words));
         } else if (verb == "put") {
             Say("put back " + std::to_string(saver_.PutBack()));
+        } else if (verb == "see") {
+            half_ = saver_.Versions().Unfinished(Place);
+            Say(half_ ? "half" : "nothing");
+        } else if (verb == "answer") {
+            Say(saver_.Versions().PutBackUnfinished(Place, half_.value().number) ? "put back" : "refused");
+        } else if (verb == "repeat") {
+            Say(KeepSaving(words));
         } else if (verb == "arm") {
             std::string fault;
             std::string lasting;
@@ -56,6 +63,8 @@ class Window {
             words >> fault >> at >> lasting;
             Arm(Faults.at(fault), at, !lasting.empty(), [] { Hold("paused"); });
             Say("armed");
+        } else if (verb == "count") {
+            Say(std::to_string(WritesSinceArmed()));
         } else if (verb == "disarm") {
             Disarm();
             Say(std::to_string(WritesSinceArmed()));
@@ -101,17 +110,41 @@ class Window {
             }
         });
         if (obstacle) {
-            return obstacle->kind == Obstacle::Changed      ? "told changed"
-                   : obstacle->kind == Obstacle::BeingSaved ? "told being saved"
-                                                            : "told gone";
+            return Told(*obstacle);
         }
         return failure.empty() ? "saved" : "saved but " + failure;
+    }
+
+    static std::string Told(const Obstacle& obstacle) {
+        return obstacle.kind == Obstacle::Changed      ? "told changed"
+               : obstacle.kind == Obstacle::BeingSaved ? "told being saved"
+                                                       : "told gone";
+    }
+
+    // Loads and saves, over and over; what is told meanwhile is looked at and gone on from.
+    std::string KeepSaving(std::istringstream& words) {
+        int saver = 0;
+        int rows = 0;
+        int left = 0;
+        words >> saver >> rows >> left;
+        int saved = 0;
+        while (left-- > 0) {
+            saver_.PutBack();
+            try {
+                saved += saver_.Save(Intended(saver_.Load(), saver, rows)) ? 0 : 1;
+            } catch (const RuntimeError& error) {
+                if (error.Number() != ErrorNumber::StoreLocked) {
+                    throw;
+                }
+            }
+        }
+        return "saved " + std::to_string(saved);
     }
 
     // A creation that fails ends the others, not the save.
     std::string Create(NodeSave& save) {
         try {
-            CreateMissing(saver_.Store(), save);
+            CreateMissing(save);
             return {};
         } catch (const std::runtime_error& error) {
             return error.what();
@@ -127,9 +160,10 @@ class Window {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 
-    Saver saver_;
+    Saver saver_{Place};
     AutoNode loaded_;
     std::optional<ResultSet> read_;
+    std::optional<Version> half_;
 };
 
 } // namespace

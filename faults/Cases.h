@@ -19,18 +19,20 @@ using Tell = std::function<void(const Row&)>;
 
 using Case = void(Extent, const Tell&);
 
-// The process is killed at a write.
-Case KillSaves, KillCreations, KillPutBacks;
+// A write fails, or the process is killed at it.
+Case BreakSaves, BreakPutBacks, BreakCreations, BreakFirstSaves;
 
 // Savers of one node at the same time, from the same state.
 Case RaceSaves;
+// Processes that save it over and over.
+Case KeepSaving;
 // A save that is held for so long that it is taken for dead from elsewhere.
 Case TakeOverSaves;
 
-// A write fails.
-Case FailWrites, FailWritesOfPutBacks, FailWritesOfCreations, FailFirstSaves;
+// What is decided on a question that stood open for long.
+Case AnswerLate;
 
 // What befalls the file.
-Case FillDisks, LockStores, MoveFiles, ProtectFiles;
+Case LockStores, ProtectFiles;
 
 } // namespace KAL_AUTO_Node

@@ -4,13 +4,14 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace KAL_AUTO_Node {
 
-Child::Child() {
+Child::Child(World world) {
     std::array<int, 2> orders{};
     std::array<int, 2> answers{};
     if (pipe2(orders.data(), O_CLOEXEC) != 0 || pipe2(answers.data(), O_CLOEXEC) != 0) {
@@ -20,7 +21,20 @@ Child::Child() {
     if (process_ == 0) {
         dup2(orders[0], STDIN_FILENO);
         dup2(answers[1], STDOUT_FILENO);
-        execl("/proc/self/exe", "Faults", "actor", nullptr);
+        const std::string self = std::filesystem::read_symlink("/proc/self/exe");
+        // A boot of its own, and no identity at all.
+        const std::string machine =
+            "cat /proc/sys/kernel/random/uuid >/tmp/boot.$$ && mount --bind /tmp/boot.$$ "
+            "/proc/sys/kernel/random/boot_id; rm -f /tmp/boot.$$; exec \"$0\" actor";
+        if (world == World::Here) {
+            execl(self.c_str(), "Faults", "actor", nullptr);
+        } else if (world == World::OwnProcesses) {
+            execlp("unshare", "unshare", "--pid", "--fork", "--kill-child", "--mount-proc", self.c_str(),
+                   "actor", nullptr);
+        } else {
+            execlp("unshare", "unshare", "--pid", "--fork", "--kill-child", "--mount-proc", "sh", "-c",
+                   machine.c_str(), self.c_str(), nullptr);
+        }
         _exit(127);
     }
     close(orders[0]);

@@ -11,7 +11,11 @@ namespace KAL_AUTO_Node {
 // Ended by force, at the latest with the object.
 class Child {
   public:
-    Child();
+    // Whose processes it sees: of two of its own kind, each sees neither the other nor this one; nor does one
+    // of another machine that has this one's name.
+    enum class World { Here, OwnProcesses, OwnMachine };
+
+    explicit Child(World world = World::Here);
     ~Child();
 
     Child(const Child&) = delete;

@@ -3,12 +3,7 @@
 #include "Scene.h"
 
 #include <chrono>
-#include <fstream>
 #include <optional>
-#include <sched.h>
-#include <sstream>
-#include <sys/mount.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -27,112 +22,7 @@ void RequireTold(Row& row, const std::string& answer, const std::string& part) {
     }
 }
 
-// In a process of its own, whose mounts nobody else sees. Returns what it has to tell.
-std::string OnSmallDisk(const std::filesystem::path& folder, const std::function<void(std::ostream&)>& work) {
-    std::array<int, 2> told{};
-    if (pipe(told.data()) != 0) {
-        return "no pipe";
-    }
-    const pid_t process = fork();
-    if (process == 0) {
-        std::ostringstream out;
-        if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("none", folder.c_str(), "tmpfs", 0, "size=4m") != 0) {
-            out << "no file system may be mounted";
-        } else {
-            try {
-                work(out);
-            } catch (const std::exception& error) {
-                out << error.what();
-            }
-        }
-        const std::string text = out.str();
-        static_cast<void>(write(told[1], text.data(), text.size()) < 0);
-        _exit(0);
-    }
-    close(told[1]);
-    std::string text;
-    for (char byte = 0; read(told[0], &byte, 1) == 1;) {
-        text += byte;
-    }
-    close(told[0]);
-    waitpid(process, nullptr, 0);
-    return text;
-}
-
-// Takes the disk's space but for some.
-void Fill(const std::filesystem::path& file, std::uintmax_t left) {
-    const auto free = std::filesystem::space(file.parent_path()).available;
-    std::ofstream filler(file);
-    const std::string block(4096, 'x');
-    for (auto rest = free - std::min(free, left); rest >= block.size(); rest -= block.size()) {
-        filler << block;
-    }
-}
-
-void SaveOnFullDisk(Row& row, Scene& scene, std::uintmax_t left, bool here) {
-    ++row.tries;
-    scene.Reset();
-    const auto filler = scene.File().parent_path() / "filler";
-    {
-        Child window;
-        window.Ask("load");
-        Fill(filler, left);
-        const std::string answer = window.Ask(Order(scene));
-        if (answer != "saved") {
-            RequireTold(row, answer, "NewDB.mdb");
-        }
-        if (!here) {
-            window.Quit();
-        }
-        std::filesystem::remove(filler);
-        if (const std::string mended = here ? window.Ask("put back") : ""; mended == "put back 1") {
-            ++row.putBack;
-            --row.asBefore;
-        } else if (mended.starts_with("failed")) {
-            row.Wrong(mended);
-        }
-        scene.Judge(row);
-    }
-}
-
-std::string Numbers(const Row& row) {
-    std::ostringstream out;
-    out << "row " << row.tries << ' ' << row.asBefore << ' ' << row.whole << ' ' << row.putBack << ' '
-        << row.told << ' ' << row.lost << ' ' << row.unseen << ' ' << row.wrong << ' ' << row.first;
-    return out.str();
-}
-
 } // namespace
-
-void FillDisks(Extent extent, const Tell& tell) {
-    for (const Journal journal : Journals) {
-        for (const bool here : {true, false}) {
-            Row row(std::string("disk full at every size, ") + NameOf(journal) +
-                    (here ? ", opened again there" : ", opened by another"));
-            const TemporaryFolder disk;
-            std::istringstream told(OnSmallDisk(disk.Path(), [&](std::ostream& out) {
-                const EnvironmentVariable folder("TMPDIR");
-                folder.Set(disk.Path().string());
-                Scene scene(journal, 60);
-                for (std::uintmax_t left = 0; left <= 768 * 1024;
-                     left += static_cast<std::uintmax_t>(extent.Of(12288, 196608))) {
-                    SaveOnFullDisk(row, scene, left, here);
-                }
-                out << Numbers(row);
-            }));
-            std::string begins;
-            told >> begins >> row.tries >> row.asBefore >> row.whole >> row.putBack >> row.told >> row.lost >>
-                row.unseen >> row.wrong;
-            std::getline(told >> std::ws, row.first);
-            if (begins != "row") {
-                row.skipped = begins == "no";
-                row.remarks = told.str();
-            }
-            tell(row);
-        }
-    }
-}
 
 void LockStores(Extent extent, const Tell& tell) {
     struct Kind {
@@ -203,38 +93,6 @@ void LockStores(Extent extent, const Tell& tell) {
             scene.Judge(row);
         }
         tell(row);
-    }
-}
-
-void MoveFiles(Extent /*extent*/, const Tell& tell) {
-    for (const Journal journal : Journals) {
-        for (const bool replaced : {true, false}) {
-            Row row(std::string("the file is ") + (replaced ? "replaced" : "deleted") +
-                    " between load and save, " + NameOf(journal));
-            Scene scene(journal);
-            scene.Reset();
-            ++row.tries;
-            const auto other = scene.File().string() + ".new";
-            Child window;
-            window.Ask("load");
-            if (replaced) {
-                std::filesystem::copy_file(scene.Original(), other);
-                std::filesystem::rename(other, scene.File());
-            } else {
-                std::filesystem::remove(scene.File());
-            }
-            const std::string answer = window.Ask(Order(scene));
-            RequireTold(row, answer, "NewDB.mdb");
-            window.Quit();
-            if (replaced) {
-                scene.Judge(row);
-            } else if (std::filesystem::exists(scene.File())) {
-                row.Wrong("the file is there again");
-            } else {
-                ++row.asBefore;
-            }
-            tell(row);
-        }
     }
 }
 

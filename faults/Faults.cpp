@@ -19,19 +19,11 @@ struct Group {
     Case* run;
 };
 
-constexpr Group Groups[] = {{"kill-saves", &KillSaves},
-                            {"kill-put-backs", &KillPutBacks},
-                            {"kill-creations", &KillCreations},
-                            {"races", &RaceSaves},
-                            {"take-overs", &TakeOverSaves},
-                            {"writes", &FailWrites},
-                            {"writes-of-put-backs", &FailWritesOfPutBacks},
-                            {"writes-of-creations", &FailWritesOfCreations},
-                            {"writes-of-first-saves", &FailFirstSaves},
-                            {"full-disks", &FillDisks},
-                            {"locks", &LockStores},
-                            {"moved-files", &MoveFiles},
-                            {"read-only-files", &ProtectFiles}};
+constexpr Group Groups[] = {{"saves", &BreakSaves},         {"put-backs", &BreakPutBacks},
+                            {"creations", &BreakCreations}, {"first-saves", &BreakFirstSaves},
+                            {"races", &RaceSaves},          {"long-runs", &KeepSaving},
+                            {"take-overs", &TakeOverSaves}, {"late-answers", &AnswerLate},
+                            {"locks", &LockStores},         {"read-only-files", &ProtectFiles}};
 
 int Run(Extent extent, const std::string& group) {
     std::cout << "stores in " << std::filesystem::temp_directory_path().string() << '\n';

@@ -1,6 +1,5 @@
 #include "Scene.h"
 
-#include "Saver.h"
 #include "nodes/AutoNodeWriter.h"
 #include "platform/RuntimeError.h"
 
@@ -43,6 +42,22 @@ constexpr const char* Oddities =
 constexpr int FurtherSaver = 9;
 
 } // namespace
+
+void CreateMissing(NodeSave& save) {
+    std::vector<RequiredNode> nodes;
+    for (const auto& [typeID, number] : MissingNodes) {
+        nodes.push_back({"", typeID, number});
+    }
+    save.CreateMissing(nodes, SaveDate,
+                       {[](const RequiredNode&) { return CreationAudience::Answer::CreateAll; },
+                        [](const RequiredNode& node, Creation outcome) {
+                            if (outcome != Creation::Created) {
+                                throw std::runtime_error("a node of type " + std::to_string(node.typeID) +
+                                                         " cannot be created");
+                            }
+                        },
+                        [] { throw; }});
+}
 
 AutoNode Intended(AutoNode node, int saver, int rows) {
     const std::string name = "Saved by " + std::to_string(saver);
@@ -112,14 +127,14 @@ void Scene::Judge(Row& row) {
 }
 
 void Scene::JudgeNode(Row& row) {
-    Saver saver;
+    Saver saver(Place);
     const NodeContent found = saver.Read();
     const auto mark = saver.Versions().Unfinished(Place);
     const auto versions = saver.Versions().Versions(Place);
     if (found == before_) {
         if (mark) {
             row.Wrong("a mark on a node that is as before");
-        } else if (!versions.empty() && versions.front().state != VersionState::PutBack &&
+        } else if (!versions.empty() && versions.front().state == VersionState::Finished &&
                    versions.front().work != "put back") {
             row.Wrong("as before, and the history says: " + StatesOf(saver.Versions()));
         }
@@ -133,7 +148,7 @@ void Scene::JudgeNode(Row& row) {
         }
         ++row.whole;
     } else {
-        saver.Versions().PutBack(Place, mark->number, "put back");
+        saver.PutBack();
         if (saver.Read() != before_ || saver.Versions().Unfinished(Place)) {
             row.Lost("not put back as it was");
         }
@@ -148,11 +163,11 @@ void Scene::RequireSound(Row& row) const {
 }
 
 void Scene::SaveAnew(Row& row, bool creating) const {
-    Saver saver;
-    const AutoNode& loaded = saver.Load();
+    Saver saver(Place);
+    const AutoNode loaded = saver.Load();
     const auto obstacle = saver.Save(Intended(loaded, FurtherSaver, rows_), [&](NodeSave& save) {
         if (creating) {
-            CreateMissing(saver.Store(), save);
+            CreateMissing(save);
         }
     });
     if (obstacle) {

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "Report.h"
+#include "Saver.h"
 #include "TestStore.h"
-#include "history/History.h"
-#include "store/DataBase.h"
 
 #include <array>
 #include <optional>
@@ -33,7 +32,8 @@ inline constexpr std::array<MissingNode, 12> MissingNodes = {{{0, 701},
                                                               {13, 711},
                                                               {15, 712}}};
 
-inline constexpr const char* SaveDate = "11/25/2026";
+// Makes those that are not there.
+void CreateMissing(NodeSave& save);
 
 // What a saver makes of a node: no other saver's has any row in common with it.
 [[nodiscard]] AutoNode Intended(AutoNode node, int saver, int rows);
@@ -75,9 +75,10 @@ class Scene {
     // The same of the missing nodes: a further save makes them all, each with all that its template has.
     void JudgeCreations(Row& row, bool puttingBack);
 
+    void RequireSound(Row& row) const;
+
   private:
     void JudgeNode(Row& row);
-    void RequireSound(Row& row) const;
     void SaveAnew(Row& row, bool creating) const;
     // What the template has and the node has not, or the other way round.
     [[nodiscard]] static std::optional<std::string> Incomplete(SQLite::Database& store,

@@ -5,7 +5,7 @@
 
 #include "Relay.h"
 #include "Report.h"
-#include "Saver.h"
+#include "Scene.h"
 #include "TestServerProcess.h"
 #include "platform/RuntimeError.h"
 #include "store/CreateServerStore.h"
@@ -24,7 +24,7 @@ namespace {
 void Save(Saver& saver, int number, bool creating) {
     const auto obstacle = saver.Save(Intended(saver.Load(), number, 10), [&](NodeSave& save) {
         if (creating) {
-            CreateMissing(saver.Store(), save);
+            CreateMissing(save);
         }
     });
     if (obstacle) {
@@ -41,7 +41,7 @@ void WriteLink(const std::filesystem::path& link, const std::string& address) {
 void Break(Row& row, const std::filesystem::path& link, bool creating, const std::string& where,
            const std::function<void()>& begin, const std::function<void()>& end) {
     ++row.tries;
-    Saver saver(link);
+    Saver saver(link, Place);
     const NodeContent before = saver.Read();
     const int number = 10 * row.tries;
     const NodeContent intended = IntendedContent(before, number, 10);
@@ -59,7 +59,7 @@ void Break(Row& row, const std::filesystem::path& link, bool creating, const std
     end();
 
     // The same window, and another.
-    Saver other(link);
+    Saver other(link, Place);
     for (Saver* one : {&saver, &other}) {
         const NodeContent now = one->Read();
         if (now == intended ? !mayBeThere : said) {
@@ -149,7 +149,7 @@ void KillServer(Row& row, Site& site, bool creating, int tries) {
 void CutLine(Row& row, Site& site, std::size_t tries) {
     // Each version makes the next save longer.
     const auto forget = [&] { TestDatabase::Run(site.server.Address(), "TRUNCATE Node_AUTO_Version"); };
-    Saver saver(site.link);
+    Saver saver(site.link, Place);
     static_cast<void>(saver.Load());
     forget();
     static_cast<void>(site.line.Passed());

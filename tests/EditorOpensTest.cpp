@@ -38,6 +38,28 @@ std::string Place() {
            Person::Text("cmbNode") + ' ' + Person::Label();
 }
 
+TEST(EditorOpens, AnOlderStoreIsBroughtUpWhereThatIsWanted) {
+    const TestStore store;
+    store.Execute("DROP INDEX Node_AUTO_Unfinished; ALTER TABLE Node_AUTO_Version DROP COLUMN Machine");
+    store.Execute(TestStore::OnServer() ? "COMMENT ON TABLE Node_AUTO IS 'A store of auto-node, version 1'"
+                                        : "PRAGMA user_version = 1");
+    Person person;
+    for (const auto answer : {QMessageBox::No, QMessageBox::Yes, QMessageBox::NoButton}) {
+        const bool asks = answer != QMessageBox::NoButton;
+        const bool tells = answer == QMessageBox::Yes && !TestStore::OnServer();
+        if (asks) {
+            person.WillAnswer({answer});
+        }
+        EXPECT_TRUE(person.Edit(8, [&] {
+            const auto boxes = person.Boxes();
+            ASSERT_EQ(boxes.size(), (asks ? 1U : 0U) + (tells ? 1U : 0U));
+            EXPECT_EQ(Person::Label(), "Sales");
+            Person::TypeLabel("Sales");
+            Person::Press("cmdApply");
+        }));
+    }
+}
+
 TEST(EditorOpens, OnAStoredNode) {
     const TestStore store;
     Person person;

@@ -165,7 +165,7 @@ TEST(Saving, ThatFailsHalfWayKeepsWhatWasWrittenOrIsPutBack) {
                 EXPECT_EQ(boxes[0], ErrorBox("Source: " + store.Engine() +
                                              " - SaveChanges \r\nDescription: the disk is on fire (command " +
                                              command + ", " + store.Place() + ")"));
-                EXPECT_FALSE(Person::Dirty()) << "as after a save";
+                EXPECT_EQ(Person::Dirty(), !half) << "as after a save, where something of it is written";
                 if (!half || answer == QMessageBox::Yes) {
                     EXPECT_EQ(StoredNode(store, 8), before);
                     EXPECT_EQ(Person::Label(), half ? "Sales" : "New");
@@ -191,11 +191,72 @@ TEST(Saving, ThatFailsHalfWayKeepsWhatWasWrittenOrIsPutBack) {
         person.WillAnswer({QMessageBox::Yes});
         Person::Press("cmdNext");
         EXPECT_EQ(person.Boxes().size(), TestStore::OnServer() ? 2U : 3U) << "question, report and offer";
-        EXPECT_EQ(Person::Text("cmbNode"), "AUTO 9");
+        EXPECT_EQ(Person::Text("cmbNode"), TestStore::OnServer() ? "AUTO 8" : "AUTO 9");
         Person::TypeLabel("New");
         Person::Press("cmdOK");
         EXPECT_EQ(person.Boxes().size(), TestStore::OnServer() ? 1U : 2U);
-        EXPECT_FALSE(Person::Window("GUI")->isVisible());
+        EXPECT_EQ(Person::Window("GUI")->isVisible(), TestStore::OnServer()) << "nothing is written there";
+    }));
+}
+
+// Of what somebody else has stored meanwhile the person sees what it is, goes over it, loads it or does
+// neither.
+TEST(Saving, AsksBeforeItGoesOverWhatSomebodyElseHasStored) {
+    const TestStore store;
+    Person person;
+    person.LookAtBox = [](const QMessageBox& box) {
+        EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No)) << box.text().toStdString();
+    };
+    EXPECT_TRUE(person.Edit(8, [&] {
+        struct Answer {
+            std::vector<QMessageBox::StandardButton> given;
+            const char* shown;
+            const char* stored;
+            bool dirty;
+        };
+
+        for (const auto& [given, shown, stored, dirty] :
+             {Answer{{QMessageBox::No}, "Mine", "Theirs|Theirs", true},
+              Answer{{QMessageBox::Discard, QMessageBox::No}, "Mine", "Theirs|Theirs", true},
+              Answer{{QMessageBox::Discard, QMessageBox::Yes}, "Theirs", "Theirs|Theirs", false},
+              Answer{{QMessageBox::Yes}, "Mine", "Mine|Mine", false}}) {
+            Person::TypeLabel("Mine");
+            for (const char* table : {"Node_AUTO", "Node_General_Pool"}) {
+                store.Execute(std::string("UPDATE ") + table +
+                              " SET NodeDescription = 'Theirs' WHERE PartID = 2" +
+                              " AND NodeTypeID = 9 AND NodeNumber = 8");
+            }
+            for (const auto answer : given) {
+                person.WillAnswer({answer});
+            }
+            Person::Press(given.size() == 1 ? "cmdApply" : "cmdOK");
+            const auto boxes = person.Boxes();
+            ASSERT_EQ(boxes.size(), given.size());
+            EXPECT_EQ(boxes[0].text,
+                      "AUTO 8 is stored otherwise than the window has loaded it. Another program has "
+                      "changed it:\r\nlabel \"Sales\" → \"Theirs\"\r\nin the register label "
+                      "\"Sales\" → \"Theirs\"\r\n\r\nDo you want to save over that?");
+            EXPECT_EQ(Person::Label() + '/' + Labels(store), std::string(shown) + '/' + stored);
+            EXPECT_EQ(Person::Dirty(), dirty);
+            ASSERT_TRUE(Person::Window("GUI")->isVisible());
+            // As it was.
+            for (const char* table : {"Node_AUTO", "Node_General_Pool"}) {
+                store.Execute(std::string("UPDATE ") + table +
+                              " SET NodeDescription = 'Sales' WHERE PartID = 2" +
+                              " AND NodeTypeID = 9 AND NodeNumber = 8");
+            }
+            if (!dirty) {
+                Person::Press("cmdNext");
+                Person::Press("cmdPrevious");
+            }
+        }
+        // A save that cannot begin is none: the window stays with what was changed.
+        person.LookAtBox = nullptr;
+        store.Refuse("INSERT ON Node_AUTO_Version");
+        Person::TypeLabel("Mine");
+        Person::Press("cmdOK");
+        EXPECT_EQ(person.Boxes().size(), 1U);
+        EXPECT_TRUE(Person::Dirty() && Person::Window("GUI")->isVisible());
     }));
 }
 

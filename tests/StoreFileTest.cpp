@@ -1,4 +1,5 @@
 #include "Performing.h"
+#include "store/StoreFormat.h"
 
 #include <chrono>
 #include <fstream>
@@ -139,8 +140,8 @@ TEST(StoreFile, NeitherFindNorMakeAStoreThatIsNotThere) {
     std::filesystem::remove(store.File());
     // The same connection finds the store once it is there.
     CreateStore(store.File(), StoreContent::Demo);
-    EXPECT_EQ(store.Value("PRAGMA user_version"), "1");
-    store.Execute("PRAGMA user_version = 2");
+    EXPECT_EQ(store.Value("PRAGMA user_version"), std::to_string(StoreVersion));
+    store.Execute("PRAGMA user_version = " + std::to_string(StoreVersion + 1));
     expectNone(StoreNotRecognized);
     // The number of another program says nothing about the tables.
     store.Execute("PRAGMA application_id = 0");

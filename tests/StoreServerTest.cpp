@@ -1,6 +1,6 @@
 #include "Performing.h"
 #include "Relay.h"
-#include "history/NodeSave.h"
+#include "Saver.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
 #include "nodes/ReferenceData.h"
@@ -89,8 +89,8 @@ TEST_F(StoreServer, IsNamedByALinkThatOnlyItsOwnerReads) {
     DataBase none;
     ExpectRaised(StoreNotRecognized, {"no store", "init --server"}, [&] { Limit(none); });
     Link(address);
-    store_.Execute("COMMENT ON TABLE Node_AUTO IS 'A store of auto-node, version 2'");
-    ExpectRaised(StoreNotRecognized, {"version 2", Database()}, [&] { Limit(none); });
+    store_.Execute("COMMENT ON TABLE Node_AUTO IS 'A store of auto-node, version 3'");
+    ExpectRaised(StoreNotRecognized, {"version 3", Database()}, [&] { Limit(none); });
 }
 
 TEST_F(StoreServer, TellsWhatItRefuses) {
@@ -274,16 +274,17 @@ TEST_F(StoreServer, LetsEachRoleDoItsOwn) {
         return user;
     };
     const auto save = [&] {
-        DataBase dataBase;
-        History history(dataBase);
-        AutoNode node = ReadAutoNode(dataBase, Place.partition, Place.number).value();
-        NodeSave saving(dataBase, history, Place);
-        EXPECT_FALSE(saving.Begin(node, 0));
-        EXPECT_EQ(saving.Create(0, 244, "today"), Creation::Created);
-        WriteAutoNode(dataBase, Place.partition, Place.number, node, "today");
-        saving.Finish();
-        history.PutBack(Place, saving.VersionNumber(), "restore");
-        EXPECT_GE(history.Prune(), 0);
+        Saver saver(Place);
+        EXPECT_FALSE(saver.Save(saver.Load(), [](NodeSave& saving) {
+            const std::array<RequiredNode, 1> missing = {{{"MSG 244", 0, 244}}};
+            saving.CreateMissing(
+                missing, SaveDate,
+                {[](const RequiredNode&) { return CreationAudience::Answer::Create; },
+                 [](const RequiredNode&, Creation outcome) { EXPECT_EQ(outcome, Creation::Created); },
+                 [] {}});
+        }));
+        saver.Versions().PutBack(Place, saver.Version(), "restore");
+        EXPECT_GE(saver.Versions().Prune(), 0);
     };
     // Whoever may make functions where the tables lie: none of them is called.
     store_.Execute(TextOf(TEST_DATA "/server-traps.sql"));
@@ -308,8 +309,8 @@ TEST_F(StoreServer, LetsEachRoleDoItsOwn) {
     EXPECT_NE(store_.Rows(history), kept);
 
     users.push_back(login("kal_reads"));
-    ExpectRaised(PermissionDenied, {"permission denied for table node_auto_version", "Add_AUTO_Version"},
-                 save);
+    ExpectRaised(PermissionDenied,
+                 {"permission denied for table detail_auto_prompts", "Delete_AUTO_PromptsNode"}, save);
     DataBase reading;
     EXPECT_EQ(Limit(reading), Texts{"250"});
     for (const std::string& user : users) {

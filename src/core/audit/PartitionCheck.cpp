@@ -317,7 +317,7 @@ class PartitionCheck {
             numbers.push_back(rows.Number16("NodeNumber"));
         }
         for (const std::int16_t number : numbers) {
-            if (const auto save = history_.Unfinished({partition_, number}, true)) {
+            if (const auto save = history_.Unfinished({partition_, number})) {
                 Add(Fault::UnfinishedSave, AutoType, number, "",
                     "begun " + LocalTime(save->begunAt) + " by " + AuthorText(*save));
             }

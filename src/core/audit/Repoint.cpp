@@ -159,7 +159,7 @@ class Planning {
         if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
             plan_.obstacles.push_back(name + " is being saved by " + AuthorText(*made) + " since " +
                                       LocalTime(made->begunAt));
-        } else if (history_.Unfinished(place, true)) {
+        } else if (history_.Unfinished(place)) {
             // Putting it back later would bring the old reference back, too.
             plan_.obstacles.push_back(
                 name + " was left half-way by a save; put it back (auto-node restore) or save it");

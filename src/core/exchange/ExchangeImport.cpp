@@ -173,12 +173,9 @@ class Comparison : public ExchangeSink {
                 const auto together = TakeTogether(rest);
                 ReadAhead ahead(dataBase_);
                 for (const NodePlace& place : together) {
-                    History::ReadVersionsAhead(ahead, place);
                     ReadContentAhead(ahead, place.partition, place.number);
                 }
-                if (history_.Exists()) {
-                    ahead.Fetch();
-                }
+                ahead.Fetch();
                 history_.RequireIdle(together);
                 ReadContents(dataBase_, together, take);
             }

@@ -1,17 +1,20 @@
 #include "history/History.h"
 
+#include "nodes/NodeTypes.h"
 #include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
 #include "store/Batch.h"
 #include "store/Scripts.h"
 
 #include <algorithm>
+#include <strings.h>
 
 namespace KAL_AUTO_Node {
 
 namespace {
 
 constexpr const char* VersionTable = "Node_AUTO_Version";
+constexpr const char* CreationTable = "Node_Creation";
 
 std::string Named(const NodePlace& place) {
     return "AUTO node " + std::to_string(place.number) + " of configuration " +
@@ -19,34 +22,49 @@ std::string Named(const NodePlace& place) {
 }
 
 // A change of this process's. One that ended before it was stored has left its number to others.
-auto FindOwn(std::vector<Version>& versions, int number, const ProcessIdentity& self) {
-    return std::ranges::find_if(
-        versions, [&](const Version& version) { return version.number == number && version.author == self; });
+auto FindOwn(std::vector<Version>& versions, std::int64_t number, const ProcessIdentity& self) {
+    return std::ranges::find_if(versions, [&](const Version& version) {
+        return version.number == number && version.author.process == self.process &&
+               version.author.start == self.start && version.author.host == self.host;
+    });
 }
 
 } // namespace
 
-bool History::Exists() {
-    exists_ = exists_ || dataBase_.HasTable(VersionTable);
-    return exists_;
+bool History::Exists() { return dataBase_.HasTable(VersionTable) && dataBase_.HasTable(CreationTable); }
+
+bool History::TellsMachines() {
+    if (!tellsMachines_) {
+        // A store that tells no version has got its tables from any of the programs.
+        const int version = dataBase_.Version().value_or(0);
+        tellsMachines_ = version > 1 ||
+                         (version == 0 &&
+                          std::ranges::any_of(dataBase_.Columns(VersionTable), [](const std::string& column) {
+                              return strcasecmp(column.c_str(), "Machine") == 0;
+                          }));
+    }
+    return *tellsMachines_;
 }
 
 bool History::Prepare() {
-    TryToMarkEnded();
-    if (!Exists()) {
-        try {
+    CatchUp();
+    try {
+        if (!Exists()) {
             dataBase_.MakeTables(HistoryScript);
-        } catch (const RuntimeError& error) {
-            // Another workstation may have made them meanwhile; where they may not be made, saving goes on
-            // without.
-            if (!Exists() && error.Number() != ErrorNumber::PermissionDenied) {
-                throw;
-            }
-            return exists_;
+            tellsMachines_.reset();
         }
-        exists_ = true;
+        if (Exists() && !TellsMachines() && dataBase_.Version() == 0) {
+            dataBase_.MakeTables(Upgrade2Script);
+            tellsMachines_.reset();
+        }
+    } catch (const RuntimeError& error) {
+        // Another workstation may have made them meanwhile; where they may not be made, saving goes on
+        // without.
+        if (!Exists() && error.Number() != ErrorNumber::PermissionDenied) {
+            throw;
+        }
     }
-    return true;
+    return Exists();
 }
 
 ProcessIdentity History::Self() {
@@ -58,31 +76,54 @@ ProcessIdentity History::Self() {
     return self;
 }
 
-std::vector<Version> History::Stored(const NodePlace& place) {
+std::vector<Version> History::Stored(Command command, const NodePlace& place) {
     std::vector<Version> versions;
     if (!Exists()) {
         return versions;
     }
-    for (ResultSet rows = dataBase_.Query(Command::Get_AUTO_Versions,
-                                          {place.partition.config, place.partition.number, place.number});
-         !rows.AtEnd(); rows.MoveNext()) {
-        const auto text = [&](const char* column) { return std::string(rows.Text(column)); };
-        versions.push_back({rows.Number("VersionNo"),
+    const auto query = [&]() -> std::optional<ResultSet> {
+        try {
+            return dataBase_.Query(command, {place.partition.config, place.partition.number, place.number});
+        } catch (const RuntimeError&) {
+            if (!Exists()) {
+                return std::nullopt; // any more
+            }
+            throw;
+        }
+    };
+    auto rows = query();
+    for (; rows && !rows->AtEnd(); rows->MoveNext()) {
+        const auto text = [&](const char* column) { return std::string(rows->Text(column)); };
+        versions.push_back({rows->Number64("VersionNo"),
                             text("Work"),
                             text("State"),
                             text("BegunAt"),
-                            {text("UserName"), text("HostName"), text("Program"), rows.Number("ProcessID"),
-                             text("ProcessStart")}});
+                            {text("UserName"),
+                             text("HostName"),
+                             text("Program"),
+                             rows->Number64("ProcessID"),
+                             text("ProcessStart"),
+                             {}}});
+    }
+    rows.reset();
+    for (Version& version : versions) {
+        if (version.state == VersionState::Begun && !dataBase_.IsRemote() && TellsMachines()) {
+            const ResultSet row = dataBase_.Query(
+                Command::Get_AUTO_Version_Machine,
+                {place.partition.config, place.partition.number, place.number, version.number});
+            version.author.machine = row.AtEnd() ? std::string() : std::string(row.Text("Machine"));
+        }
     }
     return versions;
 }
 
-void History::ReadVersionsAhead(ReadAhead& ahead, const NodePlace& place) {
-    ahead.Add(Command::Get_AUTO_Versions, {place.partition.config, place.partition.number, place.number});
+void History::ReadNewestAhead(ReadAhead& ahead, const NodePlace& place) {
+    ahead.Add(Command::Get_Newest_AUTO_Version,
+              {place.partition.config, place.partition.number, place.number});
 }
 
-std::vector<Version> History::Versions(const NodePlace& place) {
-    auto versions = Stored(place);
+std::vector<Version> History::Find(Command command, const NodePlace& place) {
+    auto versions = Stored(command, place);
     for (const auto& [ended, number, state] : ended_) {
         const auto own = ended == place ? FindOwn(versions, number, Self()) : versions.end();
         if (own == versions.end()) {
@@ -98,7 +139,25 @@ std::vector<Version> History::Versions(const NodePlace& place) {
     return versions;
 }
 
-NodeContent History::Before(const NodePlace& place, int version) {
+std::vector<Version> History::Versions(const NodePlace& place) {
+    return Find(Command::Get_AUTO_Versions, place);
+}
+
+std::optional<Version> History::Newest(const NodePlace& place) {
+    auto versions = Find(Command::Get_Newest_AUTO_Version, place);
+    return versions.empty() ? std::nullopt : std::optional(std::move(versions.front()));
+}
+
+std::vector<Version> History::Open(const NodePlace& place) {
+    if (dataBase_.IsRemote()) {
+        return {};
+    }
+    auto versions = Find(Command::Get_Unfinished_AUTO_Versions, place);
+    std::erase_if(versions, [](const Version& version) { return !IsUnfinished(version); });
+    return versions;
+}
+
+NodeContent History::Before(const NodePlace& place, std::int64_t version) {
     const std::string missing = Named(place) + " has no version " + std::to_string(version);
     if (!Exists()) {
         throw RuntimeError(ErrorNumber::InvalidProcedureCall, missing);
@@ -117,7 +176,7 @@ NodeContent History::Before(const NodePlace& place, int version) {
     }
 }
 
-bool History::IsAsBefore(const NodePlace& place, int version) {
+bool History::IsAsBefore(const NodePlace& place, std::int64_t version) {
     try {
         return ReadContent(dataBase_, place.partition, place.number) == Before(place, version);
     } catch (const RuntimeError& error) {
@@ -129,30 +188,27 @@ bool History::IsAsBefore(const NodePlace& place, int version) {
     }
 }
 
-std::optional<Version> History::Unfinished(const NodePlace& place, bool onlyRead) {
-    if (!onlyRead) {
-        TryToMarkEnded();
-    }
-    const auto versions = Versions(place);
+std::optional<Version> History::Unfinished(const NodePlace& place) {
+    const auto versions = Open(place);
     if (std::ranges::any_of(versions, IsBeingMade)) {
         return std::nullopt;
     }
-    for (const Version& version : versions) {
-        if (!IsUnfinished(version)) {
-            continue;
-        }
-        if (!IsAsBefore(place, version.number)) {
-            return version;
-        }
-        // The number of one that is dropped is given anew, and its owner would take the other for its own.
-        if (!onlyRead && IsSurelyOver(version)) {
-            Drop(place, version.number);
-        }
-    }
-    return std::nullopt;
+    const auto half = std::ranges::find_if(
+        versions, [&](const Version& version) { return !IsAsBefore(place, version.number); });
+    return half == versions.end() ? std::nullopt : std::optional(*half);
 }
 
-void History::End(const NodePlace& place, int version, const char* state) {
+void History::DropUntouched(const NodePlace& place) {
+    for (const Version& version : Open(place)) {
+        if (IsSurelyOver(version) && IsAsBefore(place, version.number)) {
+            dataBase_.Execute(Command::Delete_AUTO_Version,
+                              {place.partition.config, place.partition.number, place.number, version.number});
+            Forget(place, version.number);
+        }
+    }
+}
+
+void History::End(const NodePlace& place, std::int64_t version, const char* state) {
     ended_.push_back({place, version, state});
     MarkEnded();
 }
@@ -163,7 +219,8 @@ void History::MarkEnded() {
         const auto& [partition, node] = place;
         Transaction all(dataBase_, place.Number());
         Batch batch(dataBase_);
-        if (auto versions = Stored(place); FindOwn(versions, version, Self()) != versions.end()) {
+        if (auto versions = Stored(Command::Get_AUTO_Versions, place);
+            FindOwn(versions, version, Self()) != versions.end()) {
             SetState(batch, place, version, state);
             if (state == std::string_view(VersionState::Finished)) {
                 batch.Add(Command::Leave_AUTO_Versions, {partition.config, partition.number, node, version});
@@ -175,39 +232,38 @@ void History::MarkEnded() {
     }
 }
 
-void History::TryToMarkEnded() noexcept {
+void History::CatchUp() noexcept {
     try {
         MarkEnded();
     } catch (const RuntimeError&) {
-        // Whatever is to be done now tells of it if it cannot be done either.
+        // They wait for the next chance.
     }
 }
 
-void History::Drop(const NodePlace& place, int version) {
-    dataBase_.Execute(Command::Delete_AUTO_Version,
-                      {place.partition.config, place.partition.number, place.number, version});
-    Forget(place, version);
-}
-
-void History::Forget(const NodePlace& place, int version) {
+void History::Forget(const NodePlace& place, std::int64_t version) {
     std::erase_if(ended_,
                   [&](const Ended& ended) { return ended.place == place && ended.version == version; });
 }
 
-int History::Add(Batch& batch, const NodePlace& place, const char* work, const char* state,
-                 const NodeContent& before) {
-    return Add(batch, place, Versions(place), work, state, before);
+std::int64_t History::Add(Batch& batch, const NodePlace& place, const char* work, const char* state,
+                          const NodeContent& before) {
+    const auto newest = Newest(place);
+    return Add(batch, place, newest ? newest->number : 0, work, state, before);
 }
 
-int History::Add(Batch& batch, const NodePlace& place, const std::vector<Version>& versions, const char* work,
-                 const char* state, const NodeContent& before) {
-    const int number = versions.empty() ? 1 : versions.front().number + 1;
+std::int64_t History::Add(Batch& batch, const NodePlace& place, std::int64_t newest, const char* work,
+                          const char* state, const NodeContent& before) {
+    const std::int64_t number = newest + 1;
     Forget(place, number); // it was that of a change that never was
     const ProcessIdentity author = Self();
     const auto& [partition, node] = place;
     batch.Add(Command::Add_AUTO_Version,
               {partition.config, partition.number, node, number, work, state, TimeStamp(), author.user,
                author.host, author.program, author.process, author.start, TextOf(partition, node, before)});
+    if (state == std::string_view(VersionState::Begun) && TellsMachines()) {
+        batch.Add(Command::Set_AUTO_Version_Machine,
+                  {author.machine, partition.config, partition.number, node, number});
+    }
     if (number > KeptVersions) {
         batch.Add(Command::Prune_AUTO_Versions,
                   {partition.config, partition.number, node, number - KeptVersions, TimeStamp(KeptDays)});
@@ -222,12 +278,13 @@ bool History::HasBegun(Partition partition, int typeID, int number) {
                 .AtEnd();
 }
 
-void History::SetState(Batch& batch, const NodePlace& place, int version, const char* state) {
+void History::SetState(Batch& batch, const NodePlace& place, std::int64_t version, const char* state) {
     batch.Add(Command::Set_AUTO_Version_State,
               {state, place.partition.config, place.partition.number, place.number, version});
 }
 
-void History::RequireIdle(const NodePlace& place, const std::vector<Version>& versions) {
+void History::RequireIdle(const NodePlace& place) {
+    const auto versions = Open(place);
     if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
         throw RuntimeError(ErrorNumber::Busy, Named(place) + " is being saved by " +
                                                   Visible(AuthorText(*made)) + " since " +
@@ -236,18 +293,8 @@ void History::RequireIdle(const NodePlace& place, const std::vector<Version>& ve
 }
 
 void History::RequireIdle(std::span<const NodePlace> places) {
-    while (!places.empty()) {
-        const auto together = TakeTogether(places);
-        ReadAhead ahead(dataBase_);
-        if (Exists()) {
-            for (const NodePlace& place : together) {
-                ReadVersionsAhead(ahead, place);
-            }
-            ahead.Fetch();
-        }
-        for (const NodePlace& place : together) {
-            RequireIdle(place, Versions(place));
-        }
+    for (const NodePlace& place : places) {
+        RequireIdle(place);
     }
 }
 
@@ -256,17 +303,16 @@ void History::Keep(std::span<const NodePlace> places, const char* work, const Ta
         const auto together = TakeTogether(places);
         ReadAhead ahead(dataBase_);
         for (const NodePlace& place : together) {
-            ReadVersionsAhead(ahead, place);
+            ReadNewestAhead(ahead, place);
             ReadContentAhead(ahead, place.partition, place.number);
         }
         ahead.Fetch();
         Batch batch(dataBase_);
         for (const NodePlace& place : together) {
-            const auto versions = Versions(place);
-            RequireIdle(place, versions);
+            RequireIdle(place);
             NodeContent before = ReadContent(dataBase_, place.partition, place.number);
-            const int version = Add(batch, place, versions, work, VersionState::Finished, before);
-            if (!versions.empty()) {
+            const auto version = Add(batch, place, work, VersionState::Finished, before);
+            if (version > 1) {
                 batch.Add(Command::Leave_AUTO_Versions,
                           {place.partition.config, place.partition.number, place.number, version});
             }
@@ -278,8 +324,8 @@ void History::Keep(std::span<const NodePlace> places, const char* work, const Ta
     }
 }
 
-NodeContent History::ToPutBack(const NodePlace& place, int version) {
-    RequireIdle(place, Versions(place));
+NodeContent History::ToPutBack(const NodePlace& place, std::int64_t version) {
+    RequireIdle(place);
     NodeContent before = Before(place, version);
     if (!before.node) {
         throw RuntimeError(ErrorNumber::InvalidProcedureCall,
@@ -288,36 +334,96 @@ NodeContent History::ToPutBack(const NodePlace& place, int version) {
     return before;
 }
 
-NodeContent History::PutBack(const NodePlace& place, int version, const char* work) {
-    NodeContent replaced;
-    std::vector<int> undone = {version};
-    {
-        Transaction all(dataBase_, place.Number());
-        const NodeContent before = ToPutBack(place, version);
-        Batch batch(dataBase_);
-        // What a later change has left half-way goes with it.
-        for (const Version& later : Versions(place)) {
-            if (later.number > version && IsUnfinished(later)) {
-                undone.push_back(later.number);
-            }
-        }
-        replaced = ReadContent(dataBase_, place.partition, place.number);
-        Add(batch, place, work, VersionState::Finished, replaced);
-        batch.Run();
-        WriteContent(dataBase_, place.partition, place.number, before);
-        for (const int number : undone) {
-            SetState(batch, place, number, VersionState::PutBack);
-        }
-        all.Commit(batch);
+NodeContent History::PutBack(const NodePlace& place, std::int64_t version, const char* work) {
+    std::optional<Transaction> all(std::in_place, dataBase_, place.Number());
+    return PutBackNow(place, version, work, all);
+}
+
+bool History::PutBackUnfinished(const NodePlace& place, std::int64_t version) {
+    std::optional<Transaction> all(std::in_place, dataBase_, place.Number());
+    // One that has finished since leaves no older one unfinished.
+    const auto unfinished = Unfinished(place);
+    if (!unfinished || unfinished->number != version) {
+        return false;
     }
+    PutBackNow(place, version, "put back", all);
+    return true;
+}
+
+NodeContent History::PutBackNow(const NodePlace& place, std::int64_t version, const char* work,
+                                std::optional<Transaction>& all) {
+    std::vector<std::int64_t> undone = {version};
+    const NodeContent before = ToPutBack(place, version);
+    Batch batch(dataBase_);
+    // What a later change has left half-way goes with it.
+    for (const Version& later : Open(place)) {
+        if (later.number > version) {
+            undone.push_back(later.number);
+        }
+    }
+    NodeContent replaced = ReadContent(dataBase_, place.partition, place.number);
+    Add(batch, place, work, VersionState::Finished, replaced);
+    batch.Run();
+    WriteContent(dataBase_, place.partition, place.number, before);
+    for (const std::int64_t number : undone) {
+        SetState(batch, place, number, VersionState::PutBack);
+    }
+    all->Commit(batch);
+    all.reset();
     dataBase_.Flush();
-    for (const int number : undone) {
+    for (const std::int64_t number : undone) {
         FinishCreations(place, number);
     }
     return replaced;
 }
 
-void History::FinishCreations(const NodePlace& place, int version) {
+void History::Withdraw(const NodePlace& place, std::int64_t version) {
+    Transaction all(dataBase_, place.Number());
+    auto versions = Stored(Command::Get_Unfinished_AUTO_Versions, place);
+    if (FindOwn(versions, version, Self()) != versions.end()) {
+        dataBase_.Execute(Command::Delete_AUTO_Version,
+                          {place.partition.config, place.partition.number, place.number, version});
+    }
+    all.Commit();
+    Forget(place, version);
+}
+
+bool History::IsOwn(const NodePlace& place, std::int64_t version) {
+    auto versions = Stored(Command::Get_AUTO_Versions, place);
+    return FindOwn(versions, version, Self()) != versions.end();
+}
+
+bool History::IsHalfMade(const NodePlace& place) {
+    const auto& [partition, node] = place;
+    if (dataBase_.IsRemote() || !Exists()) {
+        return false;
+    }
+    NodePlace maker{partition, 0};
+    {
+        const ResultSet row =
+            dataBase_.Query(Command::Get_Creation, {partition.config, partition.number, AutoType, node});
+        if (row.AtEnd()) {
+            return false;
+        }
+        maker.number = row.Number16("MasterID");
+    }
+    return std::ranges::none_of(Open(maker), IsBeingMade) &&
+           !IsNodeExisted(dataBase_, partition, AutoType, node);
+}
+
+void History::MakeWhole(const NodePlace& place) {
+    const auto& [partition, node] = place;
+    std::string date;
+    {
+        const ResultSet row =
+            dataBase_.Query(Command::Get_Creation, {partition.config, partition.number, AutoType, node});
+        date = row.AtEnd() ? std::string() : std::string(row.Text("DateModified"));
+    }
+    CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, node, AutoType, date, Existing::Keep);
+    dataBase_.Flush();
+}
+
+void History::FinishCreations(const NodePlace& place, std::int64_t version) {
     struct Begun {
         int typeID;
         int number;
@@ -344,7 +450,7 @@ void History::FinishCreations(const NodePlace& place, int version) {
 std::int64_t History::Prune() {
     struct Kept {
         NodePlace place;
-        int newest;
+        std::int64_t newest;
     };
 
     if (!Exists()) {
@@ -354,7 +460,7 @@ std::int64_t History::Prune() {
     for (ResultSet rows = dataBase_.Query(Command::Get_AUTO_Nodes_With_Versions, {}); !rows.AtEnd();
          rows.MoveNext()) {
         nodes.push_back({{{rows.Number16("ConfigID"), rows.Number16("PartID")}, rows.Number16("NodeNumber")},
-                         rows.Number("VersionNo")});
+                         rows.Number64("VersionNo")});
     }
     std::int64_t pruned = 0;
     for (const auto& [place, newest] : nodes) {

@@ -14,6 +14,8 @@ namespace KAL_AUTO_Node {
 class Batch;
 class DataBase;
 class ReadAhead;
+class Transaction;
+enum class Command;
 
 // The changes of AUTO nodes that a store keeps, with each node as it was before them.
 class History {
@@ -30,25 +32,38 @@ class History {
     // Makes the store keep one; false where it may not be changed so.
     [[nodiscard]] bool Prepare();
 
-    static void ReadVersionsAhead(ReadAhead& ahead, const NodePlace& place);
+    static void ReadNewestAhead(ReadAhead& ahead, const NodePlace& place);
     // Newest first; none where there is no history.
     [[nodiscard]] std::vector<Version> Versions(const NodePlace& place);
+    // The first of them. Like those that did not finish, it is found in the same time however many there are.
+    [[nodiscard]] std::optional<Version> Newest(const NodePlace& place);
+    // Those that are begun or failed, newest first. A server has none: a save is whole there or not at all.
+    [[nodiscard]] std::vector<Version> Open(const NodePlace& place);
     // The node as it was before a change. Raises InvalidProcedureCall where there is no such version.
-    [[nodiscard]] NodeContent Before(const NodePlace& place, int version);
+    [[nodiscard]] NodeContent Before(const NodePlace& place, std::int64_t version);
 
     // The newest change that never got to its end, is not being made now and has left the node another than
-    // it was. One that has not is dropped once it is surely over, unless the store is only to be read.
-    [[nodiscard]] std::optional<Version> Unfinished(const NodePlace& place, bool onlyRead = false);
+    // it was. Only reads.
+    [[nodiscard]] std::optional<Version> Unfinished(const NodePlace& place);
+    // Drops the changes that are surely over and have left the node as it was. Part of a transaction.
+    void DropUntouched(const NodePlace& place);
 
     // Marks a change of this process's that is over as finished or failed; one that is finished has gone over
     // those before it. Where the mark cannot be written, the change is over for this history all the same,
     // and marked with the next chance.
-    void End(const NodePlace& place, int version, const char* state);
+    void End(const NodePlace& place, std::int64_t version, const char* state);
+
+    // Marks the changes that ended here and could not be marked then; where they still cannot be, whatever is
+    // done next tells of it.
+    void CatchUp() noexcept;
 
     // Adds a version of that work and state for a change that follows, and drops those that are kept no
     // longer. Part of a transaction, before whose end the batch is run.
-    int Add(Batch& batch, const NodePlace& place, const char* work, const char* state,
-            const NodeContent& before);
+    std::int64_t Add(Batch& batch, const NodePlace& place, const char* work, const char* state,
+                     const NodeContent& before);
+    // Where the newest is known; 0 where there is none.
+    std::int64_t Add(Batch& batch, const NodePlace& place, std::int64_t newest, const char* work,
+                     const char* state, const NodeContent& before);
 
     // Keeps nodes as they are, before a change that is whole with the transaction that this is part of; tells
     // in order what is kept. Raises Busy while one of them is being saved. No place stands there twice.
@@ -62,10 +77,24 @@ class History {
 
     // The node as PutBack makes it. Raises Busy while the node is being saved, and InvalidProcedureCall where
     // there was none.
-    [[nodiscard]] NodeContent ToPutBack(const NodePlace& place, int version);
+    [[nodiscard]] NodeContent ToPutBack(const NodePlace& place, std::int64_t version);
     // Makes the store hold the node as it was before a change, in one step that is itself a version; the
     // change and those after it are undone. Returns what the step replaced.
-    NodeContent PutBack(const NodePlace& place, int version, const char* work);
+    NodeContent PutBack(const NodePlace& place, std::int64_t version, const char* work);
+
+    // The same for a save that did not finish; false where it is no longer so, or a later one has finished.
+    [[nodiscard]] bool PutBackUnfinished(const NodePlace& place, std::int64_t version);
+
+    // Takes back the mark of a change of this process's that has changed nothing.
+    void Withdraw(const NodePlace& place, std::int64_t version);
+    // Whether there is a version of that number, and of this process.
+    [[nodiscard]] bool IsOwn(const NodePlace& place, std::int64_t version);
+    // Whether the node is now what it was before a change; not where that cannot be read.
+    [[nodiscard]] bool IsAsBefore(const NodePlace& place, std::int64_t version);
+
+    // Whether a save began to make the node itself from its template, and nobody makes the rest any more.
+    [[nodiscard]] bool IsHalfMade(const NodePlace& place);
+    void MakeWhole(const NodePlace& place);
 
     // Drops what is kept no longer of all nodes; returns how many versions went.
     std::int64_t Prune();
@@ -73,29 +102,28 @@ class History {
   private:
     struct Ended {
         NodePlace place;
-        int version;
+        std::int64_t version;
         const char* state;
     };
 
     // Who works here; on a server with the role, of which the workstation's user says nothing.
     [[nodiscard]] ProcessIdentity Self();
-    [[nodiscard]] std::vector<Version> Stored(const NodePlace& place);
-    static void RequireIdle(const NodePlace& place, const std::vector<Version>& versions);
-    // Behind those versions.
-    int Add(Batch& batch, const NodePlace& place, const std::vector<Version>& versions, const char* work,
-            const char* state, const NodeContent& before);
-    // Whether the node is now what it was before a change; not where that cannot be read.
-    [[nodiscard]] bool IsAsBefore(const NodePlace& place, int version);
+    // The versions that a command finds, as they are known here.
+    [[nodiscard]] std::vector<Version> Find(Command command, const NodePlace& place);
+    [[nodiscard]] std::vector<Version> Stored(Command command, const NodePlace& place);
+    // Whether its table tells machines apart, as that of an older version does not.
+    [[nodiscard]] bool TellsMachines();
+    void RequireIdle(const NodePlace& place);
+    NodeContent PutBackNow(const NodePlace& place, std::int64_t version, const char* work,
+                           std::optional<Transaction>& all);
     void MarkEnded();
-    void TryToMarkEnded() noexcept;
-    void Forget(const NodePlace& place, int version);
-    void Drop(const NodePlace& place, int version);
-    static void SetState(Batch& batch, const NodePlace& place, int version, const char* state);
+    void Forget(const NodePlace& place, std::int64_t version);
+    static void SetState(Batch& batch, const NodePlace& place, std::int64_t version, const char* state);
     // Makes what the change began to make from templates.
-    void FinishCreations(const NodePlace& place, int version);
+    void FinishCreations(const NodePlace& place, std::int64_t version);
 
     DataBase& dataBase_;
-    bool exists_ = false;      // known to
+    std::optional<bool> tellsMachines_;
     std::vector<Ended> ended_; // and not marked so yet
 };
 

@@ -18,21 +18,6 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t NodesTogether = 100;
 
-// A register that cannot be read holds up nothing here; the save tells of it where it needs it.
-std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, Partition partition, std::int16_t number) try {
-    const ResultSet row =
-        dataBase.Query(Command::Get_Description, {partition.config, partition.number, AutoType, number});
-    if (row.AtEnd()) {
-        return std::nullopt;
-    }
-    return RegisterEntry{std::string(row.Field("NodeType").value_or("")),
-                         OptionalText(row, "NodeDescription"), OptionalText(row, "DateModified")};
-
-} catch (const RuntimeError&) {
-
-    return std::nullopt;
-}
-
 void WriteRecord(Batch& batch, Partition partition, std::int16_t number, const AutoNode& node) {
     UpdateRecord(batch, partition, number, node);
     if (batch.Run().back() == 0) {
@@ -50,8 +35,10 @@ void WriteEntry(Batch& batch, Partition partition, std::int16_t number, const Re
     }
 }
 
-std::optional<std::string> TextIn(const Json& member) {
-    return member.is_null() ? std::nullopt : std::optional(member.get<std::string>());
+std::optional<std::string> TextIn(const Json& document, const char* name) {
+    const auto found = document.find(name);
+    return found == document.end() || found->is_null() ? std::nullopt
+                                                       : std::optional(found->get<std::string>());
 }
 
 // Says that the texts stand as letters, a byte each.
@@ -74,6 +61,7 @@ std::string TextOf(Partition partition, std::int16_t number, const NodeContent& 
     std::string text;
     JsonWriter json(text, how);
     json.Begin('{');
+    json.Member("version", ContentVersion);
     json.Name("node");
     if (content.node) {
         WriteNode(json, partition, number, *content.node, Labels::Leave);
@@ -98,6 +86,46 @@ std::string TextOf(Partition partition, std::int16_t number, const NodeContent& 
 }
 
 } // namespace
+
+std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, Partition partition, std::int16_t number) try {
+    const ResultSet row =
+        dataBase.Query(Command::Get_Description, {partition.config, partition.number, AutoType, number});
+    if (row.AtEnd()) {
+        return std::nullopt;
+    }
+    return RegisterEntry{std::string(row.Field("NodeType").value_or("")),
+                         OptionalText(row, "NodeDescription"), OptionalText(row, "DateModified")};
+
+} catch (const RuntimeError& error) {
+
+    if (error.Number() == ErrorNumber::StoreUnreachable || error.Number() == ErrorNumber::StoreLocked) {
+        throw;
+    }
+    return std::nullopt; // the save tells of it where it needs it
+}
+
+std::vector<std::string> Differences(const NodeContent& before, const NodeContent& after) {
+    std::vector<std::string> lines;
+    if (before.node && after.node) {
+        lines = Differences(*before.node, *after.node);
+    }
+    const auto told = [](const std::optional<std::string>& text) {
+        return text ? '"' + *text + '"' : "nothing";
+    };
+    const auto compare = [&](const char* what, const std::optional<std::string>& was,
+                             const std::optional<std::string>& is) {
+        if (was != is) {
+            lines.push_back(std::string("in the register ") + what + ' ' + told(was) + " → " + told(is));
+        }
+    };
+    const auto none = RegisterEntry();
+    const RegisterEntry& was = before.entry ? *before.entry : none;
+    const RegisterEntry& is = after.entry ? *after.entry : none;
+    compare("type", was.type, is.type);
+    compare("label", was.label, is.label);
+    compare("date", was.dateModified, is.dateModified);
+    return lines;
+}
 
 void ReadContentAhead(ReadAhead& ahead, Partition partition, std::int16_t number) {
     ReadAutoNodeAhead(ahead, partition, number);
@@ -159,9 +187,9 @@ NodeContent ContentOf(const std::string& text) {
         if (const Json& node = document.at("node"); !node.is_null()) {
             content.node = NodeFromJson(node);
         }
-        if (const Json& entry = document.at("register"); !entry.is_null()) {
-            content.entry = {entry.at("type").get<std::string>(), TextIn(entry.at("label")),
-                             TextIn(entry.at("dateModified"))};
+        if (const auto entry = document.find("register"); entry != document.end() && !entry->is_null()) {
+            content.entry = {entry->value("type", std::string()), TextIn(*entry, "label"),
+                             TextIn(*entry, "dateModified")};
         }
         return content;
     } catch (const Json::exception& error) {

@@ -8,6 +8,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace KAL_AUTO_Node {
 
@@ -31,6 +32,19 @@ struct NodeContent {
     friend bool operator==(const NodeContent&, const NodeContent&) = default;
 };
 
+// A content as somebody has seen it, and the node's newest version then; 0 where there was none.
+struct SeenNode {
+    NodeContent content;
+    std::int64_t version = 0;
+};
+
+// As Differences of nodes, and of what the register says.
+[[nodiscard]] std::vector<std::string> Differences(const NodeContent& before, const NodeContent& after);
+
+// The register's row of an AUTO node; a register that cannot be read, though the store can, holds up nothing.
+[[nodiscard]] std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, Partition partition,
+                                                     std::int16_t number);
+
 [[nodiscard]] NodeContent ReadContent(DataBase& dataBase, Partition partition, std::int16_t number);
 void ReadContentAhead(ReadAhead& ahead, Partition partition, std::int16_t number);
 
@@ -46,7 +60,10 @@ void ReadContents(DataBase& dataBase, std::span<const NodePlace> places, const T
 // Makes the store hold exactly that of the node. Part of a transaction.
 void WriteContent(DataBase& dataBase, Partition partition, std::int16_t number, const NodeContent& content);
 
-// The text in which the history keeps a content, and back. Raises StoreNotRecognized for another text.
+// The text in which the history keeps a content, with its version, and back: also from texts of older and of
+// newer programs, of which a member that is missing has its default. Raises StoreNotRecognized for another
+// text.
+inline constexpr int ContentVersion = 2; // those of version 1 do not tell it
 [[nodiscard]] std::string TextOf(Partition partition, std::int16_t number, const NodeContent& content);
 [[nodiscard]] NodeContent ContentOf(const std::string& text);
 

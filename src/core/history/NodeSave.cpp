@@ -1,115 +1,294 @@
 #include "history/NodeSave.h"
 
+#include "nodes/AutoNodeReader.h"
+#include "nodes/AutoNodeWriter.h"
+#include "nodes/NodeTypes.h"
 #include "platform/RuntimeError.h"
 #include "store/Batch.h"
 
 #include <algorithm>
 #include <chrono>
 #include <thread>
+#include <utility>
 
 namespace KAL_AUTO_Node {
 
 namespace {
 
-// A save takes a fraction of a second; only one that lasts is worth telling.
+// A save takes a fraction of a second; only one that lasts is worth telling. Two in a store whose statements
+// each wait for the disk keep each other waiting as well.
 constexpr std::chrono::milliseconds LongestWait(2000);
 constexpr std::chrono::milliseconds BetweenLooks(50);
 
+// What could be read of a history that some other program has written says nothing; saving goes on without.
+bool IsNoHistory(const RuntimeError& error) {
+    return error.Number() == ErrorNumber::Overflow || error.Number() == ErrorNumber::InvalidUseOfNull ||
+           error.Number() == ErrorNumber::ColumnNotFound;
+}
+
+// A register that could not be read is not known to have changed.
+bool IsSame(const NodeContent& seen, const NodeContent& stored) {
+    return seen.node == stored.node && (!seen.entry || !stored.entry || seen.entry == stored.entry);
+}
+
+template <class Step>
+bool Clear(SeenNode& seen, SaveAudience& audience, Step step) {
+    while (auto obstacle = step()) {
+        if (!audience.GoesOver(seen, *obstacle)) {
+            return false;
+        }
+        // As far as the audience has seen by now.
+        seen = std::move(obstacle->stored);
+    }
+    return true;
+}
+
+// Fetches from a server whether nodes exist: of all at once and, where nodes are created, which makes that
+// old, of the next few.
+class Existence {
+  public:
+    Existence(DataBase& dataBase, Partition partition, std::span<const RequiredNode> nodes)
+        : ahead_(dataBase), partition_(partition), nodes_(nodes), count_(nodes.size()) {}
+
+    // Before it is asked for; in the order of the nodes.
+    void LookUp(const RequiredNode& node) {
+        if (known_-- > 0) {
+            return;
+        }
+        const auto rest = nodes_.subspan(static_cast<std::size_t>(&node - nodes_.data()));
+        const auto next = rest.first(std::min(count_, rest.size()));
+        for (const RequiredNode& one : next) {
+            LookUpAhead(ahead_, partition_, one.typeID, one.number);
+        }
+        ahead_.Fetch();
+        known_ = std::ssize(next) - 1;
+    }
+
+    void Forget() {
+        known_ = 0;
+        count_ = Few;
+    }
+
+  private:
+    static constexpr std::size_t Few = 50;
+
+    ReadAhead ahead_;
+    Partition partition_;
+    std::span<const RequiredNode> nodes_;
+    std::size_t count_;
+    std::ptrdiff_t known_ = 0; // of how many more it is known
+};
+
 } // namespace
 
-std::optional<Obstacle> NodeSave::Begin(const AutoNode& loaded, int version) {
-    const bool guarded = history_.Prepare();
-    const auto end = std::chrono::steady_clock::now() + LongestWait;
-    while (true) {
-        std::optional<Version> made;
-        {
-            std::optional<Transaction> all;
-            std::vector<Version> versions;
-            if (guarded) {
-                all.emplace(dataBase_, place_.Number());
-            }
-            ReadAhead ahead(dataBase_);
-            ReadContentAhead(ahead, place_.partition, place_.number);
-            if (guarded) {
-                History::ReadVersionsAhead(ahead, place_);
-            }
-            ahead.Fetch();
-            if (guarded) {
-                versions = history_.Versions(place_);
-            }
-            if (const auto found = std::ranges::find_if(versions, IsBeingMade); found != versions.end()) {
-                made = *found;
-            } else {
-                NodeContent stored = ReadContent(dataBase_, place_.partition, place_.number);
-                if (!stored.node) {
-                    return Obstacle{Obstacle::Gone, {}, {}};
-                }
-                if (*stored.node != loaded) {
-                    const bool known = !versions.empty() && versions.front().number > version;
-                    return Obstacle{Obstacle::Changed, std::move(stored.node),
-                                    known ? std::optional(versions.front()) : std::nullopt};
-                }
-                if (guarded) {
-                    Batch batch(dataBase_);
-                    version_ = history_.Add(batch, place_, "save", VersionState::Begun, stored);
-                    try {
-                        all->Commit(batch);
-                    } catch (const RuntimeError&) {
-                        // It may have failed when it was in place already.
-                        all.reset();
-                        static_cast<void>(Fail());
-                        version_ = 0;
-                        throw;
-                    }
-                }
-                return std::nullopt;
-            }
+// A save that is left without its end has failed.
+class NodeSave::Ending {
+  public:
+    explicit Ending(NodeSave& save) : save_(save) {}
+
+    ~Ending() {
+        if (save_.marked_ || save_.writing_) {
+            save_.Fail();
         }
-        if (std::chrono::steady_clock::now() >= end) {
-            return Obstacle{Obstacle::BeingSaved, {}, made};
+    }
+
+    Ending(const Ending&) = delete;
+    Ending& operator=(const Ending&) = delete;
+
+  private:
+    NodeSave& save_;
+};
+
+bool NodeSave::Run(SeenNode& seen, const AutoNode& node, const std::string& date, SaveAudience& audience) {
+    const Ending ending(*this);
+    const bool saved = dataBase_.IsRemote() ? RunOnServer(seen, node, date, audience)
+                                            : RunInFile(seen, node, date, audience);
+    writing_ = false;
+    if (saved) {
+        auto entry = std::move(before_.entry);
+        if (entry) {
+            entry->label = node.label;
+            entry->dateModified = date;
+        }
+        seen = {{node, std::move(entry)}, version_};
+    }
+    return saved;
+}
+
+bool NodeSave::RunInFile(SeenNode& seen, const AutoNode& node, const std::string& date,
+                         SaveAudience& audience) {
+    if (!Clear(seen, audience, [&] { return Begin(seen); })) {
+        return false;
+    }
+    audience.MakeMissing(*this);
+    audience.Writing();
+    if (!Clear(seen, audience, [&] { return Renew(seen); })) {
+        return false;
+    }
+    writing_ = true;
+    left_ = Left::Unknown;
+    Batch batch(dataBase_);
+    AddWrites(batch, place_.partition, place_.number, node, date);
+    RequireWritten(batch.Run(), seen, node);
+    Finish();
+    return true;
+}
+
+bool NodeSave::RunOnServer(SeenNode& seen, const AutoNode& node, const std::string& date,
+                           SaveAudience& audience) {
+    guarded_ = history_.Prepare();
+    if (!Clear(seen, audience, [&] { return Look(seen); })) {
+        return false;
+    }
+    audience.MakeMissing(*this);
+    audience.Writing();
+    // The questions may have taken any time.
+    std::optional<Transaction> all;
+    const auto lookAgain = [&] {
+        all.emplace(dataBase_, place_.Number());
+        auto obstacle = Look(seen);
+        if (obstacle) {
+            all.reset();
+        }
+        return obstacle;
+    };
+    if (!Clear(seen, audience, lookAgain)) {
+        return false;
+    }
+    Batch batch(dataBase_);
+    AddWrites(batch, place_.partition, place_.number, node, date);
+    if (guarded_) {
+        version_ = history_.Add(batch, place_, newest_, "save", VersionState::Finished, before_);
+        // Older programs leave marks here, too.
+        batch.Add(Command::Leave_AUTO_Versions,
+                  {place_.partition.config, place_.partition.number, place_.number, version_});
+    }
+    try {
+        all->Commit(batch);
+    } catch (const RuntimeError& error) {
+        left_ = error.Number() == ErrorNumber::OutcomeUnknown ? Left::Unknown : Left::Nothing;
+        throw;
+    }
+    left_ = Left::Unknown;
+    RequireWritten(batch.Run(), seen, node);
+    return true;
+}
+
+std::optional<Obstacle> NodeSave::Look(const SeenNode& seen) {
+    ReadAhead ahead(dataBase_);
+    ReadContentAhead(ahead, place_.partition, place_.number);
+    if (guarded_) {
+        History::ReadNewestAhead(ahead, place_);
+    }
+    ahead.Fetch();
+    std::optional<Version> newest;
+    if (guarded_) {
+        try {
+            newest = history_.Newest(place_);
+            newest_ = newest ? newest->number : 0;
+            guarded_ = newest_ < INT64_MAX;
+        } catch (const RuntimeError& error) {
+            if (!IsNoHistory(error) && history_.Exists()) {
+                throw;
+            }
+            guarded_ = false; // its tables are gone, or another program's doing cannot be read
+        }
+    }
+    before_ = ReadContent(dataBase_, place_.partition, place_.number);
+    if (!before_.node) {
+        return Obstacle{Obstacle::Gone, {}, {}};
+    }
+    if (IsSame(seen.content, before_)) {
+        return std::nullopt;
+    }
+    const bool known = newest && newest->number > seen.version;
+    const std::int64_t version = newest ? newest->number : seen.version;
+    return Obstacle{Obstacle::Changed, {before_, version}, known ? newest : std::nullopt};
+}
+
+std::optional<Obstacle> NodeSave::Begin(const SeenNode& seen) {
+    const auto end = std::chrono::steady_clock::now() + LongestWait;
+    const auto isOver = [&] { return std::chrono::steady_clock::now() >= end; };
+    while (true) {
+        try {
+            auto obstacle = Mark(seen);
+            if (!obstacle || obstacle->kind != Obstacle::BeingSaved || isOver()) {
+                return obstacle;
+            }
+        } catch (const RuntimeError& error) {
+            if (error.Number() != ErrorNumber::StoreLocked || isOver()) {
+                throw;
+            }
         }
         std::this_thread::sleep_for(BetweenLooks);
     }
 }
 
-Creation NodeSave::Create(int typeID, int number, const std::string& date) {
-    const auto& [partition, node] = place_;
-    auto existing = Existing::Refuse;
-    // Where nothing can be made nothing is left to be finished.
-    const bool marked = Guarded() && HasCopyRule(NodeTypeOf(typeID));
-    if (marked) {
-        if (history_.HasBegun(partition, typeID, number)) {
-            existing = Existing::Keep;
-        } else {
-            dataBase_.Execute(Command::Add_Creation, {partition.config, partition.number, NodeTypeOf(typeID),
-                                                      number, version_, node, date});
-        }
+std::optional<Obstacle> NodeSave::Mark(const SeenNode& seen) {
+    guarded_ = history_.Prepare();
+    if (!guarded_) {
+        return Look(seen);
     }
-    const Creation outcome =
-        CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, number, typeID, date, existing);
-    if (marked && outcome == Creation::NoTemplate) {
-        dataBase_.Execute(Command::Delete_Creation,
-                          {partition.config, partition.number, NodeTypeOf(typeID), number});
+    Transaction all(dataBase_, place_.Number());
+    auto obstacle = Look(seen);
+    if (!guarded_) {
+        return obstacle;
     }
-    return outcome;
+    auto open = history_.Open(place_);
+    if (const auto made = std::ranges::find_if(open, IsBeingMade); made != open.end()) {
+        return Obstacle{Obstacle::BeingSaved, {}, std::move(*made)};
+    }
+    if (obstacle) {
+        return obstacle;
+    }
+    history_.DropUntouched(place_);
+    Batch batch(dataBase_);
+    version_ = history_.Add(batch, place_, "save", VersionState::Begun, before_);
+    marked_ = true; // where that fails, it may have failed when it was in place already
+    all.Commit(batch);
+    return std::nullopt;
 }
 
-void NodeSave::Renew() {
-    if (!Guarded()) {
-        return;
+std::optional<Obstacle> NodeSave::Renew(const SeenNode& seen) {
+    if (!marked_) {
+        return guarded_ ? Begin(seen) : Look(seen);
     }
-    const auto& [partition, node] = place_;
-    if (dataBase_.Execute(Command::Renew_AUTO_Version,
-                          {TimeStamp(), partition.config, partition.number, node, version_}) == 0) {
-        throw RuntimeError(ErrorNumber::Busy, "Somebody else has saved AUTO node " + std::to_string(node) +
-                                                  " meanwhile; nothing of it was written");
+    {
+        Transaction all(dataBase_, place_.Number());
+        const auto& [partition, node] = place_;
+        const bool stands =
+            dataBase_.Execute(Command::Renew_AUTO_Version,
+                              {TimeStamp(), partition.config, partition.number, node, version_}) == 1;
+        if (stands && IsSame(seen.content, ReadContent(dataBase_, partition, node))) {
+            all.Commit();
+            return std::nullopt;
+        }
+    }
+    // It was taken for dead, or a program without marks has changed the node.
+    history_.Withdraw(place_, version_);
+    marked_ = false;
+    return Begin(seen);
+}
+
+void NodeSave::RequireWritten(std::span<const std::int64_t> written, const SeenNode& seen,
+                              const AutoNode& node) {
+    const auto rows = RowsWritten(node, seen.content.entry.has_value());
+    const auto missing =
+        std::ranges::count_if(rows, [&](std::size_t at) { return at >= written.size() || written[at] == 0; });
+    // A view of another program's tells no number.
+    if (missing > 0 && ReadAutoNode(dataBase_, place_.partition, place_.number) != node) {
+        throw RuntimeError(ErrorNumber::StoreFailure,
+                           "Of " + std::to_string(rows.size()) + " rows of the node " +
+                               std::to_string(missing) +
+                               " are not stored, though no statement failed; a trigger of the store may have "
+                               "left them out");
     }
 }
 
 void NodeSave::Finish() {
-    written_ = true;
+    const bool marked = std::exchange(marked_, false);
     try {
-        if (Guarded()) {
+        if (marked) {
             history_.End(place_, version_, VersionState::Finished);
         }
         dataBase_.Flush();
@@ -124,22 +303,70 @@ void NodeSave::Finish() {
     }
 }
 
-bool NodeSave::Fail() noexcept {
-    if (written_) {
-        return false;
-    }
-    bool half = false;
+void NodeSave::Fail() noexcept {
     try {
-        if (Guarded()) {
+        if (std::exchange(marked_, false)) {
             history_.End(place_, version_, VersionState::Failed);
-            const auto left = history_.Unfinished(place_);
-            half = left && left->number == version_;
+            if (!writing_ || history_.IsAsBefore(place_, version_)) {
+                left_ = Left::Nothing;
+                history_.Withdraw(place_, version_);
+            } else {
+                left_ = Left::Part;
+            }
         }
         dataBase_.Flush();
     } catch (const RuntimeError&) {
         // The failure that ended the save is the one to report. The mark says that the save did not finish.
     }
-    return half;
+}
+
+void NodeSave::CreateMissing(std::span<const RequiredNode> nodes, const std::string& date,
+                             const CreationAudience& audience) {
+    using Answer = CreationAudience::Answer;
+    Existence existence(dataBase_, place_.partition, nodes);
+    auto answer = Answer::Leave;
+    for (const RequiredNode& node : nodes) {
+        existence.LookUp(node);
+        try {
+            if (IsNodeExisted(dataBase_, place_.partition, node.typeID, node.number)) {
+                continue;
+            }
+        } catch (const RuntimeError&) {
+            audience.lookUpFailed();
+        }
+        if (answer != Answer::CreateAll) {
+            answer = audience.ask(node);
+        }
+        if (answer == Answer::Stop) {
+            return;
+        }
+        if (answer != Answer::Leave) {
+            const Creation outcome = Create(node, date);
+            existence.Forget();
+            audience.tell(node, outcome);
+        }
+    }
+}
+
+Creation NodeSave::Create(const RequiredNode& required, const std::string& date) {
+    const auto& [partition, node] = place_;
+    const int typeID = NodeTypeOf(required.typeID);
+    auto existing = Existing::Refuse;
+    if (marked_) {
+        if (history_.HasBegun(partition, typeID, required.number)) {
+            existing = Existing::Keep;
+        } else {
+            dataBase_.Execute(Command::Add_Creation, {partition.config, partition.number, typeID,
+                                                      required.number, version_, node, date});
+        }
+    }
+    const Creation outcome =
+        CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, required.number, typeID, date, existing);
+    if (marked_ && (outcome == Creation::NoRule || outcome == Creation::NoTemplate)) {
+        dataBase_.Execute(Command::Delete_Creation,
+                          {partition.config, partition.number, typeID, required.number});
+    }
+    return outcome;
 }
 
 } // namespace KAL_AUTO_Node

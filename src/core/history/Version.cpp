@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <limits>
 #include <optional>
 #include <string_view>
 
@@ -57,7 +58,8 @@ bool IsBeingMade(const Version& version) {
 
 bool IsSurelyOver(const Version& version) {
     return version.state != VersionState::Begun ||
-           (version.author.host == HostName() && !IsRunning(version.author.process, version.author.start));
+           HasSurelyEnded(version.author,
+                          Read(version.begunAt).value_or(std::numeric_limits<std::time_t>::max()));
 }
 
 std::string TimeStamp(int daysAgo) { return Written(Clock::now() - std::chrono::hours(24) * daysAgo); }

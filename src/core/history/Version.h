@@ -2,6 +2,7 @@
 
 #include "platform/ProcessIdentity.h"
 
+#include <cstdint>
 #include <string>
 
 namespace KAL_AUTO_Node {
@@ -9,11 +10,11 @@ namespace KAL_AUTO_Node {
 // One change of a node: who made it and what became of it. The history keeps with it the node as it was
 // before.
 struct Version {
-    int number = 0;      // from 1, ascending with time
-    std::string work;    // what changed the node: "save", "restore", "put back", "import",
-                         // "repoint"
-    std::string state;   // one of those below
-    std::string begunAt; // UTC, YYYY-MM-DDTHH:MM:SS.mmmZ
+    std::int64_t number = 0; // from 1, ascending with time
+    std::string work;        // what changed the node: "save", "restore", "put back", "import",
+                             // "repoint"
+    std::string state;       // one of those below
+    std::string begunAt;     // UTC, YYYY-MM-DDTHH:MM:SS.mmmZ
     ProcessIdentity author;
 };
 
@@ -30,10 +31,10 @@ inline constexpr const char* PutBack = "put back";  // not whole, and undone
 [[nodiscard]] bool IsUnfinished(const Version& version);
 
 // Whether the change is still being made, as far as can be told: it began less than OwnerLimitMinutes ago, or
-// ahead by a clock that goes wrong, and its process, where that is one of this host, runs.
+// ahead by a clock that goes wrong, and its process is not known to have ended.
 [[nodiscard]] bool IsBeingMade(const Version& version);
 
-// Whether the change is over for certain: told so by its own process, or that ran on this host and is gone.
+// Whether the change is over for certain: told so by its own process, or that is known to have ended.
 [[nodiscard]] bool IsSurelyOver(const Version& version);
 
 // For longer than this nobody is kept from saving: a process may be hung, or unable to mark the end of its

@@ -2,6 +2,8 @@
 
 #include "store/Batch.h"
 
+#include <numeric>
+
 namespace KAL_AUTO_Node {
 
 void DeleteDetails(Batch& batch, Partition partition, std::int16_t number) {
@@ -53,14 +55,30 @@ void AddDetails(Batch& batch, Partition partition, std::int16_t number, const Au
     }
 }
 
-void WriteAutoNode(DataBase& dataBase, Partition partition, std::int16_t number, const AutoNode& node,
-                   const std::string& date) {
-    Batch batch(dataBase);
+void AddWrites(Batch& batch, Partition partition, std::int16_t number, const AutoNode& node,
+               const std::string& date) {
     DeleteDetails(batch, partition, number);
     UpdateRecord(batch, partition, number, node);
     batch.Add(Command::Update_Node_General_Pool,
               {node.label, date, partition.config, partition.number, AutoType, number});
     AddDetails(batch, partition, number, node);
+}
+
+std::vector<std::size_t> RowsWritten(const AutoNode& node, bool registered) {
+    constexpr std::size_t record = 2; // after the statements that delete
+    std::vector<std::size_t> rows(node.prompts.size() + node.actions.size());
+    std::iota(rows.begin(), rows.end(), record + 2);
+    rows.push_back(record);
+    if (registered) {
+        rows.push_back(record + 1);
+    }
+    return rows;
+}
+
+void WriteAutoNode(DataBase& dataBase, Partition partition, std::int16_t number, const AutoNode& node,
+                   const std::string& date) {
+    Batch batch(dataBase);
+    AddWrites(batch, partition, number, node, date);
     batch.Run();
 }
 

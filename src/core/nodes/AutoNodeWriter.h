@@ -3,8 +3,10 @@
 #include "nodes/AutoNode.h"
 #include "nodes/Identity.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace KAL_AUTO_Node {
 
@@ -17,6 +19,12 @@ class DataBase;
 // nor register row are made where there are none. The date is today's as dates are stored.
 void WriteAutoNode(DataBase& dataBase, Partition partition, std::int16_t number, const AutoNode& node,
                    const std::string& date);
+
+// The statements of the above, and the places among them of those that have to write a row each; where the
+// node is registered, its register row, too.
+void AddWrites(Batch& batch, Partition partition, std::int16_t number, const AutoNode& node,
+               const std::string& date);
+[[nodiscard]] std::vector<std::size_t> RowsWritten(const AutoNode& node, bool registered);
 
 // The steps of the above that others need, too.
 void DeleteDetails(Batch& batch, Partition partition, std::int16_t number);

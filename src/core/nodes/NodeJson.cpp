@@ -17,7 +17,11 @@ using Json = nlohmann::ordered_json;
 // The library would turn another kind of value into a number, and cut one that is too large.
 template <class Value>
 Value MemberOf(const Json& document, const char* name) {
-    const Json& member = document.at(name);
+    const auto found = document.find(name);
+    if (found == document.end()) {
+        return Value();
+    }
+    const Json& member = *found;
     if constexpr (std::is_integral_v<Value>) {
         const bool fits = member.is_number_unsigned() ? std::in_range<Value>(member.get<std::uint64_t>())
                                                       : member.is_number_integer() &&
@@ -31,16 +35,21 @@ Value MemberOf(const Json& document, const char* name) {
 
 template <class Value>
 void Take(const Json& document, const char* name, std::optional<Value>& value) {
-    value = document.at(name).is_null() ? std::nullopt : std::optional(MemberOf<Value>(document, name));
+    const auto found = document.find(name);
+    const bool given = found != document.end() && !found->is_null();
+    value = given ? std::optional(MemberOf<Value>(document, name)) : std::nullopt;
 }
 
-// Anything can be gone through, as if it were a list.
-const Json& ListIn(const Json& document, const char* name) {
-    const Json& member = document.at(name);
-    if (!member.is_array()) {
-        Refuse(name, member);
+// A list or an object; empty where it is missing. Anything can be gone through as if it were one.
+Json StructureIn(const Json& document, const char* name, Json::value_t kind) {
+    const auto found = document.find(name);
+    if (found == document.end()) {
+        return Json(kind);
     }
-    return member;
+    if (found->type() != kind) {
+        Refuse(name, *found);
+    }
+    return *found;
 }
 
 struct SettingMember {
@@ -134,21 +143,25 @@ void WriteNode(JsonWriter& json, Partition partition, std::int16_t number, const
 }
 
 AutoNode NodeFromJson(const Json& document) {
+    if (!document.is_object()) {
+        Refuse("node", document);
+    }
     AutoNode node;
     node.type = MemberOf<std::string>(document, "type");
     Take(document, "label", node.label);
-    node.settings = SettingsFrom(document.at("settings"));
-    for (const Json& row : ListIn(document, "prompts")) {
+    node.settings = SettingsFrom(StructureIn(document, "settings", Json::value_t::object));
+    for (const Json& row : StructureIn(document, "prompts", Json::value_t::array)) {
         node.prompts.push_back({MemberOf<int>(row, "sequence"), ReferenceFrom(row)});
     }
-    for (const Json& row : ListIn(document, "actions")) {
+    for (const Json& row : StructureIn(document, "actions", Json::value_t::array)) {
         Action action{MemberOf<int>(row, "sequence"), ReferenceFrom(row), {}, {}};
         Take(row, "low", action.low);
         Take(row, "high", action.high);
         node.actions.push_back(std::move(action));
     }
+    const Json branches = StructureIn(document, "branches", Json::value_t::object);
     for (std::size_t i = 0; i < BranchRules.size(); ++i) {
-        node.branches[i] = ReferenceFrom(document.at("branches").at(BranchRules[i].label));
+        node.branches[i] = ReferenceFrom(StructureIn(branches, BranchRules[i].label, Json::value_t::object));
     }
     return node;
 }

@@ -15,7 +15,8 @@ namespace KAL_AUTO_Node {
 // Labels of the nodes referred to are given where they were read.
 void WriteNode(JsonWriter& json, Partition partition, std::int16_t number, const AutoNode& node,
                Labels labels);
-// The node of such a document. Throws nlohmann::json::exception for a document of another form.
+// The node of such a document; members that are missing have their defaults, unknown ones say nothing here.
+// Throws nlohmann::json::exception for a document of another form.
 [[nodiscard]] AutoNode NodeFromJson(const nlohmann::ordered_json& document);
 
 void WriteSummary(JsonWriter& json, const AutoNodeSummary& node);

@@ -126,6 +126,7 @@ void NewFile::Append(std::string_view content) {
 }
 
 void NewFile::Place() {
+    Require(fsync(file_.Number()) == 0, name_); // others may have written it
     placed_ = renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, place_.c_str(), RENAME_NOREPLACE) == 0;
     // Not every file system knows that way.
     Require(placed_ || (errno == EINVAL && link(name_.c_str(), place_.c_str()) == 0), place_);

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <fstream>
 #include <pwd.h>
 #include <sstream>
@@ -20,24 +21,62 @@ std::string FirstLine(const std::string& file) {
     return line;
 }
 
-// The boot of the machine and the moment in it at which the process began; empty where there is none.
-std::string StartOf(std::int64_t process) {
+std::string BootID() { return FirstLine("/proc/sys/kernel/random/boot_id"); }
+
+// What a process number counts in: a boot of a machine and a name space of it. Of the machine all boots.
+struct Machine {
+    std::string boot;
+    std::string space;
+    std::string id;
+
+    // Back from the text of Here.
+    explicit Machine(const std::string& text) { std::istringstream(text) >> boot >> space >> id; }
+
+    static std::string Here() {
+        std::array<char, 64> space{};
+        const bool known = readlink("/proc/self/ns/pid", space.data(), space.size() - 1) > 0;
+        return known ? BootID() + ' ' + space.data() + ' ' + FirstLine("/etc/machine-id") : std::string();
+    }
+};
+
+struct Life {
+    enum { Gone, Unseen, Seen } how;
+
+    std::string start; // of one that is seen: the boot of the machine and the moment in it
+};
+
+Life LifeOf(std::int64_t process) {
+    if (kill(static_cast<pid_t>(process), 0) != 0 && errno == ESRCH) {
+        return {Life::Gone, {}};
+    }
     const std::string status = FirstLine("/proc/" + std::to_string(process) + "/stat");
     // The program's name stands in brackets and may hold anything; the state is the first field after it, the
     // start the 20th. A process that has ended stays there until its parent has taken note.
     const auto end = status.rfind(')');
     if (end == std::string::npos) {
-        return {};
+        return {Life::Unseen, {}}; // another user's, where those are hidden
     }
     std::istringstream fields(status.substr(end + 1));
     std::string field;
     for (int position = 0; position < 20; ++position) {
         fields >> field;
         if (position == 0 && (field == "Z" || field == "X")) {
-            return {};
+            return {Life::Gone, {}};
         }
     }
-    return FirstLine("/proc/sys/kernel/random/boot_id") + ' ' + field;
+    return {Life::Seen, BootID() + ' ' + field};
+}
+
+// When this machine began to run, in seconds since 1970; 0 where that is not known.
+std::int64_t BootTime() {
+    std::ifstream status("/proc/stat");
+    for (std::string word; status >> word;) {
+        std::int64_t seconds = 0;
+        if (word == "btime" && status >> seconds) {
+            return seconds;
+        }
+    }
+    return 0;
 }
 
 std::string UserName() {
@@ -60,11 +99,22 @@ std::string HostName() {
 
 ProcessIdentity ThisProcess() {
     const std::int64_t process = getpid();
-    return {UserName(), HostName(), program_invocation_short_name, process, StartOf(process)};
+    return {UserName(),     HostName(), program_invocation_short_name, process, LifeOf(process).start,
+            Machine::Here()};
 }
 
-bool IsRunning(std::int64_t process, const std::string& start) {
-    return !start.empty() && StartOf(process) == start;
+bool HasSurelyEnded(const ProcessIdentity& process, std::int64_t lastSeenSeconds) {
+    const Machine here(Machine::Here());
+    const Machine there(process.machine);
+    if (here.space.empty() || there.space.empty()) {
+        return false;
+    }
+    if (there.boot == here.boot) {
+        const Life life = there.space == here.space ? LifeOf(process.process) : Life{Life::Unseen, {}};
+        return life.how == Life::Gone || (life.how == Life::Seen && life.start != process.start);
+    }
+    // Machines that were copied have one identity, too: only what was before this boot is over with it.
+    return !here.id.empty() && there.id == here.id && lastSeenSeconds < BootTime();
 }
 
 } // namespace KAL_AUTO_Node

@@ -161,7 +161,8 @@ void PostgresConnection::SetUp() {
                                "; \"auto-node init --server\" makes one, in an empty database",
                            PostgresName);
     }
-    RequireKnownVersion(VersionIn(comment), place_);
+    version_ = VersionIn(comment);
+    RequireKnownVersion(version_, place_);
     Require(PQenterPipelineMode(connection_.get()));
 }
 
@@ -264,6 +265,11 @@ std::string PostgresConnection::WithSchema(std::string_view sql) const {
         const auto known = tables_.find(table);
         return known != tables_.end() ? known->second : schema_;
     });
+}
+
+void PostgresConnection::SetVersion(int version) {
+    RunScript(("COMMENT ON TABLE Node_AUTO IS '" + VersionComment(version) + '\'').c_str());
+    version_ = version;
 }
 
 void PostgresConnection::RunScript(const char* sql) {

@@ -39,6 +39,10 @@ class PostgresConnection : public Connection {
     [[nodiscard]] bool HasTable(const std::string& name) override;
     void RunScript(const char* sql) override;
 
+    [[nodiscard]] int Version() const override { return version_; }
+
+    void SetVersion(int version) override;
+
     [[nodiscard]] bool IsRemote() const override { return true; }
 
     [[nodiscard]] std::string Role() const override { return role_; }
@@ -125,8 +129,9 @@ class PostgresConnection : public Connection {
     std::string role_;
     std::string schema_;                        // of tables that are made; as statements name it, with a dot
     std::map<std::string, std::string> tables_; // known to be there, in lower case, with their schemas
-    int connects_ = 0;                          // how often; statements are prepared once for each
-    int statements_ = 0;                        // how many have got a name
+    int version_ = 0;
+    int connects_ = 0;   // how often; statements are prepared once for each
+    int statements_ = 0; // how many have got a name
     std::unordered_map<std::string, Result> ahead_;
     std::vector<std::string> beginning_; // of a transaction, not sent yet
     bool inTransaction_ = false;

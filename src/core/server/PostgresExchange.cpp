@@ -1,5 +1,6 @@
 // What travels between a PostgresConnection and its server.
 
+#include "platform/FoldCase.h"
 #include "server/PostgresErrors.h"
 #include "server/PostgresStatement.h"
 
@@ -260,6 +261,12 @@ void PostgresConnection::Take(const PGresult* result, const NumberedStatement* s
         const std::string state(StateOf(result));
         if (!answer.failure) {
             answer.failure = {Error(told.Number(), told.what()), state};
+        }
+        if (state == "42P01") {
+            // One is gone that was known to be there.
+            const std::string words = FoldAscii(told.what());
+            std::erase_if(tables_,
+                          [&](const auto& known) { return words.find(known.first) != std::string::npos; });
         }
         // What failed has not taken effect; unless it is the line's end that was told, or the server's when
         // it was at the last step.

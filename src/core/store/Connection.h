@@ -70,6 +70,10 @@ class Connection {
     // Several statements without parameters and result rows.
     virtual void RunScript(const char* sql) = 0;
 
+    // Of the tables, as the store told it when it was opened or told it last; 0 where it tells none.
+    [[nodiscard]] virtual int Version() const = 0;
+    virtual void SetVersion(int version) = 0;
+
     // Whether each statement costs the way to a server and back, so that several should go together. The
     // three below are for such an engine.
     [[nodiscard]] virtual bool IsRemote() const { return false; }

@@ -24,7 +24,7 @@ ServerStore MakeTables(Connection& server, StoreContent content) {
     if (content == StoreContent::Demo) {
         server.RunScript(DemoScript);
     }
-    server.RunScript(("COMMENT ON TABLE Node_AUTO IS '" + VersionComment() + '\'').c_str());
+    server.SetVersion(StoreVersion);
     server.Commit();
     return ServerStore::Made;
 }

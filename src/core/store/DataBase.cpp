@@ -60,7 +60,7 @@ decltype(auto) DataBase::Describing(std::string_view work, std::string_view comm
     } catch (const RuntimeError& error) {
         std::string description = error.what();
         const std::string file = File().string();
-        const std::string place = connection_ ? connection_->Place() : "file '" + file + '\'';
+        const std::string place = Place();
         description += " (";
         description += work;
         description += command;
@@ -146,6 +146,8 @@ Whole ResultSet::Within(std::size_t column) const {
 
 int ResultSet::Number(std::size_t column) const { return Within<int>(column); }
 
+std::int64_t ResultSet::Number64(std::size_t column) const { return Within<std::int64_t>(column); }
+
 std::int16_t ResultSet::Number16(std::size_t column) const { return Within<std::int16_t>(column); }
 
 void ResultSet::Close() noexcept {
@@ -164,6 +166,10 @@ DataBase::DataBase(std::filesystem::path file)
 DataBase::DataBase(std::unique_ptr<Connection> connection) : connection_(std::move(connection)) {}
 
 DataBase::~DataBase() = default;
+
+std::string DataBase::Place() const {
+    return connection_ ? connection_->Place() : "file '" + file_.string() + '\'';
+}
 
 Connection& DataBase::Open() {
     if (!connection_) {
@@ -247,8 +253,29 @@ std::string DataBase::Role() {
 
 void DataBase::MakeTables(const char* script) {
     Transaction all(*this);
-    Describing("making tables", "", [&] { Open().RunScript(script); });
+    RunScript(script);
     all.Commit();
+}
+
+void DataBase::RunScript(const char* script) {
+    Describing("making tables", "", [&] { Open().RunScript(script); });
+}
+
+void DataBase::SetVersion(int version) {
+    Describing("making tables", "", [&] { Open().SetVersion(version); });
+}
+
+std::vector<std::string> DataBase::Columns(const std::string& table) {
+    return Describing("looking at table ", table, [&] {
+        const auto statement = Open().Prepare("SELECT * FROM " + table + " WHERE 1 = 0");
+        statement->Run({});
+        const auto columns = statement->Columns();
+        return std::vector<std::string>(columns.begin(), columns.end());
+    });
+}
+
+std::optional<int> DataBase::Version() const {
+    return connection_ ? std::optional(connection_->Version()) : std::nullopt;
 }
 
 bool DataBase::IsRemote() {

@@ -21,6 +21,7 @@ class Connection;
 class Batch;
 class DataBase;
 class Statement;
+class StoreUpgrade;
 struct StatementRun;
 
 // The named commands, in the order of the files where their statements stand: commands.sql,
@@ -90,6 +91,8 @@ class ResultSet {
     [[nodiscard]] std::string_view Text(std::size_t column) const;
     // The field's numeric value. Raises InvalidUseOfNull, and Overflow beyond 32 bits.
     [[nodiscard]] int Number(std::size_t column) const;
+    // The same of 64 bits, beyond which it is the nearest.
+    [[nodiscard]] std::int64_t Number64(std::size_t column) const;
     // The field's numeric value as a number of the identity of nodes. Raises InvalidUseOfNull, and Overflow
     // beyond 16 bits: a number that is cut would be another node's.
     [[nodiscard]] std::int16_t Number16(std::size_t column) const;
@@ -99,6 +102,8 @@ class ResultSet {
     [[nodiscard]] auto Text(std::string_view column) const { return Text(Column(column)); }
 
     [[nodiscard]] auto Number(std::string_view column) const { return Number(Column(column)); }
+
+    [[nodiscard]] auto Number64(std::string_view column) const { return Number64(Column(column)); }
 
     [[nodiscard]] auto Number16(std::string_view column) const { return Number16(Column(column)); }
 
@@ -138,6 +143,9 @@ class DataBase {
 
     [[nodiscard]] const std::string& ConnectionString() const noexcept { return connectionString_; }
 
+    // Where it lies, for people: "file '/x'".
+    [[nodiscard]] std::string Place() const;
+
     // The store's file, as this system writes its path.
     [[nodiscard]] const std::filesystem::path& File() const noexcept { return file_; }
 
@@ -162,14 +170,19 @@ class DataBase {
     // As whom a server knows who works here; nothing in a file.
     [[nodiscard]] std::string Role();
 
+    // Runs statements that make or change tables, all or none.
+    void MakeTables(const char* script);
+    // The columns of a table that there is.
+    [[nodiscard]] std::vector<std::string> Columns(const std::string& table);
+
+    // Of the tables, as the store tells it: 0 where it tells none, for it is another program's, and nothing
+    // where the store is not open.
+    [[nodiscard]] std::optional<int> Version() const;
     // Whether it lies on a server. Opens it.
     [[nodiscard]] bool IsRemote();
 
     // Whether texts may be any bytes; else they have to be UTF-8, without NULs.
     [[nodiscard]] bool TakesAnyBytes() { return !IsRemote(); }
-
-    // Runs statements that make tables, all or none.
-    void MakeTables(const char* script);
 
   private:
     friend class Batch;
@@ -177,9 +190,13 @@ class DataBase {
     friend class ResultSet;
     friend class SingleWait;
     friend class Snapshot;
+    friend class StoreUpgrade;
     friend class Transaction;
 
     Connection& Open();
+    // Part of a transaction.
+    void RunScript(const char* script);
+    void SetVersion(int version);
 
     // For Batch and ReadAhead, which save ways to a server and back.
     std::vector<std::int64_t> RunTogether(const std::vector<CommandRun>& runs, bool committing);

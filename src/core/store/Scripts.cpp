@@ -10,6 +10,10 @@ const char* const HistoryScript =
 #include "store/HistoryTables.inc"
     ;
 
+const char* const Upgrade2Script =
+#include "store/Upgrade2.inc"
+    ;
+
 const char* const DemoScript =
 #include "store/Demo.inc"
     ;

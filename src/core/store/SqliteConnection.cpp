@@ -226,7 +226,8 @@ bool SqliteConnection::Recognizes() {
     RequireSqlite(result, database_.get());
     writeAhead_ = mode == "wal";
     if (Number("PRAGMA application_id") == StoreApplicationId) {
-        RequireKnownVersion(static_cast<int>(Number("PRAGMA user_version")), place_);
+        version_ = static_cast<int>(Number("PRAGMA user_version"));
+        RequireKnownVersion(version_, place_);
     }
     if (sqlite3_db_readonly(database_.get(), "main") != 0) {
         return true;
@@ -306,6 +307,11 @@ bool SqliteConnection::HasTable(const std::string& name) {
     const std::array<std::optional<std::string>, 1> parameters = {name};
     table->Run(parameters);
     return !table->AtEnd();
+}
+
+void SqliteConnection::SetVersion(int version) {
+    RunScript(("PRAGMA user_version = " + std::to_string(version)).c_str());
+    version_ = version;
 }
 
 void SqliteConnection::RunScript(const char* sql) {

@@ -33,6 +33,10 @@ class SqliteConnection : public Connection {
     void BeginReading() override;
     bool EndReading() noexcept override;
     [[nodiscard]] bool HasTable(const std::string& name) override;
+
+    [[nodiscard]] int Version() const override { return version_; }
+
+    void SetVersion(int version) override;
     void RunScript(const char* sql) override;
     void Flush() override;
 
@@ -50,6 +54,7 @@ class SqliteConnection : public Connection {
     SqliteHandle database_;
     SqliteHandle snapshot_; // in the place of a file whose readers keep others from writing
     std::string place_;
+    int version_ = 0;
     bool writeAhead_ = false;
     int logPages_ = 0;         // in the write-ahead log after the latest commit of this connection
     Since* running_ = nullptr; // of the statement that the engine is working on

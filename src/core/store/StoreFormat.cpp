@@ -21,7 +21,7 @@ void RequireKnownVersion(int version, const std::string& place) {
     }
 }
 
-std::string VersionComment() { return std::string(CommentStart) + std::to_string(StoreVersion); }
+std::string VersionComment(int version) { return std::string(CommentStart) + std::to_string(version); }
 
 int VersionIn(std::string_view comment) {
     int version = 0;

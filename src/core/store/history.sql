@@ -6,6 +6,29 @@ SELECT VersionNo, Work, State, BegunAt, UserName, HostName, Program, ProcessID, 
  WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeNumber = :Given_NodeNumber
  ORDER BY VersionNo DESC;
 
+-- name: Get_Newest_AUTO_Version
+SELECT VersionNo, Work, State, BegunAt, UserName, HostName, Program, ProcessID, ProcessStart
+  FROM Node_AUTO_Version
+ WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeNumber = :Given_NodeNumber
+ ORDER BY VersionNo DESC LIMIT 1;
+
+-- name: Get_Unfinished_AUTO_Versions
+SELECT VersionNo, Work, State, BegunAt, UserName, HostName, Program, ProcessID, ProcessStart
+  FROM Node_AUTO_Version
+ WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeNumber = :Given_NodeNumber
+   AND State IN ('begun', 'failed')
+ ORDER BY VersionNo DESC;
+
+-- name: Get_AUTO_Version_Machine
+SELECT Machine FROM Node_AUTO_Version
+ WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeNumber = :Given_NodeNumber
+   AND VersionNo = :Given_VersionNo;
+
+-- name: Set_AUTO_Version_Machine
+UPDATE Node_AUTO_Version SET Machine = :Given_Machine
+ WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeNumber = :Given_NodeNumber
+   AND VersionNo = :Given_VersionNo;
+
 -- name: Get_AUTO_Version_Content
 SELECT Content FROM Node_AUTO_Version
  WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeNumber = :Given_NodeNumber
@@ -53,7 +76,7 @@ SELECT ConfigID, PartID, NodeNumber, MAX(VersionNo) AS VersionNo FROM Node_AUTO_
  ORDER BY ConfigID, PartID, NodeNumber;
 
 -- name: Get_Creation
-SELECT MasterID FROM Node_Creation
+SELECT MasterID, VersionNo, DateModified FROM Node_Creation
  WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeTypeID = :Given_NodeTypeID
    AND NodeNumber = :Given_NodeNumber;
 

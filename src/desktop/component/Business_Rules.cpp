@@ -126,6 +126,7 @@ void Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partiti
         complete &= NodeRules::LoadStaticConstants(gui);
         complete &= rules.LoadExistingNodesInRecordSelector(gui, Node_Number);
         ahead.reset();
+        rules.OfferUpgrade();
         const bool show = rules.LoadData(gui, Node_Number);
         wait.reset();
         // The selector moves to its first node where it does not list the one asked for; what is shown is

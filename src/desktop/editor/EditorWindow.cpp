@@ -208,10 +208,12 @@ void EditorWindow::cmdApply_Click() {
 void EditorWindow::cmdOK_Click() {
     Press(*gui_.cmdOK, [this] {
         EndEditing();
+        bool goes = true;
         if (gui_.cmdApply->isEnabled()) {
-            Act(*gui_.cmdApply, [this] { Save(); });
+            goes = false; // also where what is stored was loaded instead
+            Act(*gui_.cmdApply, [&] { goes = Save(); });
         }
-        if (!gui_.cmdApply->isEnabled()) {
+        if (goes) {
             gui_.UnloadWindow();
         }
     });

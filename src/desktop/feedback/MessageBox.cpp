@@ -4,13 +4,15 @@
 
 #include <QApplication>
 #include <QPointer>
+#include <QPushButton>
 
 #include <optional>
 
 namespace KAL_AUTO_Node {
 
 QMessageBox::StandardButton MsgBox(const QString& text, QMessageBox::Icon icon,
-                                   QMessageBox::StandardButtons buttons, const QString& title) {
+                                   QMessageBox::StandardButtons buttons, const QString& title,
+                                   QMessageBox::StandardButton answersEnter, const QString& discard) {
     // A long operation that stops to say something is not busy meanwhile.
     std::optional<DefaultPointer> idle;
     if (QGuiApplication::overrideCursor() != nullptr) {
@@ -21,6 +23,10 @@ QMessageBox::StandardButton MsgBox(const QString& text, QMessageBox::Icon icon,
     // The host may delete the window above which the box stands, and with it the box.
     const QPointer<QMessageBox> box =
         new QMessageBox(icon, title, text, buttons, modal != nullptr ? modal : QApplication::activeWindow());
+    box->setDefaultButton(answersEnter);
+    if (!discard.isEmpty() && box->button(QMessageBox::Discard) != nullptr) {
+        box->button(QMessageBox::Discard)->setText(discard);
+    }
     box->setTextFormat(Qt::PlainText);
     box->setTextInteractionFlags(Qt::TextSelectableByMouse);
     // A host whose only visible window this is must not see it as its last one and quit.
@@ -37,6 +43,11 @@ QMessageBox::StandardButton MsgBox(const QString& text, QMessageBox::Icon icon,
         }
     }
     return QMessageBox::Ok;
+}
+
+bool Confirm(const QString& question) {
+    return MsgBox(question, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No,
+                  QStringLiteral("Confirmation"), QMessageBox::No) == QMessageBox::Yes;
 }
 
 void Inform(const QString& text) {

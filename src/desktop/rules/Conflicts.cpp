@@ -13,11 +13,6 @@ namespace {
 constexpr qsizetype MostLines = 10;
 constexpr qsizetype LongestLine = 160;
 
-bool Confirm(const QString& question) {
-    return MsgBox(question, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No,
-                  QStringLiteral("Confirmation")) == QMessageBox::Yes;
-}
-
 // Names and labels may hold anything.
 QString Line(const std::string& text) {
     const QString line = FromUtf8(Visible(text));
@@ -25,49 +20,70 @@ QString Line(const std::string& text) {
 }
 
 QString ByAndWhen(const Version& version) {
-    return "by " + Line(AuthorText(version)) + ", " + Line(LocalTime(version.begunAt));
+    return Line(AuthorText(version)) + ", " + Line(LocalTime(version.begunAt));
 }
 
-} // namespace
-
-bool GoesOver(const QString& node, const AutoNode& loaded, const Obstacle& obstacle) {
-    switch (obstacle.kind) {
-    case Obstacle::Gone:
-        Inform(node + " doesn't exist any more. It is not saved.");
-        return false;
-    case Obstacle::BeingSaved:
-        Inform(node + " is being saved " + ByAndWhen(*obstacle.by) + ". Nothing was saved here.");
-        return false;
-    case Obstacle::Changed:
-        break;
-    }
+QString ListOf(const std::vector<std::string>& differences) {
     QStringList lines;
-    for (const std::string& difference : Differences(loaded, *obstacle.stored)) {
+    for (const std::string& difference : differences) {
         lines.append(Line(difference));
-    }
-    if (lines.isEmpty()) {
-        return true;
     }
     if (lines.size() > MostLines) {
         const auto more = lines.size() - (MostLines - 1);
         lines = lines.mid(0, MostLines - 1);
         lines.append(QStringLiteral("and %1 more").arg(more));
     }
-    QString who;
+    return lines.join(QStringLiteral("\r\n"));
+}
+
+} // namespace
+
+Over AskToGoOver(const QString& node, const SeenNode& seen, const Obstacle& obstacle) {
+    switch (obstacle.kind) {
+    case Obstacle::Gone:
+        Inform(node + " doesn't exist any more. It is not saved.");
+        return Over::Keep;
+    case Obstacle::BeingSaved:
+        Inform(node + " is being saved by " + ByAndWhen(*obstacle.by) + ". Nothing was saved here.");
+        return Over::Keep;
+    case Obstacle::Changed:
+        break;
+    }
+    const auto differences = Differences(seen.content, obstacle.stored.content);
+    if (differences.empty()) {
+        return Over::Save;
+    }
+    QString who = QStringLiteral("Another program has changed it");
     if (obstacle.by) {
-        who = ' ' + ByAndWhen(*obstacle.by);
+        who = "It was changed by " + ByAndWhen(*obstacle.by);
         if (IsUnfinished(*obstacle.by)) {
             who += ", in a save that did not finish";
         }
     }
-    return Confirm(node + " was changed elsewhere since it was loaded here" + who + ":\r\n" +
-                   lines.join(QStringLiteral("\r\n")) + "\r\n\r\nDo you want to save over that?");
+    const auto answer =
+        MsgBox(node + " is stored otherwise than the window has loaded it. " + who + ":\r\n" +
+                   ListOf(differences) + "\r\n\r\nDo you want to save over that?",
+               QMessageBox::Question, QMessageBox::Yes | QMessageBox::No | QMessageBox::Discard,
+               QStringLiteral("Confirmation"), QMessageBox::No, QStringLiteral("&Load What Is Stored"));
+    if (answer == QMessageBox::Yes) {
+        return Over::Save;
+    }
+    const bool loads =
+        answer == QMessageBox::Discard &&
+        Confirm("What was changed in this window and is not saved goes.\r\n\r\nDo you want to load " + node +
+                " as it is stored?");
+    return loads ? Over::Load : Over::Keep;
 }
 
 bool WantsItPutBack(const QString& node, const Version& save) {
     return Confirm(
-        "The latest save of " + node + " did not finish: it was begun " + ByAndWhen(save) +
+        "The latest save of " + node + " did not finish: it was begun by " + ByAndWhen(save) +
         ", and only a part of it is stored.\r\n\r\nDo you want to put the node back as it was before?");
+}
+
+bool WantsItMadeWhole(const QString& node) {
+    return Confirm(node + " was being made from its template when that was interrupted: only a part of it is "
+                          "stored.\r\n\r\nDo you want to make the rest?");
 }
 
 } // namespace KAL_AUTO_Node

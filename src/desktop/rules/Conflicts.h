@@ -7,12 +7,19 @@
 namespace KAL_AUTO_Node {
 
 // What a person is told, and asked, about saves that meet others or did not finish. The node is named as the
-// lists name it.
+// lists name it. Enter answers what changes nothing.
 
-// Whether the person goes over what stands in the way of a save; what cannot be gone over is told.
-[[nodiscard]] bool GoesOver(const QString& node, const AutoNode& loaded, const Obstacle& obstacle);
+// What becomes of what was changed here: it is saved over what stands in the way, kept as it is in the
+// window, or given up for what is stored.
+enum class Over { Save, Keep, Load };
+
+// What cannot be gone over is told.
+[[nodiscard]] Over AskToGoOver(const QString& node, const SeenNode& seen, const Obstacle& obstacle);
 
 // Whether the node is to be put back as it was before a save that did not finish.
 [[nodiscard]] bool WantsItPutBack(const QString& node, const Version& save);
+
+// Whether a node is to get the rest of its template's rows.
+[[nodiscard]] bool WantsItMadeWhole(const QString& node);
 
 } // namespace KAL_AUTO_Node

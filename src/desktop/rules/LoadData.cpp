@@ -120,8 +120,10 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
             notOffered = std::current_exception();
         }
         ReadAhead ahead(dataBase_);
-        ReadAutoNodeAhead(ahead, PartitionOf(gui), nodeNumber);
-        History::ReadVersionsAhead(ahead, {PartitionOf(gui), nodeNumber});
+        ReadContentAhead(ahead, PartitionOf(gui), nodeNumber);
+        if (ahead.Helps() && history_.Exists()) {
+            History::ReadNewestAhead(ahead, {PartitionOf(gui), nodeNumber});
+        }
         ahead.Fetch();
         AutoNode node;
         AutoNodeReader reader(dataBase_, PartitionOf(gui), nodeNumber, Labels::Read);
@@ -139,8 +141,9 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
                 gui.LVExceptions->Insert(static_cast<int>(branch),
                                          {WithTarget(ExceptionRow(branch, target), gui, target)});
             }
-            gui.StoredNode = std::make_unique<GUI::Stored>(
-                GUI::Stored{nodeNumber, LatestVersion(gui, nodeNumber), std::move(node)});
+            auto entry = ReadEntry(dataBase_, PartitionOf(gui), nodeNumber);
+            gui.StoredNode = std::make_unique<GUI::Stored>(GUI::Stored{
+                nodeNumber, {{std::move(node), std::move(entry)}, LatestVersion(gui, nodeNumber)}});
             gui.lblRecordPosition->setText(QString::number(gui.cmbNode->ListIndex() + 1) + " of " +
                                            QString::number(gui.cmbNode->ListCount()));
         } else {

@@ -22,42 +22,6 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-// Fetches from a server whether nodes exist: of all at once and, where nodes are created, which makes that
-// old, of the next few.
-class Existence {
-  public:
-    Existence(DataBase& dataBase, Partition partition, std::span<const RequiredNode> nodes)
-        : ahead_(dataBase), partition_(partition), nodes_(nodes), count_(nodes.size()) {}
-
-    // Before it is asked for; in the order of the nodes.
-    void LookUp(const RequiredNode& node) {
-        if (known_-- > 0) {
-            return;
-        }
-        const auto rest = nodes_.subspan(static_cast<std::size_t>(&node - nodes_.data()));
-        const auto next = rest.first(std::min(count_, rest.size()));
-        for (const RequiredNode& one : next) {
-            LookUpAhead(ahead_, partition_, one.typeID, one.number);
-        }
-        ahead_.Fetch();
-        known_ = std::ssize(next) - 1;
-    }
-
-    void Forget() {
-        known_ = 0;
-        count_ = Few;
-    }
-
-  private:
-    static constexpr std::size_t Few = 50;
-
-    ReadAhead ahead_;
-    Partition partition_;
-    std::span<const RequiredNode> nodes_;
-    std::size_t count_;
-    std::ptrdiff_t known_ = 0; // of how many more it is known
-};
-
 void TellNotCreated(const std::map<Creation, QStringList>& nodesByOutcome) {
     constexpr int shown = 20;
     QStringList paragraphs;
@@ -86,36 +50,35 @@ void NodeRules::CheckForUnReferencedNodes(GUI& gui, NodeSave& save) {
         }
 
         std::map<Creation, QStringList> notCreated;
-        std::int32_t answer = ConfirmationDialog::Closed;
-        Existence existence(dataBase_, PartitionOf(gui), required.Nodes());
-        for (const RequiredNode& node : required.Nodes()) {
-            existence.LookUp(node);
-            if (NodeExists(gui, node)) {
-                continue;
+        using Answer = CreationAudience::Answer;
+        const auto ask = [&](const RequiredNode& node) {
+            const DefaultPointer asking;
+            switch (dialog->Ask(1,
+                                node.name + " is referenced but it does not exist.\r\n" +
+                                    "Do you want to auto create node '" + node.name + "'?",
+                                1, 7, "Confirmation")) {
+            case ConfirmationDialog::Create:
+                return Answer::Create;
+            case ConfirmationDialog::CreateAll:
+                return Answer::CreateAll;
+            case ConfirmationDialog::Stop:
+            case ConfirmationDialog::Closed:
+                return Answer::Stop;
+            default:
+                return Answer::Leave;
             }
-            if (answer != ConfirmationDialog::CreateAll) {
-                const DefaultPointer asking;
-                answer = dialog->Ask(1,
-                                     node.name + " is referenced but it does not exist.\r\n" +
-                                         "Do you want to auto create node '" + node.name + "'?",
-                                     1, 7, "Confirmation");
+        };
+        const auto tell = [&](const RequiredNode& node, Creation outcome) {
+            // The register has it.
+            const bool created = outcome == Creation::Created || outcome == Creation::Empty;
+            const QString name = FromUtf8(node.name);
+            // Claiming more than was done would leave a call flow with a hole that nobody looks for.
+            LongOperation::ShowProgress(gui, name + (created ? " is created." : " could not be created."));
+            if (outcome != Creation::Created) {
+                notCreated[outcome == Creation::NoRule ? Creation::NoTemplate : outcome].append(name);
             }
-            if (answer == ConfirmationDialog::Create || answer == ConfirmationDialog::CreateAll) {
-                const Creation outcome = save.Create(node.typeID, node.number, Today());
-                existence.Forget();
-                // The register has it.
-                const bool created = outcome == Creation::Created || outcome == Creation::Empty;
-                const QString name = FromUtf8(node.name);
-                // Claiming more than was done would leave a call flow with a hole that nobody looks for.
-                LongOperation::ShowProgress(gui,
-                                            name + (created ? " is created." : " could not be created."));
-                if (outcome != Creation::Created) {
-                    notCreated[outcome == Creation::NoRule ? Creation::NoTemplate : outcome].append(name);
-                }
-            } else if (answer == ConfirmationDialog::Stop || answer == ConfirmationDialog::Closed) {
-                break;
-            }
-        }
+        };
+        save.CreateMissing(required.Nodes(), Today(), {ask, tell, [] { ShowErrorReport("IsNodeExisted"); }});
         if (!notCreated.empty()) {
             TellNotCreated(notCreated);
         }
@@ -125,13 +88,6 @@ void NodeRules::CheckForUnReferencedNodes(GUI& gui, NodeSave& save) {
 void NodeRules::AddNodeTolstRequired(RequiredNodes& required, const ListRow& row) {
     Reporting("AddNodeTolstRequired",
               [&] { required.Add(DisplayText(row).toStdString(), row.typeID, row.number); });
-}
-
-bool NodeRules::NodeExists(const GUI& gui, const RequiredNode& node) {
-    bool exists = false;
-    Reporting("IsNodeExisted",
-              [&] { exists = IsNodeExisted(dataBase_, PartitionOf(gui), node.typeID, node.number); });
-    return exists;
 }
 
 } // namespace KAL_AUTO_Node

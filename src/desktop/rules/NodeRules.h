@@ -42,6 +42,10 @@ class NodeRules {
     // Has to live while the window is prepared: a store that is waited for in vain is waited for once.
     [[nodiscard]] auto WaitOnce() { return std::make_unique<SingleWait>(dataBase_); }
 
+    // Where the store, which the lists were filled from, is of an older version: asks once whether to bring
+    // it up.
+    void OfferUpgrade();
+
     // Reference lists, in the order in which they depend on one another. Each returns whether it ran to its
     // end.
     bool LoadNodeName(GUI& gui);
@@ -67,9 +71,9 @@ class NodeRules {
 
     // Writes the window's content to the node's record, register row and detail rows, after the check for
     // missing nodes. Each statement stands for itself: after a failure those before it stay done, until the
-    // person wants the node put back. Returns false where it was refused: what the window shows was not
-    // loaded from that node, the node is gone, somebody else is saving it, or the person does not want to go
-    // over what somebody else changed. Nothing is written then.
+    // person wants the node put back. Returns false where nothing of it was written: what the window shows
+    // was not loaded from that node, the node is gone, somebody else is saving it, the person does not want
+    // to go over what somebody else changed, or an error came before the first statement.
     bool SaveChanges(GUI& gui, std::int16_t nodeNumber);
 
     // Looks up every node that the window's lists refer to, and offers to create each that is missing, as
@@ -79,26 +83,24 @@ class NodeRules {
     static void AddNodeTolstRequired(RequiredNodes& required, const ListRow& row);
 
   private:
+    class Person;
+
     // Offers the types that a slot may refer to, and notes those that have no numbers.
     void LoadContainableTypes(GUI& gui, Slot slot);
 
-    // Whether the save may go on: nothing stands in its way, or the person goes over it.
-    bool MayBegin(GUI& gui, NodeSave& save);
     // When the node's last save did not finish, offers to put the node back as it was; returns whether it
     // was.
     bool OfferToPutBack(const GUI& gui, std::int16_t nodeNumber);
-    // Finds out what became of a save whose outcome was not known when it ended, and tells.
-    void SettleOutcome(const GUI& gui);
+    // Finds out whether a save is stored whose outcome was not known when it ended, and tells; nothing where
+    // there is none.
+    std::optional<bool> SettleOutcome(const GUI& gui);
     // What is stored is no longer what was loaded.
     void AfterFailedSave(GUI& gui, std::int16_t nodeNumber, bool half);
-    int LatestVersion(const GUI& gui, std::int16_t nodeNumber);
-
-    // Whether the register holds the node; not where it cannot be looked up, which is reported.
-    bool NodeExists(const GUI& gui, const RequiredNode& node);
+    std::int64_t LatestVersion(const GUI& gui, std::int16_t nodeNumber);
 
     struct Unsettled {
         NodePlace place;
-        int version; // 0 where there is no history
+        std::int64_t version; // 0 where there is no history
         AutoNode sent;
     };
 
@@ -107,6 +109,7 @@ class NodeRules {
     History history_{dataBase_};
     std::optional<Unsettled> unsettled_;
     bool toldUnguarded_ = false;
+    bool askedToUpgrade_ = false;
 };
 
 } // namespace KAL_AUTO_Node

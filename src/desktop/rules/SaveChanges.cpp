@@ -6,7 +6,6 @@
 #include "form/Stored.h"
 #include "history/NodeSave.h"
 #include "nodes/AutoNodeReader.h"
-#include "nodes/AutoNodeWriter.h"
 #include "platform/RuntimeError.h"
 #include "platform/Today.h"
 #include "rules/Conflicts.h"
@@ -25,119 +24,139 @@ QString NameOf(const GUI& gui, std::int16_t nodeNumber) {
 
 } // namespace
 
-bool NodeRules::MayBegin(GUI& gui, NodeSave& save) {
-    auto& [number, version, loaded] = *gui.StoredNode;
-    while (const auto obstacle = save.Begin(loaded, version)) {
-        if (!GoesOver(NameOf(gui, number), loaded, *obstacle)) {
-            return false;
-        }
-        // As far as the person has seen by now.
-        loaded = *obstacle->stored;
-        version = obstacle->by ? obstacle->by->number : version;
-    }
-    if (!save.Guarded() && !std::exchange(toldUnguarded_, true)) {
-        Inform(QStringLiteral("This store can keep no history, so what is saved here cannot be taken back."));
-    }
-    return true;
-}
+// The person at the window.
+class NodeRules::Person : public SaveAudience {
+  public:
+    Person(NodeRules& rules, GUI& gui, QString node) : rules_(rules), gui_(gui), node_(std::move(node)) {}
 
-void NodeRules::SettleOutcome(const GUI& gui) {
+    // The node as it is stored is to be shown instead of what was changed here.
+    bool WantsStored = false;
+
+    bool GoesOver(const SeenNode& seen, const Obstacle& obstacle) override {
+        const Over answer = AskToGoOver(node_, seen, obstacle);
+        WantsStored = answer == Over::Load;
+        return answer == Over::Save;
+    }
+
+    void MakeMissing(NodeSave& save) override {
+        if (!save.Guarded() && !std::exchange(rules_.toldUnguarded_, true)) {
+            Inform(QStringLiteral(
+                "This store can keep no history, so what is saved here cannot be taken back."));
+        }
+        busy_.emplace(gui_);
+        rules_.CheckForUnReferencedNodes(gui_, save);
+    }
+
+    void Writing() override {
+        LongOperation::ShowProgress(gui_, QStringLiteral("Saving node information. Please wait..."));
+    }
+
+  private:
+    NodeRules& rules_;
+    GUI& gui_;
+    QString node_;
+    std::optional<LongOperation> busy_;
+};
+
+std::optional<bool> NodeRules::SettleOutcome(const GUI& gui) {
     if (!unsettled_) {
-        return;
+        return std::nullopt;
     }
     const auto& [place, version, sent] = *unsettled_;
-    const bool whole = ReadAutoNode(dataBase_, place.partition, place.number) == sent;
-    if (version > 0) {
-        history_.End(place, version, whole ? VersionState::Finished : VersionState::Failed);
-    }
+    // The mark is a part of the save.
+    const bool whole = version > 0 ? history_.IsOwn(place, version)
+                                   : ReadAutoNode(dataBase_, place.partition, place.number) == sent;
     const QString name = NameOf(gui, place.number);
     unsettled_.reset();
     Inform(whole ? name + " is stored as it was to be saved."
                  : "Nothing of the latest save of " + name + " is stored; the node is as it was before.");
+    return whole;
 }
 
 bool NodeRules::OfferToPutBack(const GUI& gui, std::int16_t nodeNumber) {
-    if (dataBase_.IsRemote()) {
-        return false; // a save is there as a whole, or not at all
-    }
     const NodePlace place{PartitionOf(gui), nodeNumber};
+    const QString node = NameOf(gui, nodeNumber);
     bool putBack = false;
+    history_.CatchUp();
     while (const auto save = history_.Unfinished(place)) {
-        if (!WantsItPutBack(NameOf(gui, nodeNumber), *save)) {
+        if (!WantsItPutBack(node, *save)) {
             break;
         }
-        history_.PutBack(place, save->number, "put back");
+        if (!history_.PutBackUnfinished(place, save->number)) {
+            Inform(node + " was saved or put back by somebody else meanwhile. It stays as it is.");
+            break;
+        }
         putBack = true;
+    }
+    if (history_.IsHalfMade(place) && WantsItMadeWhole(node)) {
+        history_.MakeWhole(place);
     }
     return putBack;
 }
 
-int NodeRules::LatestVersion(const GUI& gui, std::int16_t nodeNumber) {
-    const auto versions = history_.Versions({PartitionOf(gui), nodeNumber});
-    return versions.empty() ? 0 : versions.front().number;
+std::int64_t NodeRules::LatestVersion(const GUI& gui, std::int16_t nodeNumber) {
+    try {
+        const auto newest = history_.Newest({PartitionOf(gui), nodeNumber});
+        return newest ? newest->number : 0;
+    } catch (const RuntimeError&) {
+        return 0; // it only tells who has changed a node
+    }
 }
 
 void NodeRules::AfterFailedSave(GUI& gui, std::int16_t nodeNumber, bool half) {
     if (half && OfferToPutBack(gui, nodeNumber)) {
         LoadData(gui, nodeNumber);
         gui.cmdApply->setEnabled(false);
-    } else if (auto stored = ReadAutoNode(dataBase_, PartitionOf(gui), nodeNumber)) {
+    } else if (auto stored = ReadContent(dataBase_, PartitionOf(gui), nodeNumber); stored.node) {
         // What this window itself has left there is nobody else's change.
         gui.StoredNode = std::make_unique<GUI::Stored>(
-            GUI::Stored{nodeNumber, LatestVersion(gui, nodeNumber), std::move(*stored)});
+            GUI::Stored{nodeNumber, {std::move(stored), LatestVersion(gui, nodeNumber)}});
     }
 }
 
 bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
-    bool refused = false;
-    bool writing = false;
-    bool half = false;
-    const bool saved = Reporting("SaveChanges", [&] {
+    using Left = NodeSave::Left;
+    NodeSave save(dataBase_, history_, {PartitionOf(gui), nodeNumber});
+    bool saved = false;
+    bool wantsStored = false;
+    const bool ended = Reporting("SaveChanges", [&] {
         const Hourglass busy;
         if (!gui.StoredNode || gui.StoredNode->number != nodeNumber) {
-            refused = true;
             Inform(NameOf(gui, nodeNumber) +
                    " could not be loaded, and what is shown here is not its content. It is not saved.");
             return;
         }
         SettleOutcome(gui);
         const AutoNode node = GatherNode(gui);
-        const NodePlace place{PartitionOf(gui), nodeNumber};
-        NodeSave save(dataBase_, history_, place);
-        refused = !MayBegin(gui, save);
-        if (refused) {
-            return;
-        }
-        const LongOperation saving(gui);
+        Person person(*this, gui, NameOf(gui, nodeNumber));
         try {
-            CheckForUnReferencedNodes(gui, save);
-            save.Renew();
-            writing = true;
-            LongOperation::ShowProgress(gui, "Saving node information. Please wait...");
-            WriteAutoNode(dataBase_, PartitionOf(gui), nodeNumber, node, Today());
-            save.Finish();
+            saved = save.Run(gui.StoredNode->seen, node, Today(), person);
         } catch (const RuntimeError& error) {
             if (error.Number() == ErrorNumber::OutcomeUnknown) {
-                unsettled_ = Unsettled{place, save.VersionNumber(), node};
-            } else {
-                half = save.Fail();
+                unsettled_ = Unsettled{{PartitionOf(gui), nodeNumber}, save.VersionNumber(), node};
             }
             throw;
-        } catch (...) {
-            half = save.Fail();
-            throw;
         }
-        gui.StoredNode = std::make_unique<GUI::Stored>(GUI::Stored{nodeNumber, save.VersionNumber(), node});
-        gui.StatusBar1->SetPanelText(QString());
+        wantsStored = person.WantsStored;
+        if (saved) {
+            gui.StatusBar1->SetPanelText(QString());
+        }
     });
-    // Before that, what is stored there now may be somebody else's, which has not been seen here.
-    if (!saved && (writing || unsettled_)) {
-        Reporting("SaveChanges", [&] {
-            SettleOutcome(gui);
-            AfterFailedSave(gui, nodeNumber, half);
-        });
+    if (wantsStored) {
+        LoadData(gui, nodeNumber);
+        gui.cmdApply->setEnabled(false);
     }
-    return !refused;
+    if (ended || save.WhatIsLeft() == Left::Nothing) {
+        return saved;
+    }
+    bool written = true;
+    Reporting("SaveChanges", [&] {
+        written = SettleOutcome(gui).value_or(true);
+        if (written) {
+            AfterFailedSave(gui, nodeNumber, save.WhatIsLeft() == Left::Part);
+        }
+    });
+    return written;
 }
 
 } // namespace KAL_AUTO_Node

@@ -37,6 +37,7 @@ using StoreWork = std::function<int(DataBase& dataBase)>;
 [[nodiscard]] Subcommand RestoreCommand(CommandLine& program);
 [[nodiscard]] Subcommand ShowCommand(CommandLine& program);
 [[nodiscard]] Subcommand TraceCommand(CommandLine& program);
+[[nodiscard]] Subcommand UpgradeCommand(CommandLine& program);
 [[nodiscard]] Subcommand UsesCommand(CommandLine& program);
 
 } // namespace KAL_AUTO_Node

@@ -23,7 +23,7 @@ struct Change {
 };
 
 // Nothing where the content of the one version cannot be read; the others tell their changes all the same.
-std::optional<NodeContent> ReadBefore(History& history, const NodePlace& place, int version) {
+std::optional<NodeContent> ReadBefore(History& history, const NodePlace& place, std::int64_t version) {
     try {
         return history.Before(place, version);
     } catch (const RuntimeError& error) {

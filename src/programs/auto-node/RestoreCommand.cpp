@@ -34,13 +34,13 @@ Subcommand RestoreCommand(CommandLine& program) {
     const auto run = [options](DataBase& dataBase) {
         const NodePlace& place = options->place;
         History history(dataBase);
-        int version = options->version;
+        std::int64_t version = options->version;
         if (version == 0) {
-            const auto versions = history.Versions(place);
-            if (versions.empty()) {
+            const auto newest = history.Newest(place);
+            if (!newest) {
                 throw RuntimeError(ErrorNumber::InvalidProcedureCall, "No changes of this node are kept");
             }
-            version = versions.front().number;
+            version = newest->number;
         }
         const NodeContent after = history.ToPutBack(place, version);
         const NodeContent before = options->dryRun ? ReadContent(dataBase, place.partition, place.number)

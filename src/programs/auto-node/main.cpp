@@ -28,7 +28,7 @@ int main(int argc, char** argv) {
         HistoryCommand(program), DiffCommand(program),    RestoreCommand(program), PruneCommand(program),
         ImportCommand(program),  ExportCommand(program),  DigitsCommand(program),  TraceCommand(program),
         PathsCommand(program),   ExpectCommand(program),  GraphCommand(program),   CheckCommand(program),
-        UsesCommand(program),    RepointCommand(program),
+        UsesCommand(program),    RepointCommand(program), UpgradeCommand(program),
     };
     switch (program.Read(argc, argv)) {
     case CommandLine::Outcome::Run:
