@@ -122,17 +122,24 @@ TEST(MissingNodes, ThatCannotBeCreatedAreNotSaidToBe) {
 }
 
 TEST(MissingNodes, AFailedCreationEndsTheCheckButNotTheSave) {
-    Check check;
-    check.store.Execute("INSERT INTO Detail_TIME VALUES (1, 2, 1, 0, 1, 19, 'MSG')");
-    check.person.LookAtBox = [](QMessageBox&) { EXPECT_EQ(Person::Pointer(), Qt::ArrowCursor); };
-    check.person.WillAnswer({YesToAll, Ok});
-    check.Save(6);
-    const auto boxes = check.person.Boxes();
-    ASSERT_EQ(boxes.size(), 2U);
-    ExpectReport(boxes[1], "CheckForUnReferencedNodes", "Detail_TIME");
-    EXPECT_EQ(check.Created(), (Rows{"MSG 240", "MSG 241"}));
-    EXPECT_EQ(check.store.Value("SELECT COUNT(*) FROM Node_TIME WHERE NodeNumber = 19"),
-              TestStore::OnServer() ? "0" : "1");
+    // Half-way, and before anything is written.
+    const std::string half = TestStore::OnServer() ? "0" : "1";
+    for (const auto& [before, table, rows, marks] :
+         {std::tuple{"INSERT INTO Detail_TIME VALUES (1, 2, 1, 0, 1, 19, 'MSG')", "Detail_TIME", half, half},
+          {"UPDATE Node_TIME SET NodeNumber = 19 WHERE PartID = 2 AND NodeNumber = 1", "Node_TIME", "1",
+           "0"}}) {
+        Check check;
+        check.store.Execute(before);
+        check.person.LookAtBox = [](QMessageBox&) { EXPECT_EQ(Person::Pointer(), Qt::ArrowCursor); };
+        check.person.WillAnswer({YesToAll, Ok});
+        check.Save(6);
+        const auto boxes = check.person.Boxes();
+        ASSERT_EQ(boxes.size(), 2U);
+        ExpectReport(boxes[1], "CheckForUnReferencedNodes", table);
+        EXPECT_EQ(check.Created(), (Rows{"MSG 240", "MSG 241"}));
+        EXPECT_EQ(check.store.Value("SELECT COUNT(*) FROM Node_TIME WHERE NodeNumber = 19"), rows);
+        EXPECT_EQ(check.store.Value("SELECT COUNT(*) FROM Node_Creation WHERE NodeTypeID = 2"), marks);
+    }
 }
 
 TEST(MissingNodes, AreThoseThatCannotBeLookedUpToo) {

@@ -360,13 +360,23 @@ Creation NodeSave::Create(const RequiredNode& required, const std::string& date)
                                                       required.number, version_, node, date});
         }
     }
-    const Creation outcome =
-        CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, required.number, typeID, date, existing);
-    if (marked_ && (outcome == Creation::NoRule || outcome == Creation::NoTemplate)) {
-        dataBase_.Execute(Command::Delete_Creation,
-                          {partition.config, partition.number, typeID, required.number});
+    const auto leaveUnmarked = [&] {
+        if (marked_) {
+            dataBase_.Execute(Command::Delete_Creation,
+                              {partition.config, partition.number, typeID, required.number});
+        }
+    };
+    try {
+        const Creation outcome = CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, required.number,
+                                                        typeID, date, existing);
+        if (outcome == Creation::NoRule || outcome == Creation::NoTemplate) {
+            leaveUnmarked();
+        }
+        return outcome;
+    } catch (const AlreadyThere&) {
+        leaveUnmarked();
+        throw;
     }
-    return outcome;
 }
 
 } // namespace KAL_AUTO_Node

@@ -76,19 +76,29 @@ Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int sou
     }
     Batch batch(dataBase);
     std::vector<std::int64_t> written;
-    const auto copy = [&](Command command, Parameters parameters) {
-        if (existing == Existing::Refuse) {
-            batch.Add(command, parameters);
-            return;
-        }
+    bool begun = false;
+    const auto run = [&](const auto& step) {
         try {
-            written.push_back(dataBase.Execute(command, parameters));
+            step();
+            begun = begun || !dataBase.IsRemote();
         } catch (const RuntimeError& error) {
-            if (error.Number() != ErrorNumber::DuplicateKey) {
+            if (error.Number() != ErrorNumber::DuplicateKey || (existing == Existing::Refuse && begun)) {
                 throw;
+            }
+            if (existing == Existing::Refuse) {
+                throw AlreadyThere(error);
             }
             written.push_back(1);
         }
+    };
+    const auto copy = [&](Command command, Parameters parameters) {
+        run([&] {
+            if (existing == Existing::Refuse) {
+                batch.Add(command, parameters);
+            } else {
+                written.push_back(dataBase.Execute(command, parameters));
+            }
+        });
     };
     for (const Command command : rule->Commands()) {
         if (command == Command::Duplicate_MSG_NODE) {
@@ -101,7 +111,7 @@ Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int sou
     copy(Command::Duplicate_Node_In_General_Pool,
          {destination, date, partition.config, partition.number, source, rule->typeID});
     if (existing == Existing::Refuse) {
-        written = batch.Run();
+        run([&] { written = batch.Run(); });
     }
     const bool registered = written.back() > 0;
     written.pop_back();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nodes/Identity.h"
+#include "platform/RuntimeError.h"
 
 #include <string>
 
@@ -25,6 +26,11 @@ enum class Creation {
 enum class Existing {
     Refuse, // DuplicateKey is raised
     Keep,   // they are taken as copied before
+};
+
+// The DuplicateKey of a creation that has written nothing.
+struct AlreadyThere : RuntimeError {
+    explicit AlreadyThere(const RuntimeError& error) : RuntimeError(error) {}
 };
 
 // Copies a node under a new number: its own row, its detail rows, its register row, each statement by itself.
