@@ -124,8 +124,7 @@ TEST_F(StoreServer, TellsWhatItRefuses) {
     ReadAhead ahead(dataBase);
     for (const bool together : {false, true}) {
         store_.Execute("INSERT INTO Detail_AUTO_Prompts VALUES (1, 2, 1, 0, 1, 77, 'MSG')");
-        ahead.Add(Get_AUTO_PromptsNode, {1, 2, 77});
-        ahead.Fetch();
+        ahead.Fetch([&] { static_cast<void>(dataBase.Query(Get_AUTO_PromptsNode, {1, 2, 77})); });
         if (together) {
             batch.Add(Delete_AUTO_PromptsNode, {1, 2, 77});
             batch.Run();

@@ -31,7 +31,7 @@ class PartitionCheck {
 
     PartitionFindings Run() {
         ReadAhead ahead(dataBase_);
-        ReadListsAhead(ahead, dataBase_, partition_);
+        FetchLists(ahead, dataBase_, partition_);
         ReadTypes();
         ReadRegister();
         template_ = ReadAutoNode(dataBase_, partition_, TemplateNumber);

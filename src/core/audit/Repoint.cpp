@@ -45,7 +45,7 @@ class Planning {
 
     RepointPlan Run() {
         ReadAhead ahead(dataBase_);
-        ReadListsAhead(ahead, dataBase_, partition_);
+        FetchLists(ahead, dataBase_, partition_);
         ReadNodeNames(dataBase_, partition_, lists_);
         if (NodeTypeOf(from_.typeID) == to_.typeID && from_.number == to_.number) {
             plan_.obstacles.push_back(NameOfNew() + " would take its own place");

@@ -169,16 +169,8 @@ class Comparison : public ExchangeSink {
         if (mode_ == Mode::Write) {
             history_.Keep(newlyTouched_, Work, take);
         } else {
-            for (std::span<const NodePlace> rest = newlyTouched_; !rest.empty();) {
-                const auto together = TakeTogether(rest);
-                ReadAhead ahead(dataBase_);
-                for (const NodePlace& place : together) {
-                    ReadContentAhead(ahead, place.partition, place.number);
-                }
-                ahead.Fetch();
-                history_.RequireIdle(together);
-                ReadContents(dataBase_, together, take);
-            }
+            history_.RequireIdle(newlyTouched_);
+            ReadContents(dataBase_, newlyTouched_, take);
         }
         newlyTouched_.clear();
         writes_->Send([this](const StoreRow&) {

@@ -117,11 +117,6 @@ std::vector<Version> History::Stored(Command command, const NodePlace& place) {
     return versions;
 }
 
-void History::ReadNewestAhead(ReadAhead& ahead, const NodePlace& place) {
-    ahead.Add(Command::Get_Newest_AUTO_Version,
-              {place.partition.config, place.partition.number, place.number});
-}
-
 std::vector<Version> History::Find(Command command, const NodePlace& place) {
     auto versions = Stored(command, place);
     for (const auto& [ended, number, state] : ended_) {
@@ -302,11 +297,12 @@ void History::Keep(std::span<const NodePlace> places, const char* work, const Ta
     while (!places.empty()) {
         const auto together = TakeTogether(places);
         ReadAhead ahead(dataBase_);
-        for (const NodePlace& place : together) {
-            ReadNewestAhead(ahead, place);
-            ReadContentAhead(ahead, place.partition, place.number);
-        }
-        ahead.Fetch();
+        ahead.Fetch([&] {
+            for (const NodePlace& place : together) {
+                static_cast<void>(Newest(place));
+                static_cast<void>(ReadContent(dataBase_, place.partition, place.number));
+            }
+        });
         Batch batch(dataBase_);
         for (const NodePlace& place : together) {
             RequireIdle(place);

@@ -13,7 +13,6 @@ namespace KAL_AUTO_Node {
 
 class Batch;
 class DataBase;
-class ReadAhead;
 class Transaction;
 enum class Command;
 
@@ -32,7 +31,6 @@ class History {
     // Makes the store keep one; false where it may not be changed so.
     [[nodiscard]] bool Prepare();
 
-    static void ReadNewestAhead(ReadAhead& ahead, const NodePlace& place);
     // Newest first; none where there is no history.
     [[nodiscard]] std::vector<Version> Versions(const NodePlace& place);
     // The first of them. Like those that did not finish, it is found in the same time however many there are.

@@ -127,13 +127,12 @@ std::vector<std::string> Differences(const NodeContent& before, const NodeConten
     return lines;
 }
 
-void ReadContentAhead(ReadAhead& ahead, Partition partition, std::int16_t number) {
-    ReadAutoNodeAhead(ahead, partition, number);
-    ahead.Add(Command::Get_Description, {partition.config, partition.number, AutoType, number});
-}
-
 NodeContent ReadContent(DataBase& dataBase, Partition partition, std::int16_t number) {
-    return {ReadAutoNode(dataBase, partition, number), ReadEntry(dataBase, partition, number)};
+    NodeContent content;
+    ReadAhead(dataBase).Read([&] {
+        content = {ReadAutoNode(dataBase, partition, number), ReadEntry(dataBase, partition, number)};
+    });
+    return content;
 }
 
 std::span<const NodePlace> TakeTogether(std::span<const NodePlace>& rest) {
@@ -146,10 +145,11 @@ void ReadContents(DataBase& dataBase, std::span<const NodePlace> places, const T
     while (!places.empty()) {
         const auto together = TakeTogether(places);
         ReadAhead ahead(dataBase);
-        for (const auto& [partition, number] : together) {
-            ReadContentAhead(ahead, partition, number);
-        }
-        ahead.Fetch();
+        ahead.Fetch([&] {
+            for (const auto& [partition, number] : together) {
+                static_cast<void>(ReadContent(dataBase, partition, number));
+            }
+        });
         for (const NodePlace& place : together) {
             take(place, ReadContent(dataBase, place.partition, place.number));
         }

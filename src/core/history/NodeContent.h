@@ -13,7 +13,6 @@
 namespace KAL_AUTO_Node {
 
 class DataBase;
-class ReadAhead;
 
 // A row of the register.
 struct RegisterEntry {
@@ -46,7 +45,6 @@ struct SeenNode {
                                                      std::int16_t number);
 
 [[nodiscard]] NodeContent ReadContent(DataBase& dataBase, Partition partition, std::int16_t number);
-void ReadContentAhead(ReadAhead& ahead, Partition partition, std::int16_t number);
 
 // Takes the first places off the rest: as many as are read together, which saves ways to a server and holds
 // little in memory.

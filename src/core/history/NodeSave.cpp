@@ -48,7 +48,7 @@ bool Clear(SeenNode& seen, SaveAudience& audience, Step step) {
 class Existence {
   public:
     Existence(DataBase& dataBase, Partition partition, std::span<const RequiredNode> nodes)
-        : ahead_(dataBase), partition_(partition), nodes_(nodes), count_(nodes.size()) {}
+        : dataBase_(dataBase), ahead_(dataBase), partition_(partition), nodes_(nodes), count_(nodes.size()) {}
 
     // Before it is asked for; in the order of the nodes.
     void LookUp(const RequiredNode& node) {
@@ -57,10 +57,11 @@ class Existence {
         }
         const auto rest = nodes_.subspan(static_cast<std::size_t>(&node - nodes_.data()));
         const auto next = rest.first(std::min(count_, rest.size()));
-        for (const RequiredNode& one : next) {
-            LookUpAhead(ahead_, partition_, one.typeID, one.number);
-        }
-        ahead_.Fetch();
+        ahead_.Fetch([&] {
+            for (const RequiredNode& one : next) {
+                static_cast<void>(IsNodeExisted(dataBase_, partition_, one.typeID, one.number));
+            }
+        });
         known_ = std::ssize(next) - 1;
     }
 
@@ -72,6 +73,7 @@ class Existence {
   private:
     static constexpr std::size_t Few = 50;
 
+    DataBase& dataBase_;
     ReadAhead ahead_;
     Partition partition_;
     std::span<const RequiredNode> nodes_;
@@ -176,11 +178,12 @@ bool NodeSave::RunOnServer(SeenNode& seen, const AutoNode& node, const std::stri
 
 std::optional<Obstacle> NodeSave::Look(const SeenNode& seen) {
     ReadAhead ahead(dataBase_);
-    ReadContentAhead(ahead, place_.partition, place_.number);
-    if (guarded_) {
-        History::ReadNewestAhead(ahead, place_);
-    }
-    ahead.Fetch();
+    ahead.Fetch([&] {
+        static_cast<void>(ReadContent(dataBase_, place_.partition, place_.number));
+        if (guarded_) {
+            static_cast<void>(history_.Newest(place_));
+        }
+    });
     std::optional<Version> newest;
     if (guarded_) {
         try {

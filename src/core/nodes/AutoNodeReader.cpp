@@ -2,6 +2,7 @@
 
 #include "nodes/NodeTypes.h"
 #include "nodes/Record.h"
+#include "store/Batch.h"
 
 namespace KAL_AUTO_Node {
 
@@ -21,51 +22,14 @@ void AutoNodeReader::ReadLabel(Reference& reference) {
     }
 }
 
-void ReadLabelAhead(ReadAhead& ahead, Partition partition, int typeID, int number) {
-    ahead.Add(Command::Get_Description, {partition.config, partition.number, typeID, number});
-}
-
-void ReadAutoNodeAhead(ReadAhead& ahead, Partition partition, std::int16_t number) {
-    ahead.Add(Command::Get_AUTO_Node, {partition.config, partition.number, number, AutoType});
-    ahead.Add(Command::Get_AUTO_PromptsNode, {partition.config, partition.number, number});
-    ahead.Add(Command::Get_AUTO_ActionsNode, {partition.config, partition.number, number});
-}
-
-// The rows of both lists are here by now; what cannot be read of them is told when they are read.
-void AutoNodeReader::ReadLabelsAhead(ReadAhead& ahead) try {
-    const auto add = [&](const ResultSet& row, const ReferenceColumns& columns) {
-        ReadLabelAhead(ahead, partition_, LabelledType(columns.TypeID(row)), columns.Number(row));
-    };
-    for (const BranchRule& branch : BranchRules) {
-        add(*record_, ReferenceColumns(*record_, branch.column));
-    }
-    for (const Command list : {Command::Get_AUTO_PromptsNode, Command::Get_AUTO_ActionsNode}) {
-        ResultSet rows = dataBase_.Query(list, {partition_.config, partition_.number, number_});
-        for (const ReferenceColumns columns(rows); !rows.AtEnd(); rows.MoveNext()) {
-            add(rows, columns);
-        }
-    }
-
-} catch (const RuntimeError&) {
-
-    return;
-}
-
 bool AutoNodeReader::ReadRecord(AutoNode& node) {
     record_.reset();
-    ReadAhead& ahead = ahead_.emplace(dataBase_);
-    ReadAutoNodeAhead(ahead, partition_, number_);
-    ahead.Fetch();
     record_.emplace(
         dataBase_.Query(Command::Get_AUTO_Node, {partition_.config, partition_.number, number_, AutoType}));
     if (record_->AtEnd()) {
         return false;
     }
     KAL_AUTO_Node::ReadRecord(*record_, node);
-    if (ahead.Helps() && labels_ != Labels::Leave) {
-        ReadLabelsAhead(ahead);
-        ahead.Fetch();
-    }
     return true;
 }
 
@@ -96,17 +60,20 @@ void AutoNodeReader::ReadBranch(AutoNode& node, std::size_t branch) {
 
 std::optional<AutoNode> ReadAutoNode(DataBase& dataBase, Partition partition, std::int16_t number,
                                      Labels labels) {
-    AutoNode node;
-    AutoNodeReader reader(dataBase, partition, number, labels);
-    if (!reader.ReadRecord(node)) {
-        return std::nullopt;
-    }
-    reader.ReadPrompts(node);
-    reader.ReadActions(node);
-    for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
-        reader.ReadBranch(node, branch);
-    }
-    return node;
+    std::optional<AutoNode> found;
+    ReadAhead(dataBase).Read([&] {
+        AutoNode node;
+        AutoNodeReader reader(dataBase, partition, number, labels);
+        const bool exists = reader.ReadRecord(node);
+        // Whether or not the record is known yet.
+        reader.ReadPrompts(node);
+        reader.ReadActions(node);
+        for (std::size_t branch = 0; exists && branch < BranchRules.size(); ++branch) {
+            reader.ReadBranch(node, branch);
+        }
+        found = exists ? std::optional(std::move(node)) : std::nullopt;
+    });
+    return found;
 }
 
 bool AutoNodeExists(DataBase& dataBase, Partition partition, std::int16_t number) {

@@ -2,7 +2,7 @@
 
 #include "nodes/AutoNode.h"
 #include "nodes/Identity.h"
-#include "store/Batch.h"
+#include "store/DataBase.h"
 
 #include <cstdint>
 #include <optional>
@@ -27,7 +27,6 @@ class AutoNodeReader {
   private:
     [[nodiscard]] int LabelledType(int typeID) const;
     void ReadLabel(Reference& reference);
-    void ReadLabelsAhead(ReadAhead& ahead);
     template <class Columns, class Item>
     void ReadItems(Command command, std::vector<Item>& items);
 
@@ -35,11 +34,8 @@ class AutoNodeReader {
     Partition partition_;
     std::int16_t number_;
     Labels labels_;
-    std::optional<ReadAhead> ahead_;
     std::optional<ResultSet> record_;
 };
-
-void ReadAutoNodeAhead(ReadAhead& ahead, Partition partition, std::int16_t number);
 
 // The whole node, or nothing where there is none.
 [[nodiscard]] std::optional<AutoNode> ReadAutoNode(DataBase& dataBase, Partition partition,
@@ -50,6 +46,5 @@ void ReadAutoNodeAhead(ReadAhead& ahead, Partition partition, std::int16_t numbe
 
 // The label of a node of any type as the register has it; empty where it has none.
 [[nodiscard]] std::string LabelOf(DataBase& dataBase, Partition partition, int typeID, int number);
-void ReadLabelAhead(ReadAhead& ahead, Partition partition, int typeID, int number);
 
 } // namespace KAL_AUTO_Node

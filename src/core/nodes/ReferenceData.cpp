@@ -31,33 +31,23 @@ std::optional<int> ReadMaxNodeNumber(DataBase& dataBase, Partition partition, in
                                                      std::numeric_limits<int>::min(), HighestNodeNumber));
 }
 
-void ReadListsAhead(ReadAhead& ahead, DataBase& dataBase, Partition partition) try {
-    if (!ahead.Helps()) {
-        return;
-    }
-    ahead.Add(Command::Get_Node_Names, {});
-    for (const SlotRule& rule : SlotRules) {
-        ahead.Add(Command::Get_Node_Type_can_contain_nodes, {AutoType, rule.setID});
-    }
-    ahead.Add(Command::Get_All_AUTO_Nodes, {partition.config, partition.number, AutoType});
-    ahead.Fetch();
-
-    const auto addLimits = [&](ResultSet types, const char* column) {
-        for (; !types.AtEnd(); types.MoveNext()) {
-            ahead.Add(Command::Get_Max_NodeNumber,
-                      {partition.config, partition.number, types.Number(column)});
+void FetchLists(ReadAhead& ahead, DataBase& dataBase, Partition partition) {
+    ahead.Fetch([&] {
+        NodeLists lists;
+        const auto ignore = [](int, const auto&) {};
+        const auto one = [](auto&& read) {
+            try {
+                read();
+            } catch (const RuntimeError&) {
+                return; // those after it are asked for all the same
+            }
+        };
+        one([&] { ReadNodeNames(dataBase, partition, lists); });
+        for (std::size_t slot = 0; slot < SlotRules.size(); ++slot) {
+            one([&] { ReadContainableTypes(dataBase, partition, static_cast<Slot>(slot), lists, ignore); });
         }
-    };
-    addLimits(dataBase.Query(Command::Get_Node_Names, {}), "ID");
-    for (const SlotRule& rule : SlotRules) {
-        addLimits(dataBase.Query(Command::Get_Node_Type_can_contain_nodes, {AutoType, rule.setID}),
-                  "Child_Node_Type_ID");
-    }
-    ahead.Fetch();
-
-} catch (const RuntimeError&) {
-
-    return; // told by what reads them
+        one([&] { ReadAutoNodes(dataBase, partition, ignore); });
+    });
 }
 
 void ReadNodeNames(DataBase& dataBase, Partition partition, NodeLists& lists) {

@@ -18,8 +18,8 @@ class ReadAhead;
 // What the store says about the node types of a partition. Each procedure fills what it is given row by row,
 // so that what was read before an error is there.
 
-// Fetches from a server the rows of all that stands below.
-void ReadListsAhead(ReadAhead& ahead, DataBase& dataBase, Partition partition);
+// Fetches from a server the rows of names, highest numbers, types of all places and AUTO nodes.
+void FetchLists(ReadAhead& ahead, DataBase& dataBase, Partition partition);
 
 // The highest number of a type, at most the highest that a node can have; nothing where no limit is stored.
 [[nodiscard]] std::optional<int> ReadMaxNodeNumber(DataBase& dataBase, Partition partition, int typeID);

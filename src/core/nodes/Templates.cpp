@@ -122,10 +122,6 @@ Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int sou
     return copied ? Creation::Unregistered : Creation::NoTemplate;
 }
 
-void LookUpAhead(ReadAhead& ahead, Partition partition, int typeID, int number) {
-    ahead.Add(Command::Get_Description, {partition.config, partition.number, NodeTypeOf(typeID), number});
-}
-
 bool HasCopyRule(int typeID) {
     return std::ranges::find(CopyRules, typeID, &CopyRule::typeID) != CopyRules.end();
 }

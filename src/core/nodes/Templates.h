@@ -8,7 +8,6 @@
 namespace KAL_AUTO_Node {
 
 class DataBase;
-class ReadAhead;
 
 // What came of making a node from the template. A node exists for the system when the register has it.
 enum class Creation {
@@ -43,7 +42,6 @@ Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int sou
 [[nodiscard]] bool HasCopyRule(int typeID);
 
 // Whether the register has a node; a reference to a message stands for the message.
-void LookUpAhead(ReadAhead& ahead, Partition partition, int typeID, int number);
 [[nodiscard]] bool IsNodeExisted(DataBase& dataBase, Partition partition, int typeID, int number);
 
 } // namespace KAL_AUTO_Node

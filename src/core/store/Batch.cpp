@@ -3,25 +3,15 @@
 #include "store/Connection.h"
 
 #include <algorithm>
+#include <exception>
 #include <iterator>
 #include <utility>
 
 namespace KAL_AUTO_Node {
 
-namespace {
-
-CommandRun RunOf(Command command, Parameters parameters) {
-    CommandRun run{command, {}};
-    run.parameters.reserve(parameters.size());
-    std::ranges::transform(parameters, std::back_inserter(run.parameters), &Parameter::Value);
-    return run;
-}
-
-} // namespace
-
 void Batch::Add(Command command, Parameters parameters) {
     if (dataBase_.IsRemote()) {
-        waiting_.push_back(RunOf(command, parameters));
+        waiting_.emplace_back(command, parameters);
     } else {
         written_.push_back(dataBase_.Execute(command, parameters));
     }
@@ -42,22 +32,49 @@ ReadAhead::ReadAhead(DataBase& dataBase) : dataBase_(dataBase), helps_(dataBase.
 
 ReadAhead::~ReadAhead() { dataBase_.EndReadingAhead(); }
 
-void ReadAhead::Add(Command command, Parameters parameters) {
-    if (helps_) {
-        waiting_.push_back(RunOf(command, parameters));
+void ReadAhead::Read(const std::function<void()>& read) {
+    if (!helps_ || dataBase_.asking_ != nullptr) {
+        read(); // by itself, or as a part of what is asked for already
+        return;
     }
+    DataBase::Asking asking;
+    while (true) {
+        std::exception_ptr failure;
+        dataBase_.asking_ = &asking;
+        try {
+            read();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        dataBase_.asking_ = nullptr;
+        if (asking.fresh.empty()) {
+            if (failure) {
+                std::rethrow_exception(failure);
+            }
+            return;
+        }
+        dataBase_.FetchAhead({asking.fresh.begin(), asking.fresh.end()});
+        asking.known.merge(asking.fresh);
+    }
+}
+
+void ReadAhead::Fetch(const std::function<void()>& read) {
+    if (!helps_) {
+        return;
+    }
+    Read([&] {
+        try {
+            read();
+        } catch (const RuntimeError&) {
+            return; // told by what reads it
+        }
+    });
 }
 
 void ReadAhead::Fetch(std::span<const StatementRun> runs) {
     if (helps_) {
         std::size_t reached = 0;
         dataBase_.Open().FetchAhead(runs, reached);
-    }
-}
-
-void ReadAhead::Fetch() {
-    if (!waiting_.empty()) {
-        dataBase_.FetchAhead(std::exchange(waiting_, {}));
     }
 }
 

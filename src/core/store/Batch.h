@@ -2,6 +2,8 @@
 
 #include "store/DataBase.h"
 
+#include <functional>
+
 namespace KAL_AUTO_Node {
 
 // Commands without result rows, run in the order in which they are added. In a file each runs when it is
@@ -25,9 +27,8 @@ class Batch {
     std::vector<std::int64_t> written_;
 };
 
-// Tells a server which queries will follow, so that all their rows come in one go. It is a hint: each query
-// is made as ever, and raises its own errors. What was fetched serves until the outermost of these objects
-// ends, or a command writes. The data base outlives it.
+// Lets what reading code asks a server travel together. What was fetched serves until the outermost of these
+// objects ends, or a command writes. The data base outlives it.
 class ReadAhead {
   public:
     explicit ReadAhead(DataBase& dataBase);
@@ -36,18 +37,18 @@ class ReadAhead {
     ReadAhead(const ReadAhead&) = delete;
     ReadAhead& operator=(const ReadAhead&) = delete;
 
-    // Whether there is a server; without one neither of the two below does anything.
-    [[nodiscard]] bool Helps() const noexcept { return helps_; }
-
-    void Add(Command command, Parameters parameters);
-    void Fetch();
+    // Runs the procedure, which reads and changes nothing in the store. From a server it is run once more for
+    // each round of queries: what it has not asked before has no rows yet, and is fetched at its end, all at
+    // once. So what it finds is what its last run finds, and so is what it raises.
+    void Read(const std::function<void()>& read);
+    // The same of what will be read later, one by one; raises only what ends a transaction.
+    void Fetch(const std::function<void()>& read);
     // The same of prepared statements.
     void Fetch(std::span<const StatementRun> runs);
 
   private:
     DataBase& dataBase_;
     bool helps_;
-    std::vector<CommandRun> waiting_;
 };
 
 } // namespace KAL_AUTO_Node

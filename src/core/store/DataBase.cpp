@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <iterator>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -90,6 +91,11 @@ decltype(auto) DataBase::Describing(Command command, Use&& use) const {
     return Describing("command ", CommandName(command), std::forward<Use>(use));
 }
 
+CommandRun::CommandRun(Command which, Parameters with) : command(which) {
+    parameters.reserve(with.size());
+    std::ranges::transform(with, std::back_inserter(parameters), &Parameter::Value);
+}
+
 ResultSet::ResultSet(ResultSet&& other) noexcept
     : owner_(std::exchange(other.owner_, nullptr)), command_(other.command_) {}
 
@@ -100,7 +106,7 @@ Statement& ResultSet::Rows() const {
     return *owner_->Of(command_).statement;
 }
 
-bool ResultSet::AtEnd() const { return Rows().AtEnd(); }
+bool ResultSet::AtEnd() const { return owner_ == nullptr || Rows().AtEnd(); }
 
 void ResultSet::MoveNext() {
     assert(!AtEnd());
@@ -108,6 +114,9 @@ void ResultSet::MoveNext() {
 }
 
 std::size_t ResultSet::Column(std::string_view name) const {
+    if (owner_ == nullptr) {
+        return 0;
+    }
     const auto columns = Rows().Columns();
     const auto found =
         std::ranges::find_if(columns, [=](const auto& column) { return SameName(column, name); });
@@ -219,11 +228,23 @@ std::int64_t DataBase::Execute(Command command, Parameters parameters) {
     });
 }
 
+bool DataBase::Asking::Add(Command command, Parameters parameters) {
+    CommandRun run(command, parameters);
+    const bool isFresh = !known.contains(run);
+    if (isFresh) {
+        fresh.insert(std::move(run));
+    }
+    return isFresh;
+}
+
 ResultSet DataBase::Query(Command command, Parameters parameters) {
+    if (asking_ != nullptr && asking_->Add(command, parameters)) {
+        return ResultSet(nullptr, command);
+    }
     return Describing(command, [&] {
         Run(command, parameters);
         Of(command).open = true;
-        return ResultSet(*this, command);
+        return ResultSet(this, command);
     });
 }
 

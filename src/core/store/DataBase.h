@@ -3,12 +3,14 @@
 #include "platform/RuntimeError.h"
 
 #include <array>
+#include <compare>
 #include <concepts>
 #include <cstdint>
 #include <filesystem>
 #include <initializer_list>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -65,8 +67,12 @@ using Parameters = std::initializer_list<Parameter>;
 
 // One run of a command among several.
 struct CommandRun {
+    CommandRun(Command which, Parameters with);
+
     Command command;
     std::vector<std::optional<std::string>> parameters;
+
+    friend auto operator<=>(const CommandRun&, const CommandRun&) = default;
 };
 
 // The rows of a command's latest run, read forward from the first; closed at the end of its life at the
@@ -112,14 +118,14 @@ class ResultSet {
   private:
     friend class DataBase;
 
-    ResultSet(DataBase& owner, Command command) : owner_(&owner), command_(command) {}
+    ResultSet(DataBase* owner, Command command) : owner_(owner), command_(command) {}
 
     [[nodiscard]] Statement& Rows() const;
     template <class Whole>
     [[nodiscard]] Whole Within(std::size_t column) const;
     [[noreturn]] void Fail(ErrorNumber number, const std::string& what, std::size_t column) const;
 
-    DataBase* owner_; // none once closed
+    DataBase* owner_; // none once closed, and while rows are only asked for
     Command command_;
 };
 
@@ -205,6 +211,15 @@ class DataBase {
     void EndReadingAhead() noexcept;
     void FetchAhead(const std::vector<CommandRun>& runs);
 
+    // What reading code asks for.
+    struct Asking {
+        std::set<CommandRun> known;
+        std::set<CommandRun> fresh; // not fetched yet
+
+        // Whether that is one of the fresh ones.
+        bool Add(Command command, Parameters parameters);
+    };
+
     struct Prepared {
         std::unique_ptr<Statement> statement;
         std::vector<std::optional<std::string>> parameters; // of the latest run
@@ -230,6 +245,7 @@ class DataBase {
     std::unique_ptr<Connection> connection_;
     std::array<Prepared, CommandCount> prepared_;
     int readersAhead_ = 0;
+    Asking* asking_ = nullptr;
     int singleWaits_ = 0;
     mutable std::optional<RuntimeError> vain_; // what a wait that is not made again ended with
 };

@@ -118,7 +118,7 @@ void Business_Rules::ShowNodeEditor(std::int16_t Config_ID, std::int16_t Partiti
         NodeRules::HideInPlaceEditors(gui);
         // Each runs whether or not the one before it failed.
         auto wait = rules.WaitOnce();
-        auto ahead = rules.ReadListsAhead(gui);
+        auto ahead = rules.FetchLists(gui);
         bool complete = rules.LoadNodeName(gui);
         complete &= rules.LoadPromptsNode(gui);
         complete &= rules.LoadActionsNode(gui);

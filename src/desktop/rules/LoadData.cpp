@@ -120,11 +120,11 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
             notOffered = std::current_exception();
         }
         ReadAhead ahead(dataBase_);
-        ReadContentAhead(ahead, PartitionOf(gui), nodeNumber);
-        if (ahead.Helps() && history_.Exists()) {
-            History::ReadNewestAhead(ahead, {PartitionOf(gui), nodeNumber});
-        }
-        ahead.Fetch();
+        ahead.Fetch([&] {
+            static_cast<void>(ReadAutoNode(dataBase_, PartitionOf(gui), nodeNumber, Labels::Read));
+            static_cast<void>(ReadEntry(dataBase_, PartitionOf(gui), nodeNumber));
+            static_cast<void>(LatestVersion(gui, nodeNumber));
+        });
         AutoNode node;
         AutoNodeReader reader(dataBase_, PartitionOf(gui), nodeNumber, Labels::Read);
         exists = reader.ReadRecord(node);

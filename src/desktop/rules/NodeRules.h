@@ -37,7 +37,7 @@ class NodeRules {
 
     // Fetches from a server what the reference lists are filled with, as long as the result lives. Has no
     // report of its own.
-    [[nodiscard]] std::unique_ptr<ReadAhead> ReadListsAhead(const GUI& gui);
+    [[nodiscard]] std::unique_ptr<ReadAhead> FetchLists(const GUI& gui);
 
     // Has to live while the window is prepared: a store that is waited for in vain is waited for once.
     [[nodiscard]] auto WaitOnce() { return std::make_unique<SingleWait>(dataBase_); }

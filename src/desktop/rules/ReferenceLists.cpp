@@ -8,9 +8,9 @@
 
 namespace KAL_AUTO_Node {
 
-std::unique_ptr<ReadAhead> NodeRules::ReadListsAhead(const GUI& gui) {
+std::unique_ptr<ReadAhead> NodeRules::FetchLists(const GUI& gui) {
     auto ahead = std::make_unique<ReadAhead>(dataBase_);
-    KAL_AUTO_Node::ReadListsAhead(*ahead, dataBase_, PartitionOf(gui));
+    KAL_AUTO_Node::FetchLists(*ahead, dataBase_, PartitionOf(gui));
     return ahead;
 }
 

@@ -37,10 +37,11 @@ int Run(const Options& options, DataBase& dataBase) {
         throw std::runtime_error(name + " does not exist, and nothing refers to it");
     }
     ReadAhead ahead(dataBase);
-    for (const StoredReference& use : uses) {
-        ReadLabelAhead(ahead, partition, use.holderTypeID, use.holder);
-    }
-    ahead.Fetch();
+    ahead.Fetch([&] {
+        for (const StoredReference& use : uses) {
+            static_cast<void>(LabelOf(dataBase, partition, use.holderTypeID, use.holder));
+        }
+    });
     auto document = nlohmann::ordered_json::array();
     Table table({Left, Left, Left, Left});
     const StoredReference* before = nullptr;
