@@ -37,7 +37,10 @@ std::string MatchingKeyAndBefore(const StoreTable& table, std::span<const std::s
     std::string text = Matching(table, table.key);
     for (const std::size_t column : columns) {
         const std::string& name = table.columns[column].name;
-        text += " AND " + name + " IS NOT DISTINCT FROM :Before_" + name;
+        text += " AND ";
+        text += name;
+        text += " IS NOT DISTINCT FROM :Before_";
+        text += name;
     }
     return text;
 }
