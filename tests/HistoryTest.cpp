@@ -329,6 +329,20 @@ TEST_F(HistoryOfANode, DropsWhatIsBothOldAndManyVersionsAgo) {
     EXPECT_EQ(anna_.Versions().Before(Place, 2).node->label, "0");
     SaveAs(anna_, "Last");
     EXPECT_EQ(Versions().size(), 21U);
+
+    // Young ones up to a number, and never those that did not finish; with saves, a few at a time.
+    store_.Execute(
+        "WITH RECURSIVE Made(Number) AS (SELECT 27 UNION ALL SELECT Number + 1 FROM Made WHERE Number < "
+        "1226) INSERT INTO Node_AUTO_Version SELECT ConfigID, PartID, NodeNumber, Number, Work, CASE "
+        "Number WHEN 30 THEN 'failed' ELSE State END, '" +
+        TimeStamp() +
+        "', UserName, HostName, Program, ProcessID, ProcessStart, Content, '' FROM Node_AUTO_Version, Made "
+        "WHERE VersionNo = 26");
+    SaveAs(anna_, "Later");
+    EXPECT_EQ(Versions().size(), 21U + 1200 + 1 - 20);
+    const auto all = static_cast<std::int64_t>(Versions().size());
+    EXPECT_EQ(anna_.Versions().Prune(), all - History::MostVersions);
+    EXPECT_GT(anna_.Store().Compact().value_or(1), 0);
 }
 
 } // namespace

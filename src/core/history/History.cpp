@@ -6,6 +6,8 @@
 #include "store/Batch.h"
 #include "store/Scripts.h"
 
+#include <climits>
+
 #include <algorithm>
 #include <strings.h>
 
@@ -214,7 +216,7 @@ void History::MarkEnded() {
         const auto& [partition, node] = place;
         Transaction all(dataBase_, place.Number());
         Batch batch(dataBase_);
-        if (auto versions = Stored(Command::Get_AUTO_Versions, place);
+        if (auto versions = Stored(Command::Get_Unfinished_AUTO_Versions, place);
             FindOwn(versions, version, Self()) != versions.end()) {
             SetState(batch, place, version, state);
             if (state == std::string_view(VersionState::Finished)) {
@@ -252,18 +254,27 @@ std::int64_t History::Add(Batch& batch, const NodePlace& place, std::int64_t new
     Forget(place, number); // it was that of a change that never was
     const ProcessIdentity author = Self();
     const auto& [partition, node] = place;
+    const std::string text = TextOf(partition, node, before);
     batch.Add(Command::Add_AUTO_Version,
               {partition.config, partition.number, node, number, work, state, TimeStamp(), author.user,
-               author.host, author.program, author.process, author.start, TextOf(partition, node, before)});
+               author.host, author.program, author.process, author.start, text});
     if (state == std::string_view(VersionState::Begun) && TellsMachines()) {
         batch.Add(Command::Set_AUTO_Version_Machine,
                   {author.machine, partition.config, partition.number, node, number});
     }
     if (number > KeptVersions) {
-        batch.Add(Command::Prune_AUTO_Versions,
-                  {partition.config, partition.number, node, number - KeptVersions, TimeStamp(KeptDays)});
+        // One comes, a few go: those that an older program has kept are gone after some saves.
+        Prune(batch, place, number, static_cast<std::int64_t>(text.size()), KeptVersions);
     }
     return number;
+}
+
+void History::Prune(Batch& batch, const NodePlace& place, std::int64_t newest, std::int64_t size, int count) {
+    const std::int64_t most =
+        std::clamp<std::int64_t>(MostBytes / std::max<std::int64_t>(size, 1), KeptVersions, MostVersions);
+    batch.Add(Command::Prune_AUTO_Versions,
+              {place.partition.config, place.partition.number, place.number, newest - KeptVersions, count,
+               TimeStamp(KeptDays), newest - most});
 }
 
 bool History::HasBegun(Partition partition, int typeID, int number) {
@@ -447,6 +458,7 @@ std::int64_t History::Prune() {
     struct Kept {
         NodePlace place;
         std::int64_t newest;
+        std::int64_t size;
     };
 
     if (!Exists()) {
@@ -456,13 +468,16 @@ std::int64_t History::Prune() {
     for (ResultSet rows = dataBase_.Query(Command::Get_AUTO_Nodes_With_Versions, {}); !rows.AtEnd();
          rows.MoveNext()) {
         nodes.push_back({{{rows.Number16("ConfigID"), rows.Number16("PartID")}, rows.Number16("NodeNumber")},
-                         rows.Number64("VersionNo")});
+                         rows.Number64("VersionNo"),
+                         rows.Number64("Size")});
+    }
+    Batch batch(dataBase_);
+    for (const auto& [place, newest, size] : nodes) {
+        Prune(batch, place, newest, size, INT_MAX);
     }
     std::int64_t pruned = 0;
-    for (const auto& [place, newest] : nodes) {
-        pruned += dataBase_.Execute(Command::Prune_AUTO_Versions,
-                                    {place.partition.config, place.partition.number, place.number,
-                                     newest - KeptVersions, TimeStamp(KeptDays)});
+    for (const std::int64_t written : batch.Run()) {
+        pruned += written;
     }
     dataBase_.Flush();
     return pruned;

@@ -19,9 +19,12 @@ enum class Command;
 // The changes of AUTO nodes that a store keeps, with each node as it was before them.
 class History {
   public:
-    // Of each node the latest versions are kept, and everything younger than that many days.
+    // Of each node the latest versions are kept, and those younger than that many days, up to a number and,
+    // where the node is large, to what so many bytes hold at its size.
     static constexpr int KeptVersions = 20;
     static constexpr int KeptDays = 90;
+    static constexpr int MostVersions = 1000;
+    static constexpr std::int64_t MostBytes = 8 * 1024 * 1024;
 
     // The data base outlives the history.
     explicit History(DataBase& dataBase) : dataBase_(dataBase) {}
@@ -55,8 +58,8 @@ class History {
     // done next tells of it.
     void CatchUp() noexcept;
 
-    // Adds a version of that work and state for a change that follows, and drops those that are kept no
-    // longer. Part of a transaction, before whose end the batch is run.
+    // Adds a version of that work and state for a change that follows, and drops the oldest of those that are
+    // kept no longer, a few at a time. Part of a transaction, before whose end the batch is run.
     std::int64_t Add(Batch& batch, const NodePlace& place, const char* work, const char* state,
                      const NodeContent& before);
     // Where the newest is known; 0 where there is none.
@@ -115,6 +118,9 @@ class History {
     NodeContent PutBackNow(const NodePlace& place, std::int64_t version, const char* work,
                            std::optional<Transaction>& all);
     void MarkEnded();
+    // The oldest of those that are kept no longer, so many at most.
+    static void Prune(Batch& batch, const NodePlace& place, std::int64_t newest, std::int64_t size,
+                      int count);
     void Forget(const NodePlace& place, std::int64_t version);
     static void SetState(Batch& batch, const NodePlace& place, std::int64_t version, const char* state);
     // Makes what the change began to make from templates.

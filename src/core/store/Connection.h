@@ -94,6 +94,10 @@ class Connection {
 
     virtual void DropAhead() noexcept {}
 
+    // Gives back to the file system what is free in the store's file, and tells how many bytes; nothing where
+    // an engine sees to that itself.
+    virtual std::optional<std::int64_t> Compact() { return std::nullopt; }
+
     // Makes every statement that this connection has run so far outlast a power cut. Until then the latest of
     // them may be lost, from some statement on and never in the middle of one.
     virtual void Flush() = 0;

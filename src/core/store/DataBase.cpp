@@ -264,6 +264,10 @@ void DataBase::Flush() {
     }
 }
 
+std::optional<std::int64_t> DataBase::Compact() {
+    return Describing("compacting the store", "", [this] { return Open().Compact(); });
+}
+
 bool DataBase::HasTable(const std::string& name) {
     return Describing("looking for table ", name, [&] { return Open().HasTable(name); });
 }

@@ -170,6 +170,9 @@ class DataBase {
     // Makes all that was written so far outlast a power cut. Call it at the end of a run of statements.
     void Flush();
 
+    // Gives back to the file system what is free in the store's file; the bytes, or nothing on a server.
+    std::optional<std::int64_t> Compact();
+
     // Whether the store has a table of that name.
     [[nodiscard]] bool HasTable(const std::string& name);
 

@@ -314,6 +314,15 @@ void SqliteConnection::SetVersion(int version) {
     version_ = version;
 }
 
+std::optional<std::int64_t> SqliteConnection::Compact() {
+    const std::int64_t before = Number("PRAGMA page_count");
+    if (Number("PRAGMA freelist_count") > 0) {
+        RunScript("VACUUM");
+        CarryLogOver(database_.get());
+    }
+    return (before - Number("PRAGMA page_count")) * Number("PRAGMA page_size");
+}
+
 void SqliteConnection::RunScript(const char* sql) {
     RequireSqlite(RunSqlite(database_.get(), sql), database_.get(), ErrorNumber::PermissionDenied);
 }

@@ -37,6 +37,7 @@ class SqliteConnection : public Connection {
     [[nodiscard]] int Version() const override { return version_; }
 
     void SetVersion(int version) override;
+    std::optional<std::int64_t> Compact() override;
     void RunScript(const char* sql) override;
     void Flush() override;
 

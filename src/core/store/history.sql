@@ -68,10 +68,15 @@ DELETE FROM Node_AUTO_Version
 -- name: Prune_AUTO_Versions
 DELETE FROM Node_AUTO_Version
  WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeNumber = :Given_NodeNumber
-   AND VersionNo <= :Given_VersionNo AND BegunAt < :Given_BegunAt AND State NOT IN ('begun', 'failed');
+   AND VersionNo IN (SELECT VersionNo FROM Node_AUTO_Version
+                      WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeNumber = :Given_NodeNumber
+                        AND VersionNo <= :Given_VersionNo
+                      ORDER BY VersionNo LIMIT :Given_Count)
+   AND (BegunAt < :Given_BegunAt OR VersionNo <= :Given_LastOfTooMany) AND State NOT IN ('begun', 'failed');
 
 -- name: Get_AUTO_Nodes_With_Versions
-SELECT ConfigID, PartID, NodeNumber, MAX(VersionNo) AS VersionNo FROM Node_AUTO_Version
+SELECT ConfigID, PartID, NodeNumber, MAX(VersionNo) AS VersionNo, MAX(LENGTH(Content)) AS Size
+  FROM Node_AUTO_Version
  GROUP BY ConfigID, PartID, NodeNumber
  ORDER BY ConfigID, PartID, NodeNumber;
 

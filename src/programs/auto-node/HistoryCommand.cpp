@@ -108,12 +108,26 @@ Subcommand PruneCommand(CommandLine& program) {
     const CommandArguments command = program.Add(
         "prune", "Drop what the history keeps no longer: all but the last " +
                      std::to_string(History::KeptVersions) + " changes of each node and those younger than " +
-                     std::to_string(History::KeptDays) + " days");
-    return {command, Opening([](DataBase& dataBase) {
-                const auto dropped = static_cast<std::size_t>(History(dataBase).Prune());
-                std::cout << "Dropped " << Counted(dropped, "version") << '\n';
-                return 0;
-            })};
+                     std::to_string(History::KeptDays) + " days, up to a limit; and give the space back");
+    return {
+        command, Opening([](DataBase& dataBase) {
+            const auto dropped = static_cast<std::size_t>(History(dataBase).Prune());
+            std::cout << "Dropped " << Counted(dropped, "version") << '\n';
+            try {
+                if (const auto bytes = dataBase.Compact()) {
+                    std::cout << "Gave back " << (*bytes + 1023) / 1024 << " KiB of the file\n";
+                } else {
+                    std::cout << "The server uses the space again\n";
+                }
+            } catch (const RuntimeError& error) {
+                if (error.Number() != ErrorNumber::StoreLocked) {
+                    throw;
+                }
+                std::cout << "Its space is used again; it cannot be given back while somebody else works in "
+                             "the store\n";
+            }
+            return 0;
+        })};
 }
 
 } // namespace KAL_AUTO_Node
