@@ -24,11 +24,12 @@ std::optional<NodeContent> ContentIn(const std::string& text) try {
     return std::nullopt;
 }
 
-// Whether a document has all that another has, and there the same; it may have more.
+// Whether a document says nothing else of what another has; it may have more, and lack what has a default.
 bool Tells(const Json& document, const Json& part) {
     if (part.is_object()) {
         return document.is_object() && std::ranges::all_of(part.items(), [&](const auto& member) {
-                   return document.contains(member.key()) && Tells(document.at(member.key()), member.value());
+                   return !document.contains(member.key()) ||
+                          Tells(document.at(member.key()), member.value());
                });
     }
     if (part.is_array()) {
@@ -48,6 +49,7 @@ void Examine(std::string_view input) {
     const std::string written = TextOf(SomePartition, SomeNumber, *content);
     Require(ContentOf(written) == *content, "a content comes back equal");
     Json document = Json::parse(written);
+    document.erase("version"); // the writer's
     if (document["node"].is_object()) {
         // Where the node stands is told beside the text.
         for (const char* name : {"config", "partition", "number"}) {
@@ -56,8 +58,7 @@ void Examine(std::string_view input) {
     }
     const Json source = Json::parse(text);
     // Texts that are no UTF-8 are written in another way, and may have been so without need.
-    Require(source.contains("bytes") || Tells(source, document),
-            "nothing is read that the text does not say");
+    Require(source.contains("bytes") || Tells(source, document), "nothing is read but what the text says");
 }
 
 } // namespace KAL_AUTO_Node
