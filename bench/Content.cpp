@@ -1,5 +1,7 @@
 #include "bench/Content.h"
 
+#include "platform/Today.h"
+
 namespace KAL_AUTO_Node {
 
 namespace {
@@ -23,10 +25,10 @@ class Partition {
         Run(Numbers(count) + "INSERT INTO Node_AUTO SELECT 1, " + id_ +
             ", 9, Number, 1, 'No', 5, 3, 2, 'MSG', 1, 'MSG', 1, 'MSG', 1, 'AUTO', 'Menu ' || Number, "
             "0, 0, 0, 814, 814, 'NONE', 0, 'NONE', 0 FROM Numbers");
-        AddToRegister(9, "AUTO", count);
+        AddToRegister(9, "AUTO", "Menu ", count);
     }
 
-    void AddMessages(int count) { AddToRegister(0, "MSG", count); }
+    void AddMessages(int count) { AddToRegister(0, "MSG", "Message ", count); }
 
     void AddRows(int node, int prompts, int actions) {
         const std::string owner = std::to_string(node);
@@ -39,9 +41,10 @@ class Partition {
     }
 
   private:
-    void AddToRegister(int type, const std::string& name, int count) {
+    // As a save leaves it, so that one is no change to others who have loaded the node.
+    void AddToRegister(int type, const std::string& name, const std::string& label, int count) {
         Run(Numbers(count) + "INSERT INTO Node_General_Pool SELECT 1, " + id_ + ", " + std::to_string(type) +
-            ", Number, '" + name + "', '" + name + " number ' || Number, '01.02.2003' FROM Numbers");
+            ", Number, '" + name + "', '" + label + "' || Number, '" + Today() + "' FROM Numbers");
     }
 
     void Run(const std::string& sql) { database_.exec(sql); }

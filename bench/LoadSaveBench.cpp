@@ -2,6 +2,7 @@
 #include "bench/Desk.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
+#include "platform/Today.h"
 #include "tests/Saver.h"
 
 namespace KAL_AUTO_Node {
@@ -17,6 +18,7 @@ class Saving {
                  static_cast<std::int16_t>(place.node)},
           node_(ReadAutoNode(dataBase_, place_.partition, place_.number).value()), saver_(place_) {
         saver_.Load();
+        saver_.Date = Today();
     }
 
     void Marked() {
@@ -42,7 +44,7 @@ class Saving {
         }
     }
 
-    void Write() { WriteAutoNode(dataBase_, place_.partition, place_.number, node_, "11/25/2026"); }
+    void Write() { WriteAutoNode(dataBase_, place_.partition, place_.number, node_, Today()); }
 
     DataBase dataBase_;
     NodePlace place_;

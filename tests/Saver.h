@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <string>
 
 namespace KAL_AUTO_Node {
 
@@ -52,9 +53,10 @@ class Saver : private SaveAudience {
         between_ = std::move(between);
         Met.reset();
         NodeSave save(dataBase_, history_, place_);
-        return save.Run(seen_, node, SaveDate, *this) ? std::nullopt : Met;
+        return save.Run(seen_, node, Date, *this) ? std::nullopt : Met;
     }
 
+    std::string Date = SaveDate; // as dates are stored
     bool GoingOver = false;
     std::optional<Obstacle> Met;
 
