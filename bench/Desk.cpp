@@ -39,11 +39,9 @@ std::vector<Performed> CommandsOf(Place place, const std::function<void(Desk&)>&
     return Recording::Commands();
 }
 
-void CheckNode(Desk& desk) {
-    DataBase dataBase;
-    History history(dataBase);
-    NodeSave save(dataBase, history, {PartitionOf(desk.Form()), desk.Form().nodeNumber});
-    desk.Rules().CheckForUnReferencedNodes(desk.Form(), save);
+void Desk::Check() {
+    NodeSave save(dataBase_, history_, {PartitionOf(Form()), Form().nodeNumber});
+    rules_.CheckForUnReferencedNodes(Form(), save);
 }
 
 void Settle() { QApplication::processEvents(); }

@@ -2,6 +2,8 @@
 
 #include "bench/RawStore.h"
 #include "editor/EditorWindow.h"
+#include "history/History.h"
+#include "store/DataBase.h"
 
 #include <functional>
 
@@ -17,18 +19,22 @@ class Desk {
 
     [[nodiscard]] NodeRules& Rules() { return rules_; }
 
+    // The missing-node check, as part of a save that makes nothing.
+    void Check();
+
   private:
     ComponentFactory components_;
     EditorWindow window_;
     NodeRules rules_;
+    DataBase dataBase_; // of the check; opened with the first
+    History history_{dataBase_};
 };
 
 // The commands that a work on a node runs, beginning with the node on screen.
 [[nodiscard]] std::vector<Performed> CommandsOf(Place place, const std::function<void(Desk&)>& work,
                                                 ComponentFactory components = {});
 
-// As part of a save that makes nothing.
-void CheckNode(Desk& desk);
+inline void CheckNode(Desk& desk) { desk.Check(); }
 
 inline void SaveNode(Desk& desk) { desk.Rules().SaveChanges(desk.Form(), desk.Form().nodeNumber); }
 

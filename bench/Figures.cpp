@@ -145,6 +145,7 @@ bool PrintStatements(std::ostream& out, const TestStore& store) {
     GUI& gui = desk.Form();
     compare(
         "LoadData", [&] { desk.Rules().LoadData(gui, number); }, [&] { raw.Load(place); });
+    CheckNode(desk); // opens its connection
     compare(
         "missing-node check", [&] { CheckNode(desk); }, [&] { raw.Perform(checking); });
     compare(

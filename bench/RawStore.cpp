@@ -161,6 +161,7 @@ void RawStore::Load(Place place) {
                       Column(node, std::string(branch) + "NodeNumber"));
     }
     sqlite3_reset(node);
+    Read(Command::Get_Description, Texts{key.config, key.partition, AutoTypeText, key.node});
     benchmark::DoNotOptimize(copied_.data());
 }
 

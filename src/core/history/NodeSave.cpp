@@ -352,7 +352,7 @@ void NodeSave::CreateMissing(std::span<const RequiredNode> nodes, const std::str
 }
 
 Creation NodeSave::Create(const RequiredNode& required, const std::string& date) {
-    const auto& [partition, node] = place_;
+    const Partition partition = place_.partition;
     const int typeID = NodeTypeOf(required.typeID);
     auto existing = Existing::Refuse;
     if (marked_) {
@@ -360,7 +360,7 @@ Creation NodeSave::Create(const RequiredNode& required, const std::string& date)
             existing = Existing::Keep;
         } else {
             dataBase_.Execute(Command::Add_Creation, {partition.config, partition.number, typeID,
-                                                      required.number, version_, node, date});
+                                                      required.number, version_, place_.number, date});
         }
     }
     const auto leaveUnmarked = [&] {
