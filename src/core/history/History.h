@@ -24,7 +24,7 @@ class History {
     static constexpr int KeptVersions = 20;
     static constexpr int KeptDays = 90;
     static constexpr int MostVersions = 1000;
-    static constexpr std::int64_t MostBytes = 8 * 1024 * 1024;
+    static constexpr std::int64_t MostBytes = std::int64_t{8} << 20;
 
     // The data base outlives the history.
     explicit History(DataBase& dataBase) : dataBase_(dataBase) {}

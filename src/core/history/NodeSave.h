@@ -104,7 +104,7 @@ class NodeSave {
     void Finish();
     void Fail() noexcept;
     // One that was begun before and never came to its end, by whatever befell, is made whole.
-    Creation Create(const RequiredNode& node, const std::string& date);
+    Creation Create(const RequiredNode& required, const std::string& date);
 
     DataBase& dataBase_;
     History& history_;

@@ -44,7 +44,8 @@ void Take(const Json& document, const char* name, std::optional<Value>& value) {
 Json StructureIn(const Json& document, const char* name, Json::value_t kind) {
     const auto found = document.find(name);
     if (found == document.end()) {
-        return Json(kind);
+        Json empty(kind);
+        return empty;
     }
     if (found->type() != kind) {
         Refuse(name, *found);

@@ -239,7 +239,7 @@ bool DataBase::Asking::Add(Command command, Parameters parameters) {
 
 ResultSet DataBase::Query(Command command, Parameters parameters) {
     if (asking_ != nullptr && asking_->Add(command, parameters)) {
-        return ResultSet(nullptr, command);
+        return {nullptr, command};
     }
     return Describing(command, [&] {
         Run(command, parameters);

@@ -72,6 +72,7 @@ struct CommandRun {
     Command command;
     std::vector<std::optional<std::string>> parameters;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): finds a 0 in what the compiler writes
     friend auto operator<=>(const CommandRun&, const CommandRun&) = default;
 };
 

@@ -8,7 +8,7 @@
 namespace KAL_AUTO_Node {
 
 std::string ToldOfNoStore(const std::exception& error) {
-    const std::string what = error.what();
+    std::string what = error.what();
     const auto* const raised = dynamic_cast<const RuntimeError*>(&error);
     if (raised == nullptr || raised->Number() != ErrorNumber::StoreNotFound) {
         return what;

@@ -46,7 +46,7 @@ void Copy(const std::filesystem::path& file, const std::filesystem::path& to) {
 
 std::filesystem::path CopyBeside(const std::filesystem::path& file, int version) {
     try {
-        const auto place = FreeName(file, version);
+        auto place = FreeName(file, version);
         NewFile copy(place);
         copy.Write({}); // what an interrupted one left
         Copy(file, copy.Name());
