@@ -24,6 +24,7 @@ class Option {
     // Once the command line is read.
     [[nodiscard]] bool Given() const;
 
+    // NOLINTBEGIN(modernize-use-nodiscard): they are called for what they do
     Option Required() const;
     // What stands for its value in the help.
     Option ShownAs(const std::string& value) const;
@@ -32,6 +33,7 @@ class Option {
     // How many words it takes.
     Option Takes(std::size_t least, std::size_t most) const;
     Option OneOf(const std::vector<std::string>& words) const;
+    // NOLINTEND(modernize-use-nodiscard)
     // Judges a word: what is wrong with it, or an empty text.
     Option Check(std::function<std::string(const std::string&)> judge) const;
 
