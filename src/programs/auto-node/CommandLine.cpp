@@ -74,7 +74,7 @@ Option CommandArguments::Texts(const std::string& name, std::vector<std::string>
     return Option(*command_->add_option(name, texts, description));
 }
 
-Option CommandArguments::Word(const std::string& name, std::function<void(const std::string&)> read,
+Option CommandArguments::Word(const std::string& name, const std::function<void(const std::string&)>& read,
                               const std::string& description) const {
     return Option(*command_->add_option_function<std::string>(name, read, description));
 }

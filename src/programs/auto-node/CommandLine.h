@@ -56,7 +56,7 @@ class CommandArguments {
     Option Texts(const std::string& name, std::vector<std::string>& texts,
                  const std::string& description) const;
     // One word, or as many as Takes says; read is called with each, and may Refuse it.
-    Option Word(const std::string& name, std::function<void(const std::string&)> read,
+    Option Word(const std::string& name, const std::function<void(const std::string&)>& read,
                 const std::string& description) const;
     Option Words(const std::string& name, std::function<void(const std::string&)> read,
                  const std::string& description) const;

@@ -61,7 +61,7 @@ class Checking {
         }
     }
 
-    int End() const {
+    [[nodiscard]] int End() const {
         if (json_) {
             std::cout << JsonText(document_) << '\n';
         } else {

@@ -27,7 +27,7 @@ class Progress {
     using Clock = std::chrono::steady_clock;
 
     [[nodiscard]] bool IsDue();
-    void Write(const std::string& text);
+    static void Write(const std::string& text);
 
     Clock::time_point next_ = Clock::now() + std::chrono::seconds(1);
     bool shown_ = false;
