@@ -18,11 +18,6 @@ namespace {
 constexpr const char* VersionTable = "Node_AUTO_Version";
 constexpr const char* CreationTable = "Node_Creation";
 
-std::string Named(const NodePlace& place) {
-    return "AUTO node " + std::to_string(place.number) + " of configuration " +
-           std::to_string(place.partition.config) + ", partition " + std::to_string(place.partition.number);
-}
-
 // A change of this process's. One that ended before it was stored has left its number to others.
 auto FindOwn(std::vector<Version>& versions, std::int64_t number, const ProcessIdentity& self) {
     return std::ranges::find_if(versions, [&](const Version& version) {
@@ -32,6 +27,11 @@ auto FindOwn(std::vector<Version>& versions, std::int64_t number, const ProcessI
 }
 
 } // namespace
+
+std::string History::Named(const NodePlace& place) {
+    return "AUTO node " + std::to_string(place.number) + " of configuration " +
+           std::to_string(place.partition.config) + ", partition " + std::to_string(place.partition.number);
+}
 
 bool History::Exists() { return dataBase_.HasTable(VersionTable) && dataBase_.HasTable(CreationTable); }
 
@@ -331,59 +331,6 @@ void History::Keep(std::span<const NodePlace> places, const char* work, const Ta
     }
 }
 
-NodeContent History::ToPutBack(const NodePlace& place, std::int64_t version) {
-    RequireIdle(place);
-    NodeContent before = Before(place, version);
-    if (!before.node) {
-        throw RuntimeError(ErrorNumber::InvalidProcedureCall,
-                           Named(place) + " did not exist before version " + std::to_string(version));
-    }
-    return before;
-}
-
-NodeContent History::PutBack(const NodePlace& place, std::int64_t version, const char* work) {
-    std::optional<Transaction> all(std::in_place, dataBase_, place.Number());
-    return PutBackNow(place, version, work, all);
-}
-
-bool History::PutBackUnfinished(const NodePlace& place, std::int64_t version) {
-    std::optional<Transaction> all(std::in_place, dataBase_, place.Number());
-    // One that has finished since leaves no older one unfinished.
-    const auto unfinished = Unfinished(place);
-    if (!unfinished || unfinished->number != version) {
-        return false;
-    }
-    PutBackNow(place, version, "put back", all);
-    return true;
-}
-
-NodeContent History::PutBackNow(const NodePlace& place, std::int64_t version, const char* work,
-                                std::optional<Transaction>& all) {
-    std::vector<std::int64_t> undone = {version};
-    const NodeContent before = ToPutBack(place, version);
-    Batch batch(dataBase_);
-    // What a later change has left half-way goes with it.
-    for (const Version& later : Open(place)) {
-        if (later.number > version) {
-            undone.push_back(later.number);
-        }
-    }
-    NodeContent replaced = ReadContent(dataBase_, place.partition, place.number);
-    Add(batch, place, work, VersionState::Finished, replaced);
-    batch.Run();
-    WriteContent(dataBase_, place.partition, place.number, before);
-    for (const std::int64_t number : undone) {
-        SetState(batch, place, number, VersionState::PutBack);
-    }
-    all->Commit(batch);
-    all.reset();
-    dataBase_.Flush();
-    for (const std::int64_t number : undone) {
-        FinishCreations(place, number);
-    }
-    return replaced;
-}
-
 void History::Withdraw(const NodePlace& place, std::int64_t version) {
     Transaction all(dataBase_, place.Number());
     auto versions = Stored(Command::Get_Unfinished_AUTO_Versions, place);
@@ -398,60 +345,6 @@ void History::Withdraw(const NodePlace& place, std::int64_t version) {
 bool History::IsOwn(const NodePlace& place, std::int64_t version) {
     auto versions = Stored(Command::Get_AUTO_Versions, place);
     return FindOwn(versions, version, Self()) != versions.end();
-}
-
-bool History::IsHalfMade(const NodePlace& place) {
-    const auto& [partition, node] = place;
-    if (dataBase_.IsRemote() || !Exists()) {
-        return false;
-    }
-    NodePlace maker{partition, 0};
-    {
-        const ResultSet row =
-            dataBase_.Query(Command::Get_Creation, {partition.config, partition.number, AutoType, node});
-        if (row.AtEnd()) {
-            return false;
-        }
-        maker.number = row.Number16("MasterID");
-    }
-    return std::ranges::none_of(Open(maker), IsBeingMade) &&
-           !IsNodeExisted(dataBase_, partition, AutoType, node);
-}
-
-void History::MakeWhole(const NodePlace& place) {
-    const auto& [partition, node] = place;
-    std::string date;
-    {
-        const ResultSet row =
-            dataBase_.Query(Command::Get_Creation, {partition.config, partition.number, AutoType, node});
-        date = row.AtEnd() ? std::string() : std::string(row.Text("DateModified"));
-    }
-    CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, node, AutoType, date, Existing::Keep);
-    dataBase_.Flush();
-}
-
-void History::FinishCreations(const NodePlace& place, std::int64_t version) {
-    struct Begun {
-        int typeID;
-        int number;
-        std::string date;
-    };
-
-    const auto& [partition, node] = place;
-    std::vector<Begun> creations;
-    for (ResultSet rows =
-             dataBase_.Query(Command::Get_Creations, {partition.config, partition.number, node, version});
-         !rows.AtEnd(); rows.MoveNext()) {
-        creations.push_back(
-            {rows.Number("NodeTypeID"), rows.Number("NodeNumber"), std::string(rows.Text("DateModified"))});
-    }
-    for (const auto& [typeID, number, date] : creations) {
-        if (!IsNodeExisted(dataBase_, partition, typeID, number)) {
-            CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, number, typeID, date,
-                                   Existing::Keep);
-        }
-    }
-    dataBase_.Flush();
 }
 
 std::int64_t History::Prune() {

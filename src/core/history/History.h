@@ -111,6 +111,7 @@ class History {
     [[nodiscard]] ProcessIdentity Self();
     // The versions that a command finds, as they are known here.
     [[nodiscard]] std::vector<Version> Find(Command command, const NodePlace& place);
+    [[nodiscard]] static std::string Named(const NodePlace& place);
     [[nodiscard]] std::vector<Version> Stored(Command command, const NodePlace& place);
     // Whether its table tells machines apart, as that of an older version does not.
     [[nodiscard]] bool TellsMachines();
