@@ -1,6 +1,7 @@
 #include "auto-node/CallDiff.h"
 
 #include "audit/Repoint.h"
+#include "auto-node/Progress.h"
 #include "nodes/JsonText.h"
 #include "platform/VisibleText.h"
 #include "store/DataBase.h"
@@ -14,6 +15,8 @@ namespace KAL_AUTO_Node {
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+constexpr const char* ComparingCalls = "Comparing calls";
 
 // Partition by partition.
 class Telling {
@@ -120,24 +123,28 @@ void PrintCalls(DataBase& dataBase, const std::vector<NodeStates>& nodes, bool j
     Telling telling(names, json);
     for (auto node = nodes.begin(); node != nodes.end();) {
         const Partition partition = node->place.partition;
-        CallMap before = ReadCallMap(dataBase, names, partition);
-        CallMap after = before;
-        for (; node != nodes.end() && node->place.partition == partition; ++node) {
-            before.Put(node->place.number, node->before);
-            after.Put(node->place.number, node->after);
-        }
-        telling.Tell(partition, CompareCalls(before, after));
+        telling.Tell(partition, Lasting(ComparingCalls, [&] {
+                         CallMap before = ReadCallMap(dataBase, names, partition);
+                         CallMap after = before;
+                         for (; node != nodes.end() && node->place.partition == partition; ++node) {
+                             before.Put(node->place.number, node->before);
+                             after.Put(node->place.number, node->after);
+                         }
+                         return CompareCalls(before, after);
+                     }));
     }
     telling.End();
 }
 
 void PrintCalls(DataBase& dataBase, Partition partition, const RepointPlan& plan, int number, bool json) {
     const TypeNames names(dataBase);
-    const CallMap before = ReadCallMap(dataBase, names, partition);
-    CallMap after = before;
-    Apply(after, plan, number);
     Telling telling(names, json);
-    telling.Tell(partition, CompareCalls(before, after));
+    telling.Tell(partition, Lasting(ComparingCalls, [&] {
+                     const CallMap before = ReadCallMap(dataBase, names, partition);
+                     CallMap after = before;
+                     Apply(after, plan, number);
+                     return CompareCalls(before, after);
+                 }));
     telling.End();
 }
 
@@ -150,8 +157,9 @@ void PrintCalls(DataBase& dataBase, const NodePlace& place, const std::optional<
     const auto from = menu(before);
     const auto to = menu(after);
     Telling telling(names, json);
-    telling.Tell(place.partition,
-                 {{{AutoType, place.number}, CompareCalls(from ? &*from : nullptr, to ? &*to : nullptr)}});
+    telling.Tell(place.partition, {{{AutoType, place.number}, Lasting(ComparingCalls, [&] {
+                                        return CompareCalls(from ? &*from : nullptr, to ? &*to : nullptr);
+                                    })}});
     telling.End();
 }
 

@@ -128,7 +128,7 @@ class Checking {
                        std::to_string(partition.number) + ": AUTO node " + std::to_string(number);
             });
         };
-        progress_.emplace();
+        progress_.emplace("Reading the store");
         PartitionFindings checked = CheckPartition(dataBase_, history_, partition, reader);
         progress_.reset();
         if (options_.oneNode) {

@@ -1,6 +1,7 @@
 #include "auto-node/Arguments.h"
 #include "auto-node/CallsText.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "calls/Expectations.h"
 #include "nodes/JsonText.h"
@@ -41,6 +42,10 @@ std::string Listed(const std::vector<Target>& targets) {
         text += (text.empty() ? "" : ", or ") + target.Text();
     }
     return text;
+}
+
+CallMap ReadMap(DataBase& dataBase, const TypeNames& names, Partition partition) {
+    return Lasting("Reading the partition", [&] { return ReadCallMap(dataBase, names, partition); });
 }
 
 class Checking {
@@ -131,10 +136,11 @@ class Checking {
     }
 
     const CallMap& MapOf(Partition partition) {
-        const auto known = maps_.find(partition);
-        return known != maps_.end()
-                   ? known->second
-                   : maps_.emplace(partition, ReadCallMap(dataBase_, names_, partition)).first->second;
+        auto known = maps_.find(partition);
+        if (known == maps_.end()) {
+            known = maps_.emplace(partition, ReadMap(dataBase_, names_, partition)).first;
+        }
+        return known->second;
     }
 
     bool json_;
@@ -155,7 +161,7 @@ int Run(const Options& options, DataBase& dataBase) {
     }
     const Partition partition{options.write[0], options.write[1]};
     const TypeNames names(dataBase);
-    const CallMap map = ReadCallMap(dataBase, names, partition);
+    const CallMap map = ReadMap(dataBase, names, partition);
     if (map.menus.empty()) {
         throw std::runtime_error("configuration " + std::to_string(partition.config) + ", partition " +
                                  std::to_string(partition.number) + " has no AUTO nodes");

@@ -44,7 +44,7 @@ Subcommand ExportCommand(CommandLine& program) {
                 const std::string& file = options->arguments.back();
                 std::uint64_t rows = 0;
                 {
-                    Progress progress;
+                    Progress progress("Reading the store");
                     rows = Export(dataBase, options->scope, file, [&](std::uint64_t written) {
                         progress.Show([&] { return Counted(written, "row") + " written"; });
                     });

@@ -76,7 +76,7 @@ std::string GraphOf(const Options& options, DataBase& dataBase) {
 
 std::string Drawn(const std::string& graph, const std::string& format, const std::string& file) {
     try {
-        Progress progress;
+        Progress progress("dot draws");
         Picture picture = DrawGraph(graph, format, TimeLimit, [&](std::chrono::seconds lasting) {
             progress.Show([&] {
                 return "dot draws for " + Counted(static_cast<std::size_t>(lasting.count()), "second");

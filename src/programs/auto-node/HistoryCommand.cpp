@@ -1,6 +1,7 @@
 #include "auto-node/Arguments.h"
 #include "auto-node/Changes.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "history/History.h"
 #include "nodes/NodeJson.h"
@@ -95,7 +96,8 @@ Subcommand HistoryCommand(CommandLine& program) {
     command.Flag("--json", options->json, "Print JSON, for programs");
     return {command, Reading([options](DataBase& dataBase) {
                 History history(dataBase);
-                const auto changes = ReadChanges(dataBase, history, options->place);
+                const auto changes = Lasting("Reading the changes",
+                                             [&] { return ReadChanges(dataBase, history, options->place); });
                 if (changes.empty()) {
                     static_cast<void>(RequireAutoNode(dataBase, options->place));
                 }
@@ -111,10 +113,11 @@ Subcommand PruneCommand(CommandLine& program) {
                      std::to_string(History::KeptDays) + " days, up to a limit; and give the space back");
     return {
         command, Opening([](DataBase& dataBase) {
-            const auto dropped = static_cast<std::size_t>(History(dataBase).Prune());
+            const auto dropped = Lasting("Dropping old versions",
+                                         [&] { return static_cast<std::size_t>(History(dataBase).Prune()); });
             std::cout << "Dropped " << Counted(dropped, "version") << '\n';
             try {
-                if (const auto bytes = dataBase.Compact()) {
+                if (const auto bytes = Lasting("Giving space back", [&] { return dataBase.Compact(); })) {
                     std::cout << "Gave back " << (*bytes + 1023) / 1024 << " KiB of the file\n";
                 } else {
                     std::cout << "The server uses the space again\n";

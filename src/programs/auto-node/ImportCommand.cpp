@@ -60,7 +60,7 @@ int BringOver(const Options& options, const std::filesystem::path& store) {
     const bool exists = std::filesystem::exists(std::filesystem::symlink_status(store));
     JetReport report;
     {
-        Progress progress;
+        Progress progress("Reading the file");
         const auto show = [&](const std::string& table, std::uint32_t taken, std::uint32_t stored) {
             progress.Show(
                 [&] { return table + ": " + std::to_string(taken) + " of " + Counted(stored, "row"); });
@@ -144,7 +144,7 @@ int CarryBack(const Options& options, DataBase& dataBase) {
     };
     ExchangeReport report;
     {
-        Progress progress;
+        Progress progress("Comparing");
         report = ImportExchange(
             dataBase, options.file, options.dryRun ? Import::OnlyTell : Import::Carry, tell,
             [&](std::uint64_t rows) { progress.Show([&] { return Counted(rows, "row") + " compared"; }); });

@@ -1,6 +1,7 @@
 #include "auto-node/Arguments.h"
 #include "auto-node/CallsText.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "calls/Paths.h"
 #include "nodes/JsonText.h"
@@ -88,9 +89,12 @@ int Run(const Options& options, DataBase& dataBase) {
         throw RuntimeError(ErrorNumber::InvalidProcedureCall, names.Name(typeID) + " is no node");
     }
     const NodeKey to{NodeTypeOf(typeID), options.number};
-    const CallMap map = ReadCallMap(dataBase, names, options.partition);
     const auto from = options.fromOne ? std::optional<int>(options.from) : std::nullopt;
-    const auto paths = FindPaths(map, names, to, from);
+    const auto [map, paths] = Lasting("Looking for ways", [&] {
+        CallMap whole = ReadCallMap(dataBase, names, options.partition);
+        auto found = FindPaths(whole, names, to, from);
+        return std::pair(std::move(whole), std::move(found));
+    });
     Telling telling(map, names, to);
     for (const auto& [start, certain, possible] : paths) {
         if (certain) {

@@ -2,6 +2,7 @@
 #include "auto-node/Arguments.h"
 #include "auto-node/CallDiff.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "history/History.h"
 #include "platform/Today.h"
@@ -34,8 +35,10 @@ int Run(const Options& options, DataBase& dataBase) {
     const TypeNames names(dataBase);
     const NodeID from{names.Meant(options.type), options.number};
     const NodeID to{names.Meant(options.newType), options.newNumber};
-    const RepointPlan plan = options.dryRun ? PlanRepoint(dataBase, history, names, partition, from, to)
-                                            : Repoint(dataBase, history, names, partition, from, to, Today());
+    const RepointPlan plan = Lasting("Repointing", [&] {
+        return options.dryRun ? PlanRepoint(dataBase, history, names, partition, from, to)
+                              : Repoint(dataBase, history, names, partition, from, to, Today());
+    });
     if (!plan.obstacles.empty()) {
         std::string text = "nothing is changed:";
         for (const std::string& obstacle : plan.obstacles) {

@@ -2,6 +2,7 @@
 #include "auto-node/CallDiff.h"
 #include "auto-node/Changes.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "history/History.h"
 #include "platform/RuntimeError.h"
 #include "store/DataBase.h"
@@ -42,9 +43,12 @@ Subcommand RestoreCommand(CommandLine& program) {
             }
             version = newest->number;
         }
-        const NodeContent after = history.ToPutBack(place, version);
-        const NodeContent before = options->dryRun ? ReadContent(dataBase, place.partition, place.number)
-                                                   : history.PutBack(place, version, "restore");
+        const auto [before, after] = Lasting("Putting the node back", [&] {
+            NodeContent earlier = history.ToPutBack(place, version);
+            return std::pair(options->dryRun ? ReadContent(dataBase, place.partition, place.number)
+                                             : history.PutBack(place, version, "restore"),
+                             std::move(earlier));
+        });
         if (options->calls.json) {
             PrintCalls(dataBase, {{place, before.node, after.node}}, true);
             return 0;

@@ -1,6 +1,7 @@
 #include "auto-node/Arguments.h"
 #include "auto-node/CallsText.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "calls/Trace.h"
 #include "nodes/JsonText.h"
@@ -176,7 +177,8 @@ int Run(const Options& options, DataBase& dataBase) {
         }
     }
     const std::vector<Step> steps = StepsOf(words, names);
-    const CallMap map = ReadCallMap(dataBase, names, options.place.partition);
+    const CallMap map = Lasting("Reading the partition",
+                                [&] { return ReadCallMap(dataBase, names, options.place.partition); });
     const Tracing tracing(map);
     const Menu& menu = map.RequireMenu(options.place.number);
     const Walk walk = WalkFrom(map, menu.Number(), steps);

@@ -1,4 +1,5 @@
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "platform/VisibleText.h"
 #include "store/DataBase.h"
 #include "store/UpgradeStore.h"
@@ -11,7 +12,8 @@ Subcommand UpgradeCommand(CommandLine& program) {
     const CommandArguments command =
         program.Add("upgrade", "Bring a store that an older program made to the version that this one makes");
     return {command, Opening([](DataBase& dataBase) {
-                const auto upgraded = UpgradeStore(dataBase);
+                const auto upgraded =
+                    Lasting("Bringing the store up", [&] { return UpgradeStore(dataBase); });
                 const std::string place = Visible(dataBase.Place());
                 if (upgraded.to == 0) {
                     std::cout << "The store (" << place

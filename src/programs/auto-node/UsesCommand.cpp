@@ -1,5 +1,6 @@
 #include "auto-node/Arguments.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/NodeJson.h"
@@ -30,17 +31,20 @@ int Run(const Options& options, DataBase& dataBase) {
     const Partition partition = options.partition;
     const TypeNames names(dataBase);
     const int typeID = names.Meant(options.type);
-    const auto uses = ReadUses(dataBase, partition, names, typeID, options.number);
+    const auto uses = Lasting("Looking for references",
+                              [&] { return ReadUses(dataBase, partition, names, typeID, options.number); });
     const std::string name = names.Name(NodeTypeOf(typeID)) + ' ' + std::to_string(options.number);
     // What refers to a missing node is worth knowing.
     if (uses.empty() && !IsNodeExisted(dataBase, partition, typeID, options.number)) {
         throw std::runtime_error(name + " does not exist, and nothing refers to it");
     }
     ReadAhead ahead(dataBase);
-    ahead.Fetch([&] {
-        for (const StoredReference& use : uses) {
-            static_cast<void>(LabelOf(dataBase, partition, use.holderTypeID, use.holder));
-        }
+    Lasting("Reading labels", [&] {
+        ahead.Fetch([&] {
+            for (const StoredReference& use : uses) {
+                static_cast<void>(LabelOf(dataBase, partition, use.holderTypeID, use.holder));
+            }
+        });
     });
     auto document = nlohmann::ordered_json::array();
     Table table({Left, Left, Left, Left});
