@@ -60,6 +60,11 @@ TEST(Diagram, IsCutIntoSectionsThatCanBeTakenIn) {
     }
     EXPECT_EQ(numbers.size(), 500U);
     EXPECT_LE(outline.Sections().size(), 40U);
+    for (const auto& [first, nodes] : AutoNodesBySection(flow, All(flow))) {
+        EXPECT_TRUE(nodes.contains(first));
+        std::erase_if(numbers, [&](int number) { return nodes.contains(number); });
+    }
+    EXPECT_TRUE(numbers.empty());
     EXPECT_TRUE(outline.IsLine({AutoType, 100}, {AutoType, 500}));
     EXPECT_FALSE(outline.IsLine({AutoType, 1}, {AutoType, 500}));
     const CallFlow small = Tree(20);

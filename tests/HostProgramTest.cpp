@@ -32,7 +32,6 @@ Outcome Program(int status, const QStringList& arguments, const char* program = 
     EXPECT_EQ(process.exitCode(), status);
     const Outcome outcome = {process.readAllStandardOutput().toStdString(),
                              process.readAllStandardError().toStdString()};
-    // A check that finds something tells so on standard output.
     EXPECT_NE(outcome.errors.empty(), outcome.output.empty()) << outcome.errors << outcome.output;
     EXPECT_TRUE(outcome.errors.empty() || status == 1 || status == 2) << outcome.errors;
     EXPECT_TRUE(outcome.output.empty() || status != 2) << outcome.output;
@@ -249,12 +248,13 @@ TEST(HostProgram, DrawsTheCallFlowOrOffersItsText) {
     ExpectTold(Program(0, {"graph", "1", "2", "7"}).output, "<B>!</B> no-prompts");
     ExpectTold(Program(0, {"graph", "1", "2", "10"}).output, "row 2 → AUTO 10 After hours");
     ExpectTold(draw(1, {"25"}).errors, "AUTO node 25");
+    ExpectTold(draw(1, {"--section", "99"}).errors, "sections, no 99");
     ExpectTold(Program(1, {"graph", "9", "9"}).errors, "no AUTO nodes");
     ExpectTold(Program(1, {"graph", "1", "2", "-o", "/no/folder.dot"}).errors, "/no/folder.dot");
     EXPECT_EQ(Program(0, {"graph", "1", "2"}).output.find("Menu template"), std::string::npos);
-    for (const QStringList& arguments : {QStringList{"graph", "1"},
-                                         {"graph", "1", "2", "-o", "flow.jpg"},
+    for (const QStringList& arguments : {QStringList{"graph", "1", "2", "-o", "flow.jpg"},
                                          {"graph", "1", "2", "--depth", "1"},
+                                         {"graph", "1", "2", "8", "--sections"},
                                          {"graph", "1", "2", "8", "--depth", "-1"}}) {
         Program(2, arguments);
     }

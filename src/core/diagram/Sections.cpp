@@ -131,4 +131,22 @@ bool Outline::IsLine(const NodeKey& from, const NodeKey& to) const {
            (target->second.comeFrom.size() < ManySources && !hangsOn(source->second, to));
 }
 
+std::vector<AutoNodes> AutoNodesBySection(const CallFlow& flow, const std::set<int>& shown) {
+    std::vector<AutoNodes> all;
+    const Outline outline(flow, shown, TemplateNumber);
+    for (const Section& section : outline.Sections()) {
+        AutoNodes found;
+        for (const auto& [typeID, number] : section.nodes) {
+            if (typeID == AutoType) {
+                found.first = found.nodes.empty() ? number : found.first;
+                found.nodes.insert(number);
+            }
+        }
+        if (!found.nodes.empty()) {
+            all.push_back(std::move(found));
+        }
+    }
+    return all;
+}
+
 } // namespace KAL_AUTO_Node

@@ -52,4 +52,13 @@ class Outline {
     std::vector<Section> sections_;
 };
 
+// Of a section, one that has any.
+struct AutoNodes {
+    int first = 0; // of those through which it is entered
+    std::set<int> nodes;
+};
+
+// In the order of the sections in which the AUTO nodes that are shown are drawn together.
+[[nodiscard]] std::vector<AutoNodes> AutoNodesBySection(const CallFlow& flow, const std::set<int>& shown);
+
 } // namespace KAL_AUTO_Node

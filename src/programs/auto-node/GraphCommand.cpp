@@ -4,6 +4,7 @@
 #include "auto-node/Table.h"
 #include "diagram/DotText.h"
 #include "diagram/Graphviz.h"
+#include "diagram/Sections.h"
 #include "history/History.h"
 #include "platform/Interruption.h"
 #include "platform/NewFile.h"
@@ -25,10 +26,16 @@ namespace {
 constexpr std::array<const char*, 4> Formats = {"svg", "png", "pdf", "dot"};
 constexpr std::chrono::seconds TimeLimit{60};
 
+// Of AUTO nodes: the time for a picture of more grows faster than their number, and nobody finds anything in
+// it.
+constexpr std::size_t PictureLimit = 5000;
+
 struct Options {
     NodePlace place;
     bool oneNode = false;
     int depth = 2; // steps
+    bool listing = false;
+    int section = 0; // none
     std::string file;
 };
 
@@ -50,28 +57,73 @@ void WriteFile(const std::string& file, const std::string& content) {
     output.Finish();
 }
 
+CallFlow Read(const Options& options, DataBase& dataBase) {
+    return Lasting("Reading the partition", [&] {
+        History history(dataBase);
+        return ReadCallFlow(dataBase, history, options.place.partition);
+    });
+}
+
+std::string PlaceOf(Partition partition) {
+    return "configuration " + std::to_string(partition.config) + ", partition " +
+           std::to_string(partition.number);
+}
+
+// All but the template.
+std::set<int> NodesOf(const CallFlow& flow) {
+    std::set<int> shown;
+    for (const auto& [number, node] : flow.nodes) {
+        if (number != TemplateNumber) {
+            shown.insert(number);
+        }
+    }
+    if (shown.empty()) {
+        throw std::runtime_error("there are no AUTO nodes in " + PlaceOf(flow.partition));
+    }
+    return shown;
+}
+
 std::string GraphOf(const Options& options, DataBase& dataBase) {
-    const auto& [partition, number] = options.place;
-    History history(dataBase);
-    const CallFlow flow = ReadCallFlow(dataBase, history, partition);
-    const std::string place = "configuration " + std::to_string(partition.config) + ", partition " +
-                              std::to_string(partition.number);
+    const CallFlow flow = Read(options, dataBase);
+    const std::int16_t number = options.place.number;
     if (options.oneNode) {
         if (!flow.nodes.contains(number)) {
             FailWithout(options.place);
         }
         return DotText(flow, Surroundings(flow, number, options.depth), number);
     }
-    std::set<int> shown;
-    for (const auto& [other, node] : flow.nodes) {
-        if (other != TemplateNumber) {
-            shown.insert(other);
+    std::set<int> shown = NodesOf(flow);
+    if (options.section > 0) {
+        auto sections = AutoNodesBySection(flow, shown);
+        if (static_cast<std::size_t>(options.section) > sections.size()) {
+            throw std::runtime_error(PlaceOf(flow.partition) + " has " + Counted(sections.size(), "section") +
+                                     ", no " + std::to_string(options.section));
         }
+        shown = std::move(sections.at(static_cast<std::size_t>(options.section - 1)).nodes);
+    } else if (shown.size() > PictureLimit && !options.file.empty() && FormatOf(options.file) != "dot") {
+        throw std::runtime_error(
+            "one picture takes up to " + std::to_string(PictureLimit) + " AUTO nodes, and there are " +
+            std::to_string(shown.size()) +
+            "; --sections lists the parts in which they hang together, --section N draws "
+            "one, and NODE what is around a node");
     }
-    if (shown.empty()) {
-        throw std::runtime_error("there are no AUTO nodes in " + place);
+    return Lasting("Laying out sections", [&] { return DotText(flow, shown, std::nullopt); });
+}
+
+int ListSections(const Options& options, DataBase& dataBase) {
+    const CallFlow flow = Read(options, dataBase);
+    using enum Table::Align;
+    Table table({Right, Left, Right});
+    table.Add({"Section", "Begins with", "AUTO nodes"});
+    int count = 0;
+    for (const auto& [first, nodes] : AutoNodesBySection(flow, NodesOf(flow))) {
+        const AutoNode& node = flow.nodes.at(first);
+        table.Add({std::to_string(++count),
+                   node.type + ' ' + std::to_string(first) + ' ' + node.label.value_or(""),
+                   std::to_string(nodes.size())});
     }
-    return DotText(flow, shown, std::nullopt);
+    table.Print(std::cout);
+    return 0;
 }
 
 std::string Drawn(const std::string& graph, const std::string& format, const std::string& file) {
@@ -88,7 +140,7 @@ std::string Drawn(const std::string& graph, const std::string& format, const std
         const std::string text = file + ".dot";
         WriteFile(text, graph);
         throw std::runtime_error(std::string(error.what()) + "; the graph is in " + text + ", for dot -T" +
-                                 format + " elsewhere. NODE with --depth draws less of it");
+                                 format + " elsewhere. NODE with --depth, or --section, draws less of it");
     }
 }
 
@@ -119,14 +171,28 @@ Subcommand GraphCommand(CommandLine& program) {
     command.Word("--depth", readDepth, "How many steps from NODE onwards and back; 2 by default")
         .ShownAs("STEPS")
         .Needs(node);
+    const auto readSection = [options](const std::string& text) {
+        options->section = ReadVersion("--section", text);
+    };
+    const Option section =
+        command.Word("--section", readSection, "Only that of the parts in which the nodes hang together")
+            .ShownAs("N")
+            .Excludes(node);
+    const Option listing =
+        command.Flag("--sections", options->listing, "List those parts").Excludes(node).Excludes(section);
     command
         .Text("-o,--output", options->file,
               "The picture, ending in .svg, .png or .pdf, or in .dot for Graphviz's own text, which is "
               "printed where no file is given")
         .Check(CheckFile)
-        .ShownAs("FILE");
+        .ShownAs("FILE")
+        .Excludes(listing);
     return {command, [options, node](const StoreChoice& store) {
                 options->oneNode = node.Given();
+                if (options->listing) {
+                    return Reading([&](DataBase& dataBase) { return ListSections(*options, dataBase); })(
+                        store);
+                }
                 std::string graph;
                 Reading([&](DataBase& dataBase) {
                     graph = GraphOf(*options, dataBase);
