@@ -4,7 +4,7 @@
 #include "calls/Paths.h"
 #include "history/History.h"
 #include "nodes/References.h"
-#include "tests/TestStore.h"
+#include "testing/TestStore.h"
 
 #include <sqlite3.h>
 

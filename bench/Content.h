@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/TestStore.h"
+#include "testing/TestStore.h"
 
 #include <array>
 

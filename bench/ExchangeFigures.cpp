@@ -4,8 +4,8 @@
 #include "exchange/JetImport.h"
 #include "exchange/TableCursor.h"
 #include "store/DataBase.h"
-#include "tests/Relay.h"
-#include "tests/TestStore.h"
+#include "testing/Relay.h"
+#include "testing/TestStore.h"
 
 #include <sqlite3.h>
 

@@ -2,7 +2,7 @@
 
 #include "bench/Benches.h"
 #include "bench/Desk.h"
-#include "faults/FaultySystem.h"
+#include "testing/FaultySystem.h"
 
 #include <QApplication>
 #include <QDialog>

@@ -3,7 +3,7 @@
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
 #include "platform/Today.h"
-#include "tests/Saver.h"
+#include "testing/Saver.h"
 
 namespace KAL_AUTO_Node {
 

@@ -1,6 +1,6 @@
 #include "bench/Benches.h"
 #include "bench/Figures.h"
-#include "faults/FaultySystem.h"
+#include "testing/FaultySystem.h"
 
 #include <QApplication>
 #include <QMessageBox>

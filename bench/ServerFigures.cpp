@@ -8,7 +8,7 @@
 #include "store/CreateServerStore.h"
 #include "store/PortableSql.h"
 #include "store/StoreFormat.h"
-#include "tests/Saver.h"
+#include "testing/Saver.h"
 
 #include <algorithm>
 #include <chrono>

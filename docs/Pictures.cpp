@@ -1,7 +1,7 @@
 // Takes pictures of the windows on the demo store. Call: Pictures FOLDER [dark]
 
-#include "tests/Person.h"
-#include "tests/TestStore.h"
+#include "testing/Person.h"
+#include "testing/TestStore.h"
 
 #include <QContextMenuEvent>
 #include <QPainter>

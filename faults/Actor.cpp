@@ -1,8 +1,8 @@
 #include "Actor.h"
 
-#include "FaultySystem.h"
 #include "Scene.h"
 #include "platform/RuntimeError.h"
+#include "testing/FaultySystem.h"
 
 #include <algorithm>
 #include <chrono>

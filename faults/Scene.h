@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Report.h"
-#include "Saver.h"
-#include "TestStore.h"
+#include "testing/Saver.h"
+#include "testing/TestStore.h"
 
 #include <array>
 #include <optional>

@@ -3,12 +3,12 @@
 // taken, and when many save at once. Prints a row for each case, and fails where anything was lost or passed
 // unseen. ServerFaults [brief|long]
 
-#include "Relay.h"
 #include "Report.h"
 #include "Scene.h"
 #include "TestServerProcess.h"
 #include "platform/RuntimeError.h"
 #include "store/CreateServerStore.h"
+#include "testing/Relay.h"
 
 #include <csignal>
 #include <fstream>

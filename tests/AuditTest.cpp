@@ -1,10 +1,10 @@
-#include "TestStore.h"
 #include "audit/FixMissing.h"
 #include "audit/PartitionCheck.h"
 #include "audit/Repoint.h"
 #include "history/History.h"
 #include "nodes/AutoNodeReader.h"
 #include "store/Batch.h"
+#include "testing/TestStore.h"
 
 #include <gtest/gtest.h>
 

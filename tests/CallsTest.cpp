@@ -1,7 +1,7 @@
-#include "TestStore.h"
 #include "calls/CallChanges.h"
 #include "calls/Expectations.h"
 #include "calls/Paths.h"
+#include "testing/TestStore.h"
 
 #include <gtest/gtest.h>
 

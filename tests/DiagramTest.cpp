@@ -1,8 +1,8 @@
-#include "TestStore.h"
 #include "diagram/DotText.h"
 #include "diagram/Graphviz.h"
 #include "diagram/Sections.h"
 #include "nodes/NodeTypes.h"
+#include "testing/TestStore.h"
 
 #include <gtest/gtest.h>
 

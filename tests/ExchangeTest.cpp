@@ -1,11 +1,11 @@
-#include "Relay.h"
-#include "Saver.h"
-#include "TestStore.h"
 #include "exchange/ExchangeImport.h"
 #include "exchange/Export.h"
 #include "exchange/Tables.h"
 #include "nodes/AutoNodeReader.h"
 #include "platform/RuntimeError.h"
+#include "testing/Relay.h"
+#include "testing/Saver.h"
+#include "testing/TestStore.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,3 @@
-#include "Saver.h"
 #include "StoredNode.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
@@ -7,6 +6,7 @@
 #include "store/PortableSql.h"
 #include "store/StoreFormat.h"
 #include "store/UpgradeStore.h"
+#include "testing/Saver.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "Saver.h"
-#include "TestStore.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
+#include "testing/Saver.h"
+#include "testing/TestStore.h"
 
 #include <QProcess>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "TestStore.h"
+#include "testing/TestStore.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 #include "exchange/JetImport.h"
 
-#include "TestStore.h"
 #include "exchange/JetFrames.h"
 #include "exchange/JetText.h"
 #include "exchange/Tables.h"
 #include "platform/RuntimeError.h"
+#include "testing/TestStore.h"
 
 #include <gtest/gtest.h>
 

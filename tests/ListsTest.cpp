@@ -1,4 +1,4 @@
-#include "Person.h"
+#include "testing/Person.h"
 
 #include <QAbstractItemView>
 #include <QContextMenuEvent>

@@ -1,10 +1,10 @@
-#include "TestStore.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
 #include "nodes/ReferenceData.h"
 #include "nodes/RequiredNodes.h"
 #include "nodes/Templates.h"
 #include "platform/RuntimeError.h"
+#include "testing/TestStore.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "TestStore.h"
 #include "platform/RuntimeError.h"
 #include "store/DataBase.h"
+#include "testing/TestStore.h"
 
 #include <gtest/gtest.h>
 

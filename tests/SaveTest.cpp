@@ -1,6 +1,6 @@
-#include "Person.h"
 #include "StoredNode.h"
-#include "faults/FaultySystem.h"
+#include "testing/FaultySystem.h"
+#include "testing/Person.h"
 
 namespace KAL_AUTO_Node {
 namespace {

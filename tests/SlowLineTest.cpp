@@ -1,6 +1,6 @@
-#include "Person.h"
-#include "Relay.h"
-#include "TestStore.h"
+#include "testing/Person.h"
+#include "testing/Relay.h"
+#include "testing/TestStore.h"
 
 #include <fstream>
 

@@ -1,8 +1,8 @@
-#include "TestStore.h"
 #include "platform/NativePath.h"
 #include "platform/RuntimeError.h"
 #include "platform/SpecialFolder.h"
 #include "store/ParlonPlusFilesAndFolders.h"
+#include "testing/TestStore.h"
 
 #include <gtest/gtest.h>
 

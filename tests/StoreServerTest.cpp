@@ -1,11 +1,11 @@
 #include "Performing.h"
-#include "Relay.h"
-#include "Saver.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
 #include "nodes/ReferenceData.h"
 #include "store/Batch.h"
 #include "store/Connection.h"
+#include "testing/Relay.h"
+#include "testing/Saver.h"
 
 #include <chrono>
 #include <fstream>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TestStore.h"
+#include "testing/TestStore.h"
 
 namespace KAL_AUTO_Node {
 

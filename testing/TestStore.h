@@ -1,7 +1,7 @@
 #pragma once
 
-#include "TestServer.h"
 #include "store/CreateServerStore.h"
+#include "testing/TestServer.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 

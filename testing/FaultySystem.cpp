@@ -1,4 +1,4 @@
-#include "FaultySystem.h"
+#include "testing/FaultySystem.h"
 
 #include <sqlite3.h>
 

@@ -1,4 +1,4 @@
-#include "Relay.h"
+#include "testing/Relay.h"
 
 #include <arpa/inet.h>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "KAL_AUTO_Node/Business_Rules.h"
-#include "TestStore.h"
+#include "testing/TestStore.h"
 
 #include <QApplication>
 #include <QClipboard>
