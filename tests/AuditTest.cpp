@@ -1,6 +1,7 @@
 #include "audit/FixMissing.h"
 #include "audit/PartitionCheck.h"
 #include "audit/Repoint.h"
+#include "exchange/Export.h"
 #include "history/History.h"
 #include "nodes/AutoNodeReader.h"
 #include "store/Batch.h"
@@ -10,7 +11,9 @@
 
 #include <algorithm>
 #include <fstream>
+#include <random>
 #include <set>
+#include <sstream>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -219,7 +222,8 @@ TEST(References, AreRepointedAllOrNone) {
     const Partition partition{1, 2};
     const auto uses = [&](int number) { return ReadUses(dataBase, partition, names, 0, number).size(); };
     const auto repoint = [&](NodeID to, NodeID from = {0, 249}) {
-        return Repoint(dataBase, history, names, partition, from, to, "today").obstacles;
+        const std::array map{Replacement{from, to}};
+        return Repoint(dataBase, history, names, partition, map, "today").obstacles;
     };
     const std::size_t all = AllReferenceColumns().size();
     EXPECT_EQ(uses(249), all);
@@ -229,9 +233,10 @@ TEST(References, AreRepointedAllOrNone) {
     store.Execute("UPDATE Node_Type_Max SET Max_Number = 59 WHERE NodeType_ID = 0 AND PartitionID = 2");
     EXPECT_NE(repoint({0, 60}).at(0).find("MSG 60 is above the partition's highest"), std::string::npos);
     store.Execute("UPDATE Node_Type_Max SET Max_Number = 250 WHERE NodeType_ID = 0 AND PartitionID = 2");
-    // All but the AUTO node's branches, its action, and its prompt, which takes a message.
-    EXPECT_EQ(repoint({9, 1}).size(), all - 6);
-    EXPECT_EQ(repoint({817, 1}).size(), 1 + all - 1) << "no node";
+    EXPECT_EQ(repoint({9, 1}).size(), 1U) << "the AUTO node's prompt, which takes a message";
+    EXPECT_EQ(repoint({817, 1}).size(), 1 + 6U) << "no node, and offered by its action alone";
+    store.Execute("INSERT INTO SR_Node_Type_can_contain_Node_Type VALUES (6,1,0), (6,2,1), (7,1,0), (7,2,9)");
+    EXPECT_EQ(repoint({9, 1}).size(), 1 + 5U) << "what DTMF nodes contain is known, and no AUTO node";
     EXPECT_EQ(repoint({0, 60}, {999, 1}), std::vector<std::string>{"EMPTY 1 is no node"});
     store.Refuse("UPDATE ON Node_XFER");
     EXPECT_THROW(repoint({0, 60}), RuntimeError);
@@ -251,6 +256,69 @@ TEST(References, AreRepointedAllOrNone) {
     EXPECT_EQ(store.Value("SELECT COUNT(*) FROM Node_General_Pool WHERE DateModified = 'today'"), "10");
     history.PutBack({partition, 0}, 1, "restore");
     EXPECT_EQ(uses(249), 7U) << "those of the AUTO node";
+}
+
+std::string Exported(DataBase& dataBase, const TestStore& store) {
+    const auto file = store.Folder() / "all.json";
+    Export(dataBase, std::nullopt, file, [](std::uint64_t) {});
+    std::ifstream text(file);
+    return {std::istreambuf_iterator<char>(text), {}};
+}
+
+// $KAL_TEST_ROUNDS of them.
+TEST(References, AreAsBeforeAfterAMapAndItsInverse) {
+    const TestStore store;
+    store.Execute("UPDATE Node_General_Pool SET DateModified = 'today'");
+    DataBase dataBase;
+    History history(dataBase);
+    const TypeNames names(dataBase);
+    std::istringstream text("\n# swaps\nMSG 6 -> MSG 5\r\n  msg 5 -> MSG 6");
+    auto map = ReplacementsOf(text, names);
+    const std::string before = Exported(dataBase, store);
+    const char* const given = std::getenv("KAL_TEST_ROUNDS");
+    std::mt19937 random(given != nullptr ? 1 : 2);
+    for (int rounds = given != nullptr ? std::atoi(given) : 8; rounds > 0; --rounds) {
+        for (const bool inverse : {false, true}) {
+            const auto plan = Repoint(dataBase, history, names, {1, 2}, map, "today");
+            ASSERT_EQ(plan.obstacles, std::vector<std::string>());
+            ASSERT_EQ(Exported(dataBase, store) == before, inverse || plan.changes.empty());
+            for (auto& [from, to] : map) {
+                std::swap(from, to);
+            }
+        }
+        // Of some types some nodes, each in the place of another.
+        map.clear();
+        for (const int typeID : {0, 2, 4, 9}) {
+            std::vector<int> nodes;
+            for (const std::string& number :
+                 store.Rows("SELECT NodeNumber FROM Node_General_Pool WHERE PartID = 2 AND NodeTypeID = " +
+                            std::to_string(typeID))) {
+                if (random() % 3 != 0) {
+                    nodes.push_back(std::stoi(number));
+                }
+            }
+            auto places = nodes;
+            std::ranges::shuffle(places, random);
+            for (std::size_t i = 0; i < nodes.size(); ++i) {
+                if (nodes[i] != places[i]) {
+                    map.push_back({{typeID, nodes[i]}, {typeID, places[i]}});
+                }
+            }
+        }
+    }
+    for (const auto& [line, told] :
+         {std::pair("MSG 1", "line 1: 'MSG 1' is not of the form"),
+          std::pair("MSG 1 -> MSG x", "line 1: 'MSG x' is no node's type"),
+          std::pair("MSG 1 -> MGS 2", "no node type 'MGS'"),
+          std::pair("MSG 1 -> MSG 2\nM_ON 1 -> MSG 3", "line 2: M_ON 1 has a target in line 1")}) {
+        std::istringstream wrong(line);
+        try {
+            static_cast<void>(ReplacementsOf(wrong, names));
+            ADD_FAILURE() << line;
+        } catch (const RuntimeError& error) {
+            EXPECT_NE(std::string(error.what()).find(told), std::string::npos) << error.what();
+        }
+    }
 }
 
 } // namespace

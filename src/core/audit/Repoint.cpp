@@ -7,9 +7,9 @@
 #include "store/Connection.h"
 
 #include <algorithm>
+#include <istream>
 #include <map>
 #include <memory>
-#include <set>
 #include <tuple>
 #include <utility>
 
@@ -36,211 +36,303 @@ NodePlace PlaceOf(Partition partition, int number) {
     return {partition, static_cast<std::int16_t>(number)};
 }
 
+NodeKey KeyOf(const NodeID& node) { return {NodeTypeOf(node.typeID), node.number}; }
+
 class Planning {
   public:
-    Planning(DataBase& dataBase, History& history, const TypeNames& names, Partition partition, NodeID from,
-             NodeID to)
-        : dataBase_(dataBase), history_(history), names_(names), partition_(partition), from_(from), to_(to) {
-    }
+    Planning(DataBase& dataBase, History& history, const TypeNames& names, Partition partition,
+             std::span<const Replacement> replacements, const RepointTerms& terms)
+        : dataBase_(dataBase), history_(history), names_(names), partition_(partition),
+          replacements_(replacements), terms_(terms) {}
 
     RepointPlan Run() {
         ReadAhead ahead(dataBase_);
         FetchLists(ahead, dataBase_, partition_);
         ReadNodeNames(dataBase_, partition_, lists_);
-        if (NodeTypeOf(from_.typeID) == to_.typeID && from_.number == to_.number) {
-            plan_.obstacles.push_back(NameOfNew() + " would take its own place");
-        }
-        CheckNew();
-        if (!RefersToNode(from_.typeID)) {
-            plan_.obstacles.push_back(NodeName{from_.typeID, names_.Name(from_.typeID), from_.number}.Text() +
-                                      " is no node");
+        CheckReplacements(ahead);
+        if (byNode_.empty()) {
             return std::move(plan_);
         }
         std::set<int> autoHolders;
-        for (StoredReference& use : ReadUses(dataBase_, partition_, names_, from_.typeID, from_.number)) {
-            CheckPlace(use);
+        for (StoredReference& use : Uses()) {
+            if (terms_.without == NodeKey{use.holderTypeID, use.holder}) {
+                continue;
+            }
+            const NodeID& to = ReplacementOf(use).to;
+            const int stored = StoredType(use);
+            CheckPlace(use, stored, to);
             if (use.holderTypeID == AutoType) {
                 autoHolders.insert(use.holder);
             }
-            const int typeID = RefersToMessage(StoredType(use)) ? StoredType(use) : to_.typeID;
-            plan_.changes.push_back({std::move(use), typeID, names_.Name(typeID)});
+            const int typeID = RefersToMessage(stored) ? stored : to.typeID;
+            plan_.changes.push_back({std::move(use), typeID, names_.Name(typeID), to.number});
         }
-        for (const int holder : WithUnfinished(autoHolders)) {
-            CheckSaves(holder);
+        for (std::string& save : UnfinishedSaves(dataBase_, history_, names_, partition_, autoHolders)) {
+            plan_.obstacles.push_back(std::move(save));
         }
         return std::move(plan_);
     }
 
   private:
-    [[nodiscard]] std::string NameOfNew() const {
-        return NodeName{to_.typeID, names_.Name(to_.typeID), to_.number}.Text();
+    [[nodiscard]] std::string NameOf(const NodeID& node) const {
+        return NodeName{node.typeID, names_.Name(node.typeID), node.number}.Text();
     }
 
-    // The type under which a use is stored; the query has found it by its ID or its name.
-    [[nodiscard]] int StoredType(const StoredReference& use) const {
-        return use.typeID ? *use.typeID : names_.ID(use.type).value_or(from_.typeID);
+    void CheckReplacements(ReadAhead& ahead) {
+        ahead.Fetch([&] {
+            for (const auto& [from, to] : replacements_) {
+                static_cast<void>(IsNodeExisted(dataBase_, partition_, to.typeID, to.number));
+            }
+        });
+        for (const Replacement& replacement : replacements_) {
+            const auto& [from, to] = replacement;
+            if (NodeTypeOf(from.typeID) == to.typeID && from.number == to.number) {
+                plan_.obstacles.push_back(NameOf(to) + " would take its own place");
+            }
+            if (!terms_.newAreMade) {
+                CheckNew(to);
+            }
+            if (RefersToNode(from.typeID)) {
+                byNode_.emplace(KeyOf(from), &replacement);
+            } else {
+                plan_.obstacles.push_back(NameOf(from) + " is no node");
+            }
+        }
     }
 
-    void CheckNew() {
-        const int* maximum = lists_.MaxNodeNumberCollection.Find(to_.typeID);
-        if (!RefersToNode(to_.typeID) || RefersToMessage(to_.typeID)) {
-            plan_.obstacles.push_back(NameOfNew() + " is no node that can take the place of another");
-        } else if (!IsNodeExisted(dataBase_, partition_, to_.typeID, to_.number)) {
-            plan_.obstacles.push_back(NameOfNew() + " does not exist");
-        } else if (maximum != nullptr && to_.number > *maximum) {
-            plan_.obstacles.push_back(NameOfNew() + " is above the partition's highest number of the type, " +
+    void CheckNew(const NodeID& node) {
+        const int* maximum = lists_.MaxNodeNumberCollection.Find(node.typeID);
+        if (!RefersToNode(node.typeID) || RefersToMessage(node.typeID)) {
+            plan_.obstacles.push_back(NameOf(node) + " is no node that can take the place of another");
+        } else if (!IsNodeExisted(dataBase_, partition_, node.typeID, node.number)) {
+            plan_.obstacles.push_back(NameOf(node) + " does not exist");
+        } else if (maximum != nullptr && node.number > *maximum) {
+            plan_.obstacles.push_back(NameOf(node) +
+                                      " is above the partition's highest number of the type, " +
                                       std::to_string(*maximum));
         }
     }
 
-    void CheckPlace(const StoredReference& use) {
+    [[nodiscard]] std::vector<StoredReference> Uses() {
+        if (byNode_.size() == 1) {
+            const auto& [typeID, number] = byNode_.begin()->first;
+            return ReadUses(dataBase_, partition_, names_, typeID, number);
+        }
+        std::set<NodeKey> nodes;
+        for (const auto& [node, replacement] : byNode_) {
+            nodes.insert(node);
+        }
+        return ReadUses(dataBase_, partition_, names_, nodes);
+    }
+
+    // The type under which a use is stored; the query has found it by its ID or its name.
+    [[nodiscard]] int StoredType(const StoredReference& use) const {
+        return use.typeID ? *use.typeID : names_.ID(use.type).value_or(byNode_.begin()->second->from.typeID);
+    }
+
+    [[nodiscard]] const Replacement& ReplacementOf(const StoredReference& use) const {
+        return byNode_.size() == 1 ? *byNode_.begin()->second
+                                   : *byNode_.at({NodeTypeOf(StoredType(use)), *use.number});
+    }
+
+    void CheckPlace(const StoredReference& use, int stored, const NodeID& to) {
         const std::string place =
             NodeName{use.holderTypeID, names_.Name(use.holderTypeID), use.holder}.Text() + ", " +
             PlaceText(use.Column(), use.row);
-        const int stored = StoredType(use);
         if (RefersToMessage(stored)) {
-            if (to_.typeID != MessageType) {
+            if (to.typeID != MessageType) {
                 plan_.obstacles.push_back(place + " is " + names_.Name(stored) + ", which takes a message");
             }
         } else if (use.holderTypeID == AutoType
-                       ? !Offers(SlotOf(use.Column()))
-                       : to_.typeID != stored && !OffersEverywhere(use.holderTypeID)) {
-            plan_.obstacles.push_back(place + " does not offer " + names_.Name(to_.typeID));
+                       ? !Offers(SlotOf(use.Column()), to.typeID)
+                       : to.typeID != stored && OffersNowhere(use.holderTypeID, to.typeID)) {
+            plan_.obstacles.push_back(place + " does not offer " + names_.Name(to.typeID));
         }
     }
 
-    bool Offers(Slot slot) {
-        const auto [entry, added] = offers_.try_emplace(slot, false);
-        bool& offers = entry->second;
+    bool Offers(Slot slot, int typeID) {
+        const auto [entry, added] = offered_.try_emplace(slot);
         if (added) {
-            ReadContainableTypes(dataBase_, partition_, slot, lists_, [&](int typeID, const std::string&) {
-                offers = offers || typeID == to_.typeID;
-            });
+            ReadContainableTypes(
+                dataBase_, partition_, slot, lists_,
+                [&types = entry->second](int offered, const std::string&) { types.insert(offered); });
         }
-        return offers;
+        return entry->second.contains(typeID);
     }
 
-    bool OffersEverywhere(int holderTypeID) {
-        const auto [entry, added] = offeredEverywhere_.try_emplace(holderTypeID, false);
-        bool& all = entry->second;
+    // Which of the sets is whose is not known of other types than this one.
+    bool OffersNowhere(int holderTypeID, int typeID) {
+        const auto [entry, added] = nowhere_.try_emplace({holderTypeID, typeID}, false);
         if (!added) {
-            return all;
+            return entry->second;
         }
-        for (ResultSet sets = dataBase_.Query(Command::Get_Sets_With_Node_Type, {to_.typeID, holderTypeID});
+        for (ResultSet sets = dataBase_.Query(Command::Get_Sets_With_Node_Type, {typeID, holderTypeID});
              !sets.AtEnd(); sets.MoveNext()) {
-            all = sets.Number("Offers") > 0;
-            if (!all) {
+            entry->second = sets.Number("Offers") == 0;
+            if (!entry->second) {
                 break;
             }
         }
-        return all;
-    }
-
-    // Those of the nodes a change of which did not get to its end, or has not yet.
-    std::vector<int> WithUnfinished(const std::set<int>& holders) {
-        std::vector<int> found;
-        if (holders.empty() || !history_.Exists()) {
-            return found;
-        }
-        for (ResultSet rows =
-                 dataBase_.Query(Command::Get_Unfinished_AUTO_Nodes, {partition_.config, partition_.number});
-             !rows.AtEnd(); rows.MoveNext()) {
-            if (const int number = rows.Number("NodeNumber"); holders.contains(number)) {
-                found.push_back(number);
-            }
-        }
-        return found;
-    }
-
-    void CheckSaves(int holder) {
-        const NodePlace place = PlaceOf(partition_, holder);
-        const auto versions = history_.Versions(place);
-        const std::string name = NodeName{AutoType, names_.Name(AutoType), holder}.Text();
-        if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
-            plan_.obstacles.push_back(name + " is being saved by " + AuthorText(*made) + " since " +
-                                      LocalTime(made->begunAt));
-        } else if (history_.Unfinished(place)) {
-            // Putting it back later would bring the old reference back, too.
-            plan_.obstacles.push_back(
-                name + " was left half-way by a save; put it back (auto-node restore) or save it");
-        }
+        return entry->second;
     }
 
     DataBase& dataBase_;
     History& history_;
     const TypeNames& names_;
     Partition partition_;
-    NodeID from_;
-    NodeID to_;
+    std::span<const Replacement> replacements_;
+    const RepointTerms& terms_;
     NodeLists lists_;
-    std::map<Slot, bool> offers_;
-    std::map<int, bool> offeredEverywhere_; // by the holder's type
+    std::map<NodeKey, const Replacement*> byNode_;
+    std::map<Slot, std::set<int>> offered_;
+    std::map<std::pair<int, int>, bool> nowhere_; // by the holder's type and the new one
     RepointPlan plan_;
 };
 
-// Writes all changes of one column and one stored type as one statement, as they were planned.
-void Write(DataBase& dataBase, Partition partition, NodeID from, NodeID to, const RepointPlan& plan) {
-    struct Group {
-        const RepointPlan::Change* example = nullptr;
-        std::int64_t count = 0;
-    };
-
-    std::map<std::tuple<std::size_t, std::optional<int>, std::string>, Group> groups;
-    for (const RepointPlan::Change& change : plan.changes) {
-        const StoredReference& use = change.from;
-        const bool hasTypeID = use.Column().hasTypeID;
-        // By ID the stored name says nothing.
-        Group& group = groups[{use.column, use.typeID, hasTypeID ? std::string() : use.type}];
-        group.example = &change;
-        ++group.count;
-    }
-    // To a server they go together.
-    std::vector<std::unique_ptr<Statement>> prepared;
+// Writes each row as it was planned, wherever the others lead to by then.
+void Write(DataBase& dataBase, Partition partition, const RepointPlan& plan) {
+    std::map<std::size_t, std::unique_ptr<Statement>> statements;
     std::vector<std::vector<std::optional<std::string>>> parameters;
-    for (const auto& [key, group] : groups) {
-        const RepointPlan::Change& change = *group.example;
-        const ReferenceColumn& column = change.from.Column();
-        prepared.push_back(dataBase.Prepare(RepointStatement(column)));
+    std::vector<StatementRun> runs;
+    parameters.reserve(plan.changes.size());
+    for (const auto& [use, typeID, type, number] : plan.changes) {
+        const ReferenceColumn& column = use.Column();
+        auto& statement = statements[use.column];
+        if (!statement) {
+            statement = dataBase.Prepare(RepointStatement(column));
+        }
         auto& all = parameters.emplace_back();
+        if (column.hasTypeID) {
+            all.push_back(std::to_string(typeID));
+        }
         for (const Parameter& parameter :
-             {Parameter(change.type), Parameter(to.number), Parameter(partition.config),
-              Parameter(partition.number), Parameter(from.number),
-              column.hasTypeID ? Parameter(change.from.typeID) : Parameter(change.from.type)}) {
+             {Parameter(type), Parameter(number), Parameter(partition.config), Parameter(partition.number),
+              Parameter(use.number), column.hasTypeID ? Parameter(use.typeID) : Parameter(use.type),
+              Parameter(use.holder)}) {
             all.push_back(parameter.Value());
         }
-        if (column.hasTypeID) {
-            all.insert(all.begin(), std::to_string(change.typeID));
+        if (column.HasRows()) {
+            all.push_back(std::to_string(use.row));
         }
-    }
-    std::vector<StatementRun> runs;
-    for (std::size_t i = 0; i < prepared.size(); ++i) {
-        runs.push_back({prepared[i].get(), parameters[i]});
+        runs.push_back({statement.get(), all});
     }
     const auto written = dataBase.RunTogether(runs);
-    for (std::size_t i = 0; const auto& [key, group] : groups) {
-        if (written.at(i) != group.count) {
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        if (written.at(i) != 1) {
             throw RuntimeError(ErrorNumber::StoreFailure,
                                "The store changed " + std::to_string(written[i]) + " rows of " +
-                                   std::string(group.example->from.Column().table) + " instead of " +
-                                   std::to_string(group.count) + "; nothing is changed");
+                                   std::string(plan.changes[i].from.Column().table) +
+                                   " instead of 1; nothing is changed");
         }
-        ++i;
     }
 }
 
 } // namespace
 
+std::vector<Replacement> ReplacementsOf(std::istream& text, const TypeNames& names) {
+    std::vector<Replacement> replacements;
+    std::map<NodeKey, std::pair<NodeKey, int>> known; // the target and its line
+    int number = 0;
+    for (std::string line; std::getline(text, line);) {
+        ++number;
+        const auto fail = [&](const std::string& what) {
+            throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                               "line " + std::to_string(number) + ": " + what);
+        };
+        if (const auto first = line.find_first_not_of(" \t\r");
+            first == std::string::npos || line[first] == '#') {
+            continue;
+        }
+        constexpr std::string_view arrow = "->";
+        const auto at = line.find(arrow);
+        if (at == std::string::npos) {
+            fail("'" + line + "' is not of the form MSG 6 -> MSG 16");
+        }
+        NodeKey from;
+        NodeKey to;
+        try {
+            from = names.MeantNode(std::string_view(line).substr(0, at));
+            to = names.MeantNode(std::string_view(line).substr(at + arrow.size()));
+        } catch (const RuntimeError& error) {
+            fail(error.what());
+        }
+        const auto [entry, added] = known.try_emplace({NodeTypeOf(from.first), from.second}, to, number);
+        if (!added && entry->second.first != to) {
+            fail(names.Name(from.first) + ' ' + std::to_string(from.second) + " has a target in line " +
+                 std::to_string(entry->second.second) + " already");
+        }
+        if (added) {
+            replacements.push_back({{from.first, from.second}, {to.first, to.second}});
+        }
+    }
+    return replacements;
+}
+
+std::set<NodeKey> RepointPlan::Holders() const {
+    std::set<NodeKey> holders;
+    for (const Change& change : changes) {
+        holders.emplace(change.from.holderTypeID, change.from.holder);
+    }
+    return holders;
+}
+
+std::vector<std::string> UnfinishedSaves(DataBase& dataBase, History& history, const TypeNames& names,
+                                         Partition partition, const std::set<int>& numbers) {
+    std::vector<std::string> told;
+    std::vector<int> unfinished;
+    if (numbers.empty() || !history.Exists()) {
+        return told;
+    }
+    for (ResultSet rows =
+             dataBase.Query(Command::Get_Unfinished_AUTO_Nodes, {partition.config, partition.number});
+         !rows.AtEnd(); rows.MoveNext()) {
+        if (const int number = rows.Number("NodeNumber"); numbers.contains(number)) {
+            unfinished.push_back(number);
+        }
+    }
+    for (const int number : unfinished) {
+        const NodePlace place = PlaceOf(partition, number);
+        const auto versions = history.Versions(place);
+        const std::string name = NodeName{AutoType, names.Name(AutoType), number}.Text();
+        if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
+            told.push_back(name + " is being saved by " + AuthorText(*made) + " since " +
+                           LocalTime(made->begunAt));
+        } else if (history.Unfinished(place)) {
+            // Putting it back later would bring what is changed now back, too.
+            told.push_back(name + " was left half-way by a save; put it back (auto-node restore) or save it");
+        }
+    }
+    return told;
+}
+
 RepointPlan PlanRepoint(DataBase& dataBase, History& history, const TypeNames& names, Partition partition,
-                        NodeID from, NodeID to) {
-    return Planning(dataBase, history, names, partition, from, to).Run();
+                        std::span<const Replacement> replacements, const RepointTerms& terms) {
+    return Planning(dataBase, history, names, partition, replacements, terms).Run();
+}
+
+void CarryOut(DataBase& dataBase, History& history, Partition partition, const RepointPlan& plan,
+              const char* work, const std::string& date, std::set<NodePlace> besides) {
+    const auto holders = plan.Holders();
+    for (const auto& [typeID, number] : holders) {
+        if (typeID == AutoType) {
+            besides.insert(PlaceOf(partition, number));
+        }
+    }
+    history.Keep(std::vector<NodePlace>(besides.begin(), besides.end()), work);
+    Batch dates(dataBase);
+    for (const auto& [typeID, number] : holders) {
+        dates.Add(Command::Date_General_Pool, {date, partition.config, partition.number, typeID, number});
+    }
+    dates.Run();
+    Write(dataBase, partition, plan);
 }
 
 RepointPlan Repoint(DataBase& dataBase, History& history, const TypeNames& names, Partition partition,
-                    NodeID from, NodeID to, const std::string& date) {
+                    std::span<const Replacement> replacements, const std::string& date) {
     RepointPlan plan;
     {
         const Snapshot snapshot(dataBase);
-        plan = PlanRepoint(dataBase, history, names, partition, from, to);
+        plan = PlanRepoint(dataBase, history, names, partition, replacements);
     }
     if (!plan.obstacles.empty() || plan.changes.empty()) {
         return plan;
@@ -252,27 +344,11 @@ RepointPlan Repoint(DataBase& dataBase, History& history, const TypeNames& names
     {
         Transaction all(dataBase);
         // Others may have changed something until now; what is planned from here on stays so.
-        plan = PlanRepoint(dataBase, history, names, partition, from, to);
+        plan = PlanRepoint(dataBase, history, names, partition, replacements);
         if (!plan.obstacles.empty()) {
             return plan;
         }
-        std::set<std::pair<int, int>> holders;
-        for (const RepointPlan::Change& change : plan.changes) {
-            holders.emplace(change.from.holderTypeID, change.from.holder);
-        }
-        std::vector<NodePlace> autoNodes;
-        Batch dates(dataBase);
-        for (const auto& [typeID, number] : holders) {
-            if (typeID == AutoType) {
-                autoNodes.push_back(PlaceOf(partition, number));
-            }
-        }
-        history.Keep(autoNodes, Work);
-        for (const auto& [typeID, number] : holders) {
-            dates.Add(Command::Date_General_Pool, {date, partition.config, partition.number, typeID, number});
-        }
-        dates.Run();
-        Write(dataBase, partition, from, to, plan);
+        CarryOut(dataBase, history, partition, plan, Work, date);
         all.Commit();
     }
     dataBase.Flush();

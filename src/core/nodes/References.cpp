@@ -1,8 +1,10 @@
 #include "nodes/References.h"
 
+#include "nodes/NodeTypes.h"
 #include "nodes/Slots.h"
 #include "platform/FoldCase.h"
 #include "platform/RuntimeError.h"
+#include "platform/WholeNumber.h"
 
 #include <algorithm>
 #include <array>
@@ -30,6 +32,15 @@ void Read(ResultSet rows, std::optional<int> number,
               rows.Number(row), orNothing(typeID), std::string(rows.Field(type).value_or("")),
               numberColumn ? orNothing(*numberColumn) : number});
     }
+}
+
+// In the order of their holders.
+std::vector<StoredReference> Sorted(std::vector<StoredReference> uses) {
+    std::ranges::sort(uses, [](const StoredReference& a, const StoredReference& b) {
+        return std::tie(a.holderTypeID, a.holder, a.column, a.row) <
+               std::tie(b.holderTypeID, b.holder, b.column, b.row);
+    });
+    return uses;
 }
 
 } // namespace
@@ -88,6 +99,21 @@ int TypeNames::Meant(const std::string& text) const {
     throw RuntimeError(ErrorNumber::InvalidProcedureCall, "There is no node type '" + text + "'");
 }
 
+NodeKey TypeNames::MeantNode(std::string_view text) const {
+    // The name of a type may have blanks; the number comes last.
+    const auto end = text.find_last_not_of(" \t\r");
+    text = text.substr(0, end == std::string_view::npos ? 0 : end + 1);
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    const auto blank = text.find_last_of(" \t");
+    const auto number =
+        blank == std::string_view::npos ? std::nullopt : WholeNumber<std::int16_t>(text.substr(blank + 1));
+    if (!number) {
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                           '\'' + std::string(text) + "' is no node's type and number, such as MSG 12");
+    }
+    return {Meant(std::string(text.substr(0, text.find_last_not_of(" \t", blank) + 1))), *number};
+}
+
 std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition, const TypeNames& names,
                                       int typeID, int number) {
     typeID = NodeTypeOf(typeID);
@@ -98,11 +124,22 @@ std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition, c
                         {partition.config, partition.number, number, types[0], types[1], types[2],
                          names.Name(types[0]), names.Name(types[1]), names.Name(types[2])}),
          number, [&](const StoredReference& use) { uses.push_back(use); });
-    std::ranges::sort(uses, [](const StoredReference& a, const StoredReference& b) {
-        return std::tie(a.holderTypeID, a.holder, a.column, a.row) <
-               std::tie(b.holderTypeID, b.holder, b.column, b.row);
-    });
-    return uses;
+    return Sorted(std::move(uses));
+}
+
+std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition, const TypeNames& names,
+                                      const std::set<NodeKey>& nodes) {
+    std::vector<StoredReference> uses;
+    for (const Command command : {Command::Get_AUTO_References, Command::Get_Other_References}) {
+        Read(dataBase.Query(command, {partition.config, partition.number}), std::nullopt,
+             [&](const StoredReference& use) {
+                 const auto typeID = use.Column().hasTypeID ? use.typeID : names.ID(use.type);
+                 if (typeID && use.number && nodes.contains({NodeTypeOf(*typeID), *use.number})) {
+                     uses.push_back(use);
+                 }
+             });
+    }
+    return Sorted(std::move(uses));
 }
 
 } // namespace KAL_AUTO_Node

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
-#include <span>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -52,6 +52,8 @@ class TypeNames {
     // The type that a person means by its name, whatever the case, or by its ID. Raises InvalidProcedureCall
     // where there is none.
     [[nodiscard]] int Meant(const std::string& text) const;
+    // The node that a person means by its type, likewise, and its number: "MSG 12".
+    [[nodiscard]] NodeKey MeantNode(std::string_view text) const;
 
   private:
     std::vector<std::pair<int, std::string>> names_; // by ID
@@ -61,5 +63,8 @@ class TypeNames {
 // message.
 [[nodiscard]] std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition,
                                                     const TypeNames& names, int typeID, int number);
+// To one of many nodes; the partition is read once through.
+[[nodiscard]] std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition,
+                                                    const TypeNames& names, const std::set<NodeKey>& nodes);
 
 } // namespace KAL_AUTO_Node

@@ -100,14 +100,22 @@ std::string UsesStatement() {
                    });
 }
 
-std::string OtherReferencesStatement() {
-    return OverAll([](const ReferenceColumn& column) { return column.holderTypeID != AutoType; },
-                   [](std::ostream& sql, const ReferenceColumn& column) {
-                       sql << ", " << column.word << "NodeNumber AS NodeNumber\n  FROM " << column.table
-                           << '\n'
-                           << OfPartition;
-                   });
+namespace {
+
+std::string ReferencesStatement(bool ofAutoNodes) {
+    return OverAll(
+        [&](const ReferenceColumn& column) { return (column.holderTypeID == AutoType) == ofAutoNodes; },
+        [](std::ostream& sql, const ReferenceColumn& column) {
+            sql << ", " << column.word << "NodeNumber AS NodeNumber\n  FROM " << column.table << '\n'
+                << OfPartition;
+        });
 }
+
+} // namespace
+
+std::string OtherReferencesStatement() { return ReferencesStatement(false); }
+
+std::string AutoReferencesStatement() { return ReferencesStatement(true); }
 
 std::string RepointStatement(const ReferenceColumn& column) {
     std::ostringstream sql;
@@ -117,7 +125,11 @@ std::string RepointStatement(const ReferenceColumn& column) {
     }
     sql << column.word << "NodeType = :New_Type, " << column.word << "NodeNumber = :New_NodeNumber\n"
         << OfPartition << " AND " << column.word << "NodeNumber = :Given_NodeNumber AND " << column.word
-        << (column.hasTypeID ? "NodeTypeID = :Given_TypeID" : "NodeType = :Given_Type");
+        << (column.hasTypeID ? "NodeTypeID = :Given_TypeID" : "NodeType = :Given_Type") << " AND "
+        << column.holder << " = :Given_Holder";
+    if (column.HasRows()) {
+        sql << " AND " << column.row << " = :Given_Row";
+    }
     return sql.str();
 }
 

@@ -15,6 +15,8 @@ struct ReferenceColumn {
     std::string_view row;    // column of the row's number where a node has several of them, else "0"
     std::string_view word;
     bool hasTypeID; // otherwise the type's name stands for it
+
+    [[nodiscard]] bool HasRows() const { return row != "0"; }
 };
 
 // All of them, of the nodes of every type.
@@ -24,10 +26,11 @@ struct ReferenceColumn {
 // reads the rows puts them in order: an engine would sort those of each column by themselves first.
 [[nodiscard]] std::string UsesStatement();            // all that refers to a node
 [[nodiscard]] std::string OtherReferencesStatement(); // what the nodes refer to that are no AUTO nodes
+[[nodiscard]] std::string AutoReferencesStatement();  // what AUTO nodes refer to
 
-// Lets what refers to a node in one of them refer to another. Parameters: the new type's ID, where the column
-// has one, its name, the new number; configuration, partition, the old number, and the old type, by its ID or
-// its name.
+// Lets one row that refers to a node in one of them refer to another. Parameters: the new type's ID, where
+// the column has one, its name, the new number; configuration, partition, the old number, the old type, by
+// its ID or its name, the holder's number, and the row's where a holder has several.
 [[nodiscard]] std::string RepointStatement(const ReferenceColumn& column);
 
 } // namespace KAL_AUTO_Node

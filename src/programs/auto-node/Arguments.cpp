@@ -1,9 +1,12 @@
 #include "auto-node/Arguments.h"
 
 #include "nodes/AutoNodeReader.h"
+#include "platform/VisibleText.h"
 #include "platform/WholeNumber.h"
 
+#include <fstream>
 #include <limits>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 
@@ -44,14 +47,34 @@ void AddPartition(const CommandArguments& command, Partition& partition) {
     AddNumber(command, "PARTITION", partition.number, "Partition number").Required();
 }
 
-void AddType(const CommandArguments& command, const std::string& name, std::string& type) {
-    command.Text(name, type, "Node type, by name (MSG, AUTO, ...) or ID").Required().ShownAs("");
+Option AddType(const CommandArguments& command, const std::string& name, std::string& type) {
+    return command.Text(name, type, "Node type, by name (MSG, AUTO, ...) or ID").ShownAs("");
 }
 
 void AddNode(const CommandArguments& command, NodePlace& place) {
     AddPartition(command, place.partition);
     AddNumber(command, "NODE", place.number, "Number of the AUTO node; 0 for the partition's template")
         .Required();
+}
+
+std::string ReadTextFile(const std::string& file) {
+    std::ifstream in(file, std::ios::binary);
+    std::ostringstream text;
+    if (!in || (in.peek() != std::ifstream::traits_type::eof() && !(text << in.rdbuf())) || in.bad()) {
+        throw std::runtime_error("cannot read '" + file + "'");
+    }
+    return std::move(text).str();
+}
+
+void RequireNoObstacles(const std::vector<std::string>& obstacles) {
+    if (obstacles.empty()) {
+        return;
+    }
+    std::string text = "nothing is changed:";
+    for (const std::string& obstacle : obstacles) {
+        text += "\n  " + Visible(obstacle);
+    }
+    throw std::runtime_error(text);
 }
 
 void FailWithoutNodes(Partition partition) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace KAL_AUTO_Node {
 
@@ -25,10 +26,16 @@ Option AddNumber(const CommandArguments& command, const std::string& name, std::
 void AddPartition(const CommandArguments& command, Partition& partition);
 
 // A node type by its name or its ID.
-void AddType(const CommandArguments& command, const std::string& name, std::string& type);
+Option AddType(const CommandArguments& command, const std::string& name, std::string& type);
 
 // CONFIG PARTITION NODE, all required.
 void AddNode(const CommandArguments& command, NodePlace& place);
+
+// The text that a file holds. Throws where it cannot be read.
+[[nodiscard]] std::string ReadTextFile(const std::string& file);
+
+// Throws where something stands in the way, telling it a line each.
+void RequireNoObstacles(const std::vector<std::string>& obstacles);
 
 // Throws that a partition has none.
 [[noreturn]] void FailWithoutNodes(Partition partition);

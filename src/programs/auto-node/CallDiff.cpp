@@ -65,10 +65,10 @@ class Telling {
     Json document_ = Json::array();
 };
 
-// Lets what the plan changes refer to the new node.
-void Apply(CallMap& map, const RepointPlan& plan, int number) {
+// Lets what the plan changes refer to the new nodes.
+void Apply(CallMap& map, const RepointPlan& plan) {
     std::map<int, AutoNode> edited;
-    for (const auto& [use, typeID, type] : plan.changes) {
+    for (const auto& [use, typeID, type, number] : plan.changes) {
         const Reference to{typeID, type, number, {}};
         const ReferenceColumn& column = use.Column();
         if (use.holderTypeID != AutoType) {
@@ -136,13 +136,13 @@ void PrintCalls(DataBase& dataBase, const std::vector<NodeStates>& nodes, bool j
     telling.End();
 }
 
-void PrintCalls(DataBase& dataBase, Partition partition, const RepointPlan& plan, int number, bool json) {
+void PrintCalls(DataBase& dataBase, Partition partition, const RepointPlan& plan, bool json) {
     const TypeNames names(dataBase);
     Telling telling(names, json);
     telling.Tell(partition, Lasting(ComparingCalls, [&] {
                      const CallMap before = ReadCallMap(dataBase, names, partition);
                      CallMap after = before;
-                     Apply(after, plan, number);
+                     Apply(after, plan);
                      return CompareCalls(before, after);
                  }));
     telling.End();

@@ -32,7 +32,7 @@ struct NodeStates {
 // What callers notice of partitions in which those nodes change, as the store is otherwise.
 void PrintCalls(DataBase& dataBase, const std::vector<NodeStates>& nodes, bool json);
 // Of a plan that is not carried out.
-void PrintCalls(DataBase& dataBase, Partition partition, const RepointPlan& plan, int number, bool json);
+void PrintCalls(DataBase& dataBase, Partition partition, const RepointPlan& plan, bool json);
 // Of one node in the place of another, whatever leads there.
 void PrintCalls(DataBase& dataBase, const NodePlace& place, const std::optional<AutoNode>& before,
                 const std::optional<AutoNode>& after, bool json);

@@ -1,5 +1,7 @@
 #include "auto-node/Changes.h"
 
+#include "audit/Repoint.h"
+#include "auto-node/Table.h"
 #include "platform/VisibleText.h"
 
 #include <iostream>
@@ -24,6 +26,18 @@ void PrintChanges(const std::vector<std::string>& changes) {
     if (changes.empty()) {
         std::cout << "    nothing differs\n";
     }
+}
+
+void PrintRepointed(const RepointPlan& plan, const TypeNames& names) {
+    using enum Table::Align;
+    Table table({Left, Left, Left});
+    for (const auto& [use, typeID, type, number] : plan.changes) {
+        std::string change = use.type + ' ' + std::to_string(use.number.value_or(0));
+        change += " \u2192 " + type + ' ' + std::to_string(number);
+        table.Add({names.Name(use.holderTypeID) + ' ' + std::to_string(use.holder),
+                   PlaceText(use.Column(), use.row), change});
+    }
+    table.Print(std::cout);
 }
 
 } // namespace KAL_AUTO_Node

@@ -123,7 +123,7 @@ Subcommand PathsCommand(CommandLine& program) {
     const CommandArguments command =
         program.Add("paths", "Tell the shortest steps by which callers get to a node");
     AddPartition(command, options->partition);
-    AddType(command, "TYPE", options->type);
+    AddType(command, "TYPE", options->type).Required();
     AddNumber(command, "NUMBER", options->number, "Number of the node").Required();
     const Option from = AddNumber(command, "--from", options->from,
                                   "Number of the AUTO node at which to begin; else all where calls may enter")

@@ -1,23 +1,22 @@
 #include "audit/Repoint.h"
 #include "auto-node/Arguments.h"
 #include "auto-node/CallDiff.h"
+#include "auto-node/Changes.h"
 #include "auto-node/Commands.h"
 #include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "history/History.h"
+#include "platform/RuntimeError.h"
 #include "platform/Today.h"
 #include "platform/VisibleText.h"
 
 #include <iostream>
 #include <memory>
-#include <set>
-#include <stdexcept>
+#include <sstream>
 
 namespace KAL_AUTO_Node {
 
 namespace {
-
-using enum Table::Align;
 
 struct Options {
     Partition partition;
@@ -25,51 +24,54 @@ struct Options {
     std::int16_t number = 0;
     std::string newType;
     std::int16_t newNumber = 0;
+    std::string map;
     bool dryRun = false;
     CallOptions calls;
 };
+
+std::vector<Replacement> ReplacementsOf(const Options& options, const TypeNames& names) {
+    if (options.map.empty()) {
+        return {
+            {{names.Meant(options.type), options.number}, {names.Meant(options.newType), options.newNumber}}};
+    }
+    std::istringstream text(ReadTextFile(options.map));
+    try {
+        return ReplacementsOf(text, names);
+    } catch (const RuntimeError& error) {
+        throw RuntimeError(error.Number(), options.map + ", " + error.what());
+    }
+}
 
 int Run(const Options& options, DataBase& dataBase) {
     const Partition partition = options.partition;
     History history(dataBase);
     const TypeNames names(dataBase);
-    const NodeID from{names.Meant(options.type), options.number};
-    const NodeID to{names.Meant(options.newType), options.newNumber};
+    const auto replacements = ReplacementsOf(options, names);
     const RepointPlan plan = Lasting("Repointing", [&] {
-        return options.dryRun ? PlanRepoint(dataBase, history, names, partition, from, to)
-                              : Repoint(dataBase, history, names, partition, from, to, Today());
+        return options.dryRun ? PlanRepoint(dataBase, history, names, partition, replacements)
+                              : Repoint(dataBase, history, names, partition, replacements, Today());
     });
-    if (!plan.obstacles.empty()) {
-        std::string text = "nothing is changed:";
-        for (const std::string& obstacle : plan.obstacles) {
-            text += "\n  " + Visible(obstacle);
-        }
-        throw std::runtime_error(text);
-    }
+    RequireNoObstacles(plan.obstacles);
     if (options.calls.json) {
-        PrintCalls(dataBase, partition, plan, to.number, true);
+        PrintCalls(dataBase, partition, plan, true);
         return 0;
     }
-    Table table({Left, Left, Left});
-    std::set<std::pair<int, int>> holders;
-    for (const auto& [use, typeID, type] : plan.changes) {
-        holders.emplace(use.holderTypeID, use.holder);
-        std::string change = use.type + ' ' + std::to_string(options.number);
-        change += " \u2192 " + type + ' ' + std::to_string(options.newNumber);
-        table.Add({names.Name(use.holderTypeID) + ' ' + std::to_string(use.holder),
-                   PlaceText(use.Column(), use.row), change});
-    }
-    table.Print(std::cout);
+    PrintRepointed(plan, names);
     if (plan.changes.empty()) {
-        std::cout << "Nothing refers to " << Visible(names.Name(from.typeID)) << ' ' << from.number << ".\n";
+        const NodeID& from = replacements.empty() ? NodeID() : replacements.front().from;
+        std::cout << "Nothing refers to "
+                  << (options.map.empty()
+                          ? Visible(names.Name(from.typeID)) + ' ' + std::to_string(from.number)
+                          : "the nodes of " + Visible(options.map))
+                  << ".\n";
     } else {
         std::cout << (options.dryRun ? "Would change " : "Changed ")
-                  << Counted(plan.changes.size(), "reference") << " in " << Counted(holders.size(), "node")
-                  << '\n';
+                  << Counted(plan.changes.size(), "reference") << " in "
+                  << Counted(plan.Holders().size(), "node") << '\n';
     }
     if (options.calls.calls) {
         std::cout << '\n';
-        PrintCalls(dataBase, partition, plan, to.number, false);
+        PrintCalls(dataBase, partition, plan, false);
     }
     return 0;
 }
@@ -81,13 +83,20 @@ Subcommand RepointCommand(CommandLine& program) {
     const CommandArguments command =
         program.Add("repoint", "Let all that refers to a node refer to another, in one step or not at all");
     AddPartition(command, options->partition);
-    AddType(command, "TYPE", options->type);
-    AddNumber(command, "NUMBER", options->number, "Number of the node").Required();
+    const Option type = AddType(command, "TYPE", options->type);
+    AddNumber(command, "NUMBER", options->number, "Number of the node");
     AddType(command, "NEW_TYPE", options->newType);
-    AddNumber(command, "NEW_NUMBER", options->newNumber, "Number of the node that takes its place")
-        .Required();
+    const Option last =
+        AddNumber(command, "NEW_NUMBER", options->newNumber, "Number of the node that takes its place");
+    const Option map = command.Text("--map", options->map, "Many at once: a file with MSG 6 -> MSG 16 a line")
+                           .ShownAs("FILE");
     const Option dryRun = command.Flag("--dry-run", options->dryRun, "Only tell what would change");
     AddCalls(command, options->calls, dryRun);
+    command.Together([type, last, map] {
+        if (map.Given() ? type.Given() : !last.Given()) {
+            Refuse("repoint", "takes TYPE NUMBER NEW_TYPE NEW_NUMBER, or --map FILE");
+        }
+    });
     return {command, [options](const StoreChoice& store) {
                 const auto run = [options](DataBase& dataBase) { return Run(*options, dataBase); };
                 return (options->dryRun ? Reading(run) : Opening(run))(store);

@@ -87,7 +87,7 @@ Subcommand UsesCommand(CommandLine& program) {
     const CommandArguments command =
         program.Add("uses", "List all that refers to a node, whatever the types of the two");
     AddPartition(command, options->partition);
-    AddType(command, "TYPE", options->type);
+    AddType(command, "TYPE", options->type).Required();
     AddNumber(command, "NUMBER", options->number, "Number of the node").Required();
     command.Flag("--json", options->json, "Print JSON, for programs");
     return {command, Reading([options](DataBase& dataBase) { return Run(*options, dataBase); })};
