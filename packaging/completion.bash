@@ -19,7 +19,7 @@ _auto_node() {
         part == "Subcommands:" && /^  [a-z]/ { print $1 }')
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
     # Files of commands that take them as arguments.
-    if [[ ${#COMPREPLY[@]} -eq 0 && ${command[0]-} =~ ^(import|export|expect)$ ]]; then
+    if [[ ${#COMPREPLY[@]} -eq 0 && ${command[0]-} =~ ^(import|export|expect|merge)$ ]]; then
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
     fi

@@ -11,11 +11,8 @@
 #include "store/DataBase.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <fstream>
 #include <map>
 #include <set>
-#include <system_error>
 #include <vector>
 
 namespace KAL_AUTO_Node {
@@ -308,17 +305,8 @@ class Scratch : public ExchangeSink {
 };
 
 void Read(const std::filesystem::path& file, DataBase& dataBase, ExchangeSink& sink) {
-    std::ifstream text(file, std::ios::binary);
-    if (!text) {
-        throw RuntimeError(ErrorNumber::StoreNotFound,
-                           "Cannot read '" + file.string() + "': " + std::generic_category().message(errno));
-    }
-    try {
-        ReadExchange(text, sink, dataBase.TakesAnyBytes() ? AnyBytes::Take : AnyBytes::Refuse);
-    } catch (const RuntimeError& error) {
-        throw RuntimeError(error.Number(), "Cannot import '" + file.string() + "': " + error.what(),
-                           error.Source());
-    }
+    ReadExchangeFile(file, "Cannot import", sink,
+                     dataBase.TakesAnyBytes() ? AnyBytes::Take : AnyBytes::Refuse);
 }
 
 } // namespace

@@ -1,17 +1,20 @@
 #include "exchange/ExchangeReader.h"
 
 #include "exchange/ExchangeFormat.h"
+#include "exchange/LinesOfText.h"
 #include "nodes/JsonText.h"
 #include "platform/RuntimeError.h"
 #include "platform/WholeNumber.h"
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
+#include <fstream>
 #include <istream>
 #include <nlohmann/json.hpp>
 #include <set>
-#include <streambuf>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -21,55 +24,10 @@ namespace {
 
 using Json = nlohmann::json;
 
-// No row is that long; what is would only fill the memory.
-constexpr std::size_t MostLineBytes = 64U << 20U;
-constexpr std::size_t BytesAtOnce = 64U << 10U;
-
-[[noreturn]] void FailForm(std::uint64_t line, const std::string& why) {
-    throw RuntimeError(ErrorNumber::StoreNotRecognized, "line " + std::to_string(line) + ": " + why);
-}
-
-// The text's bytes as they are read, and where that is.
-class Source : public std::streambuf {
-  public:
-    explicit Source(std::istream& text) : text_(text), bytes_(BytesAtOnce) {}
-
-    [[nodiscard]] std::uint64_t Line() const { return lines_ + LinesUpTo(gptr()) + 1; }
-
-    [[nodiscard]] bool AtEnd() { return sgetc() == traits_type::eof(); }
-
-  protected:
-    int_type underflow() override {
-        const std::uint64_t ended = LinesUpTo(egptr());
-        lines_ += ended;
-        bytesOfLine_ = ended > 0 ? 0 : bytesOfLine_ + static_cast<std::size_t>(egptr() - eback());
-        setg(bytes_.data(), bytes_.data(), bytes_.data());
-        if (bytesOfLine_ > MostLineBytes) {
-            FailForm(Line(), "it is longer than any row");
-        }
-        text_.read(bytes_.data(), static_cast<std::streamsize>(bytes_.size()));
-        if (text_.bad()) {
-            FailForm(Line(), "the rest cannot be read");
-        }
-        setg(bytes_.data(), bytes_.data(), bytes_.data() + text_.gcount());
-        return gptr() == egptr() ? traits_type::eof() : traits_type::to_int_type(*gptr());
-    }
-
-  private:
-    [[nodiscard]] std::uint64_t LinesUpTo(const char* end) const {
-        return static_cast<std::uint64_t>(std::count(static_cast<const char*>(eback()), end, '\n'));
-    }
-
-    std::istream& text_;
-    std::vector<char> bytes_;
-    std::uint64_t lines_ = 0;     // that ended before these bytes
-    std::size_t bytesOfLine_ = 0; // before these, of the line that goes on in them
-};
-
 // What the parser tells of the text, in the words of its library.
 class Handler {
   public:
-    Handler(Source& source, ExchangeSink& sink, AnyBytes anyBytes)
+    Handler(LinesOfText& source, ExchangeSink& sink, AnyBytes anyBytes)
         : source_(source), sink_(sink), anyBytes_(anyBytes) {}
 
     bool null() { return Value(std::nullopt, Kind::Null); }
@@ -189,12 +147,16 @@ class Handler {
         return true;
     }
 
-    bool parse_error(std::size_t /*position*/, const std::string& /*token*/, const Json::exception& error) {
+    bool parse_error(std::size_t /*position*/, const std::string& token, const Json::exception& error) {
         if (tablesBegun_ && place_ == Place::Outside) {
             Fail("something stands behind its end");
         }
         if (source_.AtEnd()) {
             Fail("it ends before it is whole");
+        }
+        // What cannot be read comes last in it.
+        if (!token.empty() && std::string_view("<|=>").find(token.back()) != std::string_view::npos) {
+            Fail("a merge has marked a conflict here; keep one of its sides, and none of the marks");
         }
         // Without the library's own number and place, which a person cannot look up.
         const std::string what = error.what();
@@ -359,7 +321,7 @@ class Handler {
         sink_.TakeRow(row_);
     }
 
-    Source& source_;
+    LinesOfText& source_;
     ExchangeSink& sink_;
     AnyBytes anyBytes_;
     Place place_ = Place::Outside;
@@ -382,10 +344,26 @@ class Handler {
 } // namespace
 
 void ReadExchange(std::istream& text, ExchangeSink& sink, AnyBytes anyBytes) {
-    Source source(text);
+    LinesOfText source(text);
     Handler handler(source, sink, anyBytes);
     std::istream bytes(&source);
     Json::sax_parse(bytes, &handler);
+}
+
+void ReadExchangeFile(const std::filesystem::path& file, const std::string& failure, ExchangeSink& sink,
+                      AnyBytes anyBytes) {
+    errno = 0;
+    std::ifstream text(file, std::ios::binary);
+    if (!text) {
+        throw RuntimeError(ErrorNumber::StoreNotFound,
+                           "Cannot read '" + file.string() + "': " + std::generic_category().message(errno));
+    }
+    try {
+        ReadExchange(text, sink, anyBytes);
+    } catch (const RuntimeError& error) {
+        throw RuntimeError(error.Number(), failure + " '" + file.string() + "': " + error.what(),
+                           error.Source());
+    }
 }
 
 } // namespace KAL_AUTO_Node

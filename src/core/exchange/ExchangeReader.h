@@ -3,8 +3,10 @@
 #include "exchange/Tables.h"
 #include "nodes/Identity.h"
 
+#include <filesystem>
 #include <iosfwd>
 #include <optional>
+#include <string>
 
 namespace KAL_AUTO_Node {
 
@@ -30,5 +32,10 @@ enum class AnyBytes { Take, Refuse };
 // form, where something is missing or too much, and where a value is none that its column can hold; what was
 // told until then was right.
 void ReadExchange(std::istream& text, ExchangeSink& sink, AnyBytes anyBytes = AnyBytes::Take);
+
+// The same of a file, which is named in what is raised, behind what could not be done with it; StoreNotFound
+// where it cannot be read.
+void ReadExchangeFile(const std::filesystem::path& file, const std::string& failure, ExchangeSink& sink,
+                      AnyBytes anyBytes = AnyBytes::Take);
 
 } // namespace KAL_AUTO_Node

@@ -1,9 +1,8 @@
 #include "exchange/Export.h"
 
-#include "exchange/ExchangeFormat.h"
+#include "exchange/ExchangeText.h"
 #include "exchange/FileKind.h"
 #include "exchange/TableCursor.h"
-#include "nodes/JsonText.h"
 #include "platform/Interruption.h"
 #include "platform/NewFile.h"
 #include "platform/RuntimeError.h"
@@ -20,28 +19,23 @@ namespace {
 constexpr std::size_t BytesWrittenAtOnce = 64U << 10U;
 
 // What import would refuse is no export: it is told while it can still be mended.
-void AppendValue(std::string& line, const StoreTable& table, const StoreRow& row, std::size_t at) {
-    const StoreColumn& column = table.columns[at];
-    const auto& value = row[at];
-    std::optional<std::string> why;
-    if (column.number || !value || value->find('\0') != std::string::npos) {
-        auto taken = value;
-        why = WhyNot(column, taken);
-        if (!why && taken != value) {
-            why = "is \"" + *value + "\" and not " + *taken;
+void RequireImportable(const StoreTable& table, const StoreRow& row) {
+    for (std::size_t at = 0; at < table.columns.size(); ++at) {
+        const StoreColumn& column = table.columns[at];
+        const auto& value = row[at];
+        std::optional<std::string> why;
+        if (column.number || !value || value->find('\0') != std::string::npos) {
+            auto taken = value;
+            why = WhyNot(column, taken);
+            if (!why && taken != value) {
+                why = "is \"" + *value + "\" and not " + *taken;
+            }
         }
-    }
-    if (why) {
-        throw RuntimeError(ErrorNumber::StoreFailure,
-                           "Nothing is exported, since import would refuse it: " + table.name + ", " +
-                               KeyText(table, row) + ": " + column.name + ' ' + *why);
-    }
-    if (!value) {
-        line += "null";
-    } else if (column.number) {
-        line += *value;
-    } else {
-        AppendJsonText(line, *value, NotUtf8::Bytes);
+        if (why) {
+            throw RuntimeError(ErrorNumber::StoreFailure,
+                               "Nothing is exported, since import would refuse it: " + table.name + ", " +
+                                   KeyText(table, row) + ": " + column.name + ' ' + *why);
+        }
     }
 }
 
@@ -72,37 +66,20 @@ class ExportFile {
 };
 
 std::uint64_t WriteTable(TableCursor& rows, ExportFile& file, std::uint64_t before) {
-    const StoreTable& table = rows.Table();
-    std::vector<std::string> names;
-    for (const StoreColumn& column : table.columns) {
-        names.push_back((names.empty() ? "{\"" : ", \"") + column.name + "\": ");
-    }
     std::uint64_t count = 0;
+    file.Text() += Exchange::TableHead(rows.Table());
     for (; const StoreRow* row = rows.Row(); rows.Next()) {
-        file.Text() += count++ == 0 ? "\n" : ",\n";
-        for (std::size_t column = 0; column < names.size(); ++column) {
-            file.Text() += names[column];
-            AppendValue(file.Text(), table, *row, column);
-        }
-        file.Text() += '}';
+        RequireImportable(rows.Table(), *row);
+        file.Text() += count++ == 0 ? "\n" : Exchange::RowEnd;
+        Exchange::AppendRow(file.Text(), rows.Table(), *row);
         file.MayWrite(before + count);
     }
+    file.Text() += Exchange::TableEnd;
     return count;
 }
 
 std::uint64_t WriteStore(DataBase& dataBase, std::optional<Partition> scope, ExportFile& file) {
-    const auto member = [&](const char* name, const std::string& value) {
-        file.Text() += (file.Text().empty() ? "{\"" : ", \"") + std::string(name) + "\": " + value;
-    };
-    std::string format;
-    AppendJsonText(format, Exchange::Format, NotUtf8::Bytes);
-    member(Exchange::FormatMember, format);
-    member(Exchange::VersionMember, std::to_string(Exchange::Version));
-    if (scope) {
-        member(Exchange::ConfigMember, std::to_string(scope->config));
-        member(Exchange::PartitionMember, std::to_string(scope->number));
-    }
-    file.Text() += ", \"" + std::string(Exchange::TablesMember) + "\": {";
+    file.Text() += Exchange::Head(scope);
     std::list<TableCursor> cursors;
     std::vector<StatementRun> first;
     for (const StoreTable& table : StoreTables()) {
@@ -113,14 +90,11 @@ std::uint64_t WriteStore(DataBase& dataBase, std::optional<Partition> scope, Exp
     ReadAhead ahead(dataBase);
     ahead.Fetch(first);
     std::uint64_t rows = 0;
-    const char* before = "\n";
     for (TableCursor& cursor : cursors) {
-        file.Text() += before + ('"' + cursor.Table().name) + "\": [";
+        file.Text() += &cursor == &cursors.front() ? "" : Exchange::RowEnd;
         rows += WriteTable(cursor, file, rows);
-        file.Text() += "\n]";
-        before = ",\n";
     }
-    file.Text() += "\n}}\n";
+    file.Text() += Exchange::End;
     return rows;
 }
 

@@ -8,10 +8,11 @@
 namespace KAL_AUTO_Node {
 
 // A command of the program: what the command line says of it, and what it does then. It returns the program's
-// exit status, and throws what goes wrong.
+// exit status, and throws what goes wrong; then it is failed, which nothing else returns.
 struct Subcommand {
     CommandArguments arguments;
     std::function<int(const StoreChoice& store)> run;
+    int failed = 1;
 };
 
 // Work on one store, as a command's run. Reading is done in one state of the store, and keeps nobody from
@@ -31,6 +32,7 @@ using StoreWork = std::function<int(DataBase& dataBase)>;
 [[nodiscard]] Subcommand ImportCommand(CommandLine& program);
 [[nodiscard]] Subcommand InitCommand(CommandLine& program);
 [[nodiscard]] Subcommand ListCommand(CommandLine& program);
+[[nodiscard]] Subcommand MergeCommand(CommandLine& program);
 [[nodiscard]] Subcommand PathsCommand(CommandLine& program);
 [[nodiscard]] Subcommand PruneCommand(CommandLine& program);
 [[nodiscard]] Subcommand RepointCommand(CommandLine& program);

@@ -28,7 +28,7 @@ int main(int argc, char** argv) {
         HistoryCommand(program), DiffCommand(program),    RestoreCommand(program), PruneCommand(program),
         ImportCommand(program),  ExportCommand(program),  DigitsCommand(program),  TraceCommand(program),
         PathsCommand(program),   ExpectCommand(program),  GraphCommand(program),   CheckCommand(program),
-        UsesCommand(program),    RepointCommand(program), UpgradeCommand(program),
+        UsesCommand(program),    RepointCommand(program), UpgradeCommand(program), MergeCommand(program),
     };
     switch (program.Read(argc, argv)) {
     case CommandLine::Outcome::Run:
@@ -39,14 +39,15 @@ int main(int argc, char** argv) {
         return UsageError;
     }
     const StoreChoice store(program.Store());
-    try {
-        for (const Subcommand& command : commands) {
-            if (command.arguments.Given()) {
+    for (const Subcommand& command : commands) {
+        if (command.arguments.Given()) {
+            try {
                 return Ended(command.run(store));
+            } catch (const std::exception& error) {
+                TellError(store.Told(error));
+                return command.failed;
             }
         }
-    } catch (const std::exception& error) {
-        TellError(store.Told(error));
     }
     return Failed;
 }
