@@ -159,7 +159,7 @@ void CompareCallsBesideTheCheck(DataBase& dataBase, History& history) {
         "paths, beside the check",
         [&] {
             const CallMap map = ReadCallMap(dataBase, names, Measured);
-            steps = FindPaths(map, names, {AutoType, 5000}, 1).front().certain.value().size();
+            steps = FindPaths(map, names, NodeKey{AutoType, 5000}, 1).front().certain.value().size();
         },
         check);
     std::printf("%zu steps\n", steps);
@@ -208,13 +208,19 @@ int main() {
     std::printf("%zu rows, %zu findings\n", rows, found);
     const TypeNames names(dataBase);
     Compare(
-        "uses of AUTO 5000", [&] { found = ReadUses(dataBase, Measured, names, AutoType, 5000).size(); },
+        "uses of AUTO 5000",
+        [&] {
+            found = ReadUses(dataBase, Measured, names, NodeKey{AutoType, 5000}).size();
+        },
         [&] {
             rows = raw.Read(Command::Get_Uses, {"1", "3", "5000", "9", "9", "9", "AUTO", "AUTO", "AUTO"});
         });
     std::printf("%zu rows, %zu uses\n", rows, found);
     Compare(
-        "uses of MSG 1", [&] { found = ReadUses(dataBase, Measured, names, MessageType, 1).size(); },
+        "uses of MSG 1",
+        [&] {
+            found = ReadUses(dataBase, Measured, names, NodeKey{MessageType, 1}).size();
+        },
         [&] {
             rows = raw.Read(Command::Get_Uses, {"1", "3", "1", "0", "817", "818", "MSG", "M_ON", "M_OFF"});
         });

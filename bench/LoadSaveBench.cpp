@@ -16,7 +16,7 @@ class Saving {
     explicit Saving(Place place)
         : place_{{BenchConfig, static_cast<std::int16_t>(place.partition)},
                  static_cast<std::int16_t>(place.node)},
-          node_(ReadAutoNode(dataBase_, place_.partition, place_.number).value()), saver_(place_) {
+          node_(ReadAutoNode(dataBase_, place_).value()), saver_(place_) {
         saver_.Load();
         saver_.Date = Today();
     }
@@ -36,15 +36,14 @@ class Saving {
   private:
     void LookUp() {
         for (const auto& [sequence, target] : node_.prompts) {
-            static_cast<void>(IsNodeExisted(dataBase_, place_.partition, target.typeID, target.number));
+            static_cast<void>(IsNodeExisted(dataBase_, place_.partition, target.Key()));
         }
         for (const Action& action : node_.actions) {
-            static_cast<void>(
-                IsNodeExisted(dataBase_, place_.partition, action.target.typeID, action.target.number));
+            static_cast<void>(IsNodeExisted(dataBase_, place_.partition, action.target.Key()));
         }
     }
 
-    void Write() { WriteAutoNode(dataBase_, place_.partition, place_.number, node_, Today()); }
+    void Write() { WriteAutoNode(dataBase_, place_, node_, Today()); }
 
     DataBase dataBase_;
     NodePlace place_;

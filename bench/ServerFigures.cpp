@@ -89,10 +89,10 @@ class RawServer {
     std::string copied_;
 };
 
-Sent Of(Command command, std::initializer_list<Parameter> parameters) {
+Sent Of(Command command, Parameters parameters) {
     Sent sent{Numbered(CommandText(command)).sql, {}};
-    for (const Parameter& parameter : parameters) {
-        sent.values.push_back(parameter.Value().value_or(""));
+    for (const auto& value : ValuesOf(parameters)) {
+        sent.values.push_back(value.value_or(""));
     }
     return sent;
 }
@@ -105,85 +105,62 @@ struct Ways {
 
 Ways WaysOf(const AutoNode& node) {
     const auto& [partition, number] = Place;
-    const auto& [config, part] = partition;
-    const std::vector<Sent> content = {Of(Command::Get_AUTO_Node, {config, part, number, AutoType}),
-                                       Of(Command::Get_AUTO_PromptsNode, {config, part, number}),
-                                       Of(Command::Get_AUTO_ActionsNode, {config, part, number})};
-    std::map<std::pair<int, int>, Sent> labels;
+    const std::vector<Sent> content = {Of(Command::Get_AUTO_Node, {Place, AutoType}),
+                                       Of(Command::Get_AUTO_PromptsNode, {Place}),
+                                       Of(Command::Get_AUTO_ActionsNode, {Place})};
+    std::map<NodeKey, Sent> labels;
     const auto addLabel = [&](const Reference& target) {
-        labels.insert({{target.typeID, target.number},
-                       Of(Command::Get_Description, {config, part, target.typeID, target.number})});
+        const NodeKey node{target.typeID, target.number};
+        labels.insert({node, Of(Command::Get_Description, {partition, node})});
     };
-    std::vector<Sent> writes = {Of(Command::Delete_AUTO_PromptsNode, {config, part, number}),
-                                Of(Command::Delete_AUTO_ActionsNode, {config, part, number})};
+    std::vector<Sent> writes = {Of(Command::Delete_AUTO_PromptsNode, {Place}),
+                                Of(Command::Delete_AUTO_ActionsNode, {Place})};
     const auto& b = node.branches;
     const auto& s = node.settings;
-    writes.push_back(Of(Command::Update_AUTO_Node, {s.numberOfDigits,
-                                                    s.terminatingDigit,
-                                                    s.selectionTimeout,
-                                                    s.digitTimeout,
-                                                    s.retryLimit,
-                                                    b[0].type,
-                                                    b[0].number,
-                                                    b[1].type,
-                                                    b[1].number,
-                                                    b[2].type,
-                                                    b[2].number,
-                                                    node.type,
-                                                    node.label,
-                                                    b[0].typeID,
-                                                    b[1].typeID,
-                                                    b[2].typeID,
-                                                    b[3].typeID,
-                                                    b[4].typeID,
-                                                    b[3].type,
-                                                    b[3].number,
-                                                    b[4].type,
-                                                    b[4].number,
-                                                    config,
-                                                    part,
-                                                    AutoType,
-                                                    number}));
     writes.push_back(
-        Of(Command::Update_Node_General_Pool, {node.label, Date, config, part, AutoType, number}));
+        Of(Command::Update_AUTO_Node,
+           {s.numberOfDigits, s.terminatingDigit, s.selectionTimeout, s.digitTimeout, s.retryLimit,
+            b[0].type,        b[0].number,        b[1].type,          b[1].number,    b[2].type,
+            b[2].number,      node.type,          node.label,         b[0].typeID,    b[1].typeID,
+            b[2].typeID,      b[3].typeID,        b[4].typeID,        b[3].type,      b[3].number,
+            b[4].type,        b[4].number,        partition,          Place.Key()}));
+    writes.push_back(Of(Command::Update_Node_General_Pool, {node.label, Date, partition, Place.Key()}));
     for (const auto& [sequence, target] : node.prompts) {
         addLabel(target);
         writes.push_back(Of(Command::Add_AUTO_PromptsNode,
-                            {config, part, sequence, target.typeID, target.number, number, target.type}));
+                            {partition, sequence, target.typeID, target.number, number, target.type}));
     }
     for (const auto& [sequence, target, low, high] : node.actions) {
         addLabel(target);
-        writes.push_back(Of(Command::Add_AUTO_ActionsNode, {config, part, sequence, target.typeID,
-                                                            target.number, number, low, high, target.type}));
+        writes.push_back(Of(Command::Add_AUTO_ActionsNode, {partition, sequence, target.typeID, target.number,
+                                                            number, low, high, target.type}));
     }
     std::vector<Sent> lookUps;
     for (auto& [key, sent] : labels) {
         lookUps.push_back(std::move(sent));
     }
     const std::string locks = "SELECT pg_advisory_xact_lock_shared(" + std::to_string(StoreApplicationId) +
-                              ", 0), pg_advisory_xact_lock(" + std::to_string(Place.Number()) + ')';
-    const Sent versions = Of(Command::Get_AUTO_Versions, {config, part, number});
+                              ", 0), pg_advisory_xact_lock(" + std::to_string(Place.LockKey()) + ')';
+    const Sent versions = Of(Command::Get_AUTO_Versions, {Place});
     std::vector<Sent> begin = {{"BEGIN", {}}, {locks, {}}};
     begin.insert(begin.end(), content.begin(), content.end());
-    begin.push_back(Of(Command::Get_Description, {config, part, AutoType, number}));
+    begin.push_back(Of(Command::Get_Description, {partition, Place.Key()}));
     begin.push_back(versions);
-    const std::string text = TextOf(partition, number, {node, RegisterEntry{"AUTO", node.label, Date}});
-    const std::vector<Sent> mark = {
-        Of(Command::Delete_AUTO_Version, {config, part, number, 30000}),
-        Of(Command::Add_AUTO_Version, {config, part, number, 30000, "save", "begun", TimeStamp(), "anna",
-                                       "host", "bench", 1, "then", text}),
-        Of(Command::Prune_AUTO_Versions, {config, part, number, -20, TimeStamp(90)}),
-        {"COMMIT", {}}};
-    const std::vector<Sent> finish = {
-        Of(Command::Set_AUTO_Version_State, {"finished", config, part, number, 30000}),
-        Of(Command::Leave_AUTO_Versions, {config, part, number, 30000}),
-        Of(Command::Delete_Finished_Creations, {config, part, number}),
-        {"COMMIT", {}}};
+    const std::string text = TextOf(Place, {node, RegisterEntry{"AUTO", node.label, Date}});
+    const std::vector<Sent> mark = {Of(Command::Delete_AUTO_Version, {Place, 30000}),
+                                    Of(Command::Add_AUTO_Version, {Place, 30000, "save", "begun", TimeStamp(),
+                                                                   "anna", "host", "bench", 1, "then", text}),
+                                    Of(Command::Prune_AUTO_Versions, {Place, -20, TimeStamp(90)}),
+                                    {"COMMIT", {}}};
+    const std::vector<Sent> finish = {Of(Command::Set_AUTO_Version_State, {"finished", Place, 30000}),
+                                      Of(Command::Leave_AUTO_Versions, {Place, 30000}),
+                                      Of(Command::Delete_Finished_Creations, {Place}),
+                                      {"COMMIT", {}}};
     return {{content, lookUps},
             {begin,
              mark,
              lookUps,
-             {Of(Command::Renew_AUTO_Version, {TimeStamp(), config, part, number, 30000})},
+             {Of(Command::Renew_AUTO_Version, {TimeStamp(), Place, 30000})},
              writes,
              {{"BEGIN", {}}, {locks, {}}, versions},
              finish}};
@@ -221,7 +198,7 @@ void Compare(const char* what, int turns, Ours&& ours, Floor&& floor) {
 int Run(const std::string& address, const std::filesystem::path& link, int turns) {
     CreateServerStore(link, address, StoreContent::Demo);
     DataBase dataBase(link);
-    AutoNode node = ReadAutoNode(dataBase, Place.partition, Place.number).value();
+    AutoNode node = ReadAutoNode(dataBase, Place).value();
     node.prompts.clear();
     node.actions.clear();
     for (int row = 1; row <= 1000; ++row) {
@@ -229,7 +206,7 @@ int Run(const std::string& address, const std::filesystem::path& link, int turns
         const std::string range = std::to_string(1000 + row);
         node.actions.push_back({row, {9, "AUTO", row, {}}, range, range});
     }
-    WriteAutoNode(dataBase, Place.partition, Place.number, node, Date);
+    WriteAutoNode(dataBase, Place, node, Date);
     Saver saver(link, Place);
     const AutoNode loaded = saver.Load();
 
@@ -238,7 +215,7 @@ int Run(const std::string& address, const std::filesystem::path& link, int turns
     std::puts("| ours / raw | 1,000 + 1,000 rows | ours | raw |\n| ---: | --- | ---: | ---: |");
     Compare(
         "load, labels included", turns,
-        [&] { static_cast<void>(ReadAutoNode(dataBase, Place.partition, Place.number, Labels::Read)); },
+        [&] { static_cast<void>(ReadAutoNode(dataBase, Place, Labels::Read)); },
         [&] { std::ranges::for_each(ways.load, [&](const auto& way) { raw.Exchange(way); }); });
     Compare(
         "save, with its mark and the look-ups", turns,

@@ -39,7 +39,7 @@ void Race(Row& row, Scene& scene, int savers, Child::World world) {
         }
     }
     DataBase dataBase;
-    const NodeContent stored = ReadContent(dataBase, Place.partition, Place.number);
+    const NodeContent stored = ReadContent(dataBase, Place);
     const auto holds = [&](int saver) {
         return stored == IntendedContent(scene.Before(), saver, scene.Rows());
     };

@@ -52,7 +52,7 @@ void CreateMissing(NodeSave& save) {
                        {[](const RequiredNode&) { return CreationAudience::Answer::CreateAll; },
                         [](const RequiredNode& node, Creation outcome) {
                             if (outcome != Creation::Created) {
-                                throw std::runtime_error("a node of type " + std::to_string(node.typeID) +
+                                throw std::runtime_error("a node of type " + std::to_string(node.key.typeID) +
                                                          " cannot be created");
                             }
                         },
@@ -92,13 +92,13 @@ const char* NameOf(Journal journal) { return journal == Journal::WriteAhead ? "W
 Scene::Scene(Journal journal, int rows) : rows_(rows) {
     {
         DataBase dataBase;
-        const NodeContent demo = ReadContent(dataBase, Place.partition, Place.number);
-        WriteAutoNode(dataBase, Place.partition, Place.number, Intended(*demo.node, 0, rows), "01/02/2003");
+        const NodeContent demo = ReadContent(dataBase, Place);
+        WriteAutoNode(dataBase, Place, Intended(*demo.node, 0, rows), "01/02/2003");
     }
     store_.Execute(Oddities);
     {
         DataBase dataBase;
-        before_ = ReadContent(dataBase, Place.partition, Place.number);
+        before_ = ReadContent(dataBase, Place);
     }
     const char* mode = journal == Journal::WriteAhead ? "WAL" : "DELETE";
     static_cast<void>(store_.Rows(std::string("PRAGMA journal_mode = ") + mode));
@@ -185,7 +185,7 @@ void Scene::JudgeCreations(Row& row, bool puttingBack) {
         }
         SaveAnew(row, true);
         SQLite::Database store(File().string(), SQLite::OPEN_READWRITE, 2000);
-        for (const MissingNode& node : MissingNodes) {
+        for (const NodeKey& node : MissingNodes) {
             if (const auto what = Incomplete(store, node)) {
                 row.Lost(*what);
             }
@@ -199,7 +199,7 @@ void Scene::JudgeCreations(Row& row, bool puttingBack) {
     }
 }
 
-std::optional<std::string> Scene::Incomplete(SQLite::Database& store, const MissingNode& node) {
+std::optional<std::string> Scene::Incomplete(SQLite::Database& store, const NodeKey& node) {
     const std::string number = std::to_string(node.number);
     if (TestStore::Rows(
             store, "SELECT 1 FROM Node_General_Pool WHERE ConfigID = 1 AND PartID = 2 AND NodeTypeID = " +

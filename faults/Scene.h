@@ -14,23 +14,18 @@ namespace KAL_AUTO_Node {
 inline constexpr NodePlace Place{{1, 2}, 1};
 
 // Nodes of every type that templates make, none of which is there.
-struct MissingNode {
-    int typeID;
-    int number;
-};
-
-inline constexpr std::array<MissingNode, 12> MissingNodes = {{{0, 701},
-                                                              {1, 702},
-                                                              {2, 703},
-                                                              {3, 704},
-                                                              {4, 705},
-                                                              {6, 706},
-                                                              {7, 707},
-                                                              {8, 708},
-                                                              {9, 709},
-                                                              {12, 710},
-                                                              {13, 711},
-                                                              {15, 712}}};
+inline constexpr std::array<NodeKey, 12> MissingNodes = {{{0, 701},
+                                                          {1, 702},
+                                                          {2, 703},
+                                                          {3, 704},
+                                                          {4, 705},
+                                                          {6, 706},
+                                                          {7, 707},
+                                                          {8, 708},
+                                                          {9, 709},
+                                                          {12, 710},
+                                                          {13, 711},
+                                                          {15, 712}}};
 
 // Makes those that are not there.
 void CreateMissing(NodeSave& save);
@@ -81,8 +76,7 @@ class Scene {
     void JudgeNode(Row& row);
     void SaveAnew(Row& row, bool creating) const;
     // What the template has and the node has not, or the other way round.
-    [[nodiscard]] static std::optional<std::string> Incomplete(SQLite::Database& store,
-                                                               const MissingNode& node);
+    [[nodiscard]] static std::optional<std::string> Incomplete(SQLite::Database& store, const NodeKey& node);
 
     TestStore store_;
     int rows_;

@@ -72,7 +72,7 @@ void Break(Row& row, const std::filesystem::path& link, bool creating, const std
     try {
         Save(saver, number + 1, creating);
         for (const auto& [typeID, node] : MissingNodes) {
-            if (creating && !IsNodeExisted(saver.Store(), Place.partition, typeID, node)) {
+            if (creating && !IsNodeExisted(saver.Store(), Place.partition, {typeID, node})) {
                 row.Wrong(where + ": a node cannot be made any more");
             }
         }

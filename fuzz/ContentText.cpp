@@ -12,8 +12,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr Partition SomePartition{1, 2};
-constexpr std::int16_t SomeNumber = 3;
+constexpr NodePlace Somewhere{{1, 2}, 3};
 
 std::optional<NodeContent> ContentIn(const std::string& text) try {
     return ContentOf(text);
@@ -46,7 +45,7 @@ void Examine(std::string_view input) {
     if (!content) {
         return;
     }
-    const std::string written = TextOf(SomePartition, SomeNumber, *content);
+    const std::string written = TextOf(Somewhere, *content);
     Require(ContentOf(written) == *content, "a content comes back equal");
     Json document = Json::parse(written);
     document.erase("version"); // the writer's

@@ -24,7 +24,7 @@ class Saver : private SaveAudience {
 
     [[nodiscard]] History& Versions() { return history_; }
 
-    [[nodiscard]] NodeContent Read() { return ReadContent(dataBase_, place_.partition, place_.number); }
+    [[nodiscard]] NodeContent Read() { return ReadContent(dataBase_, place_); }
 
     // Takes note of the node as it is now; returns it.
     const AutoNode& Load() {

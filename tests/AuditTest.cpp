@@ -150,7 +150,7 @@ TEST(Check, FindsASaveThatDidNotFinishAndLeavesItThere) {
     History history(dataBase);
     Batch mark(dataBase);
     static_cast<void>(
-        history.Add(mark, {{1, 2}, 1}, "save", VersionState::Failed, ReadContent(dataBase, {1, 2}, 1)));
+        history.Add(mark, {{1, 2}, 1}, "save", VersionState::Failed, ReadContent(dataBase, {{1, 2}, 1})));
     mark.Run();
     store.Execute("UPDATE Node_AUTO SET NodeDescription = 'half' WHERE NodeNumber = 1");
     if (TestStore::OnServer()) {
@@ -220,8 +220,10 @@ TEST(References, AreRepointedAllOrNone) {
     History history(dataBase);
     const TypeNames names(dataBase);
     const Partition partition{1, 2};
-    const auto uses = [&](int number) { return ReadUses(dataBase, partition, names, 0, number).size(); };
-    const auto repoint = [&](NodeID to, NodeID from = {0, 249}) {
+    const auto uses = [&](int number) {
+        return ReadUses(dataBase, partition, names, NodeKey{0, number}).size();
+    };
+    const auto repoint = [&](NodeKey to, NodeKey from = {0, 249}) {
         const std::array map{Replacement{from, to}};
         return Repoint(dataBase, history, names, partition, map, "today").obstacles;
     };

@@ -272,7 +272,7 @@ std::string Lines(const CallMap& before, const CallMap& after) {
     std::string lines;
     for (const auto& [node, changes] : CompareCalls(before, after)) {
         for (const CallChange& change : changes) {
-            lines += std::to_string(node.second) + ' ' + change.Text() + '\n';
+            lines += std::to_string(node.number) + ' ' + change.Text() + '\n';
         }
     }
     return lines;

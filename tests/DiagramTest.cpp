@@ -82,16 +82,16 @@ TEST(Diagram, SurroundsANodeByStepsOnwardsAndBack) {
     const Reference command = {1, "CMD", 1, {}};
     const Reference time = {2, "TIME", 1, {}};
     flow.nodes[7].actions.push_back(By("9", command));
-    flow.registered = {{KeyOf(command), {"CMD", "Closed"}}, {KeyOf(time), {"TIME", "Open"}}};
-    flow.others[KeyOf(command)] = {{time, "TIME 1", false, {"row 2"}}};
-    flow.others[KeyOf(time)] = {{Auto(201), "AUTO 201", false, {"row 1"}},
-                                {Auto(100), "AUTO 100", false, {"row 2"}}};
+    flow.registered = {{command.Key(), {"CMD", "Closed"}}, {time.Key(), {"TIME", "Open"}}};
+    flow.others[command.Key()] = {{time, "TIME 1", false, {"row 2"}}};
+    flow.others[time.Key()] = {{Auto(201), "AUTO 201", false, {"row 1"}},
+                               {Auto(100), "AUTO 100", false, {"row 2"}}};
     EXPECT_TRUE(Surroundings(flow, 7, 1).contains(100));
     EXPECT_EQ(Surroundings(flow, 100, 1), (std::set{1, 7, 20, 100}));
     // A call comes in there.
     const Reference date = {3, "DATE", 1, {}};
-    flow.registered[KeyOf(date)] = {"DATE", "Holidays"};
-    flow.others[KeyOf(date)] = {{Auto(7), "AUTO 7", false, {"row 4"}}};
+    flow.registered[date.Key()] = {"DATE", "Holidays"};
+    flow.others[date.Key()] = {{Auto(7), "AUTO 7", false, {"row 4"}}};
     const std::string text = DotText(flow, {7, 1}, 7);
     for (const char* shown :
          {"auto7 -> way", "label=<row 2>", "type1_1 -> way", "-> type2_1 ", "row 2 → AUTO 100 Menu",

@@ -190,7 +190,7 @@ TEST_F(StoreFile, TellsAndTakesBackASaveThatDidNotFinish) {
 
     // Two in a row that ended half-way come back one after the other.
     Batch batch(anna_.Store());
-    DeleteDetails(batch, Place.partition, Place.number);
+    DeleteDetails(batch, Place);
     batch.Run();
     const Texts half = Stored();
     begin();
@@ -257,7 +257,7 @@ TEST_F(StoreFile, HoldsANodeHalfMadeThatIsMadeWhole) {
     ASSERT_TRUE(anna_.Versions().IsHalfMade(made));
     anna_.Versions().MakeWhole(made);
     EXPECT_FALSE(anna_.Versions().IsHalfMade(made));
-    EXPECT_EQ(ReadContent(anna_.Store(), {1, 2}, 77).entry->dateModified, "11/25/26");
+    EXPECT_EQ(ReadContent(anna_.Store(), {{1, 2}, 77}).entry->dateModified, "11/25/26");
 }
 
 // A store of an older version is used as it is, and brought up when that is asked for.
@@ -289,11 +289,11 @@ TEST_F(HistoryOfANode, OfAnOlderStoreIsReadAddedToAndBroughtUp) {
     EXPECT_EQ(upgraded.copy.has_value(), !TestStore::OnServer());
     if (upgraded.copy) {
         DataBase copy(*upgraded.copy);
-        EXPECT_EQ(ReadAutoNode(copy, Place.partition, Place.number)->label, "Older");
+        EXPECT_EQ(ReadAutoNode(copy, Place)->label, "Older");
         EXPECT_TRUE(IsOlder(copy));
     }
     ben_.Versions().PutBack(half, 2, "put back");
-    EXPECT_EQ(ReadAutoNode(ben_.Store(), half.partition, half.number)->label, "Main menu");
+    EXPECT_EQ(ReadAutoNode(ben_.Store(), half)->label, "Main menu");
     SaveAs(ben_, "Newer");
     ben_.Versions().PutBack(Place, 1, "restore");
     EXPECT_EQ(ben_.Read().node->label, "Sales");

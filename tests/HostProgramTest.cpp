@@ -368,7 +368,7 @@ TEST(HostProgram, TellsWhatUsesANodeAndLetsAnotherTakeItsPlace) {
     }
     DataBase reader;
     std::optional<Snapshot> snapshot(reader);
-    const auto label = [&] { return ReadAutoNode(reader, {1, 2}, 12)->label; };
+    const auto label = [&] { return ReadAutoNode(reader, {{1, 2}, 12})->label; };
     const auto before = label();
     store.Execute("UPDATE Node_AUTO SET NodeDescription = 'new' WHERE PartID = 2 AND NodeNumber = 12");
     ExpectTold(Program(0, {"import", file}).output, "AUTO node 12");

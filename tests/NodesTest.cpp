@@ -21,7 +21,7 @@ constexpr Partition Demo{1, 2};
 class Nodes : public testing::Test {
   protected:
     [[nodiscard]] AutoNode Read(int number, Labels labels = Labels::Leave) {
-        return ReadAutoNode(dataBase_, Demo, static_cast<std::int16_t>(number), labels).value();
+        return ReadAutoNode(dataBase_, {Demo, static_cast<std::int16_t>(number)}, labels).value();
     }
 
     const TestStore store_;
@@ -47,14 +47,14 @@ TEST_F(Nodes, ComeBackAsTheyWereWritten) {
         node.branches.at(static_cast<std::size_t>(branch)) = {
             branch, "T" + std::to_string(branch), 70 + branch, {}};
     }
-    WriteAutoNode(dataBase_, Demo, 15, node, "today");
+    WriteAutoNode(dataBase_, {Demo, 15}, node, "today");
     EXPECT_EQ(Read(15), node);
     EXPECT_EQ(Differences(Read(15), node), Texts{});
     EXPECT_EQ(store_.Rows("SELECT NodeDescription, DateModified FROM Node_General_Pool"
                           " WHERE PartID = 2 AND NodeTypeID = 9 AND NodeNumber = 15"),
               Texts{*node.label + "|today"});
-    EXPECT_FALSE(AutoNodeExists(dataBase_, Demo, 25) || ReadAutoNode(dataBase_, Demo, 25));
-    EXPECT_FALSE(AutoNodeExists(dataBase_, {2, 2}, 15) || AutoNodeExists(dataBase_, {1, 1}, 15));
+    EXPECT_FALSE(AutoNodeExists(dataBase_, {Demo, 25}) || ReadAutoNode(dataBase_, {Demo, 25}));
+    EXPECT_FALSE(AutoNodeExists(dataBase_, {{2, 2}, 15}) || AutoNodeExists(dataBase_, {{1, 1}, 15}));
 }
 
 TEST_F(Nodes, AreReadAsFarAsTheyCanBe) {
@@ -63,7 +63,7 @@ TEST_F(Nodes, AreReadAsFarAsTheyCanBe) {
         " AND SequenceNo = 3; UPDATE Detail_AUTO_Action SET NodeTypeID = 3000000000"
         " WHERE PartID = 2 AND NodeMasterID = 1 AND SequenceNo = 5");
     AutoNode node;
-    AutoNodeReader reader(dataBase_, Demo, 1, Labels::Read);
+    AutoNodeReader reader(dataBase_, {Demo, 1}, Labels::Read);
     ASSERT_TRUE(reader.ReadRecord(node));
     EXPECT_EQ(Raised([&] { reader.ReadPrompts(node); }), ErrorNumber::Overflow);
     EXPECT_EQ(Raised([&] { reader.ReadActions(node); }), ErrorNumber::Overflow);
@@ -129,19 +129,19 @@ TEST_F(Nodes, TellWhatDiffers) {
 // left.
 TEST(RequiredNodes, AreCollectedByTheBeginningOfTheirNames) {
     RequiredNodes required;
-    const std::vector<std::tuple<const char*, int, int>> references = {
-        {"MSG 990", 0, 990},  {"MSG 99", 0, 99},     {"MSG 98", 0, 98},   {"MSG 980", 0, 980},
-        {"msg 98", 0, 98},    {"EMPTY", 999, 77},    {"SPEAK 7", 816, 7}, {"NONE 7", 814, 7},
-        {"M_ON 97", 817, 97}, {"M_OFF 97", 818, 97}, {"MSG 97", 0, 97},   {"ÄNS 1", 30, 1},
-        {"äns 1", 31, 1}};
-    for (const auto& [display, type, number] : references) {
-        required.Add(display, type, number);
+    const std::vector<std::pair<const char*, NodeKey>> references = {
+        {"MSG 990", {0, 990}},  {"MSG 99", {0, 99}},     {"MSG 98", {0, 98}},   {"MSG 980", {0, 980}},
+        {"msg 98", {0, 98}},    {"EMPTY", {999, 77}},    {"SPEAK 7", {816, 7}}, {"NONE 7", {814, 7}},
+        {"M_ON 97", {817, 97}}, {"M_OFF 97", {818, 97}}, {"MSG 97", {0, 97}},   {"ÄNS 1", {30, 1}},
+        {"äns 1", {31, 1}}};
+    for (const auto& [display, node] : references) {
+        required.Add(display, node);
     }
     Texts names;
-    for (const RequiredNode& node : required.Nodes()) {
-        names.push_back(node.name + '/' + std::to_string(node.typeID) + '/' + std::to_string(node.number));
+    for (const auto& [name, node] : required.Nodes()) {
+        names.push_back(name + '/' + node.Text(std::to_string(node.typeID)));
     }
-    EXPECT_EQ(names, (Texts{"MSG 990/0/990", "MSG 98/0/98", "MSG 980/0/980", "MSG 97/0/97", "ÄNS 1/30/1"}));
+    EXPECT_EQ(names, (Texts{"MSG 990/0 990", "MSG 98/0 98", "MSG 980/0 980", "MSG 97/0 97", "ÄNS 1/30 1"}));
 }
 
 TEST_F(Nodes, AreMadeFromTheirTemplateAndToldPartByPart) {
@@ -157,9 +157,9 @@ TEST_F(Nodes, AreMadeFromTheirTemplateAndToldPartByPart) {
     };
     for (const auto& [type, name] : types) {
         SCOPED_TRACE(name);
-        EXPECT_FALSE(IsNodeExisted(dataBase_, Demo, type, 990));
-        EXPECT_EQ(CreateNodeFromTemplate(dataBase_, Demo, 0, 990, type, "today"), Creation::Created);
-        EXPECT_TRUE(IsNodeExisted(dataBase_, Demo, type, 990));
+        EXPECT_FALSE(IsNodeExisted(dataBase_, Demo, {type, 990}));
+        EXPECT_EQ(CreateNodeFromTemplate(dataBase_, Demo, 0, {type, 990}, "today"), Creation::Created);
+        EXPECT_TRUE(IsNodeExisted(dataBase_, Demo, {type, 990}));
         for (const std::string& table : store_.Tables()) {
             const std::string detail = std::string("Detail_") + name;
             if (strcasecmp(table.c_str(), (std::string("Node_") + name).c_str()) != 0 &&
@@ -174,9 +174,9 @@ TEST_F(Nodes, AreMadeFromTheirTemplateAndToldPartByPart) {
                            " AND NodeDescription = 'Register of ' || NodeType AND DateModified = 'today'"),
               "12");
     // References to messages stand for the message.
-    EXPECT_EQ(CreateNodeFromTemplate(dataBase_, Demo, 0, 62, 818, "today"), Creation::Created);
-    EXPECT_TRUE(IsNodeExisted(dataBase_, Demo, 817, 62));
-    CreateNodeFromTemplate(dataBase_, Demo, 0, 1000, 817, "today");
+    EXPECT_EQ(CreateNodeFromTemplate(dataBase_, Demo, 0, {818, 62}, "today"), Creation::Created);
+    EXPECT_TRUE(IsNodeExisted(dataBase_, Demo, {817, 62}));
+    CreateNodeFromTemplate(dataBase_, Demo, 0, {817, 1000}, "today");
     EXPECT_EQ(
         store_.Rows("SELECT VexoFilename FROM Node_MSG WHERE PartID = 2 AND NodeNumber IN (62, 990, 1000)"
                     " ORDER BY NodeNumber"),
@@ -190,10 +190,12 @@ TEST_F(Nodes, AreMadeFromTheirTemplateAndToldPartByPart) {
                                         {8, Creation::NoTemplate},
                                         {12, Creation::Empty},
                                         {5, Creation::NoRule}}) {
-        EXPECT_EQ(CreateNodeFromTemplate(dataBase_, Demo, 0, 991, type, "today"), outcome) << type;
-        EXPECT_EQ(IsNodeExisted(dataBase_, Demo, type, 991), outcome == Creation::Empty) << type;
+        EXPECT_EQ(CreateNodeFromTemplate(dataBase_, Demo, 0, {type, 991}, "today"), outcome) << type;
+        EXPECT_EQ(IsNodeExisted(dataBase_, Demo, {type, 991}), outcome == Creation::Empty) << type;
     }
-    EXPECT_EQ(Raised([&] { CreateNodeFromTemplate(dataBase_, Demo, 0, 991, 2, "today"); }),
+    EXPECT_EQ(Raised([&] {
+                  CreateNodeFromTemplate(dataBase_, Demo, 0, {2, 991}, "today");
+              }),
               ErrorNumber::DuplicateKey);
 }
 

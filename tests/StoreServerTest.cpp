@@ -143,7 +143,7 @@ TEST_F(StoreServer, TellsWhatItRefuses) {
     ExpectRaised(StoreFailure, {"too late", where}, [&] { add("6"); });
     EXPECT_NO_THROW(add("7"));
     {
-        Transaction all(dataBase, Place.Number());
+        Transaction all(dataBase, Place.LockKey());
         batch.Add(Add_AUTO_PromptsNode, {1, 2, 8, 0, 1, 1, "MSG"});
         EXPECT_NO_THROW(all.Commit(batch));
     }
@@ -229,12 +229,12 @@ TEST_F(StoreServer, KeepsOutOnlySavesOfTheSameNode) {
         }
     };
     for (const auto& [number, same, other, whole] :
-         {std::tuple{std::optional(Place.Number()), false, true, false},
+         {std::tuple{std::optional(Place.LockKey()), false, true, false},
           {std::nullopt, false, false, false}}) {
         const Transaction all(mine, number);
         static_cast<void>(Limit(mine));
-        EXPECT_EQ(begins(Place.Number()), same);
-        EXPECT_EQ(begins(NodePlace{{1, 2}, 9}.Number()), other);
+        EXPECT_EQ(begins(Place.LockKey()), same);
+        EXPECT_EQ(begins(NodePlace{{1, 2}, 9}.LockKey()), other);
         EXPECT_EQ(begins(std::nullopt), whole);
     }
     EXPECT_TRUE(begins(std::nullopt));

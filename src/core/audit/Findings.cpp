@@ -26,7 +26,7 @@ std::optional<Fault> FaultOf(RangeKind kind) {
 std::string Finding::Key(Partition partition) const {
     std::string key = RuleOf(fault).code;
     key += ' ' + std::to_string(partition.config) + ' ' + std::to_string(partition.number) + ' ' +
-           Visible(holder.Text());
+           Visible(Holder());
     key += ' ' + Visible(subject);
     key.erase(key.find_last_not_of(' ') + 1);
     return key;

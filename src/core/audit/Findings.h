@@ -106,10 +106,14 @@ inline constexpr std::array<FaultRule, 19> FaultRules = {{
 
 struct Finding {
     Fault fault;
-    NodeName holder;
-    std::string label;   // the holder's
-    std::string where;   // the row or setting; empty where it is the whole node
-    std::string subject; // what is wrong there, such as the node referred to
+    NodeKey holder;
+    std::string holderType; // the type's name
+    std::string label;      // the holder's
+    std::string where;      // the row or setting; empty where it is the whole node
+    std::string subject;    // what is wrong there, such as the node referred to
+
+    // The holder, as it is shown.
+    [[nodiscard]] std::string Holder() const { return holder.Text(holderType); }
 
     // One line that tells the finding from others and stays as it is while rows move within their list. No
     // blanks end it, which a person's editor would take away.

@@ -10,13 +10,12 @@ Creation CreateMissing(DataBase& dataBase, History& history, Partition partition
     const bool guarded = history.Exists();
     Transaction all(dataBase);
     // Somebody else may have made it meanwhile.
-    if (IsNodeExisted(dataBase, partition, node.typeID, node.number)) {
+    if (IsNodeExisted(dataBase, partition, node.key)) {
         return Creation::Created;
     }
-    const bool begun = guarded && history.HasBegun(partition, node.typeID, node.number);
-    const Creation outcome =
-        CreateNodeFromTemplate(dataBase, partition, TemplateNumber, node.number, node.typeID, date,
-                               begun ? Existing::Keep : Existing::Refuse);
+    const bool begun = guarded && history.HasBegun(partition, node.key);
+    const Creation outcome = CreateNodeFromTemplate(dataBase, partition, TemplateNumber, node.key, date,
+                                                    begun ? Existing::Keep : Existing::Refuse);
     all.Commit();
     return outcome;
 }

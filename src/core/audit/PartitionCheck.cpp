@@ -34,22 +34,20 @@ class PartitionCheck {
         FetchLists(ahead, dataBase_, partition_);
         ReadTypes();
         ReadRegister();
-        template_ = ReadAutoNode(dataBase_, partition_, TemplateNumber);
+        template_ = ReadAutoNode(dataBase_, {partition_, TemplateNumber});
         ReadWholeAutoNodes(
             dataBase_, partition_, [this](int number, const AutoNode& node) { CheckNode(number, node); },
             [this](Slot list, int number, int rows) {
                 const char* kind = list == Slot::Prompts ? " prompts" : " actions";
-                Add(Fault::OrphanRows, AutoType, number, "", std::to_string(rows) + kind);
+                Add(Fault::OrphanRows, {AutoType, number}, "", std::to_string(rows) + kind);
             });
         CheckOtherNodes();
         CheckRegister();
         CheckFlow();
         CheckSaves();
-        std::ranges::stable_sort(result_.findings, [](const Finding& a, const Finding& b) {
-            return std::tie(a.holder.typeID, a.holder.number) < std::tie(b.holder.typeID, b.holder.number);
-        });
+        std::ranges::stable_sort(result_.findings, {}, &Finding::holder);
         for (Finding& finding : result_.findings) {
-            if (const Registered* entry = Find({finding.holder.typeID, finding.holder.number})) {
+            if (const Registered* entry = Find(finding.holder)) {
                 finding.label = entry->label;
             }
         }
@@ -59,7 +57,7 @@ class PartitionCheck {
   private:
     struct HashKey {
         std::size_t operator()(const NodeKey& key) const {
-            return std::hash<std::int64_t>()((static_cast<std::int64_t>(key.first) << 32) ^ key.second);
+            return std::hash<std::int64_t>()((static_cast<std::int64_t>(key.typeID) << 32) ^ key.number);
         }
     };
 
@@ -89,7 +87,7 @@ class PartitionCheck {
     }
 
     void ReadRegister() {
-        ResultSet rows = dataBase_.Query(Command::Get_Register, {partition_.config, partition_.number});
+        ResultSet rows = dataBase_.Query(Command::Get_Register, {partition_});
         const std::size_t type = rows.Column("NodeTypeID");
         const std::size_t number = rows.Column("NodeNumber");
         const std::size_t name = rows.Column("NodeType");
@@ -99,7 +97,7 @@ class PartitionCheck {
             const std::string_view stored = rows.Field(name).value_or("");
             Registered& entry = register_[key] = {std::string(rows.Field(label).value_or(""))};
             reader_.takeRegistered(key, stored, entry.label);
-            CheckTypeName(key.first, key.second, "register", key.first, stored);
+            CheckTypeName(key, "register", key.typeID, stored);
         }
         result_.registeredNodes = register_.size();
     }
@@ -109,70 +107,69 @@ class PartitionCheck {
         return found == register_.end() ? nullptr : &found->second;
     }
 
-    void Add(Fault fault, int holderType, int holder, std::string where, std::string subject) {
+    void Add(Fault fault, const NodeKey& holder, std::string where, std::string subject) {
         result_.findings.push_back(
-            {fault, {holderType, names_.Name(holderType), holder}, {}, std::move(where), std::move(subject)});
+            {fault, holder, names_.Name(holder.typeID), {}, std::move(where), std::move(subject)});
     }
 
-    void CheckTypeName(int holderType, int holder, const std::string& where, int typeID,
-                       std::string_view stored) {
+    void CheckTypeName(const NodeKey& holder, const std::string& where, int typeID, std::string_view stored) {
         const auto type = types_.find(typeID);
         if (type != types_.end() && type->second.name != stored) {
-            Add(Fault::TypeName, holderType, holder, where,
-                '\'' + std::string(stored) + "' for " + type->second.name);
+            Add(Fault::TypeName, holder, where, '\'' + std::string(stored) + "' for " + type->second.name);
         }
     }
 
     // Where is a function that gives the place as text.
     template <class Where>
-    void CheckTarget(int holder, const Reference& target, Slot slot, Where where) {
+    void CheckTarget(const NodeKey& holder, const Reference& target, Slot slot, Where where) {
         const auto found = types_.find(target.typeID);
         const bool known = found != types_.end();
         if (!known || (found->second.offered & BitOf(slot)) == 0) {
-            Add(Fault::TypeNotOffered, AutoType, holder, where(), DisplayText(target, slot));
+            Add(Fault::TypeNotOffered, holder, where(), DisplayText(target, slot));
         } else if (target.typeID != NumberlessTypeOf(slot) && target.number > found->second.maximum) {
-            Add(Fault::BeyondMaximum, AutoType, holder, where(), DisplayText(target, slot));
+            Add(Fault::BeyondMaximum, holder, where(), DisplayText(target, slot));
         }
         if (known && found->second.name != target.type) {
-            CheckTypeName(AutoType, holder, where(), target.typeID, target.type);
+            CheckTypeName(holder, where(), target.typeID, target.type);
         }
-        CheckExists(AutoType, holder, target.typeID, target.number, where);
+        CheckExists(holder, {target.typeID, target.number}, where);
     }
 
     template <class Where>
-    void CheckExists(int holderType, int holder, int typeID, int number, Where where) {
-        const NodeKey key{NodeTypeOf(typeID), number};
-        if (RefersToNode(typeID) && Find(key) == nullptr) {
-            std::string name = NodeName{key.first, names_.Name(key.first), number}.Text();
-            Add(Fault::MissingNode, holderType, holder, where(), name);
+    void CheckExists(const NodeKey& holder, const NodeKey& target, Where where) {
+        const NodeKey key = target.Itself();
+        if (RefersToNode(target.typeID) && Find(key) == nullptr) {
+            std::string name = names_.Text(key);
+            Add(Fault::MissingNode, holder, where(), name);
             if (missing_.insert(key).second) {
-                result_.missing.push_back({std::move(name), key.first, number});
+                result_.missing.push_back({std::move(name), key});
             }
         }
     }
 
-    void NoteRecord(int typeID, int number) {
-        if (Registered* entry = Find({typeID, number})) {
+    void NoteRecord(const NodeKey& node) {
+        if (Registered* entry = Find(node)) {
             entry->hasRecord = true;
         } else {
-            Add(Fault::NotRegistered, typeID, number, "", "");
+            Add(Fault::NotRegistered, node, "", "");
         }
     }
 
     void CheckNode(int number, const AutoNode& node) {
         ++result_.autoNodes;
-        NoteRecord(AutoType, number);
+        const NodeKey key{AutoType, number};
+        NoteRecord(key);
         flow_.Add(number, node);
         reader_.takeAutoNode(number, node);
-        CheckTypeName(AutoType, number, "record", AutoType, node.type);
-        CheckSettings(number, node.settings);
+        CheckTypeName(key, "record", AutoType, node.type);
+        CheckSettings(key, node.settings);
         for (const Prompt& prompt : node.prompts) {
-            CheckTarget(number, prompt.target, Slot::Prompts,
+            CheckTarget(key, prompt.target, Slot::Prompts,
                         [&] { return "prompt " + std::to_string(prompt.sequence); });
         }
-        CheckActions(number, node);
+        CheckActions(key, node);
         for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
-            CheckTarget(number, node.branches.at(branch), BranchRules.at(branch).slot,
+            CheckTarget(key, node.branches.at(branch), BranchRules.at(branch).slot,
                         [&] { return std::string(BranchRules.at(branch).label); });
         }
         // The template is no menu that anybody calls.
@@ -181,16 +178,16 @@ class PartitionCheck {
         }
         if (std::ranges::all_of(
                 node.prompts, [](const Prompt& prompt) { return prompt.target.typeID == NumberlessType; })) {
-            Add(Fault::NoPrompts, AutoType, number, "", "");
+            Add(Fault::NoPrompts, key, "", "");
         }
         if (node == template_) {
-            Add(Fault::AsTemplate, AutoType, number, "", "");
+            Add(Fault::AsTemplate, key, "", "");
         }
     }
 
-    void CheckSettings(int number, const Settings& settings) {
+    void CheckSettings(const NodeKey& key, const Settings& settings) {
         const auto add = [&](const std::string& name, const std::string& stored) {
-            Add(Fault::SettingOutside, AutoType, number, "settings", name + ' ' + stored);
+            Add(Fault::SettingOutside, key, "settings", name + ' ' + stored);
         };
         for (const SettingRule& rule : SettingRules) {
             if (!IsWithin(rule, settings)) {
@@ -203,7 +200,7 @@ class PartitionCheck {
         }
     }
 
-    void CheckActions(int number, const AutoNode& node) {
+    void CheckActions(const NodeKey& key, const AutoNode& node) {
         const int digits = EntryLengthOf(node.settings).most;
         const auto where = [](const Action& action) {
             std::string text = "action ";
@@ -214,13 +211,13 @@ class PartitionCheck {
         };
         ScratchList entries;
         for (const Action& action : node.actions) {
-            CheckTarget(number, action.target, Slot::Actions, [&] { return where(action); });
+            CheckTarget(key, action.target, Slot::Actions, [&] { return where(action); });
             if (const auto fault = FaultOf(KindOf(action, digits))) {
-                Add(*fault, AutoType, number, where(action), EntryText(action));
+                Add(*fault, key, where(action), EntryText(action));
             }
             std::string entry = EntryText(action);
             if (entries.FindStringExact(entry)) {
-                Add(Fault::DuplicateEntry, AutoType, number, where(action), entry);
+                Add(Fault::DuplicateEntry, key, where(action), entry);
             }
             entries.AddItem(std::move(entry));
         }
@@ -235,7 +232,7 @@ class PartitionCheck {
                 }
                 text += ", also in ";
                 text += otherEntry;
-                Add(Fault::SharedDigits, AutoType, number, where(action), std::move(text));
+                Add(Fault::SharedDigits, key, where(action), std::move(text));
             }
         }
     }
@@ -243,22 +240,21 @@ class PartitionCheck {
     void CheckOtherNodes() {
         std::unordered_set<NodeKey, HashKey> nodes;
         {
-            ResultSet rows =
-                dataBase_.Query(Command::Get_Other_Nodes, {partition_.config, partition_.number});
+            ResultSet rows = dataBase_.Query(Command::Get_Other_Nodes, {partition_});
             const std::size_t type = rows.Column("NodeTypeID");
             const std::size_t number = rows.Column("NodeNumber");
             for (; !rows.AtEnd(); rows.MoveNext()) {
                 const NodeKey key{rows.Number(type), rows.Number(number)};
                 nodes.insert(key);
-                NoteRecord(key.first, key.second);
+                NoteRecord(key);
             }
         }
-        std::map<std::tuple<int, int, std::string_view>, std::set<int>> orphans; // holder and table, rows
+        std::map<std::pair<NodeKey, std::string_view>, std::set<int>> orphans; // holder and table, rows
         ReadOtherReferences(dataBase_, partition_, [&](const StoredReference& reference) {
             const ReferenceColumn& column = reference.Column();
-            if (reference.row != 0 && !nodes.contains({reference.holderTypeID, reference.holder})) {
+            if (reference.row != 0 && !nodes.contains(reference.holder)) {
                 // Nobody follows what a node that does not exist refers to.
-                orphans[{reference.holderTypeID, reference.holder, column.table}].insert(reference.row);
+                orphans[{reference.holder, column.table}].insert(reference.row);
                 return;
             }
             const auto typeID = column.hasTypeID ? reference.typeID : names_.ID(reference.type);
@@ -269,26 +265,25 @@ class PartitionCheck {
             if (column.hasTypeID) {
                 const auto type = types_.find(*typeID);
                 if (type != types_.end() && type->second.name != reference.type) {
-                    CheckTypeName(reference.holderTypeID, reference.holder, where(), *typeID, reference.type);
+                    CheckTypeName(reference.holder, where(), *typeID, reference.type);
                 }
             }
-            CheckExists(reference.holderTypeID, reference.holder, *typeID, *reference.number, where);
+            CheckExists(reference.holder, {*typeID, *reference.number}, where);
             reader_.takeReference(reference, *typeID);
             if (*typeID == AutoType) {
                 flow_.AddReferenceTo(*reference.number);
             }
         });
         for (const auto& [place, rows] : orphans) {
-            const auto& [type, number, table] = place;
-            Add(Fault::OrphanRows, type, number, "",
-                std::to_string(rows.size()) + " of " + std::string(table));
+            const auto& [holder, table] = place;
+            Add(Fault::OrphanRows, holder, "", std::to_string(rows.size()) + " of " + std::string(table));
         }
     }
 
     void CheckRegister() {
         for (const auto& [key, entry] : register_) {
-            if (!entry.hasRecord && HasCopyRule(key.first)) {
-                Add(Fault::RegisteredWithoutNode, key.first, key.second, "", "");
+            if (!entry.hasRecord && HasCopyRule(key.typeID)) {
+                Add(Fault::RegisteredWithoutNode, key, "", "");
             }
         }
     }
@@ -296,12 +291,12 @@ class PartitionCheck {
     void CheckFlow() {
         for (const int number : flow_.WithoutWayOut()) {
             if (number != TemplateNumber) {
-                Add(Fault::NoWayOut, AutoType, number, "", "");
+                Add(Fault::NoWayOut, {AutoType, number}, "", "");
             }
         }
         for (const int number : flow_.Unreferenced()) {
             if (number != TemplateNumber) {
-                Add(Fault::Unreferenced, AutoType, number, "", "");
+                Add(Fault::Unreferenced, {AutoType, number}, "", "");
             }
         }
     }
@@ -311,14 +306,13 @@ class PartitionCheck {
             return;
         }
         std::vector<std::int16_t> numbers;
-        for (ResultSet rows =
-                 dataBase_.Query(Command::Get_Unfinished_AUTO_Nodes, {partition_.config, partition_.number});
+        for (ResultSet rows = dataBase_.Query(Command::Get_Unfinished_AUTO_Nodes, {partition_});
              !rows.AtEnd(); rows.MoveNext()) {
             numbers.push_back(rows.Number16("NodeNumber"));
         }
         for (const std::int16_t number : numbers) {
             if (const auto save = history_.Unfinished({partition_, number})) {
-                Add(Fault::UnfinishedSave, AutoType, number, "",
+                Add(Fault::UnfinishedSave, {AutoType, number}, "",
                     "begun " + LocalTime(save->begunAt) + " by " + AuthorText(*save));
             }
         }

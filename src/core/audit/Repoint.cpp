@@ -36,8 +36,6 @@ NodePlace PlaceOf(Partition partition, int number) {
     return {partition, static_cast<std::int16_t>(number)};
 }
 
-NodeKey KeyOf(const NodeID& node) { return {NodeTypeOf(node.typeID), node.number}; }
-
 class Planning {
   public:
     Planning(DataBase& dataBase, History& history, const TypeNames& names, Partition partition,
@@ -55,14 +53,14 @@ class Planning {
         }
         std::set<int> autoHolders;
         for (StoredReference& use : Uses()) {
-            if (terms_.without == NodeKey{use.holderTypeID, use.holder}) {
+            if (terms_.without == use.holder) {
                 continue;
             }
-            const NodeID& to = ReplacementOf(use).to;
+            const NodeKey& to = ReplacementOf(use).to;
             const int stored = StoredType(use);
             CheckPlace(use, stored, to);
-            if (use.holderTypeID == AutoType) {
-                autoHolders.insert(use.holder);
+            if (use.holder.typeID == AutoType) {
+                autoHolders.insert(use.holder.number);
             }
             const int typeID = RefersToMessage(stored) ? stored : to.typeID;
             plan_.changes.push_back({std::move(use), typeID, names_.Name(typeID), to.number});
@@ -74,37 +72,35 @@ class Planning {
     }
 
   private:
-    [[nodiscard]] std::string NameOf(const NodeID& node) const {
-        return NodeName{node.typeID, names_.Name(node.typeID), node.number}.Text();
-    }
+    [[nodiscard]] std::string NameOf(const NodeKey& node) const { return names_.Text(node); }
 
     void CheckReplacements(ReadAhead& ahead) {
         ahead.Fetch([&] {
             for (const auto& [from, to] : replacements_) {
-                static_cast<void>(IsNodeExisted(dataBase_, partition_, to.typeID, to.number));
+                static_cast<void>(IsNodeExisted(dataBase_, partition_, to));
             }
         });
         for (const Replacement& replacement : replacements_) {
             const auto& [from, to] = replacement;
-            if (NodeTypeOf(from.typeID) == to.typeID && from.number == to.number) {
+            if (from.Itself() == to) {
                 plan_.obstacles.push_back(NameOf(to) + " would take its own place");
             }
             if (!terms_.newAreMade) {
                 CheckNew(to);
             }
             if (RefersToNode(from.typeID)) {
-                byNode_.emplace(KeyOf(from), &replacement);
+                byNode_.emplace(from.Itself(), &replacement);
             } else {
                 plan_.obstacles.push_back(NameOf(from) + " is no node");
             }
         }
     }
 
-    void CheckNew(const NodeID& node) {
+    void CheckNew(const NodeKey& node) {
         const int* maximum = lists_.MaxNodeNumberCollection.Find(node.typeID);
         if (!RefersToNode(node.typeID) || RefersToMessage(node.typeID)) {
             plan_.obstacles.push_back(NameOf(node) + " is no node that can take the place of another");
-        } else if (!IsNodeExisted(dataBase_, partition_, node.typeID, node.number)) {
+        } else if (!IsNodeExisted(dataBase_, partition_, node)) {
             plan_.obstacles.push_back(NameOf(node) + " does not exist");
         } else if (maximum != nullptr && node.number > *maximum) {
             plan_.obstacles.push_back(NameOf(node) +
@@ -115,8 +111,7 @@ class Planning {
 
     [[nodiscard]] std::vector<StoredReference> Uses() {
         if (byNode_.size() == 1) {
-            const auto& [typeID, number] = byNode_.begin()->first;
-            return ReadUses(dataBase_, partition_, names_, typeID, number);
+            return ReadUses(dataBase_, partition_, names_, byNode_.begin()->first);
         }
         std::set<NodeKey> nodes;
         for (const auto& [node, replacement] : byNode_) {
@@ -132,20 +127,18 @@ class Planning {
 
     [[nodiscard]] const Replacement& ReplacementOf(const StoredReference& use) const {
         return byNode_.size() == 1 ? *byNode_.begin()->second
-                                   : *byNode_.at({NodeTypeOf(StoredType(use)), *use.number});
+                                   : *byNode_.at(NodeKey{StoredType(use), *use.number}.Itself());
     }
 
-    void CheckPlace(const StoredReference& use, int stored, const NodeID& to) {
-        const std::string place =
-            NodeName{use.holderTypeID, names_.Name(use.holderTypeID), use.holder}.Text() + ", " +
-            PlaceText(use.Column(), use.row);
+    void CheckPlace(const StoredReference& use, int stored, const NodeKey& to) {
+        const std::string place = names_.Text(use.holder) + ", " + PlaceText(use.Column(), use.row);
         if (RefersToMessage(stored)) {
             if (to.typeID != MessageType) {
                 plan_.obstacles.push_back(place + " is " + names_.Name(stored) + ", which takes a message");
             }
-        } else if (use.holderTypeID == AutoType
+        } else if (use.holder.typeID == AutoType
                        ? !Offers(SlotOf(use.Column()), to.typeID)
-                       : to.typeID != stored && OffersNowhere(use.holderTypeID, to.typeID)) {
+                       : to.typeID != stored && OffersNowhere(use.holder.typeID, to.typeID)) {
             plan_.obstacles.push_back(place + " does not offer " + names_.Name(to.typeID));
         }
     }
@@ -201,15 +194,11 @@ void Write(DataBase& dataBase, Partition partition, const RepointPlan& plan) {
         if (!statement) {
             statement = dataBase.Prepare(RepointStatement(column));
         }
-        auto& all = parameters.emplace_back();
+        auto& all = parameters.emplace_back(
+            ValuesOf({type, number, partition, use.number,
+                      column.hasTypeID ? Parameter(use.typeID) : Parameter(use.type), use.holder.number}));
         if (column.hasTypeID) {
-            all.push_back(std::to_string(typeID));
-        }
-        for (const Parameter& parameter :
-             {Parameter(type), Parameter(number), Parameter(partition.config), Parameter(partition.number),
-              Parameter(use.number), column.hasTypeID ? Parameter(use.typeID) : Parameter(use.type),
-              Parameter(use.holder)}) {
-            all.push_back(parameter.Value());
+            all.insert(all.begin(), std::to_string(typeID));
         }
         if (column.HasRows()) {
             all.push_back(std::to_string(use.row));
@@ -256,13 +245,13 @@ std::vector<Replacement> ReplacementsOf(std::istream& text, const TypeNames& nam
         } catch (const RuntimeError& error) {
             fail(error.what());
         }
-        const auto [entry, added] = known.try_emplace({NodeTypeOf(from.first), from.second}, to, number);
+        const auto [entry, added] = known.try_emplace(from.Itself(), to, number);
         if (!added && entry->second.first != to) {
-            fail(names.Name(from.first) + ' ' + std::to_string(from.second) + " has a target in line " +
-                 std::to_string(entry->second.second) + " already");
+            fail(names.Text(from) + " has a target in line " + std::to_string(entry->second.second) +
+                 " already");
         }
         if (added) {
-            replacements.push_back({{from.first, from.second}, {to.first, to.second}});
+            replacements.push_back({from, to});
         }
     }
     return replacements;
@@ -271,7 +260,7 @@ std::vector<Replacement> ReplacementsOf(std::istream& text, const TypeNames& nam
 std::set<NodeKey> RepointPlan::Holders() const {
     std::set<NodeKey> holders;
     for (const Change& change : changes) {
-        holders.emplace(change.from.holderTypeID, change.from.holder);
+        holders.insert(change.from.holder);
     }
     return holders;
 }
@@ -283,9 +272,8 @@ std::vector<std::string> UnfinishedSaves(DataBase& dataBase, History& history, c
     if (numbers.empty() || !history.Exists()) {
         return told;
     }
-    for (ResultSet rows =
-             dataBase.Query(Command::Get_Unfinished_AUTO_Nodes, {partition.config, partition.number});
-         !rows.AtEnd(); rows.MoveNext()) {
+    for (ResultSet rows = dataBase.Query(Command::Get_Unfinished_AUTO_Nodes, {partition}); !rows.AtEnd();
+         rows.MoveNext()) {
         if (const int number = rows.Number("NodeNumber"); numbers.contains(number)) {
             unfinished.push_back(number);
         }
@@ -293,7 +281,7 @@ std::vector<std::string> UnfinishedSaves(DataBase& dataBase, History& history, c
     for (const int number : unfinished) {
         const NodePlace place = PlaceOf(partition, number);
         const auto versions = history.Versions(place);
-        const std::string name = NodeName{AutoType, names.Name(AutoType), number}.Text();
+        const std::string name = names.Text({AutoType, number});
         if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
             told.push_back(name + " is being saved by " + AuthorText(*made) + " since " +
                            LocalTime(made->begunAt));
@@ -313,15 +301,15 @@ RepointPlan PlanRepoint(DataBase& dataBase, History& history, const TypeNames& n
 void CarryOut(DataBase& dataBase, History& history, Partition partition, const RepointPlan& plan,
               const char* work, const std::string& date, std::set<NodePlace> besides) {
     const auto holders = plan.Holders();
-    for (const auto& [typeID, number] : holders) {
-        if (typeID == AutoType) {
-            besides.insert(PlaceOf(partition, number));
+    for (const NodeKey& holder : holders) {
+        if (holder.typeID == AutoType) {
+            besides.insert(PlaceOf(partition, holder.number));
         }
     }
     history.Keep(std::vector<NodePlace>(besides.begin(), besides.end()), work);
     Batch dates(dataBase);
-    for (const auto& [typeID, number] : holders) {
-        dates.Add(Command::Date_General_Pool, {date, partition.config, partition.number, typeID, number});
+    for (const NodeKey& holder : holders) {
+        dates.Add(Command::Date_General_Pool, {date, partition, holder});
     }
     dates.Run();
     Write(dataBase, partition, plan);

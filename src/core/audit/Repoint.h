@@ -13,15 +13,10 @@ namespace KAL_AUTO_Node {
 
 class History;
 
-struct NodeID {
-    int typeID = 0;
-    int number = 0;
-};
-
 // A node, and the one that takes its place.
 struct Replacement {
-    NodeID from;
-    NodeID to;
+    NodeKey from;
+    NodeKey to;
 };
 
 // Those that a text tells, "MSG 6 -> MSG 16" a line; blank lines and those that begin with # are for people.

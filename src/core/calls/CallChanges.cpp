@@ -126,7 +126,7 @@ void CompareWays(const std::map<NodeKey, std::vector<OtherWay>>& before,
         }
     }
     for (const auto& [node, texts] : places) {
-        if (node.second == TemplateNumber) {
+        if (node.number == TemplateNumber) {
             continue;
         }
         NodeCallChanges changed{node, {}};

@@ -27,9 +27,7 @@ const Menu& CallMap::RequireMenu(int number) const {
     const auto found = menus.find(number);
     if (found == menus.end()) {
         throw RuntimeError(ErrorNumber::InvalidProcedureCall,
-                           "AUTO node " + std::to_string(number) + " of configuration " +
-                               std::to_string(partition.config) + ", partition " +
-                               std::to_string(partition.number) + " does not exist");
+                           NodeTextIn(partition, number) + " does not exist");
     }
     return found->second;
 }
@@ -60,12 +58,12 @@ CallMap ReadCallMap(DataBase& dataBase, const TypeNames& names, Partition partit
     CallMap map;
     map.partition = partition;
     {
-        ResultSet rows = dataBase.Query(Command::Get_Register, {partition.config, partition.number});
+        ResultSet rows = dataBase.Query(Command::Get_Register, {partition});
         const std::size_t type = rows.Column("NodeTypeID");
         const std::size_t number = rows.Column("NodeNumber");
         const std::size_t label = rows.Column("NodeDescription");
         for (; !rows.AtEnd(); rows.MoveNext()) {
-            map.labels.emplace_hint(map.labels.end(), NodeKey(rows.Number(type), rows.Number(number)),
+            map.labels.emplace_hint(map.labels.end(), NodeKey{rows.Number(type), rows.Number(number)},
                                     rows.Field(label).value_or(""));
         }
     }
@@ -87,7 +85,7 @@ CallMap ReadCallMap(DataBase& dataBase, const TypeNames& names, Partition partit
         if (*typeID == AutoType) {
             flow.AddReferenceTo(*reference.number);
         }
-        const NodeKey holder{reference.holderTypeID, reference.holder};
+        const NodeKey& holder = reference.holder;
         if (!map.labels.contains(holder)) {
             return;
         }

@@ -99,7 +99,7 @@ class Graph {
 
   private:
     [[nodiscard]] static std::int64_t Packed(const NodeKey& node) {
-        return std::int64_t{node.first} << 32 | static_cast<std::uint32_t>(node.second);
+        return std::int64_t{node.typeID} << 32 | static_cast<std::uint32_t>(node.number);
     }
 
     std::uint32_t Find(const NodeKey& node) {
@@ -118,8 +118,7 @@ class Graph {
         if (edge.length == 0) {
             return StepName(static_cast<std::size_t>(edge.value));
         }
-        const NodeKey& to = nodes_[edge.to];
-        return '@' + names_.Name(to.first) + ' ' + std::to_string(to.second);
+        return '@' + names_.Text(nodes_[edge.to]);
     }
 
     void AddMenu(const Menu& menu) {

@@ -21,7 +21,7 @@ struct Target {
     [[nodiscard]] std::string Text() const { return hasNumber ? type + ' ' + std::to_string(number) : type; }
 
     // The node that it is or, of a reference to a message under another type, refers to.
-    [[nodiscard]] NodeKey Key() const { return {NodeTypeOf(typeID), number}; }
+    [[nodiscard]] NodeKey Key() const { return NodeKey{typeID, number}.Itself(); }
 };
 
 [[nodiscard]] inline Target TargetOf(const Reference& reference, Slot from) {

@@ -57,14 +57,14 @@ bool IsWay(const ReferenceColumn& column, int typeID) {
 // The ways of nodes of other types, in their order.
 std::map<NodeKey, std::vector<Link>> OtherLinks(std::vector<StoredReference> ways) {
     const auto order = [](const StoredReference& way) {
-        return std::tuple(way.holderTypeID, way.holder, IsException(way.Column()), way.row, way.column);
+        return std::tuple(way.holder, IsException(way.Column()), way.row, way.column);
     };
     std::ranges::sort(ways, {}, order);
     std::map<NodeKey, std::vector<Link>> others;
     Links links;
     for (auto way = ways.begin(); way != ways.end();) {
-        const NodeKey holder{way->holderTypeID, way->holder};
-        for (; way != ways.end() && NodeKey{way->holderTypeID, way->holder} == holder; ++way) {
+        const NodeKey& holder = way->holder;
+        for (; way != ways.end() && way->holder == holder; ++way) {
             links.Add({*way->typeID, way->type, *way->number, {}},
                       way->type + ' ' + std::to_string(*way->number), IsException(way->Column()),
                       PlaceText(way->Column(), way->row));
@@ -91,7 +91,7 @@ void LeaveLeadingOn(CallFlow& flow) {
             if (link.target.typeID == AutoType) {
                 keep(node);
             } else {
-                back[KeyOf(link.target)].push_back(node);
+                back[link.target.Key()].push_back(node);
             }
         }
     }
@@ -113,8 +113,8 @@ void Reach(int from, int depth, const std::map<NodeKey, std::vector<NodeKey>>& n
         while (!edge.empty()) {
             const NodeKey node = edge.back();
             edge.pop_back();
-            if (node.first == AutoType) {
-                reached.insert(node.second);
+            if (node.typeID == AutoType) {
+                reached.insert(node.number);
             }
             const auto found = neighbours.find(node);
             if (depth <= 0 || found == neighbours.end()) {
@@ -122,7 +122,7 @@ void Reach(int from, int depth, const std::map<NodeKey, std::vector<NodeKey>>& n
             }
             for (const NodeKey& neighbour : found->second) {
                 if (seen.insert(neighbour).second) {
-                    (neighbour.first == AutoType ? next : edge).push_back(neighbour);
+                    (neighbour.typeID == AutoType ? next : edge).push_back(neighbour);
                 }
             }
         }
@@ -150,24 +150,23 @@ void AddRemarks(CallFlow& flow, const std::vector<Finding>& findings) {
 
 bool CallFlow::IsMissing(const Reference& reference) const {
     return RefersToNode(reference.typeID) && !LeadsOn(reference) &&
-           (reference.typeID == AutoType || !registered.contains(KeyOf(reference)));
+           (reference.typeID == AutoType || !registered.contains(reference.Key()));
 }
 
 bool CallFlow::LeadsOn(const Reference& reference) const {
-    return reference.typeID == AutoType ? nodes.contains(reference.number)
-                                        : others.contains(KeyOf(reference));
+    return reference.typeID == AutoType ? nodes.contains(reference.number) : others.contains(reference.Key());
 }
 
 std::string CallFlow::LabelOf(const Reference& reference) const {
     if (reference.typeID == AutoType && LeadsOn(reference)) {
         return nodes.at(reference.number).label.value_or("");
     }
-    const auto found = registered.find(KeyOf(reference));
+    const auto found = registered.find(reference.Key());
     return found == registered.end() ? std::string() : found->second.label;
 }
 
 std::vector<Link> CallFlow::LinksFrom(const NodeKey& node) const {
-    return node.first == AutoType ? LinksOf(nodes.at(node.second)) : others.at(node);
+    return node.typeID == AutoType ? LinksOf(nodes.at(node.number)) : others.at(node);
 }
 
 CallFlow ReadCallFlow(DataBase& dataBase, History& history, Partition partition) {
@@ -196,8 +195,8 @@ std::set<int> Surroundings(const CallFlow& flow, int number, int depth) {
     const auto add = [&](const NodeKey& from) {
         for (const Link& link : flow.LinksFrom(from)) {
             if (flow.LeadsOn(link.target)) {
-                onwards[from].push_back(KeyOf(link.target));
-                backwards[KeyOf(link.target)].push_back(from);
+                onwards[from].push_back(link.target.Key());
+                backwards[link.target.Key()].push_back(from);
             }
         }
     };

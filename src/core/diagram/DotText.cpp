@@ -97,7 +97,7 @@ class Writer {
     }
 
     [[nodiscard]] std::string SectionTitle(const Section& section) const {
-        const auto count = std::ranges::count(section.nodes, AutoType, &NodeKey::first);
+        const auto count = std::ranges::count(section.nodes, AutoType, &NodeKey::typeID);
         return count < 2 ? std::string()
                          : Title(section.first) + ": " + std::to_string(count) + " AUTO nodes";
     }
@@ -132,7 +132,7 @@ class Writer {
         std::map<std::string, std::size_t> counts; // of others that are not shown, by type
         for (Link& link : flow_.LinksFrom(node)) {
             if (flow_.LeadsOn(link.target)) {
-                const NodeKey target = KeyOf(link.target);
+                const NodeKey target = link.target.Key();
                 if (outline_.IsLine(node, target)) {
                     lines.push_back(std::move(link));
                 } else {
@@ -148,17 +148,17 @@ class Writer {
         }
         ways.insert(0, RowMarkup(CountsMarkup(counts)));
         out_ << Id(node) << " [id=\"" << Id(node) << "\", ";
-        if (node.first == AutoType) {
-            WriteAutoNode(node.second, ways);
+        if (node.typeID == AutoType) {
+            WriteAutoNode(node.number, ways);
         } else {
-            const TypeShape& shape = ShapeOf(node.first);
+            const TypeShape& shape = ShapeOf(node.typeID);
             out_ << "shape=" << shape.shape << ", style=filled, fillcolor=\"" << shape.fill
                  << R"(", label=<<TABLE BORDER="0" CELLSPACING="0" CELLPADDING="1">)"
                  << RowMarkup("<B>" + Title(node) + "</B>") << ways << "</TABLE>>];\n";
         }
         // What is written first comes to lie lowest.
         std::for_each(lines.rbegin(), lines.rend(), [&](const Link& link) {
-            WriteLine(node, Id(KeyOf(link.target)), EntriesMarkup(link.entries), link.exception);
+            WriteLine(node, Id(link.target.Key()), EntriesMarkup(link.entries), link.exception);
         });
         const auto stacks = Stacks(std::move(others));
         std::for_each(stacks.rbegin(), stacks.rend(),

@@ -36,7 +36,7 @@ std::vector<NodeKey> Outline::FindPlaces(const CallFlow& flow, const std::set<in
     FindOnwards(flow, shown, std::move(found));
     const auto leadsHere = [&](const auto& other) {
         return !places_.contains(other.first) && std::ranges::any_of(other.second, [&](const Link& link) {
-            return places_.contains(KeyOf(link.target));
+            return places_.contains(link.target.Key());
         });
     };
     std::vector<NodeKey> entries;
@@ -56,8 +56,8 @@ void Outline::FindOnwards(const CallFlow& flow, const std::set<int>& shown, std:
     for (std::size_t next = 0; next < found.size(); ++next) {
         const NodeKey from = found[next];
         for (const Link& link : flow.LinksFrom(from)) {
-            const NodeKey to = KeyOf(link.target);
-            if (!flow.LeadsOn(link.target) || (to.first == AutoType && !shown.contains(to.second))) {
+            const NodeKey to = link.target.Key();
+            if (!flow.LeadsOn(link.target) || (to.typeID == AutoType && !shown.contains(to.number))) {
                 continue;
             }
             const auto [place, isNew] = places_.try_emplace(to);

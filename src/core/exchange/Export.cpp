@@ -114,8 +114,7 @@ std::uint64_t Export(DataBase& dataBase, std::optional<Partition> scope, const s
     const std::uint64_t rows = WriteStore(dataBase, scope, written);
     if (scope && rows == 0) {
         throw RuntimeError(ErrorNumber::InvalidProcedureCall,
-                           "Nothing is exported: configuration " + std::to_string(scope->config) +
-                               ", partition " + std::to_string(scope->number) + " has no rows");
+                           "Nothing is exported: " + scope->Text() + " has no rows");
     }
     written.Finish();
     return rows;

@@ -28,11 +28,6 @@ auto FindOwn(std::vector<Version>& versions, std::int64_t number, const ProcessI
 
 } // namespace
 
-std::string History::Named(const NodePlace& place) {
-    return "AUTO node " + std::to_string(place.number) + " of configuration " +
-           std::to_string(place.partition.config) + ", partition " + std::to_string(place.partition.number);
-}
-
 bool History::Exists() { return dataBase_.HasTable(VersionTable) && dataBase_.HasTable(CreationTable); }
 
 bool History::TellsMachines() {
@@ -85,7 +80,7 @@ std::vector<Version> History::Stored(Command command, const NodePlace& place) {
     }
     const auto query = [&]() -> std::optional<ResultSet> {
         try {
-            return dataBase_.Query(command, {place.partition.config, place.partition.number, place.number});
+            return dataBase_.Query(command, {place});
         } catch (const RuntimeError&) {
             if (!Exists()) {
                 return std::nullopt; // any more
@@ -110,9 +105,7 @@ std::vector<Version> History::Stored(Command command, const NodePlace& place) {
     rows.reset();
     for (Version& version : versions) {
         if (version.state == VersionState::Begun && !dataBase_.IsRemote() && TellsMachines()) {
-            const ResultSet row = dataBase_.Query(
-                Command::Get_AUTO_Version_Machine,
-                {place.partition.config, place.partition.number, place.number, version.number});
+            const ResultSet row = dataBase_.Query(Command::Get_AUTO_Version_Machine, {place, version.number});
             version.author.machine = row.AtEnd() ? std::string() : std::string(row.Text("Machine"));
         }
     }
@@ -155,13 +148,11 @@ std::vector<Version> History::Open(const NodePlace& place) {
 }
 
 NodeContent History::Before(const NodePlace& place, std::int64_t version) {
-    const std::string missing = Named(place) + " has no version " + std::to_string(version);
+    const std::string missing = place.Text() + " has no version " + std::to_string(version);
     if (!Exists()) {
         throw RuntimeError(ErrorNumber::InvalidProcedureCall, missing);
     }
-    const ResultSet row =
-        dataBase_.Query(Command::Get_AUTO_Version_Content,
-                        {place.partition.config, place.partition.number, place.number, version});
+    const ResultSet row = dataBase_.Query(Command::Get_AUTO_Version_Content, {place, version});
     if (row.AtEnd()) {
         throw RuntimeError(ErrorNumber::InvalidProcedureCall, missing);
     }
@@ -169,13 +160,13 @@ NodeContent History::Before(const NodePlace& place, std::int64_t version) {
         return ContentOf(std::string(row.Text("Content")));
     } catch (const RuntimeError& error) {
         throw RuntimeError(error.Number(),
-                           Named(place) + ", version " + std::to_string(version) + ": " + error.what());
+                           place.Text() + ", version " + std::to_string(version) + ": " + error.what());
     }
 }
 
 bool History::IsAsBefore(const NodePlace& place, std::int64_t version) {
     try {
-        return ReadContent(dataBase_, place.partition, place.number) == Before(place, version);
+        return ReadContent(dataBase_, place) == Before(place, version);
     } catch (const RuntimeError& error) {
         // Nobody can tell, and a change that never got to its end must not go unseen.
         if (error.Number() == ErrorNumber::StoreNotRecognized) {
@@ -198,8 +189,7 @@ std::optional<Version> History::Unfinished(const NodePlace& place) {
 void History::DropUntouched(const NodePlace& place) {
     for (const Version& version : Open(place)) {
         if (IsSurelyOver(version) && IsAsBefore(place, version.number)) {
-            dataBase_.Execute(Command::Delete_AUTO_Version,
-                              {place.partition.config, place.partition.number, place.number, version.number});
+            dataBase_.Execute(Command::Delete_AUTO_Version, {place, version.number});
             Forget(place, version.number);
         }
     }
@@ -213,15 +203,14 @@ void History::End(const NodePlace& place, std::int64_t version, const char* stat
 void History::MarkEnded() {
     while (!ended_.empty()) {
         const auto& [place, version, state] = ended_.front();
-        const auto& [partition, node] = place;
-        Transaction all(dataBase_, place.Number());
+        Transaction all(dataBase_, place.LockKey());
         Batch batch(dataBase_);
         if (auto versions = Stored(Command::Get_Unfinished_AUTO_Versions, place);
             FindOwn(versions, version, Self()) != versions.end()) {
             SetState(batch, place, version, state);
             if (state == std::string_view(VersionState::Finished)) {
-                batch.Add(Command::Leave_AUTO_Versions, {partition.config, partition.number, node, version});
-                batch.Add(Command::Delete_Finished_Creations, {partition.config, partition.number, node});
+                batch.Add(Command::Leave_AUTO_Versions, {place, version});
+                batch.Add(Command::Delete_Finished_Creations, {place});
             }
         }
         all.Commit(batch);
@@ -253,14 +242,11 @@ std::int64_t History::Add(Batch& batch, const NodePlace& place, std::int64_t new
     const std::int64_t number = newest + 1;
     Forget(place, number); // it was that of a change that never was
     const ProcessIdentity author = Self();
-    const auto& [partition, node] = place;
-    const std::string text = TextOf(partition, node, before);
-    batch.Add(Command::Add_AUTO_Version,
-              {partition.config, partition.number, node, number, work, state, TimeStamp(), author.user,
-               author.host, author.program, author.process, author.start, text});
+    const std::string text = TextOf(place, before);
+    batch.Add(Command::Add_AUTO_Version, {place, number, work, state, TimeStamp(), author.user, author.host,
+                                          author.program, author.process, author.start, text});
     if (state == std::string_view(VersionState::Begun) && TellsMachines()) {
-        batch.Add(Command::Set_AUTO_Version_Machine,
-                  {author.machine, partition.config, partition.number, node, number});
+        batch.Add(Command::Set_AUTO_Version_Machine, {author.machine, place, number});
     }
     if (number > KeptVersions) {
         // One comes, a few go: those that an older program has kept are gone after some saves.
@@ -273,26 +259,21 @@ void History::Prune(Batch& batch, const NodePlace& place, std::int64_t newest, s
     const std::int64_t most =
         std::clamp<std::int64_t>(MostBytes / std::max<std::int64_t>(size, 1), KeptVersions, MostVersions);
     batch.Add(Command::Prune_AUTO_Versions,
-              {place.partition.config, place.partition.number, place.number, newest - KeptVersions, count,
-               TimeStamp(KeptDays), newest - most});
+              {place, newest - KeptVersions, count, TimeStamp(KeptDays), newest - most});
 }
 
-bool History::HasBegun(Partition partition, int typeID, int number) {
-    return !dataBase_
-                .Query(Command::Get_Creation,
-                       {partition.config, partition.number, NodeTypeOf(typeID), number})
-                .AtEnd();
+bool History::HasBegun(Partition partition, const NodeKey& node) {
+    return !dataBase_.Query(Command::Get_Creation, {partition, node.Itself()}).AtEnd();
 }
 
 void History::SetState(Batch& batch, const NodePlace& place, std::int64_t version, const char* state) {
-    batch.Add(Command::Set_AUTO_Version_State,
-              {state, place.partition.config, place.partition.number, place.number, version});
+    batch.Add(Command::Set_AUTO_Version_State, {state, place, version});
 }
 
 void History::RequireIdle(const NodePlace& place) {
     const auto versions = Open(place);
     if (const auto made = std::ranges::find_if(versions, IsBeingMade); made != versions.end()) {
-        throw RuntimeError(ErrorNumber::Busy, Named(place) + " is being saved by " +
+        throw RuntimeError(ErrorNumber::Busy, place.Text() + " is being saved by " +
                                                   Visible(AuthorText(*made)) + " since " +
                                                   LocalTime(made->begunAt));
     }
@@ -311,17 +292,16 @@ void History::Keep(std::span<const NodePlace> places, const char* work, const Ta
         ahead.Fetch([&] {
             for (const NodePlace& place : together) {
                 static_cast<void>(Newest(place));
-                static_cast<void>(ReadContent(dataBase_, place.partition, place.number));
+                static_cast<void>(ReadContent(dataBase_, place));
             }
         });
         Batch batch(dataBase_);
         for (const NodePlace& place : together) {
             RequireIdle(place);
-            NodeContent before = ReadContent(dataBase_, place.partition, place.number);
+            NodeContent before = ReadContent(dataBase_, place);
             const auto version = Add(batch, place, work, VersionState::Finished, before);
             if (version > 1) {
-                batch.Add(Command::Leave_AUTO_Versions,
-                          {place.partition.config, place.partition.number, place.number, version});
+                batch.Add(Command::Leave_AUTO_Versions, {place, version});
             }
             if (take) {
                 take(place, std::move(before));
@@ -332,11 +312,10 @@ void History::Keep(std::span<const NodePlace> places, const char* work, const Ta
 }
 
 void History::Withdraw(const NodePlace& place, std::int64_t version) {
-    Transaction all(dataBase_, place.Number());
+    Transaction all(dataBase_, place.LockKey());
     auto versions = Stored(Command::Get_Unfinished_AUTO_Versions, place);
     if (FindOwn(versions, version, Self()) != versions.end()) {
-        dataBase_.Execute(Command::Delete_AUTO_Version,
-                          {place.partition.config, place.partition.number, place.number, version});
+        dataBase_.Execute(Command::Delete_AUTO_Version, {place, version});
     }
     all.Commit();
     Forget(place, version);

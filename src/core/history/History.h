@@ -74,7 +74,7 @@ class History {
     void RequireIdle(std::span<const NodePlace> places);
 
     // Whether a save began to make that node from its template. Needs a store with a history.
-    [[nodiscard]] bool HasBegun(Partition partition, int typeID, int number);
+    [[nodiscard]] bool HasBegun(Partition partition, const NodeKey& node);
 
     // The node as PutBack makes it. Raises Busy while the node is being saved, and InvalidProcedureCall where
     // there was none.
@@ -111,7 +111,6 @@ class History {
     [[nodiscard]] ProcessIdentity Self();
     // The versions that a command finds, as they are known here.
     [[nodiscard]] std::vector<Version> Find(Command command, const NodePlace& place);
-    [[nodiscard]] static std::string Named(const NodePlace& place);
     [[nodiscard]] std::vector<Version> Stored(Command command, const NodePlace& place);
     // Whether its table tells machines apart, as that of an older version does not.
     [[nodiscard]] bool TellsMachines();

@@ -18,20 +18,20 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t NodesTogether = 100;
 
-void WriteRecord(Batch& batch, Partition partition, std::int16_t number, const AutoNode& node) {
-    UpdateRecord(batch, partition, number, node);
+void WriteRecord(Batch& batch, const NodePlace& place, const AutoNode& node) {
+    UpdateRecord(batch, place, node);
     if (batch.Run().back() == 0) {
-        batch.Add(Command::Add_AUTO_Node, {partition.config, partition.number, AutoType, number});
-        UpdateRecord(batch, partition, number, node);
+        batch.Add(Command::Add_AUTO_Node, {place.partition, place.Key()});
+        UpdateRecord(batch, place, node);
     }
 }
 
-void WriteEntry(Batch& batch, Partition partition, std::int16_t number, const RegisterEntry& entry) {
-    batch.Add(Command::Put_Back_General_Pool, {entry.type, entry.label, entry.dateModified, partition.config,
-                                               partition.number, AutoType, number});
+void WriteEntry(Batch& batch, const NodePlace& place, const RegisterEntry& entry) {
+    batch.Add(Command::Put_Back_General_Pool,
+              {entry.type, entry.label, entry.dateModified, place.partition, place.Key()});
     if (batch.Run().back() == 0) {
-        batch.Add(Command::Add_General_Pool, {partition.config, partition.number, AutoType, number,
-                                              entry.type, entry.label, entry.dateModified});
+        batch.Add(Command::Add_General_Pool,
+                  {place.partition, place.Key(), entry.type, entry.label, entry.dateModified});
     }
 }
 
@@ -57,14 +57,14 @@ void BringBytesBack(Json& document, int levels = MostLevels) {
     }
 }
 
-std::string TextOf(Partition partition, std::int16_t number, const NodeContent& content, NotUtf8 how) {
+std::string TextOf(const NodePlace& place, const NodeContent& content, NotUtf8 how) {
     std::string text;
     JsonWriter json(text, how);
     json.Begin('{');
     json.Member("version", ContentVersion);
     json.Name("node");
     if (content.node) {
-        WriteNode(json, partition, number, *content.node, Labels::Leave);
+        WriteNode(json, place, *content.node, Labels::Leave);
     } else {
         json.Null();
     }
@@ -87,9 +87,8 @@ std::string TextOf(Partition partition, std::int16_t number, const NodeContent& 
 
 } // namespace
 
-std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, Partition partition, std::int16_t number) try {
-    const ResultSet row =
-        dataBase.Query(Command::Get_Description, {partition.config, partition.number, AutoType, number});
+std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, const NodePlace& place) try {
+    const ResultSet row = dataBase.Query(Command::Get_Description, {place.partition, place.Key()});
     if (row.AtEnd()) {
         return std::nullopt;
     }
@@ -127,11 +126,9 @@ std::vector<std::string> Differences(const NodeContent& before, const NodeConten
     return lines;
 }
 
-NodeContent ReadContent(DataBase& dataBase, Partition partition, std::int16_t number) {
+NodeContent ReadContent(DataBase& dataBase, const NodePlace& place) {
     NodeContent content;
-    ReadAhead(dataBase).Read([&] {
-        content = {ReadAutoNode(dataBase, partition, number), ReadEntry(dataBase, partition, number)};
-    });
+    ReadAhead(dataBase).Read([&] { content = {ReadAutoNode(dataBase, place), ReadEntry(dataBase, place)}; });
     return content;
 }
 
@@ -146,34 +143,34 @@ void ReadContents(DataBase& dataBase, std::span<const NodePlace> places, const T
         const auto together = TakeTogether(places);
         ReadAhead ahead(dataBase);
         ahead.Fetch([&] {
-            for (const auto& [partition, number] : together) {
-                static_cast<void>(ReadContent(dataBase, partition, number));
+            for (const NodePlace& place : together) {
+                static_cast<void>(ReadContent(dataBase, place));
             }
         });
         for (const NodePlace& place : together) {
-            take(place, ReadContent(dataBase, place.partition, place.number));
+            take(place, ReadContent(dataBase, place));
         }
     }
 }
 
-void WriteContent(DataBase& dataBase, Partition partition, std::int16_t number, const NodeContent& content) {
+void WriteContent(DataBase& dataBase, const NodePlace& place, const NodeContent& content) {
     Batch batch(dataBase);
-    DeleteDetails(batch, partition, number);
+    DeleteDetails(batch, place);
     if (content.node) {
-        WriteRecord(batch, partition, number, *content.node);
-        AddDetails(batch, partition, number, *content.node);
+        WriteRecord(batch, place, *content.node);
+        AddDetails(batch, place, *content.node);
     }
     if (content.entry) {
-        WriteEntry(batch, partition, number, *content.entry);
+        WriteEntry(batch, place, *content.entry);
     }
     batch.Run();
 }
 
-std::string TextOf(Partition partition, std::int16_t number, const NodeContent& content) {
+std::string TextOf(const NodePlace& place, const NodeContent& content) {
     try {
-        return TextOf(partition, number, content, NotUtf8::Refuse);
+        return TextOf(place, content, NotUtf8::Refuse);
     } catch (const Json::type_error&) {
-        return TextOf(partition, number, content, NotUtf8::Letters);
+        return TextOf(place, content, NotUtf8::Letters);
     }
 }
 

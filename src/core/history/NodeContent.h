@@ -41,10 +41,9 @@ struct SeenNode {
 [[nodiscard]] std::vector<std::string> Differences(const NodeContent& before, const NodeContent& after);
 
 // The register's row of an AUTO node; a register that cannot be read, though the store can, holds up nothing.
-[[nodiscard]] std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, Partition partition,
-                                                     std::int16_t number);
+[[nodiscard]] std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, const NodePlace& place);
 
-[[nodiscard]] NodeContent ReadContent(DataBase& dataBase, Partition partition, std::int16_t number);
+[[nodiscard]] NodeContent ReadContent(DataBase& dataBase, const NodePlace& place);
 
 // Takes the first places off the rest: as many as are read together, which saves ways to a server and holds
 // little in memory.
@@ -56,13 +55,13 @@ using TakeContent = std::function<void(const NodePlace& place, NodeContent conte
 void ReadContents(DataBase& dataBase, std::span<const NodePlace> places, const TakeContent& take);
 
 // Makes the store hold exactly that of the node. Part of a transaction.
-void WriteContent(DataBase& dataBase, Partition partition, std::int16_t number, const NodeContent& content);
+void WriteContent(DataBase& dataBase, const NodePlace& place, const NodeContent& content);
 
 // The text in which the history keeps a content, with its version, and back: also from texts of older and of
 // newer programs, of which a member that is missing has its default. Raises StoreNotRecognized for another
 // text.
 inline constexpr int ContentVersion = 2; // those of version 1 do not tell it
-[[nodiscard]] std::string TextOf(Partition partition, std::int16_t number, const NodeContent& content);
+[[nodiscard]] std::string TextOf(const NodePlace& place, const NodeContent& content);
 [[nodiscard]] NodeContent ContentOf(const std::string& text);
 
 } // namespace KAL_AUTO_Node

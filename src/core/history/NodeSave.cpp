@@ -59,7 +59,7 @@ class Existence {
         const auto next = rest.first(std::min(count_, rest.size()));
         ahead_.Fetch([&] {
             for (const RequiredNode& one : next) {
-                static_cast<void>(IsNodeExisted(dataBase_, partition_, one.typeID, one.number));
+                static_cast<void>(IsNodeExisted(dataBase_, partition_, one.key));
             }
         });
         known_ = std::ssize(next) - 1;
@@ -130,7 +130,7 @@ bool NodeSave::RunInFile(SeenNode& seen, const AutoNode& node, const std::string
     writing_ = true;
     left_ = Left::Unknown;
     Batch batch(dataBase_);
-    AddWrites(batch, place_.partition, place_.number, node, date);
+    AddWrites(batch, place_, node, date);
     RequireWritten(batch.Run(), seen, node);
     Finish();
     return true;
@@ -147,7 +147,7 @@ bool NodeSave::RunOnServer(SeenNode& seen, const AutoNode& node, const std::stri
     // The questions may have taken any time.
     std::optional<Transaction> all;
     const auto lookAgain = [&] {
-        all.emplace(dataBase_, place_.Number());
+        all.emplace(dataBase_, place_.LockKey());
         auto obstacle = Look(seen);
         if (obstacle) {
             all.reset();
@@ -158,12 +158,11 @@ bool NodeSave::RunOnServer(SeenNode& seen, const AutoNode& node, const std::stri
         return false;
     }
     Batch batch(dataBase_);
-    AddWrites(batch, place_.partition, place_.number, node, date);
+    AddWrites(batch, place_, node, date);
     if (guarded_) {
         version_ = history_.Add(batch, place_, newest_, "save", VersionState::Finished, before_);
         // Older programs leave marks here, too.
-        batch.Add(Command::Leave_AUTO_Versions,
-                  {place_.partition.config, place_.partition.number, place_.number, version_});
+        batch.Add(Command::Leave_AUTO_Versions, {place_, version_});
     }
     try {
         all->Commit(batch);
@@ -179,7 +178,7 @@ bool NodeSave::RunOnServer(SeenNode& seen, const AutoNode& node, const std::stri
 std::optional<Obstacle> NodeSave::Look(const SeenNode& seen) {
     ReadAhead ahead(dataBase_);
     ahead.Fetch([&] {
-        static_cast<void>(ReadContent(dataBase_, place_.partition, place_.number));
+        static_cast<void>(ReadContent(dataBase_, place_));
         if (guarded_) {
             static_cast<void>(history_.Newest(place_));
         }
@@ -197,7 +196,7 @@ std::optional<Obstacle> NodeSave::Look(const SeenNode& seen) {
             guarded_ = false; // its tables are gone, or another program's doing cannot be read
         }
     }
-    before_ = ReadContent(dataBase_, place_.partition, place_.number);
+    before_ = ReadContent(dataBase_, place_);
     if (!before_.node) {
         return Obstacle{Obstacle::Gone, {}, {}};
     }
@@ -232,7 +231,7 @@ std::optional<Obstacle> NodeSave::Mark(const SeenNode& seen) {
     if (!guarded_) {
         return Look(seen);
     }
-    Transaction all(dataBase_, place_.Number());
+    Transaction all(dataBase_, place_.LockKey());
     auto obstacle = Look(seen);
     if (!guarded_) {
         return obstacle;
@@ -257,12 +256,10 @@ std::optional<Obstacle> NodeSave::Renew(const SeenNode& seen) {
         return guarded_ ? Begin(seen) : Look(seen);
     }
     {
-        Transaction all(dataBase_, place_.Number());
-        const auto& [partition, node] = place_;
+        Transaction all(dataBase_, place_.LockKey());
         const bool stands =
-            dataBase_.Execute(Command::Renew_AUTO_Version,
-                              {TimeStamp(), partition.config, partition.number, node, version_}) == 1;
-        if (stands && IsSame(seen.content, ReadContent(dataBase_, partition, node))) {
+            dataBase_.Execute(Command::Renew_AUTO_Version, {TimeStamp(), place_, version_}) == 1;
+        if (stands && IsSame(seen.content, ReadContent(dataBase_, place_))) {
             all.Commit();
             return std::nullopt;
         }
@@ -279,7 +276,7 @@ void NodeSave::RequireWritten(std::span<const std::int64_t> written, const SeenN
     const auto missing =
         std::ranges::count_if(rows, [&](std::size_t at) { return at >= written.size() || written[at] == 0; });
     // A view of another program's tells no number.
-    if (missing > 0 && ReadAutoNode(dataBase_, place_.partition, place_.number) != node) {
+    if (missing > 0 && ReadAutoNode(dataBase_, place_) != node) {
         throw RuntimeError(ErrorNumber::StoreFailure,
                            "Of " + std::to_string(rows.size()) + " rows of the node " +
                                std::to_string(missing) +
@@ -331,7 +328,7 @@ void NodeSave::CreateMissing(std::span<const RequiredNode> nodes, const std::str
     for (const RequiredNode& node : nodes) {
         existence.LookUp(node);
         try {
-            if (IsNodeExisted(dataBase_, place_.partition, node.typeID, node.number)) {
+            if (IsNodeExisted(dataBase_, place_.partition, node.key)) {
                 continue;
             }
         } catch (const RuntimeError&) {
@@ -353,25 +350,23 @@ void NodeSave::CreateMissing(std::span<const RequiredNode> nodes, const std::str
 
 Creation NodeSave::Create(const RequiredNode& required, const std::string& date) {
     const Partition partition = place_.partition;
-    const int typeID = NodeTypeOf(required.typeID);
+    const NodeKey node = required.key.Itself();
     auto existing = Existing::Refuse;
     if (marked_) {
-        if (history_.HasBegun(partition, typeID, required.number)) {
+        if (history_.HasBegun(partition, node)) {
             existing = Existing::Keep;
         } else {
-            dataBase_.Execute(Command::Add_Creation, {partition.config, partition.number, typeID,
-                                                      required.number, version_, place_.number, date});
+            dataBase_.Execute(Command::Add_Creation, {partition, node, version_, place_.number, date});
         }
     }
     const auto leaveUnmarked = [&] {
         if (marked_) {
-            dataBase_.Execute(Command::Delete_Creation,
-                              {partition.config, partition.number, typeID, required.number});
+            dataBase_.Execute(Command::Delete_Creation, {partition, node});
         }
     };
     try {
-        const Creation outcome = CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, required.number,
-                                                        typeID, date, existing);
+        const Creation outcome =
+            CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, node, date, existing);
         if (outcome == Creation::NoRule || outcome == Creation::NoTemplate) {
             leaveUnmarked();
         }

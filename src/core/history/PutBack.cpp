@@ -14,18 +14,18 @@ NodeContent History::ToPutBack(const NodePlace& place, std::int64_t version) {
     NodeContent before = Before(place, version);
     if (!before.node) {
         throw RuntimeError(ErrorNumber::InvalidProcedureCall,
-                           Named(place) + " did not exist before version " + std::to_string(version));
+                           place.Text() + " did not exist before version " + std::to_string(version));
     }
     return before;
 }
 
 NodeContent History::PutBack(const NodePlace& place, std::int64_t version, const char* work) {
-    std::optional<Transaction> all(std::in_place, dataBase_, place.Number());
+    std::optional<Transaction> all(std::in_place, dataBase_, place.LockKey());
     return PutBackNow(place, version, work, all);
 }
 
 bool History::PutBackUnfinished(const NodePlace& place, std::int64_t version) {
-    std::optional<Transaction> all(std::in_place, dataBase_, place.Number());
+    std::optional<Transaction> all(std::in_place, dataBase_, place.LockKey());
     // One that has finished since leaves no older one unfinished.
     const auto unfinished = Unfinished(place);
     if (!unfinished || unfinished->number != version) {
@@ -46,10 +46,10 @@ NodeContent History::PutBackNow(const NodePlace& place, std::int64_t version, co
             undone.push_back(later.number);
         }
     }
-    NodeContent replaced = ReadContent(dataBase_, place.partition, place.number);
+    NodeContent replaced = ReadContent(dataBase_, place);
     Add(batch, place, work, VersionState::Finished, replaced);
     batch.Run();
-    WriteContent(dataBase_, place.partition, place.number, before);
+    WriteContent(dataBase_, place, before);
     for (const std::int64_t number : undone) {
         SetState(batch, place, number, VersionState::PutBack);
     }
@@ -63,54 +63,46 @@ NodeContent History::PutBackNow(const NodePlace& place, std::int64_t version, co
 }
 
 bool History::IsHalfMade(const NodePlace& place) {
-    const auto& [partition, node] = place;
     if (dataBase_.IsRemote() || !Exists()) {
         return false;
     }
-    NodePlace maker{partition, 0};
+    NodePlace maker{place.partition, 0};
     {
-        const ResultSet row =
-            dataBase_.Query(Command::Get_Creation, {partition.config, partition.number, AutoType, node});
+        const ResultSet row = dataBase_.Query(Command::Get_Creation, {place.partition, place.Key()});
         if (row.AtEnd()) {
             return false;
         }
         maker.number = row.Number16("MasterID");
     }
     return std::ranges::none_of(Open(maker), IsBeingMade) &&
-           !IsNodeExisted(dataBase_, partition, AutoType, node);
+           !IsNodeExisted(dataBase_, place.partition, place.Key());
 }
 
 void History::MakeWhole(const NodePlace& place) {
-    const auto& [partition, node] = place;
     std::string date;
     {
-        const ResultSet row =
-            dataBase_.Query(Command::Get_Creation, {partition.config, partition.number, AutoType, node});
+        const ResultSet row = dataBase_.Query(Command::Get_Creation, {place.partition, place.Key()});
         date = row.AtEnd() ? std::string() : std::string(row.Text("DateModified"));
     }
-    CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, node, AutoType, date, Existing::Keep);
+    CreateNodeFromTemplate(dataBase_, place.partition, TemplateNumber, place.Key(), date, Existing::Keep);
     dataBase_.Flush();
 }
 
 void History::FinishCreations(const NodePlace& place, std::int64_t version) {
     struct Begun {
-        int typeID;
-        int number;
+        NodeKey node;
         std::string date;
     };
 
-    const auto& [partition, node] = place;
     std::vector<Begun> creations;
-    for (ResultSet rows =
-             dataBase_.Query(Command::Get_Creations, {partition.config, partition.number, node, version});
-         !rows.AtEnd(); rows.MoveNext()) {
+    for (ResultSet rows = dataBase_.Query(Command::Get_Creations, {place, version}); !rows.AtEnd();
+         rows.MoveNext()) {
         creations.push_back(
-            {rows.Number("NodeTypeID"), rows.Number("NodeNumber"), std::string(rows.Text("DateModified"))});
+            {{rows.Number("NodeTypeID"), rows.Number("NodeNumber")}, std::string(rows.Text("DateModified"))});
     }
-    for (const auto& [typeID, number, date] : creations) {
-        if (!IsNodeExisted(dataBase_, partition, typeID, number)) {
-            CreateNodeFromTemplate(dataBase_, partition, TemplateNumber, number, typeID, date,
-                                   Existing::Keep);
+    for (const auto& [node, date] : creations) {
+        if (!IsNodeExisted(dataBase_, place.partition, node)) {
+            CreateNodeFromTemplate(dataBase_, place.partition, TemplateNumber, node, date, Existing::Keep);
         }
     }
     dataBase_.Flush();

@@ -24,15 +24,13 @@ struct Reference {
     // Of the node referred to; a thing to show, no part of the value.
     std::string label;
 
+    // The node that it leads to.
+    [[nodiscard]] NodeKey Key() const { return NodeKey{typeID, number}.Itself(); }
+
     friend bool operator==(const Reference& a, const Reference& b) {
         return a.typeID == b.typeID && a.number == b.number && a.type == b.type;
     }
 };
-
-// The node that a reference leads to.
-[[nodiscard]] inline NodeKey KeyOf(const Reference& reference) {
-    return {NodeTypeOf(reference.typeID), reference.number};
-}
 
 // How a reference is shown: type and number, or the type alone where its references carry no number.
 [[nodiscard]] std::string DisplayText(const Reference& reference, Slot from);

@@ -6,10 +6,9 @@
 
 namespace KAL_AUTO_Node {
 
-std::string LabelOf(DataBase& dataBase, Partition partition, int typeID, int number) {
-    const ResultSet node =
-        dataBase.Query(Command::Get_Description, {partition.config, partition.number, typeID, number});
-    return node.AtEnd() ? std::string() : std::string(node.Field("NodeDescription").value_or(""));
+std::string LabelOf(DataBase& dataBase, Partition partition, const NodeKey& node) {
+    const ResultSet row = dataBase.Query(Command::Get_Description, {partition, node});
+    return row.AtEnd() ? std::string() : std::string(row.Field("NodeDescription").value_or(""));
 }
 
 int AutoNodeReader::LabelledType(int typeID) const {
@@ -18,14 +17,14 @@ int AutoNodeReader::LabelledType(int typeID) const {
 
 void AutoNodeReader::ReadLabel(Reference& reference) {
     if (labels_ != Labels::Leave) {
-        reference.label = LabelOf(dataBase_, partition_, LabelledType(reference.typeID), reference.number);
+        reference.label =
+            LabelOf(dataBase_, place_.partition, {LabelledType(reference.typeID), reference.number});
     }
 }
 
 bool AutoNodeReader::ReadRecord(AutoNode& node) {
     record_.reset();
-    record_.emplace(
-        dataBase_.Query(Command::Get_AUTO_Node, {partition_.config, partition_.number, number_, AutoType}));
+    record_.emplace(dataBase_.Query(Command::Get_AUTO_Node, {place_, AutoType}));
     if (record_->AtEnd()) {
         return false;
     }
@@ -36,7 +35,7 @@ bool AutoNodeReader::ReadRecord(AutoNode& node) {
 template <class Columns, class Item>
 void AutoNodeReader::ReadItems(Command command, std::vector<Item>& items) {
     items.clear();
-    ResultSet rows = dataBase_.Query(command, {partition_.config, partition_.number, number_});
+    ResultSet rows = dataBase_.Query(command, {place_});
     for (const Columns columns(rows); !rows.AtEnd(); rows.MoveNext()) {
         Item item = columns.Read(rows);
         ReadLabel(item.target);
@@ -58,12 +57,11 @@ void AutoNodeReader::ReadBranch(AutoNode& node, std::size_t branch) {
     ReadLabel(target);
 }
 
-std::optional<AutoNode> ReadAutoNode(DataBase& dataBase, Partition partition, std::int16_t number,
-                                     Labels labels) {
+std::optional<AutoNode> ReadAutoNode(DataBase& dataBase, const NodePlace& place, Labels labels) {
     std::optional<AutoNode> found;
     ReadAhead(dataBase).Read([&] {
         AutoNode node;
-        AutoNodeReader reader(dataBase, partition, number, labels);
+        AutoNodeReader reader(dataBase, place, labels);
         const bool exists = reader.ReadRecord(node);
         // Whether or not the record is known yet.
         reader.ReadPrompts(node);
@@ -76,9 +74,8 @@ std::optional<AutoNode> ReadAutoNode(DataBase& dataBase, Partition partition, st
     return found;
 }
 
-bool AutoNodeExists(DataBase& dataBase, Partition partition, std::int16_t number) {
-    return !dataBase.Query(Command::Get_AUTO_Node, {partition.config, partition.number, number, AutoType})
-                .AtEnd();
+bool AutoNodeExists(DataBase& dataBase, const NodePlace& place) {
+    return !dataBase.Query(Command::Get_AUTO_Node, {place, AutoType}).AtEnd();
 }
 
 } // namespace KAL_AUTO_Node

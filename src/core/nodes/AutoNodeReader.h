@@ -14,8 +14,8 @@ namespace KAL_AUTO_Node {
 class AutoNodeReader {
   public:
     // The labels are those of the nodes referred to. The data base outlives the reader.
-    AutoNodeReader(DataBase& dataBase, Partition partition, std::int16_t number, Labels labels)
-        : dataBase_(dataBase), partition_(partition), number_(number), labels_(labels) {}
+    AutoNodeReader(DataBase& dataBase, const NodePlace& place, Labels labels)
+        : dataBase_(dataBase), place_(place), labels_(labels) {}
 
     // The node's own record but for the branches. False where there is no such node.
     [[nodiscard]] bool ReadRecord(AutoNode& node);
@@ -31,20 +31,19 @@ class AutoNodeReader {
     void ReadItems(Command command, std::vector<Item>& items);
 
     DataBase& dataBase_;
-    Partition partition_;
-    std::int16_t number_;
+    NodePlace place_;
     Labels labels_;
     std::optional<ResultSet> record_;
 };
 
 // The whole node, or nothing where there is none.
-[[nodiscard]] std::optional<AutoNode> ReadAutoNode(DataBase& dataBase, Partition partition,
-                                                   std::int16_t number, Labels labels = Labels::Leave);
+[[nodiscard]] std::optional<AutoNode> ReadAutoNode(DataBase& dataBase, const NodePlace& place,
+                                                   Labels labels = Labels::Leave);
 
-// Whether the partition has an AUTO node of that number.
-[[nodiscard]] bool AutoNodeExists(DataBase& dataBase, Partition partition, std::int16_t number);
+// Whether there is an AUTO node.
+[[nodiscard]] bool AutoNodeExists(DataBase& dataBase, const NodePlace& place);
 
 // The label of a node of any type as the register has it; empty where it has none.
-[[nodiscard]] std::string LabelOf(DataBase& dataBase, Partition partition, int typeID, int number);
+[[nodiscard]] std::string LabelOf(DataBase& dataBase, Partition partition, const NodeKey& node);
 
 } // namespace KAL_AUTO_Node

@@ -6,13 +6,13 @@
 
 namespace KAL_AUTO_Node {
 
-void DeleteDetails(Batch& batch, Partition partition, std::int16_t number) {
+void DeleteDetails(Batch& batch, const NodePlace& place) {
     for (const Command command : {Command::Delete_AUTO_PromptsNode, Command::Delete_AUTO_ActionsNode}) {
-        batch.Add(command, {partition.config, partition.number, number});
+        batch.Add(command, {place});
     }
 }
 
-void UpdateRecord(Batch& batch, Partition partition, std::int16_t number, const AutoNode& node) {
+void UpdateRecord(Batch& batch, const NodePlace& place, const AutoNode& node) {
     const auto& [timeout, invalid, abort, star, pound] = node.branches;
     batch.Add(Command::Update_AUTO_Node, {
                                              node.settings.numberOfDigits,
@@ -37,31 +37,27 @@ void UpdateRecord(Batch& batch, Partition partition, std::int16_t number, const 
                                              star.number,
                                              pound.type,
                                              pound.number,
-                                             partition.config,
-                                             partition.number,
-                                             AutoType,
-                                             number,
+                                             place.partition,
+                                             place.Key(),
                                          });
 }
 
-void AddDetails(Batch& batch, Partition partition, std::int16_t number, const AutoNode& node) {
+void AddDetails(Batch& batch, const NodePlace& place, const AutoNode& node) {
     for (const auto& [sequence, target] : node.prompts) {
-        batch.Add(Command::Add_AUTO_PromptsNode, {partition.config, partition.number, sequence, target.typeID,
-                                                  target.number, number, target.type});
+        batch.Add(Command::Add_AUTO_PromptsNode,
+                  {place.partition, sequence, target.typeID, target.number, place.number, target.type});
     }
     for (const auto& [sequence, target, low, high] : node.actions) {
-        batch.Add(Command::Add_AUTO_ActionsNode, {partition.config, partition.number, sequence, target.typeID,
-                                                  target.number, number, low, high, target.type});
+        batch.Add(Command::Add_AUTO_ActionsNode, {place.partition, sequence, target.typeID, target.number,
+                                                  place.number, low, high, target.type});
     }
 }
 
-void AddWrites(Batch& batch, Partition partition, std::int16_t number, const AutoNode& node,
-               const std::string& date) {
-    DeleteDetails(batch, partition, number);
-    UpdateRecord(batch, partition, number, node);
-    batch.Add(Command::Update_Node_General_Pool,
-              {node.label, date, partition.config, partition.number, AutoType, number});
-    AddDetails(batch, partition, number, node);
+void AddWrites(Batch& batch, const NodePlace& place, const AutoNode& node, const std::string& date) {
+    DeleteDetails(batch, place);
+    UpdateRecord(batch, place, node);
+    batch.Add(Command::Update_Node_General_Pool, {node.label, date, place.partition, place.Key()});
+    AddDetails(batch, place, node);
 }
 
 std::vector<std::size_t> RowsWritten(const AutoNode& node, bool registered) {
@@ -75,10 +71,10 @@ std::vector<std::size_t> RowsWritten(const AutoNode& node, bool registered) {
     return rows;
 }
 
-void WriteAutoNode(DataBase& dataBase, Partition partition, std::int16_t number, const AutoNode& node,
+void WriteAutoNode(DataBase& dataBase, const NodePlace& place, const AutoNode& node,
                    const std::string& date) {
     Batch batch(dataBase);
-    AddWrites(batch, partition, number, node, date);
+    AddWrites(batch, place, node, date);
     batch.Run();
 }
 

@@ -116,12 +116,11 @@ Settings SettingsFrom(const Json& document) {
 
 } // namespace
 
-void WriteNode(JsonWriter& json, Partition partition, std::int16_t number, const AutoNode& node,
-               Labels labels) {
+void WriteNode(JsonWriter& json, const NodePlace& place, const AutoNode& node, Labels labels) {
     json.Begin('{');
-    json.Member("config", partition.config);
-    json.Member("partition", partition.number);
-    json.Member("number", number);
+    json.Member("config", place.partition.config);
+    json.Member("partition", place.partition.number);
+    json.Member("number", place.number);
     json.Member("type", node.type);
     json.Member("label", node.label);
     json.Name("settings");

@@ -34,9 +34,8 @@ std::optional<NodePlace> FirstAutoNode(DataBase& dataBase) {
 
 void ReadSummaries(DataBase& dataBase, Partition partition,
                    const std::function<void(const AutoNodeSummary&)>& take) {
-    for (ResultSet rows =
-             dataBase.Query(Command::Get_AUTO_Overview, {partition.config, partition.number, AutoType});
-         !rows.AtEnd(); rows.MoveNext()) {
+    for (ResultSet rows = dataBase.Query(Command::Get_AUTO_Overview, {partition, AutoType}); !rows.AtEnd();
+         rows.MoveNext()) {
         take({rows.Number16("NodeNumber"), OptionalText(rows, "NodeDescription"), ReadSettings(rows),
               rows.Number("Prompts"), rows.Number("Actions")});
     }

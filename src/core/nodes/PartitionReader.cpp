@@ -16,8 +16,8 @@ class Details {
   public:
     Details(DataBase& dataBase, Partition partition, Command command, Slot list,
             const std::function<void(Slot list, int number, int rows)>& takeOrphans)
-        : rows_(dataBase.Query(command, {partition.config, partition.number})), columns_(rows_),
-          owner_(rows_.Column("NodeMasterID")), list_(list), takeOrphans_(takeOrphans) {}
+        : rows_(dataBase.Query(command, {partition})), columns_(rows_), owner_(rows_.Column("NodeMasterID")),
+          list_(list), takeOrphans_(takeOrphans) {}
 
     // Those of a node, which replace what is there; those of nodes before it have none.
     void Read(int number, std::vector<Item>& items) {
@@ -53,8 +53,7 @@ class Details {
 void ReadWholeAutoNodes(DataBase& dataBase, Partition partition,
                         const std::function<void(int number, const AutoNode& node)>& take,
                         const std::function<void(Slot list, int number, int rows)>& takeOrphans) {
-    ResultSet records =
-        dataBase.Query(Command::Get_All_AUTO_Nodes, {partition.config, partition.number, AutoType});
+    ResultSet records = dataBase.Query(Command::Get_All_AUTO_Nodes, {partition, AutoType});
     Details<PromptColumns, Prompt> prompts(dataBase, partition, Command::Get_All_AUTO_Prompts, Slot::Prompts,
                                            takeOrphans);
     Details<ActionColumns, Action> actions(dataBase, partition, Command::Get_All_AUTO_Actions, Slot::Actions,
@@ -76,10 +75,7 @@ void ReadWholeAutoNodes(DataBase& dataBase, Partition partition,
             prompts.Read(number, node.prompts);
             actions.Read(number, node.actions);
         } catch (const RuntimeError& error) {
-            throw RuntimeError(error.Number(),
-                               "AUTO node " + std::to_string(number) + " of configuration " +
-                                   std::to_string(partition.config) + ", partition " +
-                                   std::to_string(partition.number) + ": " + error.what(),
+            throw RuntimeError(error.Number(), NodeTextIn(partition, number) + ": " + error.what(),
                                error.Source());
         }
         take(number, node);

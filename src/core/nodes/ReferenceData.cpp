@@ -22,8 +22,7 @@ int UnlimitedMax(const NodeLists& lists, int typeID) {
 } // namespace
 
 std::optional<int> ReadMaxNodeNumber(DataBase& dataBase, Partition partition, int typeID) {
-    const ResultSet limit =
-        dataBase.Query(Command::Get_Max_NodeNumber, {partition.config, partition.number, typeID});
+    const ResultSet limit = dataBase.Query(Command::Get_Max_NodeNumber, {partition, typeID});
     if (limit.AtEnd()) {
         return std::nullopt;
     }
@@ -86,8 +85,7 @@ int ReadAssignableNumbers(DataBase& dataBase, Partition partition, int typeID) {
 
 void ReadAutoNodes(DataBase& dataBase, Partition partition,
                    const std::function<void(std::int16_t number, std::string_view label)>& take) {
-    ResultSet nodes =
-        dataBase.Query(Command::Get_All_AUTO_Nodes, {partition.config, partition.number, AutoType});
+    ResultSet nodes = dataBase.Query(Command::Get_All_AUTO_Nodes, {partition, AutoType});
     const std::size_t number = nodes.Column("NodeNumber");
     const std::size_t label = nodes.Column("NodeDescription");
     for (; !nodes.AtEnd(); nodes.MoveNext()) {

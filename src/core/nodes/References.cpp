@@ -28,8 +28,11 @@ void Read(ResultSet rows, std::optional<int> number,
         return rows.Field(field) ? std::optional(rows.Number(field)) : std::nullopt;
     };
     for (; !rows.AtEnd(); rows.MoveNext()) {
-        take({rows.Number(holderTypeID), rows.Number(holder), static_cast<std::size_t>(rows.Number(column)),
-              rows.Number(row), orNothing(typeID), std::string(rows.Field(type).value_or("")),
+        take({{rows.Number(holderTypeID), rows.Number(holder)},
+              static_cast<std::size_t>(rows.Number(column)),
+              rows.Number(row),
+              orNothing(typeID),
+              std::string(rows.Field(type).value_or("")),
               numberColumn ? orNothing(*numberColumn) : number});
     }
 }
@@ -37,8 +40,7 @@ void Read(ResultSet rows, std::optional<int> number,
 // In the order of their holders.
 std::vector<StoredReference> Sorted(std::vector<StoredReference> uses) {
     std::ranges::sort(uses, [](const StoredReference& a, const StoredReference& b) {
-        return std::tie(a.holderTypeID, a.holder, a.column, a.row) <
-               std::tie(b.holderTypeID, b.holder, b.column, b.row);
+        return std::tie(a.holder, a.column, a.row) < std::tie(b.holder, b.column, b.row);
     });
     return uses;
 }
@@ -65,8 +67,7 @@ std::string PlaceText(const ReferenceColumn& column, int row) {
 
 void ReadOtherReferences(DataBase& dataBase, Partition partition,
                          const std::function<void(const StoredReference& reference)>& take) {
-    Read(dataBase.Query(Command::Get_Other_References, {partition.config, partition.number}), std::nullopt,
-         take);
+    Read(dataBase.Query(Command::Get_Other_References, {partition}), std::nullopt, take);
 }
 
 TypeNames::TypeNames(DataBase& dataBase) {
@@ -115,15 +116,15 @@ NodeKey TypeNames::MeantNode(std::string_view text) const {
 }
 
 std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition, const TypeNames& names,
-                                      int typeID, int number) {
-    typeID = NodeTypeOf(typeID);
+                                      const NodeKey& node) {
+    const auto [typeID, number] = node.Itself();
     const bool message = typeID == MessageType;
     const std::array types = {typeID, message ? MessageOnType : typeID, message ? MessageOffType : typeID};
     std::vector<StoredReference> uses;
-    Read(dataBase.Query(Command::Get_Uses,
-                        {partition.config, partition.number, number, types[0], types[1], types[2],
-                         names.Name(types[0]), names.Name(types[1]), names.Name(types[2])}),
-         number, [&](const StoredReference& use) { uses.push_back(use); });
+    Read(
+        dataBase.Query(Command::Get_Uses, {partition, number, types[0], types[1], types[2],
+                                           names.Name(types[0]), names.Name(types[1]), names.Name(types[2])}),
+        number, [&](const StoredReference& use) { uses.push_back(use); });
     return Sorted(std::move(uses));
 }
 
@@ -131,13 +132,12 @@ std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition, c
                                       const std::set<NodeKey>& nodes) {
     std::vector<StoredReference> uses;
     for (const Command command : {Command::Get_AUTO_References, Command::Get_Other_References}) {
-        Read(dataBase.Query(command, {partition.config, partition.number}), std::nullopt,
-             [&](const StoredReference& use) {
-                 const auto typeID = use.Column().hasTypeID ? use.typeID : names.ID(use.type);
-                 if (typeID && use.number && nodes.contains({NodeTypeOf(*typeID), *use.number})) {
-                     uses.push_back(use);
-                 }
-             });
+        Read(dataBase.Query(command, {partition}), std::nullopt, [&](const StoredReference& use) {
+            const auto typeID = use.Column().hasTypeID ? use.typeID : names.ID(use.type);
+            if (typeID && use.number && nodes.contains(NodeKey{*typeID, *use.number}.Itself())) {
+                uses.push_back(use);
+            }
+        });
     }
     return Sorted(std::move(uses));
 }

@@ -17,8 +17,7 @@ namespace KAL_AUTO_Node {
 
 // A reference of a node of any type, as it is stored.
 struct StoredReference {
-    int holderTypeID = 0;
-    int holder = 0;
+    NodeKey holder;
     std::size_t column = 0; // by its position among all
     int row = 0;            // its number among the rows of the holder; 0 where the holder has one row
     std::optional<int> typeID;
@@ -47,6 +46,10 @@ class TypeNames {
 
     // The name of a type; its ID as text where it has none.
     [[nodiscard]] std::string Name(int typeID) const;
+
+    // "AUTO 12"
+    [[nodiscard]] std::string Text(const NodeKey& node) const { return node.Text(Name(node.typeID)); }
+
     [[nodiscard]] bool Knows(int typeID) const;
     [[nodiscard]] std::optional<int> ID(std::string_view name) const;
     // The type that a person means by its name, whatever the case, or by its ID. Raises InvalidProcedureCall
@@ -62,7 +65,7 @@ class TypeNames {
 // All references to a node, in the order of their holders; those under all of its types where it is a
 // message.
 [[nodiscard]] std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition,
-                                                    const TypeNames& names, int typeID, int number);
+                                                    const TypeNames& names, const NodeKey& node);
 // To one of many nodes; the partition is read once through.
 [[nodiscard]] std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition,
                                                     const TypeNames& names, const std::set<NodeKey>& nodes);

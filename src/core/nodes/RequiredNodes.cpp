@@ -6,17 +6,16 @@
 
 namespace KAL_AUTO_Node {
 
-void RequiredNodes::Add(std::string display, int typeID, int number) {
-    if (!RefersToNode(typeID)) {
+void RequiredNodes::Add(std::string display, const NodeKey& node) {
+    if (!RefersToNode(node.typeID)) {
         return;
     }
-    if (RefersToMessage(typeID)) {
-        display = "MSG " + std::to_string(number);
-        typeID = MessageType;
+    if (RefersToMessage(node.typeID)) {
+        display = node.Text("MSG");
     }
     if (!names_.FindString(display)) {
         names_.AddItem(display);
-        nodes_.push_back({std::move(display), typeID, number});
+        nodes_.push_back({std::move(display), node.Itself()});
     }
 }
 

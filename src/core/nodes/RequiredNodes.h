@@ -1,5 +1,6 @@
 #pragma once
 
+#include "nodes/Identity.h"
 #include "nodes/ScratchList.h"
 
 #include <string>
@@ -10,8 +11,7 @@ namespace KAL_AUTO_Node {
 // A node that has to exist for a reference to lead somewhere.
 struct RequiredNode {
     std::string name; // as it is shown
-    int typeID = 0;
-    int number = 0;
+    NodeKey key;
 };
 
 // The nodes that references require, each once, in the order in which they were first referred to.
@@ -19,7 +19,7 @@ class RequiredNodes {
   public:
     // Adds the node of a reference unless it refers to none or is there already: a name that begins with the
     // new one's, whatever the case, counts as that node. A reference to a message requires the message.
-    void Add(std::string display, int typeID, int number);
+    void Add(std::string display, const NodeKey& node);
 
     [[nodiscard]] const std::vector<RequiredNode>& Nodes() const { return nodes_; }
 

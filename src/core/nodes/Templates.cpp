@@ -68,9 +68,10 @@ const char* WhyNotCreated(Creation outcome) {
     }
 }
 
-Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int source, int destination,
-                                int typeID, const std::string& date, Existing existing) {
-    const auto rule = std::ranges::find(CopyRules, NodeTypeOf(typeID), &CopyRule::typeID);
+Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int source,
+                                const NodeKey& destination, const std::string& date, Existing existing) {
+    const auto [typeID, number] = destination.Itself();
+    const auto rule = std::ranges::find(CopyRules, typeID, &CopyRule::typeID);
     if (rule == CopyRules.end()) {
         return Creation::NoRule;
     }
@@ -102,14 +103,12 @@ Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int sou
     };
     for (const Command command : rule->Commands()) {
         if (command == Command::Duplicate_MSG_NODE) {
-            copy(command, {destination, MessageFileName(partition.number, destination), partition.config,
-                           partition.number, source});
+            copy(command, {number, MessageFileName(partition.number, number), partition, source});
         } else {
-            copy(command, {destination, partition.config, partition.number, source});
+            copy(command, {number, partition, source});
         }
     }
-    copy(Command::Duplicate_Node_In_General_Pool,
-         {destination, date, partition.config, partition.number, source, rule->typeID});
+    copy(Command::Duplicate_Node_In_General_Pool, {number, date, partition, source, typeID});
     if (existing == Existing::Refuse) {
         run([&] { written = batch.Run(); });
     }
@@ -126,11 +125,8 @@ bool HasCopyRule(int typeID) {
     return std::ranges::find(CopyRules, typeID, &CopyRule::typeID) != CopyRules.end();
 }
 
-bool IsNodeExisted(DataBase& dataBase, Partition partition, int typeID, int number) {
-    return !dataBase
-                .Query(Command::Get_Description,
-                       {partition.config, partition.number, NodeTypeOf(typeID), number})
-                .AtEnd();
+bool IsNodeExisted(DataBase& dataBase, Partition partition, const NodeKey& node) {
+    return !dataBase.Query(Command::Get_Description, {partition, node.Itself()}).AtEnd();
 }
 
 } // namespace KAL_AUTO_Node

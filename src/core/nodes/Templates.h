@@ -34,14 +34,15 @@ struct AlreadyThere : RuntimeError {
 
 // Copies a node under a new number: its own row, its detail rows, its register row, each statement by itself.
 // A reference to a message stands for the message. The date is today's as dates are stored.
-Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int source, int destination,
-                                int typeID, const std::string& date, Existing existing = Existing::Refuse);
+Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int source,
+                                const NodeKey& destination, const std::string& date,
+                                Existing existing = Existing::Refuse);
 
 // Whether there is a rule for copying nodes of a type; those are the types whose nodes the store has tables
 // for.
 [[nodiscard]] bool HasCopyRule(int typeID);
 
 // Whether the register has a node; a reference to a message stands for the message.
-[[nodiscard]] bool IsNodeExisted(DataBase& dataBase, Partition partition, int typeID, int number);
+[[nodiscard]] bool IsNodeExisted(DataBase& dataBase, Partition partition, const NodeKey& node);
 
 } // namespace KAL_AUTO_Node

@@ -9,6 +9,16 @@
 
 namespace KAL_AUTO_Node {
 
+std::vector<std::optional<std::string>> ValuesOf(Parameters parameters) {
+    std::vector<std::optional<std::string>> values;
+    for (const Parameter& parameter : parameters) {
+        std::ranges::copy(parameter.Values(), std::back_inserter(values));
+    }
+    return values;
+}
+
+CommandRun::CommandRun(Command which, Parameters with) : command(which), parameters(ValuesOf(with)) {}
+
 void Batch::Add(Command command, Parameters parameters) {
     if (dataBase_.IsRemote()) {
         waiting_.emplace_back(command, parameters);

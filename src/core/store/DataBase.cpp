@@ -91,11 +91,6 @@ decltype(auto) DataBase::Describing(Command command, Use&& use) const {
     return Describing("command ", CommandName(command), std::forward<Use>(use));
 }
 
-CommandRun::CommandRun(Command which, Parameters with) : command(which) {
-    parameters.reserve(with.size());
-    std::ranges::transform(with, std::back_inserter(parameters), &Parameter::Value);
-}
-
 ResultSet::ResultSet(ResultSet&& other) noexcept
     : owner_(std::exchange(other.owner_, nullptr)), command_(other.command_) {}
 
@@ -206,10 +201,11 @@ Statement& DataBase::StatementOf(Command command, std::size_t parameters) {
 }
 
 Statement& DataBase::Run(Command command, Parameters parameters) {
-    Statement& statement = StatementOf(command, parameters.size());
+    auto values = ValuesOf(parameters);
+    // Those of an earlier run stay as they are while its rows are open.
+    Statement& statement = StatementOf(command, values.size());
     Prepared& prepared = Of(command);
-    prepared.parameters.resize(parameters.size());
-    std::ranges::transform(parameters, prepared.parameters.begin(), &Parameter::Value);
+    prepared.parameters = std::move(values);
     try {
         statement.Run(prepared.parameters);
     } catch (...) {

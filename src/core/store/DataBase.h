@@ -43,27 +43,48 @@ inline constexpr std::size_t CommandCount = 0
 [[nodiscard]] std::string_view CommandName(Command command);
 [[nodiscard]] const std::string& CommandText(Command command);
 
-// A command's parameter. Every value is passed as text; numbers become their decimal text. Nothing is Null.
+// A parameter of a command, or several. Every value is passed as text; numbers become their decimal text.
+// Nothing is Null.
 class Parameter {
   public:
-    Parameter(std::string_view text) : value_(text) {}
+    Parameter(std::string_view text) : values_{std::string(text)} {}
 
-    Parameter(std::string text) : value_(std::move(text)) {}
+    Parameter(std::string text) : values_{std::move(text)} {}
 
-    Parameter(const char* text) : value_(text) {}
+    Parameter(const char* text) : values_{text} {}
 
-    Parameter(std::integral auto number) : value_(std::to_string(number)) {}
+    Parameter(std::integral auto number) : values_{std::to_string(number)} {}
 
     template <class Value>
-    Parameter(const std::optional<Value>& value) : value_(value ? Parameter(*value).value_ : std::nullopt) {}
+    Parameter(const std::optional<Value>& value) : Parameter() {
+        if (value) {
+            *this = Parameter(*value);
+        }
+    }
 
-    [[nodiscard]] const std::optional<std::string>& Value() const noexcept { return value_; }
+    // What is told by several numbers, such as a node's place, is as many parameters.
+    template <class Identity>
+
+    requires requires(const Identity& identity) { identity.Numbers(); }
+
+    Parameter(const Identity& identity) : count_(0) {
+        for (const int number : identity.Numbers()) {
+            values_.at(count_++) = std::to_string(number);
+        }
+    }
+
+    [[nodiscard]] auto Values() const { return std::span(values_).first(count_); }
 
   private:
-    std::optional<std::string> value_;
+    Parameter() = default;
+
+    std::array<std::optional<std::string>, 3> values_;
+    std::size_t count_ = 1;
 };
 
 using Parameters = std::initializer_list<Parameter>;
+
+[[nodiscard]] std::vector<std::optional<std::string>> ValuesOf(Parameters parameters);
 
 // One run of a command among several.
 struct CommandRun {

@@ -110,6 +110,7 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
     gui.StoredNode.reset();
     const bool loaded = Reporting("LoadData", [&] {
         const Hourglass busy;
+        const NodePlace place{PartitionOf(gui), nodeNumber};
         const SingleWait wait(dataBase_);
         // Where that fails, the node is shown as it stands.
         std::exception_ptr notOffered;
@@ -121,12 +122,12 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
         }
         ReadAhead ahead(dataBase_);
         ahead.Fetch([&] {
-            static_cast<void>(ReadAutoNode(dataBase_, PartitionOf(gui), nodeNumber, Labels::Read));
-            static_cast<void>(ReadEntry(dataBase_, PartitionOf(gui), nodeNumber));
+            static_cast<void>(ReadAutoNode(dataBase_, place, Labels::Read));
+            static_cast<void>(ReadEntry(dataBase_, place));
             static_cast<void>(LatestVersion(gui, nodeNumber));
         });
         AutoNode node;
-        AutoNodeReader reader(dataBase_, PartitionOf(gui), nodeNumber, Labels::Read);
+        AutoNodeReader reader(dataBase_, place, Labels::Read);
         exists = reader.ReadRecord(node);
         if (exists) {
             ShowSettings(gui, node);
@@ -141,7 +142,7 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
                 gui.LVExceptions->Insert(static_cast<int>(branch),
                                          {WithTarget(ExceptionRow(branch, target), gui, target)});
             }
-            auto entry = ReadEntry(dataBase_, PartitionOf(gui), nodeNumber);
+            auto entry = ReadEntry(dataBase_, place);
             gui.StoredNode = std::make_unique<GUI::Stored>(GUI::Stored{
                 nodeNumber, {{std::move(node), std::move(entry)}, LatestVersion(gui, nodeNumber)}});
             gui.lblRecordPosition->setText(QString::number(gui.cmbNode->ListIndex() + 1) + " of " +
@@ -159,7 +160,7 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
 }
 
 QString NodeRules::LabelOfNode(const GUI& gui, int nodeTypeID, int nodeNumber) {
-    return ShownLabel(LabelOf(dataBase_, PartitionOf(gui), NodeTypeOf(nodeTypeID), nodeNumber));
+    return ShownLabel(LabelOf(dataBase_, PartitionOf(gui), NodeKey{nodeTypeID, nodeNumber}.Itself()));
 }
 
 } // namespace KAL_AUTO_Node

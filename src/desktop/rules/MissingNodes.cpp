@@ -86,8 +86,9 @@ void NodeRules::CheckForUnReferencedNodes(GUI& gui, NodeSave& save) {
 }
 
 void NodeRules::AddNodeTolstRequired(RequiredNodes& required, const ListRow& row) {
-    Reporting("AddNodeTolstRequired",
-              [&] { required.Add(DisplayText(row).toStdString(), row.typeID, row.number); });
+    Reporting("AddNodeTolstRequired", [&] {
+        required.Add(DisplayText(row).toStdString(), {row.typeID, row.number});
+    });
 }
 
 } // namespace KAL_AUTO_Node

@@ -64,8 +64,7 @@ std::optional<bool> NodeRules::SettleOutcome(const GUI& gui) {
     }
     const auto& [place, version, sent] = *unsettled_;
     // The mark is a part of the save.
-    const bool whole = version > 0 ? history_.IsOwn(place, version)
-                                   : ReadAutoNode(dataBase_, place.partition, place.number) == sent;
+    const bool whole = version > 0 ? history_.IsOwn(place, version) : ReadAutoNode(dataBase_, place) == sent;
     const QString name = NameOf(gui, place.number);
     unsettled_.reset();
     Inform(whole ? name + " is stored as it was to be saved."
@@ -107,7 +106,7 @@ void NodeRules::AfterFailedSave(GUI& gui, std::int16_t nodeNumber, bool half) {
     if (half && OfferToPutBack(gui, nodeNumber)) {
         LoadData(gui, nodeNumber);
         gui.cmdApply->setEnabled(false);
-    } else if (auto stored = ReadContent(dataBase_, PartitionOf(gui), nodeNumber); stored.node) {
+    } else if (auto stored = ReadContent(dataBase_, {PartitionOf(gui), nodeNumber}); stored.node) {
         // What this window itself has left there is nobody else's change.
         gui.StoredNode = std::make_unique<GUI::Stored>(
             GUI::Stored{nodeNumber, {std::move(stored), LatestVersion(gui, nodeNumber)}});

@@ -39,9 +39,7 @@ int Edit(const NodePlace& place) {
     Business_Rules rules;
     rules.ShowNodeEditor(partition.config, partition.number, node);
     if (!rules.Opened()) {
-        TellError("AUTO node " + std::to_string(node) + " of configuration " +
-                  std::to_string(partition.config) + ", partition " + std::to_string(partition.number) +
-                  " could not be opened as it should from " + DataBase().File().string() +
+        TellError(place.Text() + " could not be opened as it should from " + DataBase().File().string() +
                   "; see the messages shown");
         return 1;
     }

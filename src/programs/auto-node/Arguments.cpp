@@ -77,19 +77,12 @@ void RequireNoObstacles(const std::vector<std::string>& obstacles) {
     throw std::runtime_error(text);
 }
 
-void FailWithoutNodes(Partition partition) {
-    throw std::runtime_error("configuration " + std::to_string(partition.config) + ", partition " +
-                             std::to_string(partition.number) + " has no nodes");
-}
+void FailWithoutNodes(Partition partition) { throw std::runtime_error(partition.Text() + " has no nodes"); }
 
-void FailWithout(const NodePlace& place) {
-    throw std::runtime_error("AUTO node " + std::to_string(place.number) + " of configuration " +
-                             std::to_string(place.partition.config) + ", partition " +
-                             std::to_string(place.partition.number) + " does not exist");
-}
+void FailWithout(const NodePlace& place) { throw std::runtime_error(place.Text() + " does not exist"); }
 
 AutoNode RequireAutoNode(DataBase& dataBase, const NodePlace& place) {
-    if (auto node = ReadAutoNode(dataBase, place.partition, place.number, Labels::ReadOfNodes)) {
+    if (auto node = ReadAutoNode(dataBase, place, Labels::ReadOfNodes)) {
         return std::move(*node);
     }
     FailWithout(place);

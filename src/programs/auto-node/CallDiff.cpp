@@ -25,7 +25,7 @@ class Telling {
 
     void Tell(Partition partition, const std::vector<NodeCallChanges>& nodes) {
         for (const auto& [node, changes] : nodes) {
-            const std::string name = names_.Name(node.first) + ' ' + std::to_string(node.second);
+            const std::string name = names_.Text(node);
             for (const CallChange& change : changes) {
                 any_ = true;
                 if (json_) {
@@ -53,8 +53,8 @@ class Telling {
             entries.push_back({{"low", low}, {"high", high}});
         }
         return {{"config", partition.config},    {"partition", partition.number},
-                {"typeID", node.first},          {"type", names_.Name(node.first)},
-                {"number", node.second},         {"what", change.what},
+                {"typeID", node.typeID},         {"type", names_.Name(node.typeID)},
+                {"number", node.number},         {"what", change.what},
                 {"entries", std::move(entries)}, {"before", change.before},
                 {"after", change.after},         {"says", change.says}};
     }
@@ -71,9 +71,9 @@ void Apply(CallMap& map, const RepointPlan& plan) {
     for (const auto& [use, typeID, type, number] : plan.changes) {
         const Reference to{typeID, type, number, {}};
         const ReferenceColumn& column = use.Column();
-        if (use.holderTypeID != AutoType) {
+        if (use.holder.typeID != AutoType) {
             for (auto* ways : {&map.others, &map.played}) {
-                for (OtherWay& way : (*ways)[{use.holderTypeID, use.holder}]) {
+                for (OtherWay& way : (*ways)[use.holder]) {
                     if (way.place == PlaceText(column, use.row)) {
                         way.target = {typeID, number, true, type};
                     }
@@ -81,11 +81,11 @@ void Apply(CallMap& map, const RepointPlan& plan) {
             }
             continue;
         }
-        const auto menu = map.menus.find(use.holder);
+        const auto menu = map.menus.find(use.holder.number);
         if (menu == map.menus.end()) {
             continue;
         }
-        AutoNode& node = edited.try_emplace(use.holder, menu->second.Node()).first->second;
+        AutoNode& node = edited.try_emplace(use.holder.number, menu->second.Node()).first->second;
         const auto branch = std::ranges::find(BranchRules, column.word, &BranchRule::column);
         const auto repoint = [&to, row = use.row, from = *use.number](auto& rows) {
             for (auto& item : rows) {
@@ -157,7 +157,7 @@ void PrintCalls(DataBase& dataBase, const NodePlace& place, const std::optional<
     const auto from = menu(before);
     const auto to = menu(after);
     Telling telling(names, json);
-    telling.Tell(place.partition, {{{AutoType, place.number}, Lasting(ComparingCalls, [&] {
+    telling.Tell(place.partition, {{place.Key(), Lasting(ComparingCalls, [&] {
                                         return CompareCalls(from ? &*from : nullptr, to ? &*to : nullptr);
                                     })}});
     telling.End();

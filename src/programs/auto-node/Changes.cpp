@@ -32,10 +32,9 @@ void PrintRepointed(const RepointPlan& plan, const TypeNames& names) {
     using enum Table::Align;
     Table table({Left, Left, Left});
     for (const auto& [use, typeID, type, number] : plan.changes) {
-        std::string change = use.type + ' ' + std::to_string(use.number.value_or(0));
-        change += " \u2192 " + type + ' ' + std::to_string(number);
-        table.Add({names.Name(use.holderTypeID) + ' ' + std::to_string(use.holder),
-                   PlaceText(use.Column(), use.row), change});
+        table.Add({names.Text(use.holder), PlaceText(use.Column(), use.row),
+                   NodeKey{0, use.number.value_or(0)}.Text(use.type) + " \u2192 " +
+                       NodeKey{typeID, number}.Text(type)});
     }
     table.Print(std::cout);
 }

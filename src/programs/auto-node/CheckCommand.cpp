@@ -123,18 +123,14 @@ class Checking {
     PartitionFindings Find(Partition partition) {
         CheckReader reader;
         reader.takeAutoNode = [&](int number, const AutoNode&) {
-            progress_->Show([&] {
-                return "configuration " + std::to_string(partition.config) + ", partition " +
-                       std::to_string(partition.number) + ": AUTO node " + std::to_string(number);
-            });
+            progress_->Show([&] { return partition.Text() + ": AUTO node " + std::to_string(number); });
         };
         progress_.emplace("Reading the store");
         PartitionFindings checked = CheckPartition(dataBase_, history_, partition, reader);
         progress_.reset();
         if (options_.oneNode) {
-            const int number = options_.place.number;
-            std::erase_if(checked.findings, [&](const Finding& finding) {
-                return finding.holder.typeID != AutoType || finding.holder.number != number;
+            std::erase_if(checked.findings, [node = options_.place.Key()](const Finding& finding) {
+                return finding.holder != node;
             });
             if (checked.findings.empty()) {
                 static_cast<void>(RequireAutoNode(dataBase_, options_.place));
@@ -171,13 +167,11 @@ class Checking {
 
     static void Print(Partition partition, const std::vector<Finding>& findings) {
         for (std::size_t i = 0; i < findings.size();) {
-            const NodeName& holder = findings[i].holder;
-            std::cout << Visible(holder.Text() + "  " + findings[i].label) << "  (configuration "
-                      << partition.config << ", partition " << partition.number << ")\n";
+            const NodeKey& holder = findings[i].holder;
+            std::cout << Visible(findings[i].Holder() + "  " + findings[i].label) << "  (" << partition.Text()
+                      << ")\n";
             Table table({Left, Left, Left, Left}, "  ");
-            for (; i < findings.size() && findings[i].holder.typeID == holder.typeID &&
-                   findings[i].holder.number == holder.number;
-                 ++i) {
+            for (; i < findings.size() && findings[i].holder == holder; ++i) {
                 const auto& [code, severity, meaning, advice] = RuleOf(findings[i].fault);
                 table.Add({NameOf(severity), code, findings[i].where, findings[i].subject});
             }
@@ -194,7 +188,7 @@ class Checking {
                                  {"config", partition.config},
                                  {"partition", partition.number},
                                  {"typeID", finding.holder.typeID},
-                                 {"type", finding.holder.type},
+                                 {"type", finding.holderType},
                                  {"number", finding.holder.number},
                                  {"label", finding.label},
                                  {"where", finding.where},

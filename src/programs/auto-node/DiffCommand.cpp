@@ -31,8 +31,7 @@ Option AddNumbers(const CommandArguments& command, const std::string& name, std:
 }
 
 std::optional<AutoNode> NodeBefore(DataBase& dataBase, const NodePlace& place, std::optional<int> version) {
-    return version ? History(dataBase).Before(place, *version).node
-                   : ReadContent(dataBase, place.partition, place.number).node;
+    return version ? History(dataBase).Before(place, *version).node : ReadContent(dataBase, place).node;
 }
 
 int Run(const Options& options, DataBase& dataBase) {

@@ -163,8 +163,7 @@ int Run(const Options& options, DataBase& dataBase) {
     const TypeNames names(dataBase);
     const CallMap map = ReadMap(dataBase, names, partition);
     if (map.menus.empty()) {
-        throw std::runtime_error("configuration " + std::to_string(partition.config) + ", partition " +
-                                 std::to_string(partition.number) + " has no AUTO nodes");
+        throw std::runtime_error(partition.Text() + " has no AUTO nodes");
     }
     WriteExpectations(map, names, [](const std::string& line) { std::cout << Visible(line) << '\n'; });
     return 0;

@@ -64,11 +64,6 @@ CallFlow Read(const Options& options, DataBase& dataBase) {
     });
 }
 
-std::string PlaceOf(Partition partition) {
-    return "configuration " + std::to_string(partition.config) + ", partition " +
-           std::to_string(partition.number);
-}
-
 // All but the template.
 std::set<int> NodesOf(const CallFlow& flow) {
     std::set<int> shown;
@@ -78,7 +73,7 @@ std::set<int> NodesOf(const CallFlow& flow) {
         }
     }
     if (shown.empty()) {
-        throw std::runtime_error("there are no AUTO nodes in " + PlaceOf(flow.partition));
+        throw std::runtime_error("there are no AUTO nodes in " + flow.partition.Text());
     }
     return shown;
 }
@@ -96,7 +91,7 @@ std::string GraphOf(const Options& options, DataBase& dataBase) {
     if (options.section > 0) {
         auto sections = AutoNodesBySection(flow, shown);
         if (static_cast<std::size_t>(options.section) > sections.size()) {
-            throw std::runtime_error(PlaceOf(flow.partition) + " has " + Counted(sections.size(), "section") +
+            throw std::runtime_error(flow.partition.Text() + " has " + Counted(sections.size(), "section") +
                                      ", no " + std::to_string(options.section));
         }
         shown = std::move(sections.at(static_cast<std::size_t>(options.section - 1)).nodes);
@@ -119,7 +114,7 @@ int ListSections(const Options& options, DataBase& dataBase) {
     for (const auto& [first, nodes] : AutoNodesBySection(flow, NodesOf(flow))) {
         const AutoNode& node = flow.nodes.at(first);
         table.Add({std::to_string(++count),
-                   node.type + ' ' + std::to_string(first) + ' ' + node.label.value_or(""),
+                   NodeKey{AutoType, first}.Text(node.type) + ' ' + node.label.value_or(""),
                    std::to_string(nodes.size())});
     }
     table.Print(std::cout);

@@ -37,7 +37,7 @@ std::optional<NodeContent> ReadBefore(History& history, const NodePlace& place, 
 
 std::vector<Change> ReadChanges(DataBase& dataBase, History& history, const NodePlace& place) {
     std::vector<Change> changes;
-    std::optional after = ReadContent(dataBase, place.partition, place.number);
+    std::optional after = ReadContent(dataBase, place);
     for (Version& version : history.Versions(place)) {
         auto before = ReadBefore(history, place, version.number);
         auto words = before && after ? ChangesInWords(before->node, after->node)

@@ -101,9 +101,7 @@ struct ChangedNode {
 };
 
 void Print(const ChangedNode& node) {
-    const auto& [partition, number] = node.place;
-    std::cout << "AUTO node " << number << " of configuration " << partition.config << ", partition "
-              << partition.number << ":\n";
+    std::cout << node.place.Text() << ":\n";
     if (node.changes.empty()) {
         std::cout << "    nothing that the editor shows\n";
     } else {
@@ -122,11 +120,7 @@ void Print(const ExchangeReport::Table& table) {
     }
 }
 
-std::string Named(const std::optional<Partition>& scope) {
-    return scope ? "configuration " + std::to_string(scope->config) + ", partition " +
-                       std::to_string(scope->number)
-                 : "the whole store";
-}
+std::string Named(const std::optional<Partition>& scope) { return scope ? scope->Text() : "the whole store"; }
 
 int CarryBack(const Options& options, DataBase& dataBase) {
     std::vector<ChangedNode> nodes;

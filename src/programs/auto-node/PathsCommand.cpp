@@ -32,8 +32,8 @@ struct Options {
 
 class Telling {
   public:
-    Telling(const CallMap& map, const TypeNames& names, NodeKey to)
-        : map_(map), names_(names), to_(std::move(to)) {}
+    Telling(const CallMap& map, const TypeNames& names, const NodeKey& to)
+        : map_(map), names_(names), to_(to) {}
 
     void Add(int from, const std::vector<PathStep>& steps, bool certain) {
         std::string line = std::to_string(map_.partition.config) + ' ' +
@@ -44,9 +44,9 @@ class Telling {
         for (const auto& [step, node] : steps) {
             line += ' ' + step;
             words.push_back(step);
-            nodes.push_back({{"typeID", node.first},
-                             {"type", names_.Name(node.first)},
-                             {"number", node.second},
+            nodes.push_back({{"typeID", node.typeID},
+                             {"type", names_.Name(node.typeID)},
+                             {"number", node.number},
                              {"label", map_.LabelOf(node)}});
             if (&node != &steps.back().node) {
                 over += (over.empty() ? "over " : ", ") + Named(node);
@@ -70,9 +70,7 @@ class Telling {
         }
     }
 
-    [[nodiscard]] std::string Named(const NodeKey& node) const {
-        return names_.Name(node.first) + ' ' + std::to_string(node.second);
-    }
+    [[nodiscard]] std::string Named(const NodeKey& node) const { return names_.Text(node); }
 
   private:
     const CallMap& map_;
@@ -84,11 +82,11 @@ class Telling {
 
 int Run(const Options& options, DataBase& dataBase) {
     const TypeNames names(dataBase);
-    const int typeID = names.Meant(options.type);
-    if (typeID == NumberlessType || typeID == NumberlessExceptionType) {
-        throw RuntimeError(ErrorNumber::InvalidProcedureCall, names.Name(typeID) + " is no node");
+    const NodeKey meant{names.Meant(options.type), options.number};
+    if (meant.typeID == NumberlessType || meant.typeID == NumberlessExceptionType) {
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall, names.Name(meant.typeID) + " is no node");
     }
-    const NodeKey to{NodeTypeOf(typeID), options.number};
+    const NodeKey to = meant.Itself();
     const auto from = options.fromOne ? std::optional<int>(options.from) : std::nullopt;
     const auto [map, paths] = Lasting("Looking for ways", [&] {
         CallMap whole = ReadCallMap(dataBase, names, options.partition);

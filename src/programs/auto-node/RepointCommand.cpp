@@ -58,11 +58,10 @@ int Run(const Options& options, DataBase& dataBase) {
     }
     PrintRepointed(plan, names);
     if (plan.changes.empty()) {
-        const NodeID& from = replacements.empty() ? NodeID() : replacements.front().from;
+        const NodeKey& from = replacements.empty() ? NodeKey() : replacements.front().from;
         std::cout << "Nothing refers to "
-                  << (options.map.empty()
-                          ? Visible(names.Name(from.typeID)) + ' ' + std::to_string(from.number)
-                          : "the nodes of " + Visible(options.map))
+                  << (options.map.empty() ? Visible(names.Text(from))
+                                          : "the nodes of " + Visible(options.map))
                   << ".\n";
     } else {
         std::cout << (options.dryRun ? "Would change " : "Changed ")

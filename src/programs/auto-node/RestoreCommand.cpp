@@ -45,7 +45,7 @@ Subcommand RestoreCommand(CommandLine& program) {
         }
         const auto [before, after] = Lasting("Putting the node back", [&] {
             NodeContent earlier = history.ToPutBack(place, version);
-            return std::pair(options->dryRun ? ReadContent(dataBase, place.partition, place.number)
+            return std::pair(options->dryRun ? ReadContent(dataBase, place)
                                              : history.PutBack(place, version, "restore"),
                              std::move(earlier));
         });

@@ -74,7 +74,7 @@ Subcommand ShowCommand(CommandLine& program) {
                 if (options->json) {
                     std::string text;
                     JsonWriter json(text, NotUtf8::Bytes, JsonWriter::Layout::Lines);
-                    WriteNode(json, place.partition, place.number, node, Labels::Read);
+                    WriteNode(json, place, node, Labels::Read);
                     std::cout << text << '\n';
                 } else {
                     Print(place, node);

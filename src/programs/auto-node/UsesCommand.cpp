@@ -30,19 +30,19 @@ struct Options {
 int Run(const Options& options, DataBase& dataBase) {
     const Partition partition = options.partition;
     const TypeNames names(dataBase);
-    const int typeID = names.Meant(options.type);
-    const auto uses = Lasting("Looking for references",
-                              [&] { return ReadUses(dataBase, partition, names, typeID, options.number); });
-    const std::string name = names.Name(NodeTypeOf(typeID)) + ' ' + std::to_string(options.number);
+    const NodeKey node = NodeKey{names.Meant(options.type), options.number}.Itself();
+    const auto uses =
+        Lasting("Looking for references", [&] { return ReadUses(dataBase, partition, names, node); });
+    const std::string name = names.Text(node);
     // What refers to a missing node is worth knowing.
-    if (uses.empty() && !IsNodeExisted(dataBase, partition, typeID, options.number)) {
+    if (uses.empty() && !IsNodeExisted(dataBase, partition, node)) {
         throw std::runtime_error(name + " does not exist, and nothing refers to it");
     }
     ReadAhead ahead(dataBase);
     Lasting("Reading labels", [&] {
         ahead.Fetch([&] {
             for (const StoredReference& use : uses) {
-                static_cast<void>(LabelOf(dataBase, partition, use.holderTypeID, use.holder));
+                static_cast<void>(LabelOf(dataBase, partition, use.holder));
             }
         });
     });
@@ -51,23 +51,21 @@ int Run(const Options& options, DataBase& dataBase) {
     const StoredReference* before = nullptr;
     std::string label;
     for (const StoredReference& use : uses) {
-        if (before == nullptr || before->holderTypeID != use.holderTypeID || before->holder != use.holder) {
-            label = LabelOf(dataBase, partition, use.holderTypeID, use.holder);
+        if (before == nullptr || before->holder != use.holder) {
+            label = LabelOf(dataBase, partition, use.holder);
         }
         before = &use;
-        const std::string type = names.Name(use.holderTypeID);
         const std::string place = PlaceText(use.Column(), use.row);
         if (options.json) {
-            document.push_back({{"typeID", use.holderTypeID},
-                                {"type", type},
-                                {"number", use.holder},
+            document.push_back({{"typeID", use.holder.typeID},
+                                {"type", names.Name(use.holder.typeID)},
+                                {"number", use.holder.number},
                                 {"label", label},
                                 {"place", place},
                                 {"table", use.Column().table},
                                 {"as", use.type}});
         } else {
-            table.Add({type + ' ' + std::to_string(use.holder), label, place,
-                       use.type + ' ' + std::to_string(options.number)});
+            table.Add({names.Text(use.holder), label, place, node.Text(use.type)});
         }
     }
     if (options.json) {
