@@ -87,7 +87,9 @@ NodeContent IntendedContent(const NodeContent& before, int saver, int rows) {
     return content;
 }
 
-const char* NameOf(Journal journal) { return journal == Journal::WriteAhead ? "WAL" : "rollback"; }
+const char* NameOf(Journal journal) {
+    return journal == Journal::WriteAhead ? "WAL" : journal == Journal::Rollback ? "rollback" : "server";
+}
 
 Scene::Scene(Journal journal, int rows) : rows_(rows) {
     {
@@ -95,10 +97,16 @@ Scene::Scene(Journal journal, int rows) : rows_(rows) {
         const NodeContent demo = ReadContent(dataBase, Place);
         WriteAutoNode(dataBase, Place, Intended(*demo.node, 0, rows), "01/02/2003");
     }
-    store_.Execute(Oddities);
+    if (journal != Journal::Server) {
+        store_.Execute(Oddities);
+    }
     {
         DataBase dataBase;
         before_ = ReadContent(dataBase, Place);
+        if (journal == Journal::Server) {
+            static_cast<void>(History(dataBase).Prepare());
+            return;
+        }
     }
     const char* mode = journal == Journal::WriteAhead ? "WAL" : "DELETE";
     static_cast<void>(store_.Rows(std::string("PRAGMA journal_mode = ") + mode));
@@ -106,6 +114,13 @@ Scene::Scene(Journal journal, int rows) : rows_(rows) {
 }
 
 void Scene::Reset() {
+    if (TestStore::OnServer()) {
+        DataBase dataBase;
+        WriteContent(dataBase, Place, before_);
+        dataBase.Flush();
+        store_.Execute("TRUNCATE Node_AUTO_Version");
+        return;
+    }
     for (const char* ending : {"", "-wal", "-shm", "-journal"}) {
         std::filesystem::remove(File().string() + ending);
     }

@@ -34,7 +34,8 @@ void CreateMissing(NodeSave& save);
 [[nodiscard]] AutoNode Intended(AutoNode node, int saver, int rows);
 [[nodiscard]] NodeContent IntendedContent(const NodeContent& before, int saver, int rows);
 
-enum class Journal { WriteAhead, Rollback };
+// Of a server's there is nothing to choose.
+enum class Journal { WriteAhead, Rollback, Server };
 inline constexpr std::array Journals = {Journal::WriteAhead, Journal::Rollback};
 [[nodiscard]] const char* NameOf(Journal journal);
 

@@ -3,6 +3,8 @@
 // taken, and when many save at once. Prints a row for each case, and fails where anything was lost or passed
 // unseen. ServerFaults [brief|long]
 
+#include "Actor.h"
+#include "Cases.h"
 #include "Report.h"
 #include "Scene.h"
 #include "TestServerProcess.h"
@@ -155,12 +157,21 @@ void CutLine(Row& row, Site& site, std::size_t tries) {
     static_cast<void>(site.line.Passed());
     static_cast<void>(saver.Load());
     const std::size_t first = site.line.Passed();
+    std::size_t last = 0; // where the exchange begins that holds the commit
+    std::size_t passed = 0;
+    site.line.AtWay = [&](int) { last = passed += site.line.Passed(); };
     Save(saver, 1, false);
-    const std::size_t bytes = site.line.Passed() - first;
-    row.remarks = std::to_string(bytes) + " bytes";
-    tries = std::min(tries, bytes);
-    for (std::size_t i = 0; i < tries; ++i) {
-        const std::size_t byte = first + i * bytes / tries;
+    site.line.AtWay = nullptr;
+    const std::size_t bytes = passed + site.line.Passed();
+    row.remarks = std::to_string(bytes) + " bytes, " + std::to_string(bytes - last) + " from the commit on";
+    // Where not all of them are tried, half are of those.
+    const std::size_t late = std::min(tries / 2, bytes - last);
+    const std::size_t early = std::min(tries - late, bytes - late);
+    for (std::size_t i = 0; i < early + late; ++i) {
+        const bool all = early + late == bytes;
+        const std::size_t byte = first + (all         ? i
+                                          : i < early ? i * last / early
+                                                      : last + (i - early) * (bytes - last) / late);
         forget();
         Break(
             row, site.link, false, "byte " + std::to_string(byte), [&] { site.line.CutAfter(byte); },
@@ -243,6 +254,13 @@ int Run(bool atLength, const std::string& only) {
         tell("line cut at each byte of a save",
              [&](Row& row) { CutLine(row, site, atLength ? 100'000 : 40); });
         tell("commit refused", [&](Row& row) { RefuseCommits(row, site, atLength ? 20 : 2); });
+        if (std::string_view("races").find(only) != std::string_view::npos) {
+            setenv("KAL_TEST_SERVER", site.server.Folder().c_str(), 1);
+            RaceSaves({atLength}, [&](const Row& row) {
+                Print(std::cout, row);
+                good &= row.Good();
+            });
+        }
         tell("many at once, serializable", [&](Row& row) { SaveAtOnce(row, site, 8, atLength ? 250 : 5); });
     }
     tell("primary killed, standby promoted", [&](Row& row) {
@@ -259,6 +277,9 @@ int Run(bool atLength, const std::string& only) {
 
 int main(int argc, char** argv) {
     const std::string extent = argc > 1 ? argv[1] : "brief";
+    if (extent == "actor") {
+        return KAL_AUTO_Node::Act();
+    }
     if (argc > 3 || (extent != "brief" && extent != "long")) {
         std::cerr << "ServerFaults [brief|long [WORDS OF A CASE]]\n";
         return 2;

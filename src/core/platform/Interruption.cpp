@@ -2,6 +2,8 @@
 
 #include "platform/RuntimeError.h"
 
+#include <algorithm>
+
 namespace KAL_AUTO_Node {
 
 namespace {
@@ -26,15 +28,19 @@ Interruption::Interruption() {
 
 Interruption::~Interruption() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
 
-void Interruption::Look() {
+bool Interruption::IsWanted() {
     sigset_t pending;
     sigset_t blocked;
     sigpending(&pending);
     pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
-    for (const int signal : Ending) {
-        if (sigismember(&pending, signal) == 1 && sigismember(&blocked, signal) == 1) {
-            throw RuntimeError(ErrorNumber::StoreFailure, "Interrupted");
-        }
+    return std::ranges::any_of(Ending, [&](int signal) {
+        return sigismember(&pending, signal) == 1 && sigismember(&blocked, signal) == 1;
+    });
+}
+
+void Interruption::Look() {
+    if (IsWanted()) {
+        throw RuntimeError(ErrorNumber::StoreFailure, "Interrupted");
     }
 }
 

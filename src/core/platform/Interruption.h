@@ -16,6 +16,8 @@ class Interruption {
     Interruption& operator=(const Interruption&) = delete;
 
     static void Look();
+    // Whether it was told, for what has more to do than to raise.
+    [[nodiscard]] static bool IsWanted();
 
   private:
     sigset_t before_{};

@@ -1,6 +1,7 @@
 // What travels between a PostgresConnection and its server.
 
 #include "platform/FoldCase.h"
+#include "platform/Interruption.h"
 #include "server/PostgresErrors.h"
 #include "server/PostgresStatement.h"
 
@@ -21,6 +22,9 @@ constexpr std::int64_t ResultLimit = std::int64_t{512} << 20;
 // What others' work at the same moment has taken back is done once more.
 constexpr int MostTries = 10;
 constexpr std::chrono::milliseconds BetweenTries(10);
+
+// Whether somebody wants to end the process.
+constexpr std::chrono::milliseconds BetweenLooks(200);
 
 // The same run again has the same text.
 std::string TextOf(const StatementRun& run) {
@@ -318,7 +322,14 @@ void PostgresConnection::Await() {
     pollfd socket{PQsocket(connection), static_cast<short>(unsent > 0 ? POLLIN | POLLOUT : POLLIN), 0};
     const auto left =
         std::chrono::ceil<std::chrono::milliseconds>(answerBy_ - std::chrono::steady_clock::now());
-    const int ready = left.count() > 0 ? poll(&socket, 1, static_cast<int>(left.count())) : 0;
+    const auto wait = std::min(left, BetweenLooks);
+    const int ready = wait.count() > 0 ? poll(&socket, 1, static_cast<int>(wait.count())) : 0;
+    if (ready == 0 && Interruption::IsWanted()) {
+        FailLost("Interrupted");
+    }
+    if (ready == 0 && left > wait) {
+        return;
+    }
     if (ready == 0) {
         FailLost("The server does not answer any more; waited " +
                  std::to_string(std::chrono::ceil<std::chrono::seconds>(answerLimit_).count()) + " seconds");

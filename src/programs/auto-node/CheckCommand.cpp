@@ -8,6 +8,7 @@
 #include "history/History.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/NodeJson.h"
+#include "platform/Interruption.h"
 #include "platform/RuntimeError.h"
 #include "platform/Today.h"
 #include "platform/VisibleText.h"
@@ -123,6 +124,7 @@ class Checking {
     PartitionFindings Find(Partition partition) {
         CheckReader reader;
         reader.takeAutoNode = [&](int number, const AutoNode&) {
+            Interruption::Look();
             progress_->Show([&] { return partition.Text() + ": AUTO node " + std::to_string(number); });
         };
         progress_.emplace("Reading the store");

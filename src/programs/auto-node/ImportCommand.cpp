@@ -58,6 +58,7 @@ void Print(const JetReport& report) {
 // Into a store that is made for it, or one that was made and holds nothing yet, such as one on a server.
 int BringOver(const Options& options, const std::filesystem::path& store) {
     const bool exists = std::filesystem::exists(std::filesystem::symlink_status(store));
+    const Interruption interruption;
     JetReport report;
     {
         Progress progress("Reading the file");
@@ -76,7 +77,6 @@ int BringOver(const Options& options, const std::filesystem::path& store) {
             all.Commit();
             dataBase.Flush();
         } else {
-            const Interruption interruption;
             CreateStore(store, fill);
         }
     }
