@@ -148,7 +148,7 @@ double ImportTold(const std::filesystem::path& file) {
     const TestStore empty(StoreContent::Empty);
     return SecondsOn(empty, [&](DataBase& dataBase) {
         Transaction all(dataBase);
-        static_cast<void>(ImportJet(dataBase, "/bin/cat", file, Damage::Refuse, [](const auto&...) {}));
+        static_cast<void>(ImportJet(dataBase, {"/bin/cat"}, file, Damage::Refuse, [](const auto&...) {}));
         all.Commit();
         dataBase.Flush();
     });

@@ -122,6 +122,18 @@ TEST_F(Access, TheFocusStaysWhereItIsOfUse) {
         }
         EXPECT_TRUE(Person::Window("GUI")->isVisible() && !Person::Dirty());
         EXPECT_EQ(Person::Focused() + Person::Text("cmbNode"), "cmbNodeAUTO 40");
+        Person::List("LVPrompts")->setFocus();
+        std::string stops;
+        do {
+            stops += Person::Focused() + ' ';
+            Press(Qt::Key_Tab);
+        } while (Person::Focused() != "LVPrompts" && stops.size() < 2000);
+        EXPECT_EQ(stops,
+                  "LVPrompts cmdPromptsAdd cmdPromptsInsert cmdPromptsRemove cmdPromptsEdit cmdPromptsUp "
+                  "cmdPromptsDown cmdQuickPrompts LVActions cmdActionsAdd cmdActionsInsert cmdActionsRemove "
+                  "cmdActionsEdit cmdActionsUp cmdActionsDown cmdQuickActions LVExceptions cmdExceptionsEdit "
+                  "cmdExceptionsDefault cmdOK cmdCancel cmdFirst cmdPrevious cmbNode txtDescription "
+                  "cmbNumDigits cmbTermDigit cmbRetryLimit cmbSelTimeOut cmbDigitTimeOut ");
     });
 }
 

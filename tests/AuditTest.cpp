@@ -10,10 +10,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <fstream>
 #include <random>
 #include <set>
 #include <sstream>
+#include <thread>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -249,13 +251,25 @@ TEST(References, AreRepointedAllOrNone) {
 
     store.Allow();
     const std::size_t before = uses(60);
+    // Another program adds one until it may be written.
+    std::optional<SQLite::Database> other;
+    std::jthread commits;
+    if (!TestStore::OnServer()) {
+        other.emplace(store.File().string(), SQLite::OPEN_READWRITE)
+            .exec("BEGIN IMMEDIATE; INSERT INTO Detail_AUTO_Prompts VALUES (1, 2, 99, 0, 249, 2, 'MSG')");
+        commits = std::jthread([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            other->exec("COMMIT");
+        });
+    }
     EXPECT_EQ(repoint({0, 60}), std::vector<std::string>());
     EXPECT_EQ(uses(249), 0U);
-    EXPECT_EQ(uses(60), before + all);
+    EXPECT_EQ(uses(60), before + all + (other ? 1 : 0));
     EXPECT_EQ(store.Value("SELECT NodeTypeID || NodeType FROM Detail_AUTO_Prompts WHERE NodeNumber = 60"
                           " ORDER BY NodeTypeID DESC"),
               "817M_ON");
-    EXPECT_EQ(store.Value("SELECT COUNT(*) FROM Node_General_Pool WHERE DateModified = 'today'"), "10");
+    EXPECT_EQ(store.Value("SELECT COUNT(*) FROM Node_General_Pool WHERE DateModified = 'today'"),
+              other ? "11" : "10");
     history.PutBack({partition, 0}, 1, "restore");
     EXPECT_EQ(uses(249), 7U) << "those of the AUTO node";
 }

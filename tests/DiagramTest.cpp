@@ -72,6 +72,10 @@ TEST(Diagram, IsCutIntoSectionsThatCanBeTakenIn) {
     EXPECT_EQ(whole.Sections().size(), 1U);
     EXPECT_TRUE(whole.IsLine({AutoType, 1}, {AutoType, 2}));
     EXPECT_FALSE(whole.IsLine({AutoType, 2}, {AutoType, 1})) << "everything leads there";
+    for (const int count : {60, 61}) {
+        const CallFlow large = Tree(count);
+        EXPECT_EQ(DotText(large, All(large), {}).find("retry limit") != std::string::npos, count == 60);
+    }
 }
 
 TEST(Diagram, SurroundsANodeByStepsOnwardsAndBack) {
@@ -149,12 +153,12 @@ TEST(Diagram, MergesWaysIntoOneLineAndMuchIntoOneStack) {
 TEST(Diagram, CostsAMessageWhereDotFails) {
     const EnvironmentVariable path("PATH");
     const TemporaryFolder folder;
-    const auto fail = [&](const std::string& script, const std::string& told) {
+    const auto fail = [&](const std::string& script, const std::string& told, const char* format = "svg") {
         const auto program = folder.Path() / "dot";
         std::ofstream(program) << "#!/bin/sh\n" << script;
         std::filesystem::permissions(program, std::filesystem::perms(0755));
         try {
-            static_cast<void>(DrawGraph("digraph { a }", "svg", seconds(1)));
+            static_cast<void>(DrawGraph("digraph { a }", format, seconds(1)));
             ADD_FAILURE() << script;
         } catch (const std::runtime_error& error) {
             EXPECT_NE(std::string(error.what()).find(told), std::string::npos) << error.what();
@@ -162,9 +166,11 @@ TEST(Diagram, CostsAMessageWhereDotFails) {
     };
     path.Set(folder.Path().string() + ":/usr/bin:/bin");
     fail("exec sleep 100", "longer than 1 seconds");
+    fail("echo $* $(ulimit -t) >&2", "status 0: -Tsvg 2");
     fail("kill -SEGV $$", "crashed: Segmentation fault");
     fail("echo 'no \033 go' >&2; exit 3", "status 3: no \\x1b go");
     fail("", "status 0");
+    fail("echo $* >&2", "status 0: -Tpng -Gsize=72,72", "png");
     fail("echo picture; exit 1", "status 1");
     path.Set(folder.Path().string() + "/none");
     EXPECT_THROW(static_cast<void>(DrawGraph("digraph { a }", "svg", seconds(1))), std::runtime_error);

@@ -111,11 +111,19 @@ lines, "quoted" \    😀';
     // What a killed export left is written anew; through a link the file is replaced.
     Write(store.Folder() / "out.json.new", std::string(4'000'000, 'x'));
     std::filesystem::create_symlink(store.Folder() / "out.json", store.Folder() / "link.json");
+    // It is one state of the store, whatever others write meanwhile.
+    int written = 0;
     {
         DataBase dataBase;
-        Export(dataBase, {}, store.Folder() / "link.json");
+        Export(dataBase, {}, store.Folder() / "link.json", [&](std::uint64_t) {
+            store.Execute("UPDATE Detail_DBN_Prompts SET PromptNodeNumber = PromptNodeNumber + 1");
+            ++written;
+        });
     }
     EXPECT_EQ(BytesOf(store.Folder() / "out.json"), whole);
+    EXPECT_GT(written, 0);
+    store.Execute("UPDATE Detail_DBN_Prompts SET PromptNodeNumber = PromptNodeNumber - " +
+                  std::to_string(written));
     EXPECT_TRUE(std::filesystem::is_symlink(store.Folder() / "link.json"));
     EXPECT_EQ(store.Value("SELECT COUNT(*) FROM Node_AUTO_Version"), "0");
     const auto rows = [](const TestStore& of) {
@@ -166,10 +174,15 @@ TEST(Exchange, TellsWhatChangesAndKeepsNodesInTheHistory) {
         UPDATE Node_MSG SET Comment = 'c', Password = 'p' WHERE PartID = 1 AND NodeNumber = 1;
         DELETE FROM Node_General_Pool WHERE NodeTypeID = 77 AND NodeNumber BETWEEN 700 AND 1900;
         INSERT INTO Node_General_Pool VALUES (1, 2, 77, 3000, 'X', NULL, NULL), (1, 2, 77, -1, 'X', NULL, NULL))");
+    // A save that ended half-way, which the import goes over.
+    store.Execute(
+        "INSERT INTO Node_AUTO_Version (ConfigID, PartID, NodeNumber, VersionNo, Work, State, BegunAt,"
+        " UserName, HostName, Program, ProcessID, ProcessStart, Content) VALUES (1, 2, 5, 1, 'save',"
+        " 'failed', '', '', '', '', 1, '', '{\"node\":null}')");
     const std::string after = ExportOf(store);
     const std::string told = ImportInto(store, before, Import::OnlyTell);
     EXPECT_EQ(ExportOf(store), after);
-    EXPECT_EQ(store.Value("SELECT COUNT(*) FROM Node_AUTO_Version"), "0");
+    EXPECT_EQ(store.Value("SELECT COUNT(*) FROM Node_AUTO_Version"), "1");
     EXPECT_EQ(ImportInto(store, before), told);
     EXPECT_EQ(ExportOf(store), before);
     EXPECT_EQ(told, R"(AUTO 2/5 changed: label "Other" → "Order status"
@@ -183,11 +196,12 @@ Detail_AUTO_Action +0 ~1 -0
 Node_MSG +0 ~1 -0
   changed ConfigID 1, PartID 1, NodeNumber 1, NodeTypeID 0: Password, Comment
 )");
-    EXPECT_EQ(store.Rows("SELECT NodeNumber, Work, State FROM Node_AUTO_Version ORDER BY NodeNumber"),
-              (std::vector<std::string>{"5|import|finished", "6|import|finished", "7|import|finished",
-                                        "39|import|finished"}));
+    EXPECT_EQ(
+        store.Rows("SELECT NodeNumber, Work, State FROM Node_AUTO_Version ORDER BY NodeNumber, VersionNo"),
+        (std::vector<std::string>{"5|save|left", "5|import|finished", "6|import|finished",
+                                  "7|import|finished", "39|import|finished"}));
     DataBase dataBase;
-    History(dataBase).PutBack({{1, 2}, 5}, 1, "restore");
+    History(dataBase).PutBack({{1, 2}, 5}, 2, "restore");
     EXPECT_EQ(store.Value("SELECT NodeDescription FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 5"),
               "Other");
 }

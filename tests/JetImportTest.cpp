@@ -8,7 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
+#include <tuple>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -24,7 +26,7 @@ struct Outcome {
 };
 
 Outcome BringOver(const std::filesystem::path& file, const std::filesystem::path& folder,
-                  const char* reader = JET_READER, Damage damage = Damage::Refuse) {
+                  const JetReader& reader = {JET_READER}, Damage damage = Damage::Refuse) {
     Outcome outcome{folder / "store" / "NewDB.mdb", {}, {}};
     try {
         CreateStore(outcome.store, [&](DataBase& dataBase) {
@@ -106,6 +108,7 @@ TEST(JetImport, WritesDatesAndTextsInOneForm) {
                                                     {-1.25, "12/29/1899 06:00"},
                                                     {10959, "01/01/30"},
                                                     {10958, "12/31/1929"},
+                                                    {47483, "12/31/29"},
                                                     {47484, "01/01/2030"},
                                                     {-657434, "01/01/0100"},
                                                     {2958465, "12/31/9999"}};
@@ -114,6 +117,10 @@ TEST(JetImport, WritesDatesAndTextsInOneForm) {
     }
     for (const double date : {-657435.0, 2958466.0, 1e300, std::numeric_limits<double>::quiet_NaN()}) {
         EXPECT_EQ(JetDateText(date), std::nullopt) << date;
+    }
+    for (const auto& [written, text] :
+         {std::pair{"12.5000", "12.5"}, {"-7.0000", "-7"}, {"0.0000", "0"}, {"100", "100"}}) {
+        EXPECT_EQ(JetDecimalText(written), text);
     }
     using namespace std::string_view_literals;
     const std::pair<std::string_view, std::optional<std::string>> texts[] = {
@@ -147,7 +154,7 @@ class ToldFile {
 
     [[nodiscard]] Outcome BringOver(const TemporaryFolder& folder, Damage damage = Damage::Refuse) const {
         Write(folder.Path() / "told", stream_);
-        return KAL_AUTO_Node::BringOver(folder.Path() / "told", folder.Path(), "/bin/cat", damage);
+        return KAL_AUTO_Node::BringOver(folder.Path() / "told", folder.Path(), {"/bin/cat"}, damage);
     }
 
   private:
@@ -190,7 +197,7 @@ TEST(JetImport, TakesOtherShapesAndTellsWhatItCannotTake) {
                    {"2", "1", "2", "0", "22", "5", "MSG"},
                    {"2", "1", "1", "0", "70000", "6", ""}});
         TellTable(writer,
-                  {"Node_CMD", 6, {"ConfigID", "PartID", "NodeTypeID", "NodeNumber", "NodeDescription"}},
+                  {"Node_CMD", 5, {"ConfigID", "PartID", "NodeTypeID", "NodeNumber", "NodeDescription"}},
                   {{"1", "2", "1", " 007 ", "kept"},
                    {"1", "2", "1", "7", "again"},
                    {"1", "2", "1", "8.5", "no number"},
@@ -218,6 +225,7 @@ TEST(JetImport, TakesOtherShapesAndTellsWhatItCannotTake) {
     EXPECT_EQ(report.remarks.front(),
               "Detail_AUTO_Prompts: sequence numbers were doubled in 1 list; the rows stay in "
               "their order, numbered anew from there on");
+    EXPECT_EQ(std::ranges::count(report.remarks, "Node_CMD: the file counts fewer rows than it holds"), 1);
 }
 
 TEST(JetImport, RefusesADamagedFileAndLeavesNothing) {
@@ -238,6 +246,12 @@ TEST(JetImport, RefusesADamagedFileAndLeavesNothing) {
     state[table.find('R') + 5] = 3;
     const std::pair<std::string, const char*> cases[] = {
         {table, "should hold 7 rows, and 1 can be read"},
+        {part([](JetFrameWriter& writer) {
+             writer.TakeTable({"Node_CMD", 0, {"ConfigID"}});
+             writer.TakeEndOfTable(2);
+             writer.End();
+         }),
+         "should hold 0 rows, and 0 can be read, 2 cannot"},
         {table.substr(0, table.size() - 1), "ended before"},
         {table.substr(0, none.size() + 3), "ended before"},
         {table + "x", "its own form"},
@@ -257,26 +271,36 @@ TEST(JetImport, RefusesADamagedFileAndLeavesNothing) {
     const auto file = folder.Path() / "told";
     for (const auto& [stream, why] : cases) {
         Write(file, stream);
-        const std::string failure = BringOver(file, folder.Path(), "/bin/cat").failure;
+        const std::string failure = BringOver(file, folder.Path(), {"/bin/cat"}).failure;
         EXPECT_NE(failure.find(why), std::string::npos) << failure << " does not tell " << why;
         EXPECT_NE(failure.find("'" + file.string() + "'"), std::string::npos) << failure;
     }
     Write(file, table);
-    EXPECT_EQ(BringOver(file, folder.Path(), "/bin/cat", Damage::Accept).report.damage.size(), 1U);
+    EXPECT_EQ(BringOver(file, folder.Path(), {"/bin/cat"}, Damage::Accept).report.damage.size(), 1U);
     std::filesystem::remove_all(folder.Path() / "store");
 
     const auto reader = folder.Path() / "reader";
-    for (const auto& [script, why] :
-         std::initializer_list<std::pair<const char*, const char*>>{{"kill -SEGV $$", "crashed over it"},
-                                                                    {"kill -XCPU $$", "came to no end"},
-                                                                    {"exit 1", "ended before"},
-                                                                    {"exec 1>&-; sleep 60", "ended"}}) {
+    const std::tuple<const char*, std::uint64_t, const char*> scripts[] = {
+        {"kill -SEGV $$", 3, "crashed over it"},
+        {"kill -XCPU $$", 3, "came to no end"},
+        {"exit 1", 3, "ended before"},
+        {"exec 1>&-; sleep 60", 3, "ended"},
+        {"exec sleep 60", 0, "came to no end"},
+        {"[ $(ulimit -t) = 3 ] && [ $(ulimit -v) = 524288 ] && kill -SEGV $$", 3, "crashed over it"}};
+    for (const auto& [script, seconds, why] : scripts) {
         Write(reader, std::string("#!/bin/sh\n") + script + '\n');
         std::filesystem::permissions(reader, std::filesystem::perms::owner_all);
-        const std::string failure = BringOver(file, folder.Path(), reader.c_str()).failure;
+        const std::string failure = BringOver(file, folder.Path(), {reader, seconds}).failure;
         EXPECT_NE(failure.find(why), std::string::npos) << failure;
     }
-    EXPECT_NE(BringOver(file, folder.Path(), "/nowhere").failure.find("cannot be started"),
+    EXPECT_NE(BringOver(file, folder.Path(), {"/nowhere"}).failure.find("cannot be started"),
+              std::string::npos);
+
+    // One row more in the list of tables than can be read.
+    std::string counted = BytesOf(SiteFile);
+    ++counted.at(2 * 4096 + 16);
+    Write(file, counted);
+    EXPECT_NE(BringOver(file, folder.Path()).failure.find("its list of tables is damaged"),
               std::string::npos);
 
     // The library that reads such files fails on damaged ones, in whatever way.

@@ -239,6 +239,12 @@ TEST_F(Lists, GiveRowsToOtherNodes) {
         Key(Person::List("LVPrompts"), Qt::Key_Z);
         EXPECT_EQ(Person::Count("LVPrompts"), 3);
         EXPECT_FALSE(Person::Dirty());
+        store_.Execute(
+            "UPDATE Node_General_Pool SET NodeDescription = CASE NodeNumber WHEN 2 THEN '@A' WHEN 3"
+            " THEN '-1' ELSE '+1' END WHERE PartID = 2 AND NodeTypeID IN (0, 2)");
+        Person::Choose("cmbNode", "AUTO 2");
+        Person::Choose("cmbNode", "AUTO 1");
+        EXPECT_EQ(copied("LVPrompts", 0, 2), "TIME\t1\t'+1\nMSG\t2\t'@A\nMSG\t3\t'-1\n");
         EXPECT_EQ(copied("LVActions", 0, 1), "1\t1\tAUTO\t8\t'=1+1\n2\t2\tAUTO\t9\t\"\"\"B\"\"\"\n");
     });
 }

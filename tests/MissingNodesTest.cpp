@@ -100,19 +100,26 @@ TEST(MissingNodes, AnAnswerForAllHoldsForOneCheck) {
 
 TEST(MissingNodes, ThatCannotBeCreatedAreNotSaidToBe) {
     Check check;
-    check.store.Execute("DELETE FROM Node_LIST WHERE NodeNumber = 0;"
-                        "DELETE FROM Node_General_Pool WHERE NodeTypeID IN (2, 8) AND NodeNumber = 0");
+    check.store.Execute(
+        "DELETE FROM Node_LIST WHERE NodeNumber = 0;"
+        "DELETE FROM Node_General_Pool WHERE NodeTypeID IN (2, 8) AND NodeNumber = 0;"
+        "INSERT INTO Detail_AUTO_Action WITH RECURSIVE N (i) AS (SELECT 50 UNION ALL SELECT i + 1"
+        " FROM N WHERE i < 70) SELECT 1, 2, i, 5, i, 6, i, i, 'HOLD' FROM N");
     std::set<std::string> told;
     const ToldInStatusBar watch([&](const std::string& text) { told.insert(text); });
     check.person.WillAnswer({YesToAll, Ok});
     check.Save(6);
     const auto boxes = check.person.Boxes();
     ASSERT_EQ(boxes.size(), 2U);
-    EXPECT_EQ(boxes[1],
-              Information(
-                  "These nodes could not be created: there is no template for them.\r\nHOLD 4"
-                  "\r\n\r\nThe rows of these nodes were copied, but they are not registered: their template "
-                  "has no row in Node_General_Pool.\r\nTIME 19, LIST 14"));
+    EXPECT_EQ(
+        boxes[1],
+        Information(
+            "These nodes could not be created: there is no template for them.\r\nHOLD 4, HOLD 50, HOLD 51, "
+            "HOLD 52, HOLD 53, HOLD 54, HOLD 55, HOLD 56, HOLD 57, HOLD 58, HOLD 59, HOLD 60, HOLD 61, HOLD "
+            "62, "
+            "HOLD 63, HOLD 64, HOLD 65, HOLD 66, HOLD 67, HOLD 68 and 2 more\r\n\r\n"
+            "The rows of these nodes were copied, but they are not registered: their template "
+            "has no row in Node_General_Pool.\r\nTIME 19, LIST 14"));
     for (const std::string& node : MissingInAuto6) {
         const bool created = node != "TIME 19" && node != "LIST 14" && node != "HOLD 4";
         EXPECT_EQ(told.contains(node + " is created."), created) << node;

@@ -117,6 +117,18 @@ TEST(Saving, StoresListsThatHoldNothingAndLabelsThatHoldAnything) {
             Person::Press("cmdPrevious");
             EXPECT_EQ(Person::Label(), label);
         }
+        if (!TestStore::OnServer()) {
+            store.Execute("DROP TABLE Node_AUTO_Version; DROP TABLE Node_Creation;"
+                          "CREATE VIEW Node_Creation AS SELECT 1");
+            for (const char* label : {"One", "Two"}) {
+                Person::TypeLabel(label);
+                Person::Press("cmdApply");
+            }
+            EXPECT_EQ(person.Boxes(),
+                      std::vector{Information(
+                          "This store can keep no history, so what is saved here cannot be taken back.")});
+            EXPECT_EQ(Labels(store), "Two|Two");
+        }
     }));
 }
 
@@ -250,6 +262,18 @@ TEST(Saving, AsksBeforeItGoesOverWhatSomebodyElseHasStored) {
                 Person::Press("cmdPrevious");
             }
         }
+        // However much it is, it can be read.
+        store.Execute("UPDATE Detail_AUTO_Action SET NodeNumber = 99 WHERE PartID = 2 AND NodeMasterID = 8;"
+                      "UPDATE Detail_AUTO_Prompts SET NodeNumber = 99 WHERE PartID = 2 AND NodeMasterID = 8;"
+                      "UPDATE Node_AUTO SET RetryLimit = 1, NodeDescription = '" +
+                      std::string(300, 'x') + "' WHERE PartID = 2 AND NodeNumber = 8");
+        Person::TypeLabel("Mine");
+        person.WillAnswer({QMessageBox::No});
+        Person::Press("cmdApply");
+        const QString told = QString::fromStdString(person.Boxes().at(0).text);
+        EXPECT_EQ(told.count("\r\n"), 12);
+        EXPECT_TRUE(told.contains(QRegularExpression("x…\r\n(.*\r\n)+and \\d more\r\n")))
+            << told.toStdString();
         // A save that cannot begin is none: the window stays with what was changed.
         person.LookAtBox = nullptr;
         store.Refuse("INSERT ON Node_AUTO_Version");

@@ -1,7 +1,6 @@
 #include "exchange/JetImport.h"
 
 #include "exchange/JetFrames.h"
-#include "exchange/JetProcess.h"
 #include "exchange/RowWrites.h"
 #include "exchange/Statements.h"
 #include "platform/FoldCase.h"
@@ -148,8 +147,10 @@ class JetImport : public JetSink {
                                       "; the rows stay in their order, numbered anew from there on");
         }
         if (read_ < *count_->stored || unreadableRows > 0) {
-            report_.damage.push_back(table_->name + " should hold " + Rows(*count_->stored) + ", and " +
-                                     std::to_string(read_) + " can be read");
+            report_.damage.push_back(
+                table_->name + " should hold " + Rows(*count_->stored) + ", and " + std::to_string(read_) +
+                " can be read" +
+                (unreadableRows > 0 ? ", " + std::to_string(unreadableRows) + " cannot" : ""));
         } else if (read_ > *count_->stored) {
             report_.remarks.push_back(table_->name + ": the file counts fewer rows than it holds");
         }
@@ -290,8 +291,8 @@ void RequireEmpty(DataBase& dataBase) {
 
 } // namespace
 
-JetReport ImportJet(DataBase& dataBase, const std::filesystem::path& reader,
-                    const std::filesystem::path& file, Damage damage, const JetProgress& progress) {
+JetReport ImportJet(DataBase& dataBase, const JetReader& reader, const std::filesystem::path& file,
+                    Damage damage, const JetProgress& progress) {
     RequireEmpty(dataBase);
     std::vector<std::string> names;
     for (const StoreTable& table : StoreTables()) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "exchange/JetProcess.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -44,7 +46,7 @@ enum class Damage { Refuse, Accept };
 // Rows of a list that have one sequence number stay in their order and get numbers of their own. Raises
 // StoreNotRecognized, naming the file, where it cannot be read, holds none of the tables, or holds fewer rows
 // than it counts and that is refused. Part of a transaction.
-[[nodiscard]] JetReport ImportJet(DataBase& dataBase, const std::filesystem::path& reader,
+[[nodiscard]] JetReport ImportJet(DataBase& dataBase, const JetReader& reader,
                                   const std::filesystem::path& file, Damage damage,
                                   const JetProgress& progress);
 

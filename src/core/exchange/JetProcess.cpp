@@ -28,7 +28,6 @@ using namespace std::chrono_literals;
 // Reading takes a second for some 50 MiB and little more memory than a page and a row; these are what only a
 // file can take that leads the library astray.
 constexpr rlim_t MostMemory = rlim_t{512} << 20U;
-constexpr rlim_t LeastSeconds = 3;
 constexpr rlim_t MebibytesPerSecond = 4;
 // Of waiting for the program, on a machine that is busy with other things.
 constexpr int WaitPerSecondOfWork = 4;
@@ -65,11 +64,11 @@ struct Pipe {
 // The program and the pipe that it writes to.
 class ReaderProcess {
   public:
-    ReaderProcess(const std::filesystem::path& program, const std::filesystem::path& file,
+    ReaderProcess(const JetReader& reader, const std::filesystem::path& file,
                   const std::vector<std::string>& tables)
-        : seconds_(LeastSeconds + (std::filesystem::file_size(file) >> 20U) / MebibytesPerSecond),
+        : seconds_(reader.leastSeconds + (std::filesystem::file_size(file) >> 20U) / MebibytesPerSecond),
           patience_(std::chrono::seconds(seconds_) * WaitPerSecondOfWork),
-          process_(StartOf(program, file, tables)) {
+          process_(StartOf(reader.program, file, tables)) {
         output_.CloseWritten();
     }
 
@@ -176,14 +175,14 @@ class Foreign : public JetSink {
 
 } // namespace
 
-void RunJetReader(const std::filesystem::path& program, const std::filesystem::path& file,
+void RunJetReader(const JetReader& reader, const std::filesystem::path& file,
                   const std::vector<std::string>& tables, JetSink& sink) {
     Foreign guarded(sink);
     try {
-        ReaderProcess reader(program, file, tables);
+        ReaderProcess process(reader, file, tables);
         bool ended = false;
         const auto read = [&](std::span<char> buffer) {
-            const std::size_t got = reader.Read(buffer);
+            const std::size_t got = process.Read(buffer);
             ended = got == 0;
             return got;
         };
@@ -191,7 +190,7 @@ void RunJetReader(const std::filesystem::path& program, const std::filesystem::p
             ReadJetFrames(read, guarded);
         } catch (const std::runtime_error& error) {
             if (ended && !guarded.Failure()) {
-                reader.ExplainEnd(error.what());
+                process.ExplainEnd(error.what());
             }
             throw;
         }

@@ -142,6 +142,16 @@ std::optional<std::string> JetUnicodeText(std::string_view bytes) {
     return text;
 }
 
+std::string JetDecimalText(std::string decimal) {
+    if (decimal.find('.') != std::string::npos) {
+        decimal.erase(decimal.find_last_not_of('0') + 1);
+        if (decimal.ends_with('.')) {
+            decimal.pop_back();
+        }
+    }
+    return decimal;
+}
+
 std::string JetNumberText(double number) { return ShortestText(number); }
 
 std::string JetNumberText(float number) { return ShortestText(number); }

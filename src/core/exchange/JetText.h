@@ -19,6 +19,9 @@ namespace KAL_AUTO_Node {
 // first two bytes. Nothing where it is no text.
 [[nodiscard]] std::optional<std::string> JetUnicodeText(std::string_view bytes);
 
+// A decimal without the zeros at the end of its fraction.
+[[nodiscard]] std::string JetDecimalText(std::string decimal);
+
 // The shortest text of which the number comes back.
 [[nodiscard]] std::string JetNumberText(double number);
 [[nodiscard]] std::string JetNumberText(float number);

@@ -100,6 +100,9 @@ void History::FinishCreations(const NodePlace& place, std::int64_t version) {
         creations.push_back(
             {{rows.Number("NodeTypeID"), rows.Number("NodeNumber")}, std::string(rows.Text("DateModified"))});
     }
+    if (creations.empty()) {
+        return;
+    }
     for (const auto& [node, date] : creations) {
         if (!IsNodeExisted(dataBase_, place.partition, node)) {
             CreateNodeFromTemplate(dataBase_, place.partition, TemplateNumber, node, date, Existing::Keep);

@@ -42,17 +42,10 @@ TableDefinition DefinitionOf(MdbCatalogEntry* entry) {
     return table;
 }
 
-// As the library writes it, without the zeros at the end of a fraction.
+// As the library writes it.
 std::string DecimalText(char* text) {
     const std::unique_ptr<char, void (*)(void*)> owner(text, &g_free);
-    std::string decimal(text != nullptr ? text : "");
-    if (decimal.find('.') != std::string::npos) {
-        decimal.erase(decimal.find_last_not_of('0') + 1);
-        if (decimal.ends_with('.')) {
-            decimal.pop_back();
-        }
-    }
-    return decimal;
+    return JetDecimalText(text != nullptr ? text : "");
 }
 
 std::size_t WidthOf(const MdbColumn& column) {

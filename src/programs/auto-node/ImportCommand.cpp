@@ -67,7 +67,7 @@ int BringOver(const Options& options, const std::filesystem::path& store) {
                 [&] { return table + ": " + std::to_string(taken) + " of " + Counted(stored, "row"); });
         };
         const auto fill = [&](DataBase& dataBase) {
-            report = ImportJet(dataBase, ProgramOfOurs("auto-node-jet"), options.file,
+            report = ImportJet(dataBase, {ProgramOfOurs("auto-node-jet")}, options.file,
                                options.damaged ? Damage::Accept : Damage::Refuse, show);
         };
         if (exists) {
