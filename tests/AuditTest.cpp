@@ -1,7 +1,6 @@
 #include "audit/FixMissing.h"
 #include "audit/PartitionCheck.h"
 #include "audit/Repoint.h"
-#include "exchange/Export.h"
 #include "history/History.h"
 #include "nodes/AutoNodeReader.h"
 #include "store/Batch.h"
@@ -12,9 +11,7 @@
 #include <algorithm>
 #include <chrono>
 #include <fstream>
-#include <random>
 #include <set>
-#include <sstream>
 #include <thread>
 
 namespace KAL_AUTO_Node {
@@ -272,69 +269,6 @@ TEST(References, AreRepointedAllOrNone) {
               other ? "11" : "10");
     history.PutBack({partition, 0}, 1, "restore");
     EXPECT_EQ(uses(249), 7U) << "those of the AUTO node";
-}
-
-std::string Exported(DataBase& dataBase, const TestStore& store) {
-    const auto file = store.Folder() / "all.json";
-    Export(dataBase, std::nullopt, file, [](std::uint64_t) {});
-    std::ifstream text(file);
-    return {std::istreambuf_iterator<char>(text), {}};
-}
-
-// $KAL_TEST_ROUNDS of them.
-TEST(References, AreAsBeforeAfterAMapAndItsInverse) {
-    const TestStore store;
-    store.Execute("UPDATE Node_General_Pool SET DateModified = 'today'");
-    DataBase dataBase;
-    History history(dataBase);
-    const TypeNames names(dataBase);
-    std::istringstream text("\n# swaps\nMSG 6 -> MSG 5\r\n  msg 5 -> MSG 6");
-    auto map = ReplacementsOf(text, names);
-    const std::string before = Exported(dataBase, store);
-    const char* const given = std::getenv("KAL_TEST_ROUNDS");
-    std::mt19937 random(given != nullptr ? 1 : 2);
-    for (int rounds = given != nullptr ? std::atoi(given) : 8; rounds > 0; --rounds) {
-        for (const bool inverse : {false, true}) {
-            const auto plan = Repoint(dataBase, history, names, {1, 2}, map, "today");
-            ASSERT_EQ(plan.obstacles, std::vector<std::string>());
-            ASSERT_EQ(Exported(dataBase, store) == before, inverse || plan.changes.empty());
-            for (auto& [from, to] : map) {
-                std::swap(from, to);
-            }
-        }
-        // Of some types some nodes, each in the place of another.
-        map.clear();
-        for (const int typeID : {0, 2, 4, 9}) {
-            std::vector<int> nodes;
-            for (const std::string& number :
-                 store.Rows("SELECT NodeNumber FROM Node_General_Pool WHERE PartID = 2 AND NodeTypeID = " +
-                            std::to_string(typeID))) {
-                if (random() % 3 != 0) {
-                    nodes.push_back(std::stoi(number));
-                }
-            }
-            auto places = nodes;
-            std::ranges::shuffle(places, random);
-            for (std::size_t i = 0; i < nodes.size(); ++i) {
-                if (nodes[i] != places[i]) {
-                    map.push_back({{typeID, nodes[i]}, {typeID, places[i]}});
-                }
-            }
-        }
-    }
-    for (const auto& [line, told] :
-         {std::pair("MSG 1", "line 1: 'MSG 1' is not of the form"),
-          std::pair("MSG 1 -> MSG x", "line 1: 'MSG x' is no node's type"),
-          std::pair("MSG 1 -> MGS 2", "no node type 'MGS'"),
-          std::pair("MSG 1 -> MSG 2\nM_ON 1 -> MSG 3", "line 2: M_ON 1 has a target in line 1")}) {
-        std::istringstream wrong(line);
-        try {
-            static_cast<void>(ReplacementsOf(wrong, names));
-            ADD_FAILURE() << line;
-        } catch (const RuntimeError& error) {
-            EXPECT_NE(std::string(error.what()).find(told), std::string::npos) << error.what();
-        }
-    }
 }
 
 } // namespace

@@ -325,10 +325,7 @@ RepointPlan Repoint(DataBase& dataBase, History& history, const TypeNames& names
     if (!plan.obstacles.empty() || plan.changes.empty()) {
         return plan;
     }
-    if (!history.Prepare()) {
-        throw RuntimeError(ErrorNumber::PermissionDenied,
-                           "This store can keep no history, so that the change could not be taken back");
-    }
+    history.Require();
     {
         Transaction all(dataBase);
         // Others may have changed something until now; what is planned from here on stays so.

@@ -64,6 +64,13 @@ bool History::Prepare() {
     return Exists();
 }
 
+void History::Require() {
+    if (!Prepare()) {
+        throw RuntimeError(ErrorNumber::PermissionDenied,
+                           "This store can keep no history, so that the change could not be taken back");
+    }
+}
+
 ProcessIdentity History::Self() {
     ProcessIdentity self = ThisProcess();
     // The server's rules for who may change what of the history go by this end of the name.

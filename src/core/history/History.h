@@ -33,6 +33,8 @@ class History {
     [[nodiscard]] bool Exists();
     // Makes the store keep one; false where it may not be changed so.
     [[nodiscard]] bool Prepare();
+    // The same; raises PermissionDenied where it may not.
+    void Require();
 
     // Newest first; none where there is no history.
     [[nodiscard]] std::vector<Version> Versions(const NodePlace& place);
@@ -76,8 +78,7 @@ class History {
     // Whether a save began to make that node from its template. Needs a store with a history.
     [[nodiscard]] bool HasBegun(Partition partition, const NodeKey& node);
 
-    // The node as PutBack makes it. Raises Busy while the node is being saved, and InvalidProcedureCall where
-    // there was none.
+    // The node as PutBack makes it; one that was not there goes. Raises Busy while the node is being saved.
     [[nodiscard]] NodeContent ToPutBack(const NodePlace& place, std::int64_t version);
     // Makes the store hold the node as it was before a change, in one step that is itself a version; the
     // change and those after it are undone. Returns what the step replaced.

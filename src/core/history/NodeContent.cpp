@@ -68,14 +68,16 @@ std::string TextOf(const NodePlace& place, const NodeContent& content, NotUtf8 h
     } else {
         json.Null();
     }
-    json.Name("register");
+    if (content.entryRead) {
+        json.Name("register");
+    }
     if (content.entry) {
         json.Begin('{');
         json.Member("type", content.entry->type);
         json.Member("label", content.entry->label);
         json.Member("dateModified", content.entry->dateModified);
         json.End('}');
-    } else {
+    } else if (content.entryRead) {
         json.Null();
     }
     if (how == NotUtf8::Letters) {
@@ -85,10 +87,9 @@ std::string TextOf(const NodePlace& place, const NodeContent& content, NotUtf8 h
     return text;
 }
 
-} // namespace
-
-std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, const NodePlace& place) try {
+std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, const NodePlace& place, bool& read) try {
     const ResultSet row = dataBase.Query(Command::Get_Description, {place.partition, place.Key()});
+    read = true;
     if (row.AtEnd()) {
         return std::nullopt;
     }
@@ -100,7 +101,15 @@ std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, const NodePlace& plac
     if (error.Number() == ErrorNumber::StoreUnreachable || error.Number() == ErrorNumber::StoreLocked) {
         throw;
     }
+    read = false;
     return std::nullopt; // the save tells of it where it needs it
+}
+
+} // namespace
+
+std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, const NodePlace& place) {
+    bool read = true;
+    return ReadEntry(dataBase, place, read);
 }
 
 std::vector<std::string> Differences(const NodeContent& before, const NodeContent& after) {
@@ -128,7 +137,10 @@ std::vector<std::string> Differences(const NodeContent& before, const NodeConten
 
 NodeContent ReadContent(DataBase& dataBase, const NodePlace& place) {
     NodeContent content;
-    ReadAhead(dataBase).Read([&] { content = {ReadAutoNode(dataBase, place), ReadEntry(dataBase, place)}; });
+    ReadAhead(dataBase).Read([&] {
+        content.node = ReadAutoNode(dataBase, place);
+        content.entry = ReadEntry(dataBase, place, content.entryRead);
+    });
     return content;
 }
 
@@ -159,9 +171,13 @@ void WriteContent(DataBase& dataBase, const NodePlace& place, const NodeContent&
     if (content.node) {
         WriteRecord(batch, place, *content.node);
         AddDetails(batch, place, *content.node);
+    } else {
+        batch.Add(Command::Delete_AUTO_Node, {place.partition, place.Key()});
     }
     if (content.entry) {
         WriteEntry(batch, place, *content.entry);
+    } else if (content.entryRead) {
+        batch.Add(Command::Delete_General_Pool, {place.partition, place.Key()});
     }
     batch.Run();
 }
@@ -184,7 +200,9 @@ NodeContent ContentOf(const std::string& text) {
         if (const Json& node = document.at("node"); !node.is_null()) {
             content.node = NodeFromJson(node);
         }
-        if (const auto entry = document.find("register"); entry != document.end() && !entry->is_null()) {
+        const auto entry = document.find("register");
+        content.entryRead = entry != document.end();
+        if (content.entryRead && !entry->is_null()) {
             content.entry = {entry->value("type", std::string()), TextIn(*entry, "label"),
                              TextIn(*entry, "dateModified")};
         }

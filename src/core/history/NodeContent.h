@@ -27,6 +27,7 @@ struct RegisterEntry {
 struct NodeContent {
     std::optional<AutoNode> node;
     std::optional<RegisterEntry> entry;
+    bool entryRead = true; // else it is not known whether there is a register row
 
     friend bool operator==(const NodeContent&, const NodeContent&) = default;
 };
@@ -54,7 +55,8 @@ using TakeContent = std::function<void(const NodePlace& place, NodeContent conte
 // Reads many nodes, in order.
 void ReadContents(DataBase& dataBase, std::span<const NodePlace> places, const TakeContent& take);
 
-// Makes the store hold exactly that of the node. Part of a transaction.
+// Makes the store hold exactly that of the node; a register row of which nothing is known stays. Part of a
+// transaction.
 void WriteContent(DataBase& dataBase, const NodePlace& place, const NodeContent& content);
 
 // The text in which the history keeps a content, with its version, and back: also from texts of older and of

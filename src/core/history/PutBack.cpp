@@ -11,12 +11,7 @@ namespace KAL_AUTO_Node {
 
 NodeContent History::ToPutBack(const NodePlace& place, std::int64_t version) {
     RequireIdle(place);
-    NodeContent before = Before(place, version);
-    if (!before.node) {
-        throw RuntimeError(ErrorNumber::InvalidProcedureCall,
-                           place.Text() + " did not exist before version " + std::to_string(version));
-    }
-    return before;
+    return Before(place, version);
 }
 
 NodeContent History::PutBack(const NodePlace& place, std::int64_t version, const char* work) {

@@ -18,6 +18,7 @@ namespace {
 // new number, the configuration, the partition and the template's number; a message also takes its file name.
 struct CopyRule {
     int typeID;
+    std::string_view word;
     std::array<Command, 3> commands;
     std::size_t count;
 
@@ -25,34 +26,31 @@ struct CopyRule {
 };
 
 constexpr std::array<CopyRule, 12> CopyRules = {{
-    {0, {Command::Duplicate_MSG_NODE}, 1},
-    {1, {Command::Duplicate_CMD_NODE, Command::Duplicate_Detail_CMD_NODE}, 2},
-    {2, {Command::Duplicate_TIME_Node, Command::Duplicate_Detail_TIME_Node}, 2},
-    {3, {Command::Duplicate_DATE_Node, Command::Duplicate_Detail_DATE_Node}, 2},
-    {4, {Command::Duplicate_XFER_Node}, 1},
+    {0, "MSG", {Command::Duplicate_MSG_NODE}, 1},
+    {1, "CMD", {Command::Duplicate_CMD_NODE, Command::Duplicate_Detail_CMD_NODE}, 2},
+    {2, "TIME", {Command::Duplicate_TIME_Node, Command::Duplicate_Detail_TIME_Node}, 2},
+    {3, "DATE", {Command::Duplicate_DATE_Node, Command::Duplicate_Detail_DATE_Node}, 2},
+    {4, "XFER", {Command::Duplicate_XFER_Node}, 1},
     {6,
+     "DTMF",
      {Command::Duplicate_DTMF_Node, Command::Duplicate_DetailPrompts_DTMF_Node,
       Command::Duplicate_DetailActions_DTMF_Node},
      3},
     {7,
+     "VOX",
      {Command::Duplicate_VOX_Node, Command::Duplicate_DetailPrompts_VOX_Node,
       Command::Duplicate_DetailActions_VOX_Node},
      3},
-    {8, {Command::Duplicate_LIST_Node, Command::Duplicate_Detail_LIST_Node}, 2},
+    {8, "LIST", {Command::Duplicate_LIST_Node, Command::Duplicate_Detail_LIST_Node}, 2},
     {9,
+     "AUTO",
      {Command::Duplicate_AUTO_Node, Command::Duplicate_DetailPrompts_AUTO_Node,
       Command::Duplicate_DetailActions_AUTO_Node},
      3},
-    {12, {Command::Duplicate_PAAS_Node}, 1},
-    {13, {Command::Duplicate_TABLE_Node, Command::Duplicate_DetailActions_TABLE_Node}, 2},
-    {15, {Command::Duplicate_DBN_Node, Command::Duplicate_DetailPrompts_DBN_Node}, 2},
+    {12, "PAAS", {Command::Duplicate_PAAS_Node}, 1},
+    {13, "TABLE", {Command::Duplicate_TABLE_Node, Command::Duplicate_DetailActions_TABLE_Node}, 2},
+    {15, "DBN", {Command::Duplicate_DBN_Node, Command::Duplicate_DetailPrompts_DBN_Node}, 2},
 }};
-
-std::string MessageFileName(int partition, int number) {
-    std::array<char, 40> name{};
-    std::snprintf(name.data(), name.size(), "P%02dM%03d.wav", partition, number);
-    return name.data();
-}
 
 } // namespace
 
@@ -121,8 +119,17 @@ Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int sou
     return copied ? Creation::Unregistered : Creation::NoTemplate;
 }
 
-bool HasCopyRule(int typeID) {
-    return std::ranges::find(CopyRules, typeID, &CopyRule::typeID) != CopyRules.end();
+std::string MessageFileName(int partition, int number) {
+    std::array<char, 40> name{};
+    std::snprintf(name.data(), name.size(), "P%02dM%03d.wav", partition, number);
+    return name.data();
+}
+
+bool HasCopyRule(int typeID) { return !TableWord(typeID).empty(); }
+
+std::string_view TableWord(int typeID) {
+    const auto rule = std::ranges::find(CopyRules, typeID, &CopyRule::typeID);
+    return rule == CopyRules.end() ? std::string_view() : rule->word;
 }
 
 bool IsNodeExisted(DataBase& dataBase, Partition partition, const NodeKey& node) {

@@ -4,6 +4,7 @@
 #include "platform/RuntimeError.h"
 
 #include <string>
+#include <string_view>
 
 namespace KAL_AUTO_Node {
 
@@ -41,6 +42,13 @@ Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int sou
 // Whether there is a rule for copying nodes of a type; those are the types whose nodes the store has tables
 // for.
 [[nodiscard]] bool HasCopyRule(int typeID);
+
+// By this word the names of the tables of a type's nodes are: Node_MSG, Detail_CMD; empty where there is no
+// rule.
+[[nodiscard]] std::string_view TableWord(int typeID);
+
+// The file that a message of that number plays.
+[[nodiscard]] std::string MessageFileName(int partition, int number);
 
 // Whether the register has a node; a reference to a message stands for the message.
 [[nodiscard]] bool IsNodeExisted(DataBase& dataBase, Partition partition, const NodeKey& node);

@@ -119,3 +119,8 @@ SELECT Set_ID, MAX(CASE WHEN Child_Node_Type_ID = :Given_ChildTypeID THEN 1 ELSE
 UPDATE Node_General_Pool SET DateModified = :Given_DateModified
  WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeTypeID = :Given_NodeTypeID
    AND NodeNumber = :Given_NodeNumber;
+
+-- name: Get_Recordings
+SELECT NodeNumber, VexoFilename FROM Node_MSG
+ WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeTypeID = :Given_NodeTypeID
+ ORDER BY NodeNumber;

@@ -127,3 +127,31 @@ INSERT INTO Node_AUTO (ConfigID, PartID, NodeTypeID, NodeNumber, TimeoutNodeType
        AbortNodeTypeID, StarNodeTypeID, PoundNodeTypeID, StarNodeType, StarNodeNumber, PoundNodeType, PoundNodeNumber)
 VALUES (:Given_ConfigID, :Given_PartID, :Given_NodeTypeID, :Given_NodeNumber, '', 0, '', 0, '', 0, '', 0, 0, 0, 0, 0,
         '', 0, '', 0);
+
+-- name: Delete_AUTO_Node
+DELETE FROM Node_AUTO
+ WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeTypeID = :Given_NodeTypeID
+   AND NodeNumber = :Given_NodeNumber;
+
+-- name: Delete_General_Pool
+DELETE FROM Node_General_Pool
+ WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND NodeTypeID = :Given_NodeTypeID
+   AND NodeNumber = :Given_NodeNumber;
+
+-- name: Get_Log
+SELECT ConfigID, PartID, NodeNumber, VersionNo, Work, State, BegunAt, UserName, HostName, Program, ProcessID,
+       ProcessStart
+  FROM Node_AUTO_Version
+ WHERE BegunAt >= :Given_Since AND BegunAt < :Given_Until
+ ORDER BY BegunAt DESC, ConfigID, PartID, NodeNumber, VersionNo DESC;
+
+-- name: Get_Log_Of_Partition
+SELECT ConfigID, PartID, NodeNumber, VersionNo, Work, State, BegunAt, UserName, HostName, Program, ProcessID,
+       ProcessStart
+  FROM Node_AUTO_Version
+ WHERE ConfigID = :Given_ConfigID AND PartID = :Given_PartID AND BegunAt >= :Given_Since AND BegunAt < :Given_Until
+ ORDER BY BegunAt DESC, NodeNumber, VersionNo DESC;
+
+-- name: Get_Contents
+SELECT ConfigID, PartID, NodeNumber, VersionNo, Content FROM Node_AUTO_Version
+ ORDER BY ConfigID, PartID, NodeNumber, VersionNo;

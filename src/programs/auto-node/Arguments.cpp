@@ -1,6 +1,8 @@
 #include "auto-node/Arguments.h"
 
 #include "nodes/AutoNodeReader.h"
+#include "nodes/NodeTypes.h"
+#include "nodes/References.h"
 #include "platform/VisibleText.h"
 #include "platform/WholeNumber.h"
 
@@ -55,6 +57,14 @@ void AddNode(const CommandArguments& command, NodePlace& place) {
     AddPartition(command, place.partition);
     AddNumber(command, "NODE", place.number, "Number of the AUTO node; 0 for the partition's template")
         .Required();
+}
+
+NodeKey NodeArguments::Meant(const TypeNames& names) const { return {NodeTypeOf(names.Meant(type)), number}; }
+
+void AddNodeOfAnyType(const CommandArguments& command, NodeArguments& node) {
+    AddPartition(command, node.partition);
+    AddType(command, "TYPE", node.type).Required();
+    AddNumber(command, "NUMBER", node.number, "Number of the node").Required();
 }
 
 std::string ReadTextFile(const std::string& file) {

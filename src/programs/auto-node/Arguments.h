@@ -10,6 +10,7 @@
 namespace KAL_AUTO_Node {
 
 class DataBase;
+class TypeNames;
 struct AutoNode;
 
 // What the commands take alike.
@@ -30,6 +31,19 @@ Option AddType(const CommandArguments& command, const std::string& name, std::st
 
 // CONFIG PARTITION NODE, all required.
 void AddNode(const CommandArguments& command, NodePlace& place);
+
+// CONFIG PARTITION TYPE NUMBER, all required.
+struct NodeArguments {
+    Partition partition;
+    std::string type;
+    std::int16_t number = 0;
+
+    // A reference to a message stands for the message. Raises InvalidProcedureCall for a type that there is
+    // not.
+    [[nodiscard]] NodeKey Meant(const TypeNames& names) const;
+};
+
+void AddNodeOfAnyType(const CommandArguments& command, NodeArguments& node);
 
 // The text that a file holds. Throws where it cannot be read.
 [[nodiscard]] std::string ReadTextFile(const std::string& file);

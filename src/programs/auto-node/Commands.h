@@ -23,6 +23,7 @@ using StoreWork = std::function<int(DataBase& dataBase)>;
 
 [[nodiscard]] Subcommand EditCommand(CommandLine& program);
 [[nodiscard]] Subcommand CheckCommand(CommandLine& program);
+[[nodiscard]] Subcommand CopyCommand(CommandLine& program);
 [[nodiscard]] Subcommand DiffCommand(CommandLine& program);
 [[nodiscard]] Subcommand DigitsCommand(CommandLine& program);
 [[nodiscard]] Subcommand ExpectCommand(CommandLine& program);
@@ -33,8 +34,10 @@ using StoreWork = std::function<int(DataBase& dataBase)>;
 [[nodiscard]] Subcommand InitCommand(CommandLine& program);
 [[nodiscard]] Subcommand ListCommand(CommandLine& program);
 [[nodiscard]] Subcommand MergeCommand(CommandLine& program);
+[[nodiscard]] Subcommand MoveCommand(CommandLine& program);
 [[nodiscard]] Subcommand PathsCommand(CommandLine& program);
 [[nodiscard]] Subcommand PruneCommand(CommandLine& program);
+[[nodiscard]] Subcommand RemoveCommand(CommandLine& program);
 [[nodiscard]] Subcommand RepointCommand(CommandLine& program);
 [[nodiscard]] Subcommand RestoreCommand(CommandLine& program);
 [[nodiscard]] Subcommand ShowCommand(CommandLine& program);

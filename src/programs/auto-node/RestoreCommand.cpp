@@ -4,13 +4,31 @@
 #include "auto-node/Commands.h"
 #include "auto-node/Progress.h"
 #include "history/History.h"
+#include "nodes/NodeTypes.h"
+#include "nodes/References.h"
 #include "platform/RuntimeError.h"
+#include "platform/VisibleText.h"
 #include "store/DataBase.h"
 
 #include <iostream>
 #include <memory>
 
 namespace KAL_AUTO_Node {
+
+namespace {
+
+// What will refer to a node that goes.
+void TellUses(DataBase& dataBase, const NodePlace& place) {
+    const TypeNames names(dataBase);
+    for (const StoredReference& use : ReadUses(dataBase, place.partition, names, place.Key())) {
+        if (use.holder != place.Key()) {
+            std::cout << Visible(use.holder.Text(names.Name(use.holder.typeID))) << ", "
+                      << PlaceText(use.Column(), use.row) << " refers to it\n";
+        }
+    }
+}
+
+} // namespace
 
 Subcommand RestoreCommand(CommandLine& program) {
     struct Options {
@@ -43,6 +61,9 @@ Subcommand RestoreCommand(CommandLine& program) {
             }
             version = newest->number;
         }
+        if (!options->calls.json && !history.Before(place, version).node) {
+            TellUses(dataBase, place);
+        }
         const auto [before, after] = Lasting("Putting the node back", [&] {
             NodeContent earlier = history.ToPutBack(place, version);
             return std::pair(options->dryRun ? ReadContent(dataBase, place)
@@ -53,8 +74,13 @@ Subcommand RestoreCommand(CommandLine& program) {
             PrintCalls(dataBase, {{place, before.node, after.node}}, true);
             return 0;
         }
-        std::cout << (options->dryRun ? "Would put back" : "Put back") << " AUTO node " << place.number
-                  << " as it was before version " << version << ":\n";
+        if (after.node) {
+            std::cout << (options->dryRun ? "Would put back" : "Put back") << " AUTO node " << place.number
+                      << " as it was before version " << version << ":\n";
+        } else {
+            std::cout << (options->dryRun ? "Would remove" : "Removed") << " AUTO node " << place.number
+                      << ", which was not there before version " << version << ":\n";
+        }
         PrintChanges(ChangesInWords(before.node, after.node));
         if (options->calls.calls) {
             std::cout << '\n';

@@ -29,6 +29,7 @@ int main(int argc, char** argv) {
         ImportCommand(program),  ExportCommand(program),  DigitsCommand(program),  TraceCommand(program),
         PathsCommand(program),   ExpectCommand(program),  GraphCommand(program),   CheckCommand(program),
         UsesCommand(program),    RepointCommand(program), UpgradeCommand(program), MergeCommand(program),
+        CopyCommand(program),    MoveCommand(program),    RemoveCommand(program),
     };
     switch (program.Read(argc, argv)) {
     case CommandLine::Outcome::Run:
