@@ -1,10 +1,10 @@
-// Texts without case, and the list that is searched by them: its last line is searched for among the others.
+// Texts without case, and the names that are collected without regard to it, a line each.
 
 #include "platform/FoldCase.h"
 
 #include "fuzz/Examine.h"
 #include "fuzz/Utf8.h"
-#include "nodes/ScratchList.h"
+#include "nodes/RequiredNodes.h"
 
 #include <algorithm>
 
@@ -23,39 +23,26 @@ void ExamineFold(std::string_view text) {
     Require(before || folded == FoldAscii(text), "other bytes stay as they are");
 }
 
-void ExamineSearch(ScratchList& list, std::string_view text) {
-    const std::string folded = FoldCase(text);
-    const auto foldedEntry = [&](std::size_t index) { return FoldCase(list.List(index)); };
-    std::optional<std::size_t> equal;
-    bool begins = false;
-    for (std::size_t i = list.ListCount(); i-- > 0;) {
-        if (foldedEntry(i) == folded) {
-            equal = i;
-        }
-        begins = begins || foldedEntry(i).starts_with(folded);
-    }
-    Require(list.FindStringExact(text) == equal, "the first equal entry is found");
-    const auto found = list.FindString(text);
-    Require(found.has_value() == begins, "an entry that begins so is found where there is one");
-    Require(!found || foldedEntry(*found).starts_with(folded), "what is found begins so");
+void ExamineCollecting(RequiredNodes& required, std::string_view line) {
+    const std::size_t before = required.Nodes().size();
+    const bool begins = std::ranges::any_of(required.Nodes(), [&](const RequiredNode& node) {
+        return FoldCase(node.name).starts_with(FoldCase(line));
+    });
+    required.Add(std::string(line), {AutoType, 1});
+    Require((required.Nodes().size() == before) == begins, "a name that another begins with stands for it");
 }
 
 } // namespace
 
 void Examine(std::string_view input) {
     ExamineFold(input);
-    ScratchList searchedOnce;
-    ScratchList searchedMeanwhile;
+    RequiredNodes required;
     while (true) {
         const auto end = input.find('\n');
-        const std::string_view line = input.substr(0, end);
-        ExamineSearch(searchedMeanwhile, line);
+        ExamineCollecting(required, input.substr(0, end));
         if (end == std::string_view::npos) {
-            ExamineSearch(searchedOnce, line);
             return;
         }
-        searchedOnce.AddItem(std::string(line));
-        searchedMeanwhile.AddItem(std::string(line));
         input.remove_prefix(end + 1);
     }
 }

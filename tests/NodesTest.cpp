@@ -1,8 +1,9 @@
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
-#include "nodes/ReferenceData.h"
+#include "nodes/Overview.h"
 #include "nodes/RequiredNodes.h"
 #include "nodes/Templates.h"
+#include "nodes/TypeCatalogue.h"
 #include "platform/RuntimeError.h"
 #include "testing/TestStore.h"
 
@@ -203,13 +204,12 @@ TEST_F(Nodes, AreMadeFromTheirTemplateAndToldPartByPart) {
 struct Offers {
     explicit Offers(const std::string& sql) {
         store.Execute(sql);
-        ReadNodeNames(dataBase, Demo, lists);
+        lists.ReadNames(dataBase, Demo);
     }
 
     std::string Types(Slot slot) {
         std::string types;
-        ReadContainableTypes(dataBase, Demo, slot, lists,
-                             [&](int, const std::string& name) { types += name + ' '; });
+        lists.ReadOffered(dataBase, Demo, slot, [&](int, const std::string& name) { types += name + ' '; });
         for (const std::string& name : lists.*RuleOf(slot).notAvailable) {
             types += '-' + name + ' ';
         }
@@ -218,10 +218,10 @@ struct Offers {
 
     TestStore store;
     DataBase dataBase;
-    NodeLists lists;
+    TypeCatalogue lists;
 };
 
-TEST(ReferenceData, TakesLimitsFromTheStoreOrItsRules) {
+TEST(TypeCatalogue, TakesLimitsFromTheStoreOrItsRules) {
     Offers offers(
         "DELETE FROM Node_Type_Max WHERE NodeType_ID = 5;"
         "UPDATE Node_Type_Max SET Max_Number = 99999999999 WHERE PartitionID = 2 AND NodeType_ID = 2;"
@@ -235,7 +235,7 @@ TEST(ReferenceData, TakesLimitsFromTheStoreOrItsRules) {
     }
 }
 
-TEST(ReferenceData, OffersTypesWithNumbers) {
+TEST(TypeCatalogue, OffersTypesWithNumbers) {
     // Limits of MSG and XFER, which types prompts and then actions offer and leave out. SPEAK has no limit.
     constexpr std::array<std::array<const char*, 3>, 5> cases = {{
         {"(1, 2, 0, 0), (1, 2, 4, -1)", "SPEAK -MSG -XFER ", "-MSG -XFER "},

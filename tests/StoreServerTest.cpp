@@ -1,7 +1,7 @@
 #include "Performing.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
-#include "nodes/ReferenceData.h"
+#include "nodes/TypeCatalogue.h"
 #include "store/Batch.h"
 #include "store/Connection.h"
 #include "testing/Relay.h"

@@ -5,9 +5,7 @@
 #include "history/History.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/PartitionReader.h"
-#include "nodes/ReferenceData.h"
 #include "nodes/References.h"
-#include "nodes/ScratchList.h"
 #include "store/Batch.h"
 
 #include <algorithm>
@@ -22,17 +20,14 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-constexpr unsigned BitOf(Slot slot) { return 1U << static_cast<unsigned>(slot); }
-
 class PartitionCheck {
   public:
     PartitionCheck(DataBase& dataBase, History& history, Partition partition, const CheckReader& reader)
-        : dataBase_(dataBase), history_(history), partition_(partition), reader_(reader), names_(dataBase) {}
+        : dataBase_(dataBase), history_(history), partition_(partition), reader_(reader) {}
 
     PartitionFindings Run() {
         ReadAhead ahead(dataBase_);
-        FetchLists(ahead, dataBase_, partition_);
-        ReadTypes();
+        types_.Read(ahead, dataBase_, partition_);
         ReadRegister();
         template_ = ReadAutoNode(dataBase_, {partition_, TemplateNumber});
         ReadWholeAutoNodes(
@@ -66,26 +61,6 @@ class PartitionCheck {
         bool hasRecord = false;
     };
 
-    struct Type {
-        std::string name;
-        int maximum = 0;
-        unsigned offered = 0; // bits of the slots that may refer to it
-    };
-
-    void ReadTypes() {
-        NodeLists lists;
-        ReadNodeNames(dataBase_, partition_, lists);
-        for (const auto& [typeID, name] : names_.All()) {
-            types_[typeID] = {name, lists.MaxNodeNumberCollection[typeID]};
-        }
-        for (std::size_t slot = 0; slot < SlotRules.size(); ++slot) {
-            ReadContainableTypes(dataBase_, partition_, static_cast<Slot>(slot), lists,
-                                 [&](int typeID, const std::string&) {
-                                     types_[typeID].offered |= BitOf(static_cast<Slot>(slot));
-                                 });
-        }
-    }
-
     void ReadRegister() {
         ResultSet rows = dataBase_.Query(Command::Get_Register, {partition_});
         const std::size_t type = rows.Column("NodeTypeID");
@@ -97,7 +72,8 @@ class PartitionCheck {
             const std::string_view stored = rows.Field(name).value_or("");
             Registered& entry = register_[key] = {std::string(rows.Field(label).value_or(""))};
             reader_.takeRegistered(key, stored, entry.label);
-            CheckTypeName(key, "register", key.typeID, stored);
+            CheckTypeName(
+                key, [] { return "register"; }, key.typeID, stored);
         }
         result_.registeredNodes = register_.size();
     }
@@ -112,26 +88,29 @@ class PartitionCheck {
             {fault, holder, names_.Name(holder.typeID), {}, std::move(where), std::move(subject)});
     }
 
-    void CheckTypeName(const NodeKey& holder, const std::string& where, int typeID, std::string_view stored) {
-        const auto type = types_.find(typeID);
-        if (type != types_.end() && type->second.name != stored) {
-            Add(Fault::TypeName, holder, where, '\'' + std::string(stored) + "' for " + type->second.name);
+    template <class Where>
+    void CheckTypeName(const NodeKey& holder, Where where, int typeID, std::string_view stored) {
+        const std::string* name = types_.NodeNameCollection.Find(typeID);
+        if (name != nullptr && *name != stored) {
+            Add(Fault::TypeName, holder, where(), '\'' + std::string(stored) + "' for " + *name);
         }
     }
 
     // Where is a function that gives the place as text.
     template <class Where>
     void CheckTarget(const NodeKey& holder, const Reference& target, Slot slot, Where where) {
-        const auto found = types_.find(target.typeID);
-        const bool known = found != types_.end();
-        if (!known || (found->second.offered & BitOf(slot)) == 0) {
+        switch (types_.Judge(slot, {target.typeID, target.number})) {
+        case Standing::NotNamed:
+        case Standing::NotOffered:
             Add(Fault::TypeNotOffered, holder, where(), DisplayText(target, slot));
-        } else if (target.typeID != NumberlessTypeOf(slot) && target.number > found->second.maximum) {
+            break;
+        case Standing::BeyondMaximum:
             Add(Fault::BeyondMaximum, holder, where(), DisplayText(target, slot));
+            break;
+        default:
+            break;
         }
-        if (known && found->second.name != target.type) {
-            CheckTypeName(holder, where(), target.typeID, target.type);
-        }
+        CheckTypeName(holder, where, target.typeID, target.type);
         CheckExists(holder, {target.typeID, target.number}, where);
     }
 
@@ -161,7 +140,8 @@ class PartitionCheck {
         NoteRecord(key);
         flow_.Add(number, node);
         reader_.takeAutoNode(number, node);
-        CheckTypeName(key, "record", AutoType, node.type);
+        CheckTypeName(
+            key, [] { return "record"; }, AutoType, node.type);
         CheckSettings(key, node.settings);
         for (const Prompt& prompt : node.prompts) {
             CheckTarget(key, prompt.target, Slot::Prompts,
@@ -209,17 +189,16 @@ class PartitionCheck {
             text += EntryText(action);
             return text += ')';
         };
-        ScratchList entries;
-        for (const Action& action : node.actions) {
+        const auto duplicates = DuplicateEntries(node.actions);
+        for (std::size_t position = 0; position < node.actions.size(); ++position) {
+            const Action& action = node.actions[position];
             CheckTarget(key, action.target, Slot::Actions, [&] { return where(action); });
             if (const auto fault = FaultOf(KindOf(action, digits))) {
                 Add(*fault, key, where(action), EntryText(action));
             }
-            std::string entry = EntryText(action);
-            if (entries.FindStringExact(entry)) {
-                Add(Fault::DuplicateEntry, key, where(action), entry);
+            if (std::ranges::binary_search(duplicates, position)) {
+                Add(Fault::DuplicateEntry, key, where(action), EntryText(action));
             }
-            entries.AddItem(std::move(entry));
         }
         for (const auto& [position, other, low, high] : FindSharedDigits(node.actions, digits)) {
             const Action& action = node.actions[position];
@@ -263,10 +242,7 @@ class PartitionCheck {
             }
             const auto where = [&] { return PlaceText(column, reference.row); };
             if (column.hasTypeID) {
-                const auto type = types_.find(*typeID);
-                if (type != types_.end() && type->second.name != reference.type) {
-                    CheckTypeName(reference.holder, where(), *typeID, reference.type);
-                }
+                CheckTypeName(reference.holder, where, *typeID, reference.type);
             }
             CheckExists(reference.holder, {*typeID, *reference.number}, where);
             reader_.takeReference(reference, *typeID);
@@ -322,8 +298,8 @@ class PartitionCheck {
     History& history_;
     Partition partition_;
     const CheckReader& reader_;
-    TypeNames names_;
-    std::unordered_map<int, Type> types_;
+    TypeCatalogue types_;
+    const TypeNames& names_ = types_.Names();
     std::unordered_map<NodeKey, Registered, HashKey> register_;
     std::optional<AutoNode> template_;
     Flow flow_;

@@ -1,7 +1,6 @@
 #include "audit/Repoint.h"
 
 #include "history/History.h"
-#include "nodes/ReferenceData.h"
 #include "platform/RuntimeError.h"
 #include "store/Batch.h"
 #include "store/Connection.h"
@@ -45,8 +44,7 @@ class Planning {
 
     RepointPlan Run() {
         ReadAhead ahead(dataBase_);
-        FetchLists(ahead, dataBase_, partition_);
-        ReadNodeNames(dataBase_, partition_, lists_);
+        types_.Read(ahead, dataBase_, partition_);
         CheckReplacements(ahead);
         if (byNode_.empty()) {
             return std::move(plan_);
@@ -97,15 +95,13 @@ class Planning {
     }
 
     void CheckNew(const NodeKey& node) {
-        const int* maximum = lists_.MaxNodeNumberCollection.Find(node.typeID);
         if (!RefersToNode(node.typeID) || RefersToMessage(node.typeID)) {
             plan_.obstacles.push_back(NameOf(node) + " is no node that can take the place of another");
         } else if (!IsNodeExisted(dataBase_, partition_, node)) {
             plan_.obstacles.push_back(NameOf(node) + " does not exist");
-        } else if (maximum != nullptr && node.number > *maximum) {
-            plan_.obstacles.push_back(NameOf(node) +
-                                      " is above the partition's highest number of the type, " +
-                                      std::to_string(*maximum));
+        } else if (!types_.HasNumber(node)) {
+            plan_.obstacles.push_back(
+                AboveHighest(NameOf(node), types_.MaxNodeNumberCollection[node.typeID]));
         }
     }
 
@@ -137,20 +133,16 @@ class Planning {
                 plan_.obstacles.push_back(place + " is " + names_.Name(stored) + ", which takes a message");
             }
         } else if (use.holder.typeID == AutoType
-                       ? !Offers(SlotOf(use.Column()), to.typeID)
+                       ? !Offers(SlotOf(use.Column()), to)
                        : to.typeID != stored && OffersNowhere(use.holder.typeID, to.typeID)) {
             plan_.obstacles.push_back(place + " does not offer " + names_.Name(to.typeID));
         }
     }
 
-    bool Offers(Slot slot, int typeID) {
-        const auto [entry, added] = offered_.try_emplace(slot);
-        if (added) {
-            ReadContainableTypes(
-                dataBase_, partition_, slot, lists_,
-                [&types = entry->second](int offered, const std::string&) { types.insert(offered); });
-        }
-        return entry->second.contains(typeID);
+    // Whether its number is too high is told once, of the node.
+    [[nodiscard]] bool Offers(Slot slot, const NodeKey& node) const {
+        const Standing standing = types_.Judge(slot, node);
+        return standing != Standing::NotNamed && standing != Standing::NotOffered;
     }
 
     // Which of the sets is whose is not known of other types than this one.
@@ -175,9 +167,8 @@ class Planning {
     Partition partition_;
     std::span<const Replacement> replacements_;
     const RepointTerms& terms_;
-    NodeLists lists_;
+    TypeCatalogue types_;
     std::map<NodeKey, const Replacement*> byNode_;
-    std::map<Slot, std::set<int>> offered_;
     std::map<std::pair<int, int>, bool> nowhere_; // by the holder's type and the new one
     RepointPlan plan_;
 };

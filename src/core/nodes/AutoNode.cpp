@@ -1,5 +1,9 @@
 #include "nodes/AutoNode.h"
 
+#include "platform/FoldCase.h"
+
+#include <unordered_set>
+
 namespace KAL_AUTO_Node {
 
 std::string DisplayText(const Reference& reference, Slot from) {
@@ -13,6 +17,17 @@ std::string EntryText(const Action& action) {
     std::string entry(low);
     entry += '-';
     return entry += high;
+}
+
+std::vector<std::size_t> DuplicateEntries(const std::vector<Action>& actions) {
+    std::vector<std::size_t> duplicates;
+    std::unordered_set<std::string> known;
+    for (std::size_t position = 0; position < actions.size(); ++position) {
+        if (!known.insert(FoldCase(EntryText(actions[position]))).second) {
+            duplicates.push_back(position);
+        }
+    }
+    return duplicates;
 }
 
 } // namespace KAL_AUTO_Node

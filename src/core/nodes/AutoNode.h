@@ -65,6 +65,10 @@ struct ShownRange {
 // The text by which an action is told from others.
 [[nodiscard]] std::string EntryText(const Action& action);
 
+// The actions whose text an earlier one has, whatever the case, by their positions. Ranges that overlap
+// without being equal are no duplicates.
+[[nodiscard]] std::vector<std::size_t> DuplicateEntries(const std::vector<Action>& actions);
+
 // An AUTO node as it is stored; texts are UTF-8.
 struct AutoNode {
     std::string type; // its own code text

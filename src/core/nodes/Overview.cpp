@@ -2,7 +2,7 @@
 
 #include "nodes/NodeTypes.h"
 #include "nodes/Record.h"
-#include "nodes/ReferenceData.h"
+#include "store/DataBase.h"
 
 #include <algorithm>
 
@@ -16,6 +16,16 @@ std::vector<PartitionCounts> ReadPartitions(DataBase& dataBase) {
                               rows.Number("RegisteredNodes")});
     }
     return partitions;
+}
+
+void ReadAutoNodes(DataBase& dataBase, Partition partition,
+                   const std::function<void(std::int16_t number, std::string_view label)>& take) {
+    ResultSet nodes = dataBase.Query(Command::Get_All_AUTO_Nodes, {partition, AutoType});
+    const std::size_t number = nodes.Column("NodeNumber");
+    const std::size_t label = nodes.Column("NodeDescription");
+    for (; !nodes.AtEnd(); nodes.MoveNext()) {
+        take(nodes.Number16(number), nodes.Field(label).value_or(""));
+    }
 }
 
 std::optional<NodePlace> FirstAutoNode(DataBase& dataBase) {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace KAL_AUTO_Node {
@@ -21,6 +22,11 @@ struct PartitionCounts {
 
 // Every partition that has a node, in order.
 [[nodiscard]] std::vector<PartitionCounts> ReadPartitions(DataBase& dataBase);
+
+// The AUTO nodes of the partition, in the order of their numbers. A number that no node can have raises
+// Overflow.
+void ReadAutoNodes(DataBase& dataBase, Partition partition,
+                   const std::function<void(std::int16_t number, std::string_view label)>& take);
 
 // The AUTO node of the lowest number in the first partition that has one besides its template.
 [[nodiscard]] std::optional<NodePlace> FirstAutoNode(DataBase& dataBase);

@@ -70,51 +70,6 @@ void ReadOtherReferences(DataBase& dataBase, Partition partition,
     Read(dataBase.Query(Command::Get_Other_References, {partition}), std::nullopt, take);
 }
 
-TypeNames::TypeNames(DataBase& dataBase) {
-    for (ResultSet rows = dataBase.Query(Command::Get_Node_Names, {}); !rows.AtEnd(); rows.MoveNext()) {
-        names_.emplace_back(rows.Number("ID"), rows.Text("English_Name"));
-    }
-}
-
-std::string TypeNames::Name(int typeID) const {
-    const auto found = std::ranges::find(names_, typeID, &std::pair<int, std::string>::first);
-    return found == names_.end() ? std::to_string(typeID) : found->second;
-}
-
-bool TypeNames::Knows(int typeID) const {
-    return std::ranges::find(names_, typeID, &std::pair<int, std::string>::first) != names_.end();
-}
-
-std::optional<int> TypeNames::ID(std::string_view name) const {
-    const auto found = std::ranges::find(names_, name, &std::pair<int, std::string>::second);
-    return found == names_.end() ? std::nullopt : std::optional(found->first);
-}
-
-int TypeNames::Meant(const std::string& text) const {
-    const std::string folded = FoldCase(text);
-    for (const auto& [typeID, name] : names_) {
-        if (FoldCase(name) == folded || std::to_string(typeID) == text) {
-            return typeID;
-        }
-    }
-    throw RuntimeError(ErrorNumber::InvalidProcedureCall, "There is no node type '" + text + "'");
-}
-
-NodeKey TypeNames::MeantNode(std::string_view text) const {
-    // The name of a type may have blanks; the number comes last.
-    const auto end = text.find_last_not_of(" \t\r");
-    text = text.substr(0, end == std::string_view::npos ? 0 : end + 1);
-    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
-    const auto blank = text.find_last_of(" \t");
-    const auto number =
-        blank == std::string_view::npos ? std::nullopt : WholeNumber<std::int16_t>(text.substr(blank + 1));
-    if (!number) {
-        throw RuntimeError(ErrorNumber::InvalidProcedureCall,
-                           '\'' + std::string(text) + "' is no node's type and number, such as MSG 12");
-    }
-    return {Meant(std::string(text.substr(0, text.find_last_not_of(" \t", blank) + 1))), *number};
-}
-
 std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition, const TypeNames& names,
                                       const NodeKey& node) {
     const auto [typeID, number] = node.Itself();

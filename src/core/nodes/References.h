@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nodes/Identity.h"
+#include "nodes/TypeCatalogue.h"
 #include "store/DataBase.h"
 #include "store/ReferenceColumns.h"
 
@@ -36,31 +37,6 @@ struct StoredReference {
 // The references of the nodes that are no AUTO nodes.
 void ReadOtherReferences(DataBase& dataBase, Partition partition,
                          const std::function<void(const StoredReference& reference)>& take);
-
-// The names of node types and their IDs.
-class TypeNames {
-  public:
-    explicit TypeNames(DataBase& dataBase);
-
-    [[nodiscard]] const auto& All() const { return names_; }
-
-    // The name of a type; its ID as text where it has none.
-    [[nodiscard]] std::string Name(int typeID) const;
-
-    // "AUTO 12"
-    [[nodiscard]] std::string Text(const NodeKey& node) const { return node.Text(Name(node.typeID)); }
-
-    [[nodiscard]] bool Knows(int typeID) const;
-    [[nodiscard]] std::optional<int> ID(std::string_view name) const;
-    // The type that a person means by its name, whatever the case, or by its ID. Raises InvalidProcedureCall
-    // where there is none.
-    [[nodiscard]] int Meant(const std::string& text) const;
-    // The node that a person means by its type, likewise, and its number: "MSG 12".
-    [[nodiscard]] NodeKey MeantNode(std::string_view text) const;
-
-  private:
-    std::vector<std::pair<int, std::string>> names_; // by ID
-};
 
 // All references to a node, in the order of their holders; those under all of its types where it is a
 // message.

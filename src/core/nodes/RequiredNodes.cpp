@@ -1,6 +1,7 @@
 #include "nodes/RequiredNodes.h"
 
 #include "nodes/NodeTypes.h"
+#include "platform/FoldCase.h"
 
 #include <utility>
 
@@ -13,8 +14,10 @@ void RequiredNodes::Add(std::string display, const NodeKey& node) {
     if (RefersToMessage(node.typeID)) {
         display = node.Text("MSG");
     }
-    if (!names_.FindString(display)) {
-        names_.AddItem(display);
+    std::string folded = FoldCase(display);
+    const auto next = names_.lower_bound(folded);
+    if (next == names_.end() || !next->starts_with(folded)) {
+        names_.insert(next, std::move(folded));
         nodes_.push_back({std::move(display), node.Itself()});
     }
 }

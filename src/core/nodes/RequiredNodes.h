@@ -1,8 +1,8 @@
 #pragma once
 
 #include "nodes/Identity.h"
-#include "nodes/ScratchList.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,7 +24,7 @@ class RequiredNodes {
     [[nodiscard]] const std::vector<RequiredNode>& Nodes() const { return nodes_; }
 
   private:
-    ScratchList names_;
+    std::set<std::string> names_; // without case
     std::vector<RequiredNode> nodes_;
 };
 

@@ -4,7 +4,7 @@
 #include "exchange/RowWrites.h"
 #include "history/History.h"
 #include "nodes/NodeTypes.h"
-#include "nodes/ReferenceData.h"
+#include "nodes/TypeCatalogue.h"
 #include "platform/RuntimeError.h"
 #include "platform/WholeNumber.h"
 #include "store/Batch.h"
@@ -18,8 +18,6 @@ namespace KAL_AUTO_Node {
 namespace {
 
 constexpr const char* Work = "copy";
-
-std::string Named(const TypeNames& names, const NodeKey& node) { return node.Text(names.Name(node.typeID)); }
 
 // The rows of a node as those of a copy in another partition; and what they refer to.
 class Rows {
@@ -86,7 +84,7 @@ class Rows {
         const auto typeID = column.hasTypeID ? WholeNumber<int>(field("NodeTypeID").value_or(""))
                                              : names_.ID(field("NodeType").value_or(""));
         if (typeID && number && RefersToNode(*typeID)) {
-            references_.emplace(NodeTypeOf(*typeID), *number);
+            references_.insert(NodeKey{*typeID, *number}.Itself());
         }
     }
 
@@ -125,7 +123,7 @@ CopyReport Plan(DataBase& dataBase, History& history, const TypeNames& names, co
         return report;
     }
     if (report.obstacles.empty() && !ReadTraces(dataBase, order.from, order.node).IsWhole()) {
-        add(Named(names, order.node) + " is not whole; check tells what it lacks");
+        add(names.Text(order.node) + " is not whole; check tells what it lacks");
     }
     add(WhyNotNew(dataBase, names, order.to, copy));
     if (order.node.typeID == MessageType) {
@@ -139,8 +137,7 @@ CopyReport Plan(DataBase& dataBase, History& history, const TypeNames& names, co
     report.missing = MissingIn(dataBase, order.to, references);
     if (order.missing == Missing::Refuse) {
         for (const NodeKey& node : report.missing) {
-            add(Named(names, node) + " does not exist in configuration " + std::to_string(order.to.config) +
-                ", partition " + std::to_string(order.to.number));
+            add(names.Text(node) + " does not exist in " + order.to.Text());
         }
     }
     return report;
@@ -154,7 +151,7 @@ void Create(DataBase& dataBase, History& history, const TypeNames& names, Partit
         const Creation outcome = CreateNodeFromTemplate(dataBase, partition, TemplateNumber, node, date,
                                                         begun ? Existing::Keep : Existing::Refuse);
         if (outcome != Creation::Created) {
-            report.obstacles.push_back(Named(names, node) +
+            report.obstacles.push_back(names.Text(node) +
                                        " does not exist there, nor a whole template to make it of");
         }
     }
@@ -164,13 +161,13 @@ void Create(DataBase& dataBase, History& history, const TypeNames& names, Partit
 
 std::optional<std::string> WhyNotNew(DataBase& dataBase, const TypeNames& names, Partition partition,
                                      const NodeKey& node) {
-    const std::string name = Named(names, node);
+    const std::string name = names.Text(node);
     if (node.number == TemplateNumber) {
         return name + " is the partition's template";
     }
     const int highest = ReadMaxNodeNumber(dataBase, partition, node.typeID).value_or(HighestNodeNumber);
     if (node.number < 0 || node.number > highest) {
-        return name + " is above the partition's highest number of the type, " + std::to_string(highest);
+        return AboveHighest(name, highest);
     }
     const NodeTraces traces = ReadTraces(dataBase, partition, node);
     if (!traces.Any()) {
@@ -184,7 +181,7 @@ std::optional<std::string> WhyNotNew(DataBase& dataBase, const TypeNames& names,
 
 std::optional<std::string> WhyNotTouched(DataBase& dataBase, History& history, const TypeNames& names,
                                          Partition partition, const NodeKey& node) {
-    const std::string name = Named(names, node);
+    const std::string name = names.Text(node);
     if (!HasCopyRule(node.typeID)) {
         return name + " is of a type whose nodes this program cannot copy, move or remove";
     }

@@ -241,13 +241,13 @@ void ReferenceList::NodeClick(Slot slot) {
         }
         ListRow content = List().Row(row);
         content.typeID = type;
-        content.number = content.number > number.ListCount() ? 1 : content.number;
+        content.number = gui_.Lists().HasNumber({type, content.number}) ? content.number : 1;
         content.shown = gui_.NodeName(type);
         content.name = node.Text();
         content.label.clear();
         const int chosen = content.number;
         List().SetRow(row, std::move(content));
-        if (chosen <= number.ListCount()) {
+        if (gui_.Lists().HasNumber({type, chosen})) {
             number.SetText(QString::number(chosen));
         } else {
             ShowNoNumber(slot, type);

@@ -210,7 +210,7 @@ void GUI::CreateInPlaceEditors() {
     }
 }
 
-NodeLists& GUI::Lists() {
+TypeCatalogue& GUI::Lists() {
     if (!nodeLists_) {
         throw RuntimeError(ErrorNumber::InvalidProcedureCall, "The reference lists are not there");
     }

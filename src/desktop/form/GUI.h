@@ -8,8 +8,8 @@
 #include "controls/NumberBox.h"
 #include "controls/StatusBar.h"
 #include "nodes/Identity.h"
-#include "nodes/NodeLists.h"
 #include "nodes/Slots.h"
+#include "nodes/TypeCatalogue.h"
 
 #include <QDialog>
 #include <QFrame>
@@ -54,9 +54,9 @@ class GUI : public QDialog {
     void ReleaseNodeLists() { nodeLists_.reset(); }
 
     // Between the two calls above; otherwise raises InvalidProcedureCall.
-    [[nodiscard]] NodeLists& Lists();
+    [[nodiscard]] TypeCatalogue& Lists();
 
-    [[nodiscard]] const NodeLists& Lists() const { return const_cast<GUI*>(this)->Lists(); }
+    [[nodiscard]] const TypeCatalogue& Lists() const { return const_cast<GUI*>(this)->Lists(); }
 
     // The name of a node type. Raises InvalidProcedureCall for an unknown one.
     [[nodiscard]] QString NodeName(int nodeTypeID) const;
@@ -220,7 +220,7 @@ class GUI : public QDialog {
     FindBar* findBar_ = nullptr;
     ListView* latestList_ = nullptr; // that had the focus, or one of its buttons
     QPointer<QWidget> latestInput_;  // above the closing buttons, that had the focus
-    std::optional<NodeLists> nodeLists_;
+    std::optional<TypeCatalogue> nodeLists_;
     std::array<ReferenceEditors, SlotRules.size()> editors_{};
 };
 

@@ -20,12 +20,18 @@ int WholeNumber(const QString& text, const QObject& control) {
     return number;
 }
 
-Reference TargetOf(const ListView& list, int row) {
-    const ListRow& is = list.Row(row);
-    return {is.typeID, is.name.toStdString(), is.number, {}};
-}
+Reference TargetOf(const ListRow& row) { return {row.typeID, row.name.toStdString(), row.number, {}}; }
 
 } // namespace
+
+std::vector<Action> GatherActions(const GUI& gui) {
+    std::vector<Action> actions;
+    for (const ListRow& row : gui.LVActions->Rows()) {
+        actions.push_back({static_cast<int>(actions.size()) + 1, TargetOf(row), row.low.toStdString(),
+                           row.high.toStdString()});
+    }
+    return actions;
+}
 
 AutoNode GatherNode(const GUI& gui) {
     AutoNode node;
@@ -36,16 +42,12 @@ AutoNode GatherNode(const GUI& gui) {
         const NumberBox& box = *(gui.*rule.box);
         node.settings.*rule.setting.value = WholeNumber(box.Text(), box);
     }
-    for (int row = 0; row < gui.LVPrompts->Count(); ++row) {
-        node.prompts.push_back({row + 1, TargetOf(*gui.LVPrompts, row)});
+    for (const ListRow& row : gui.LVPrompts->Rows()) {
+        node.prompts.push_back({static_cast<int>(node.prompts.size()) + 1, TargetOf(row)});
     }
-    for (int row = 0; row < gui.LVActions->Count(); ++row) {
-        node.actions.push_back({row + 1, TargetOf(*gui.LVActions, row),
-                                gui.LVActions->Row(row).low.toStdString(),
-                                gui.LVActions->Row(row).high.toStdString()});
-    }
+    node.actions = GatherActions(gui);
     for (std::size_t branch = 0; branch < node.branches.size(); ++branch) {
-        node.branches[branch] = TargetOf(*gui.LVExceptions, static_cast<int>(branch));
+        node.branches[branch] = TargetOf(gui.LVExceptions->Row(static_cast<int>(branch)));
     }
     return node;
 }

@@ -1,6 +1,6 @@
 #include "form/GUI.h"
 #include "form/QuickAssignForm.h"
-#include "nodes/ReferenceData.h"
+#include "nodes/TypeCatalogue.h"
 #include "rules/NodeRules.h"
 
 namespace KAL_AUTO_Node {

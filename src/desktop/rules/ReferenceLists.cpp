@@ -1,7 +1,7 @@
 #include "feedback/ErrorReport.h"
 #include "form/GUI.h"
 #include "form/ValueBoxes.h"
-#include "nodes/ReferenceData.h"
+#include "nodes/Overview.h"
 #include "platform/RuntimeError.h"
 #include "rules/NodeRules.h"
 #include "rules/Utf8.h"
@@ -10,19 +10,19 @@ namespace KAL_AUTO_Node {
 
 std::unique_ptr<ReadAhead> NodeRules::FetchLists(const GUI& gui) {
     auto ahead = std::make_unique<ReadAhead>(dataBase_);
-    KAL_AUTO_Node::FetchLists(*ahead, dataBase_, PartitionOf(gui));
+    TypeCatalogue::Fetch(*ahead, dataBase_, PartitionOf(gui));
     return ahead;
 }
 
 bool NodeRules::LoadNodeName(GUI& gui) {
-    return Reporting("LoadNodeName", [&] { ReadNodeNames(dataBase_, PartitionOf(gui), gui.Lists()); });
+    return Reporting("LoadNodeName", [&] { gui.Lists().ReadNames(dataBase_, PartitionOf(gui)); });
 }
 
 void NodeRules::LoadContainableTypes(GUI& gui, Slot slot) {
-    ReadContainableTypes(dataBase_, PartitionOf(gui), slot, gui.Lists(),
-                         [picker = gui.NodePicker(slot)](int typeID, const std::string& name) {
-                             picker->AddItem(FromUtf8(name), typeID);
-                         });
+    gui.Lists().ReadOffered(dataBase_, PartitionOf(gui), slot,
+                            [picker = gui.NodePicker(slot)](int typeID, const std::string& name) {
+                                picker->AddItem(FromUtf8(name), typeID);
+                            });
 }
 
 bool NodeRules::LoadPromptsNode(GUI& gui) {

@@ -120,7 +120,7 @@ class Reader {
         const int last = type == NumberlessTypeOf(slot) ? 0 : gui_.Lists().MaxNodeNumberCollection[type];
         // A type without numbers is chosen with the number 1 all the same.
         const int chosen = last < 1 && number.isEmpty() ? 1 : IsDigits(number) ? number.toInt() : 0;
-        if (chosen < 1 || chosen > std::max(1, last)) {
+        if (chosen < 1 || (chosen > 1 && gui_.Lists().Judge(slot, {type, chosen}) != Standing::Fine)) {
             throw Refusal(Quoted(name) +
                           (last < 1 ? QStringLiteral(" has no number ")
                                     : " has the numbers 1 to " + QString::number(last) + ", not ") +

@@ -39,14 +39,11 @@ int Run(const Options& options, DataBase& dataBase) {
                   options.labelled ? std::optional(options.label) : std::nullopt, missing},
                  Today(), options.dryRun ? Carry::OnlyTell : Carry::Out);
     RequireNoObstacles(report.obstacles);
-    const std::string type = Visible(names.Name(node.typeID)) + ' ';
-    std::cout << (options.dryRun ? "Would make " : "Made ") << type << options.number;
-    if (to != from) {
-        std::cout << " of configuration " << to.config << ", partition " << to.number;
-    }
-    std::cout << " of " << type << node.number << '\n';
+    std::cout << (options.dryRun ? "Would make " : "Made ")
+              << Visible(names.Text({node.typeID, options.number})) << (to != from ? " of " + to.Text() : "")
+              << " of " << Visible(names.Text(node)) << '\n';
     for (const NodeKey& other : report.missing) {
-        std::cout << "    " << Visible(names.Name(other.typeID)) << ' ' << other.number
+        std::cout << "    " << Visible(names.Text(other))
                   << (missing == Missing::Keep ? " is missing there"
                       : options.dryRun         ? " would be made of its template"
                                                : " is made of its template")
