@@ -1,6 +1,7 @@
+#include "audit/Recordings.h"
 #include "exchange/Export.h"
 #include "history/History.h"
-#include "nodes/NodeTypes.h"
+#include "nodes/FindNodes.h"
 #include "platform/RuntimeError.h"
 #include "testing/TestStore.h"
 #include "upkeep/NodeRows.h"
@@ -188,6 +189,87 @@ TEST_F(Upkeep, ChangesNothingWhereAWriteFails) {
         store_.Allow();
         EXPECT_TRUE(Exported() == before) << write;
     }
+}
+
+TEST_F(Upkeep, TellsOfAllChangesWhyTheyWereMade) {
+    History noted(dataBase_, "Anna: évening menu");
+    CopyNode(dataBase_, noted, names_, {Company, {9, 1}, Company, 30, "Next"}, "today", Carry::Out);
+    EXPECT_EQ(Copy({Company, {9, 1}, {1, 1}, 5, std::nullopt, Missing::Keep}).obstacles, Texts());
+    EXPECT_EQ(Remove({9, 30}), Texts());
+    store_.Execute(
+        "UPDATE Node_AUTO_Version SET BegunAt = '2026-03-0' || (VersionNo + PartID) || 'T12:00:00.000Z'");
+    const auto log = [&](const LogScope& scope) {
+        Texts lines;
+        history_.ReadLog(scope, [&](const NodePlace& place, const Version& version) {
+            lines.push_back(std::to_string(place.partition.number) + ' ' + std::to_string(place.number) +
+                            ' ' + version.work + (version.note.empty() ? "" : "|" + version.note));
+        });
+        return lines;
+    };
+    EXPECT_EQ(log({}), (Texts{"2 30 remove", "2 30 copy|Anna: évening menu", "1 5 copy"}));
+    EXPECT_EQ(log({Partition{1, 1}, "", ""}), Texts{"1 5 copy"});
+    EXPECT_EQ(log({{}, "2026-03-03", "2026-03-04"}), Texts{"2 30 copy|Anna: évening menu"});
+    EXPECT_EQ(history_.Verify(), 3U);
+    store_.Execute("UPDATE Node_AUTO_Version SET Content = '{\"node\": 7}' WHERE PartID = 1");
+    try {
+        history_.Verify();
+        ADD_FAILURE() << "one cannot be put back";
+    } catch (const RuntimeError& error) {
+        EXPECT_EQ(
+            std::string(error.what()).find("AUTO node 5 of configuration 1, partition 1, version 1 cannot"),
+            0U)
+            << error.what();
+    }
+    EXPECT_LT(StampOf("2026-03-01").value(), StampOf("2026-03-01 00:01").value());
+    EXPECT_EQ(StampOf("2026-02-28", 1), StampOf("2026-03-01"));
+    for (const char* wrong : {"", "yesterday", "2026-02-30", "2026-03-01 25:00", "2026-03-01 12"}) {
+        EXPECT_FALSE(StampOf(wrong)) << wrong;
+    }
+}
+
+TEST_F(Upkeep, FindsNodesByWordsAndNumbers) {
+    const auto find = [&](const std::string& text) {
+        Texts found;
+        for (const auto& [node, label, uses] : FindNodes(dataBase_, Company, names_, text)) {
+            found.push_back(node.Text(names_.Name(node.typeID)) + ' ' + label + ' ' + std::to_string(uses));
+        }
+        return found;
+    };
+    EXPECT_EQ(find("MÜLLER voice"),
+              (Texts{"MSG 41 Voice of Müller, menu 1", "MSG 42 Voice of Müller, episode 1 2",
+                     "MSG 43 Voice of Müller, episode 2 2", "MSG 44 Voice of Müller, trailer 4",
+                     "LIST 2 Voice of Müller, archive 2", "AUTO 12 Voice of Müller 1"}));
+    EXPECT_EQ(find("msg 44").size(), 1U);
+    EXPECT_EQ(find("44").size(), 2U);
+    EXPECT_EQ(find("nobody has this"), Texts());
+}
+
+TEST_F(Upkeep, LooksForRecordings) {
+    const auto folder = store_.Folder() / "sounds";
+    std::filesystem::create_directory(folder);
+    for (const char* name : {"P02M001.wav", "p02m002.WAV", "P02M004.wav", "P01M001.wav", "Old.wav"}) {
+        std::ofstream(folder / name) << '.';
+    }
+    std::filesystem::create_symlink(folder / "P02M001.wav", folder / "P02M003.wav");
+    store_.Execute("UPDATE Node_MSG SET VexoFilename = '../secret.wav' WHERE PartID = 2 AND NodeNumber = 5;"
+                   "UPDATE Node_MSG SET VexoFilename = NULL WHERE PartID = 2 AND NodeNumber = 6;"
+                   "UPDATE Node_MSG SET VexoFilename = 'p02m004.wav' WHERE PartID = 1 AND NodeNumber = 2");
+    const auto found = ReadRecordings(dataBase_, names_, Company, folder);
+    Texts told;
+    for (const Recording& one : found.messages) {
+        if (one.message <= 7) {
+            told.push_back(std::string(NameOf(*one.sound)) + one.other +
+                           (one.shared.empty() ? "" : one.shared.front()));
+        }
+    }
+    EXPECT_EQ(told,
+              (Texts{"there", "other-casep02m002.WAV", "no-file",
+                     "thereMSG 2 of configuration 1, partition 1", "leads-away", "no-name", "missing"}));
+    EXPECT_EQ(found.unnamed, Texts{"Old.wav"});
+    EXPECT_EQ(found.messages.at(5).label, "Invalid choice, try again");
+    EXPECT_EQ(found.messages.at(5).players.size(), 8U);
+    EXPECT_THROW(static_cast<void>(ReadRecordings(dataBase_, names_, Company, folder / "none")),
+                 RuntimeError);
 }
 
 // $KAL_TEST_ROUNDS of them.

@@ -55,8 +55,8 @@ enum class Mode { Tell, Plan, Write };
 // Goes over a table of the store and over its rows in the text side by side, both in the order of their keys.
 class Comparison : public ExchangeSink {
   public:
-    Comparison(DataBase& dataBase, Mode mode, const ImportProgress& progress)
-        : dataBase_(dataBase), history_(dataBase), mode_(mode), progress_(progress) {}
+    Comparison(DataBase& dataBase, Mode mode, const ImportProgress& progress, const std::string& note)
+        : dataBase_(dataBase), history_(dataBase, note), mode_(mode), progress_(progress) {}
 
     void TakeScope(std::optional<Partition> scope) override { report_.scope = scope; }
 
@@ -312,9 +312,10 @@ void Read(const std::filesystem::path& file, DataBase& dataBase, ExchangeSink& s
 } // namespace
 
 ExchangeReport ImportExchange(DataBase& dataBase, const std::filesystem::path& file, Import how,
-                              const ExchangeNode& tell, const ImportProgress& progress) {
+                              const ExchangeNode& tell, const ImportProgress& progress,
+                              const std::string& note) {
     for (int attempt = 1;; ++attempt) {
-        Comparison import(dataBase, how == Import::Carry ? Mode::Plan : Mode::Tell, progress);
+        Comparison import(dataBase, how == Import::Carry ? Mode::Plan : Mode::Tell, progress, note);
         {
             const Snapshot snapshot(dataBase);
             Read(file, dataBase, import);
@@ -336,7 +337,7 @@ ExchangeReport ImportExchange(DataBase& dataBase, const std::filesystem::path& f
         Transaction all(dataBase);
         std::optional<Comparison> direct;
         if (import.IsTooLarge() || attempt == MostPlans) {
-            Read(file, dataBase, direct.emplace(dataBase, Mode::Write, progress));
+            Read(file, dataBase, direct.emplace(dataBase, Mode::Write, progress, note));
         } else if (!import.CarryOut()) {
             continue;
         }

@@ -42,12 +42,12 @@ using ImportProgress = std::function<void(std::uint64_t rows)>;
 
 // Makes the store, or the partition, hold exactly the rows that a text form (docs/exchange.md) holds; tables
 // that it does not name stay as they are. All in one step or, with OnlyTell or after an error, nothing. Each
-// AUTO node that changes is kept as it was in the history first. Raises StoreNotRecognized, naming the file
-// and the line, for a text that is not right, and Busy while one of the nodes is being saved.
+// AUTO node that changes is kept as it was in the history first, with the note. Raises StoreNotRecognized,
+// naming the file and the line, for a text that is not right, and Busy while one of the nodes is being saved.
 // Nobody is kept from writing but for the time in which the changes are written, which are planned on one
 // state of the store before.
 [[nodiscard]] ExchangeReport ImportExchange(
     DataBase& dataBase, const std::filesystem::path& file, Import how, const ExchangeNode& tell,
-    const ImportProgress& progress = [](std::uint64_t) {});
+    const ImportProgress& progress = [](std::uint64_t) {}, const std::string& note = {});
 
 } // namespace KAL_AUTO_Node

@@ -18,6 +18,9 @@ namespace {
 constexpr const char* VersionTable = "Node_AUTO_Version";
 constexpr const char* CreationTable = "Node_Creation";
 
+// The note stands behind the work, in one column: so older programs keep it and show it.
+constexpr std::string_view BeforeNote = ": ";
+
 // A change of this process's. One that ended before it was stored has left its number to others.
 auto FindOwn(std::vector<Version>& versions, std::int64_t number, const ProcessIdentity& self) {
     return std::ranges::find_if(versions, [&](const Version& version) {
@@ -80,6 +83,26 @@ ProcessIdentity History::Self() {
     return self;
 }
 
+Version History::VersionIn(const ResultSet& row) {
+    const auto text = [&](const char* column) { return std::string(row.Text(column)); };
+    Version version{row.Number64("VersionNo"),
+                    text("Work"),
+                    text("State"),
+                    text("BegunAt"),
+                    {text("UserName"),
+                     text("HostName"),
+                     text("Program"),
+                     row.Number64("ProcessID"),
+                     text("ProcessStart"),
+                     {}},
+                    {}};
+    if (const auto end = version.work.find(BeforeNote); end != std::string::npos) {
+        version.note = version.work.substr(end + BeforeNote.size());
+        version.work.resize(end);
+    }
+    return version;
+}
+
 std::vector<Version> History::Stored(Command command, const NodePlace& place) {
     std::vector<Version> versions;
     if (!Exists()) {
@@ -97,17 +120,7 @@ std::vector<Version> History::Stored(Command command, const NodePlace& place) {
     };
     auto rows = query();
     for (; rows && !rows->AtEnd(); rows->MoveNext()) {
-        const auto text = [&](const char* column) { return std::string(rows->Text(column)); };
-        versions.push_back({rows->Number64("VersionNo"),
-                            text("Work"),
-                            text("State"),
-                            text("BegunAt"),
-                            {text("UserName"),
-                             text("HostName"),
-                             text("Program"),
-                             rows->Number64("ProcessID"),
-                             text("ProcessStart"),
-                             {}}});
+        versions.push_back(VersionIn(*rows));
     }
     rows.reset();
     for (Version& version : versions) {
@@ -250,7 +263,8 @@ std::int64_t History::Add(Batch& batch, const NodePlace& place, std::int64_t new
     Forget(place, number); // it was that of a change that never was
     const ProcessIdentity author = Self();
     const std::string text = TextOf(place, before);
-    batch.Add(Command::Add_AUTO_Version, {place, number, work, state, TimeStamp(), author.user, author.host,
+    const std::string told = note_.empty() ? work : std::string(work) + std::string(BeforeNote) + note_;
+    batch.Add(Command::Add_AUTO_Version, {place, number, told, state, TimeStamp(), author.user, author.host,
                                           author.program, author.process, author.start, text});
     if (state == std::string_view(VersionState::Begun) && TellsMachines()) {
         batch.Add(Command::Set_AUTO_Version_Machine, {author.machine, place, number});

@@ -5,6 +5,7 @@
 #include "nodes/Templates.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,8 +14,17 @@ namespace KAL_AUTO_Node {
 
 class Batch;
 class DataBase;
+class ResultSet;
 class Transaction;
 enum class Command;
+
+// Which changes: of one partition or of all, from a time up to another, which is no part of it; times as they
+// are stored, empty for none.
+struct LogScope {
+    std::optional<Partition> partition;
+    std::string since;
+    std::string until;
+};
 
 // The changes of AUTO nodes that a store keeps, with each node as it was before them.
 class History {
@@ -26,8 +36,9 @@ class History {
     static constexpr int MostVersions = 1000;
     static constexpr std::int64_t MostBytes = std::int64_t{8} << 20;
 
-    // The data base outlives the history.
-    explicit History(DataBase& dataBase) : dataBase_(dataBase) {}
+    // The data base outlives the history. The note, by which a person tells why, is kept with each change.
+    explicit History(DataBase& dataBase, std::string note = {})
+        : dataBase_(dataBase), note_(std::move(note)) {}
 
     // Whether the store keeps a history. A store of another program's has none before the first save.
     [[nodiscard]] bool Exists();
@@ -98,6 +109,13 @@ class History {
     [[nodiscard]] bool IsHalfMade(const NodePlace& place);
     void MakeWhole(const NodePlace& place);
 
+    // Hands over the changes of all nodes in a scope, newest first.
+    void ReadLog(const LogScope& scope,
+                 const std::function<void(const NodePlace& place, const Version& version)>& take);
+    // Puts each node back as it was before each change, in memory; tells how many there are, and raises
+    // StoreNotRecognized, naming it, for the first that cannot be.
+    std::size_t Verify();
+
     // Drops what is kept no longer of all nodes; returns how many versions went.
     std::int64_t Prune();
 
@@ -127,7 +145,11 @@ class History {
     // Makes what the change began to make from templates.
     void FinishCreations(const NodePlace& place, std::int64_t version);
 
+    // Of the row that a query has reached.
+    [[nodiscard]] static Version VersionIn(const ResultSet& row);
+
     DataBase& dataBase_;
+    std::string note_;
     std::optional<bool> tellsMachines_;
     std::vector<Ended> ended_; // and not marked so yet
 };

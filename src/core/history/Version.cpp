@@ -64,6 +64,26 @@ bool IsSurelyOver(const Version& version) {
 
 std::string TimeStamp(int daysAgo) { return Written(Clock::now() - std::chrono::hours(24) * daysAgo); }
 
+std::optional<std::string> StampOf(const std::string& localTime, int daysLater) {
+    std::tm parts{};
+    const char* end = strptime(localTime.c_str(), "%Y-%m-%d", &parts);
+    const bool isDay = end != nullptr && *end == '\0';
+    if (end != nullptr && !isDay) {
+        end = strptime(end, " %H:%M", &parts);
+    }
+    if (end == nullptr || *end != '\0') {
+        return std::nullopt;
+    }
+    const int day = parts.tm_mday;
+    parts.tm_isdst = -1;
+    auto normal = parts;
+    if (mktime(&normal) == -1 || normal.tm_mday != day) {
+        return std::nullopt; // there is no such day
+    }
+    parts.tm_mday += isDay ? daysLater : 0;
+    return Written(Clock::from_time_t(mktime(&parts)));
+}
+
 std::string LocalTime(const std::string& timeStamp) {
     const auto time = Read(timeStamp);
     if (!time) {

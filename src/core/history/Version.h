@@ -3,6 +3,7 @@
 #include "platform/ProcessIdentity.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace KAL_AUTO_Node {
@@ -12,10 +13,11 @@ namespace KAL_AUTO_Node {
 struct Version {
     std::int64_t number = 0; // from 1, ascending with time
     std::string work;        // what changed the node: "save", "restore", "put back", "import",
-                             // "repoint"
+                             // "repoint", "copy", "move", "remove"
     std::string state;       // one of those below
     std::string begunAt;     // UTC, YYYY-MM-DDTHH:MM:SS.mmmZ
     ProcessIdentity author;
+    std::string note; // why, where somebody told it
 };
 
 // The states of a version, as they are stored.
@@ -43,6 +45,10 @@ inline constexpr int OwnerLimitMinutes = 10;
 
 // Now, in the form in which times are stored; and some days ago.
 [[nodiscard]] std::string TimeStamp(int daysAgo = 0);
+
+// The form in which times are stored, of a day or a time as people of this place write it, YYYY-MM-DD or
+// YYYY-MM-DD HH:MM; of a day its beginning or, so many days later, that of another. Nothing for another text.
+[[nodiscard]] std::optional<std::string> StampOf(const std::string& localTime, int daysLater = 0);
 
 // A stored time as people of this place read it, to the minute; another text as it stands.
 [[nodiscard]] std::string LocalTime(const std::string& timeStamp);

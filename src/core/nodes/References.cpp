@@ -14,9 +14,11 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-// Hands over references, of which the rows have the number or not.
+// Hands over references, of which the rows have the number or not. Of many rows that nobody wants no more
+// than what tells that is read.
+template <class Wants>
 void Read(ResultSet rows, std::optional<int> number,
-          const std::function<void(const StoredReference& reference)>& take) {
+          const std::function<void(const StoredReference& reference)>& take, const Wants& wants) {
     const std::size_t holderTypeID = rows.Column("HolderTypeID");
     const std::size_t holder = rows.Column("HolderNumber");
     const std::size_t column = rows.Column("ReferenceNo");
@@ -28,14 +30,20 @@ void Read(ResultSet rows, std::optional<int> number,
         return rows.Field(field) ? std::optional(rows.Number(field)) : std::nullopt;
     };
     for (; !rows.AtEnd(); rows.MoveNext()) {
-        take({{rows.Number(holderTypeID), rows.Number(holder)},
-              static_cast<std::size_t>(rows.Number(column)),
-              rows.Number(row),
-              orNothing(typeID),
-              std::string(rows.Field(type).value_or("")),
-              numberColumn ? orNothing(*numberColumn) : number});
+        const auto to = numberColumn ? orNothing(*numberColumn) : number;
+        const auto as = orNothing(typeID);
+        if (wants(as, to)) {
+            take({{rows.Number(holderTypeID), rows.Number(holder)},
+                  static_cast<std::size_t>(rows.Number(column)),
+                  rows.Number(row),
+                  as,
+                  std::string(rows.Field(type).value_or("")),
+                  to});
+        }
     }
 }
+
+bool WantsAll(const std::optional<int>& /*typeID*/, const std::optional<int>& /*number*/) { return true; }
 
 // In the order of their holders.
 std::vector<StoredReference> Sorted(std::vector<StoredReference> uses) {
@@ -67,7 +75,7 @@ std::string PlaceText(const ReferenceColumn& column, int row) {
 
 void ReadOtherReferences(DataBase& dataBase, Partition partition,
                          const std::function<void(const StoredReference& reference)>& take) {
-    Read(dataBase.Query(Command::Get_Other_References, {partition}), std::nullopt, take);
+    Read(dataBase.Query(Command::Get_Other_References, {partition}), std::nullopt, take, WantsAll);
 }
 
 std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition, const TypeNames& names,
@@ -79,20 +87,24 @@ std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition, c
     Read(
         dataBase.Query(Command::Get_Uses, {partition, number, types[0], types[1], types[2],
                                            names.Name(types[0]), names.Name(types[1]), names.Name(types[2])}),
-        number, [&](const StoredReference& use) { uses.push_back(use); });
+        number, [&](const StoredReference& use) { uses.push_back(use); }, WantsAll);
     return Sorted(std::move(uses));
 }
 
 std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition, const TypeNames& names,
                                       const std::set<NodeKey>& nodes) {
     std::vector<StoredReference> uses;
+    const auto wants = [&](const std::optional<int>& typeID, const std::optional<int>& number) {
+        return number && (!typeID || nodes.contains(NodeKey{*typeID, *number}.Itself()));
+    };
+    const auto take = [&](const StoredReference& use) {
+        const auto typeID = use.Column().hasTypeID ? use.typeID : names.ID(use.type);
+        if (typeID && nodes.contains(NodeKey{*typeID, *use.number}.Itself())) {
+            uses.push_back(use);
+        }
+    };
     for (const Command command : {Command::Get_AUTO_References, Command::Get_Other_References}) {
-        Read(dataBase.Query(command, {partition}), std::nullopt, [&](const StoredReference& use) {
-            const auto typeID = use.Column().hasTypeID ? use.typeID : names.ID(use.type);
-            if (typeID && use.number && nodes.contains(NodeKey{*typeID, *use.number}.Itself())) {
-                uses.push_back(use);
-            }
-        });
+        Read(dataBase.Query(command, {partition}), std::nullopt, take, wants);
     }
     return Sorted(std::move(uses));
 }

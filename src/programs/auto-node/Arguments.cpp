@@ -67,6 +67,18 @@ void AddNodeOfAnyType(const CommandArguments& command, NodeArguments& node) {
     AddNumber(command, "NUMBER", node.number, "Number of the node").Required();
 }
 
+void AddNote(const CommandArguments& command, std::string& note) {
+    constexpr std::size_t longest = 1000;
+    const auto read = [&note](const std::string& text) {
+        if (text.size() > longest) {
+            Refuse("--note", "is of " + std::to_string(text.size()) + " bytes; at most " +
+                                 std::to_string(longest) + " are kept");
+        }
+        note = text;
+    };
+    command.Word("--note", read, "Why: the history keeps it with the change").ShownAs("TEXT");
+}
+
 std::string ReadTextFile(const std::string& file) {
     std::ifstream in(file, std::ios::binary);
     std::ostringstream text;

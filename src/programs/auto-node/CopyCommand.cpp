@@ -21,11 +21,12 @@ struct Options {
     std::string label;
     bool labelled = false;
     std::string missing;
+    std::string note;
     bool dryRun = false;
 };
 
 int Run(const Options& options, DataBase& dataBase) {
-    History history(dataBase);
+    History history(dataBase, options.note);
     const TypeNames names(dataBase);
     const NodeKey node = options.node.Meant(names);
     const Partition from = options.node.partition;
@@ -77,6 +78,7 @@ Subcommand CopyCommand(CommandLine& program) {
               "from their templates")
         .ShownAs("HOW")
         .OneOf({"keep", "create"});
+    AddNote(command, options->note);
     command.Flag("--dry-run", options->dryRun, "Only tell what would be made");
     return {command, [options, label](const StoreChoice& store) {
                 options->labelled = label.Given();

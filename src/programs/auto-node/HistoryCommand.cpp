@@ -9,6 +9,7 @@
 #include "platform/VisibleText.h"
 #include "store/DataBase.h"
 
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -50,7 +51,8 @@ std::vector<Change> ReadChanges(DataBase& dataBase, History& history, const Node
 
 // What became of a change, as people read it.
 std::string Outcome(const Version& version) {
-    return version.state == VersionState::Finished ? version.work : version.work + ", " + version.state;
+    return version.work + (version.state == VersionState::Finished ? "" : ", " + version.state) +
+           (version.note.empty() ? "" : ": " + version.note);
 }
 
 void Print(const std::vector<Change>& changes) {
@@ -67,42 +69,138 @@ void Print(const std::vector<Change>& changes) {
     }
 }
 
+nlohmann::ordered_json ToJson(const Version& version) {
+    return {{"version", version.number},
+            {"at", version.begunAt},
+            {"user", version.author.user},
+            {"host", version.author.host},
+            {"program", version.author.program},
+            {"work", version.work},
+            {"state", version.state},
+            {"note", version.note}};
+}
+
 void PrintJson(const std::vector<Change>& changes) {
     auto document = nlohmann::ordered_json::array();
     for (const auto& [version, words] : changes) {
-        document.push_back({{"version", version.number},
-                            {"at", version.begunAt},
-                            {"user", version.author.user},
-                            {"host", version.author.host},
-                            {"program", version.author.program},
-                            {"work", version.work},
-                            {"state", version.state},
-                            {"changes", words}});
+        auto change = ToJson(version);
+        change["changes"] = words;
+        document.push_back(std::move(change));
     }
     std::cout << JsonText(document) << '\n';
+}
+
+struct Options {
+    NodePlace place;
+    bool oneNode = false;
+    LogScope scope;
+    std::string user;
+    bool json = false;
+    bool verify = false;
+
+    [[nodiscard]] bool Takes(const Version& version) const {
+        // On a server a name may have the role's behind it.
+        return (scope.since.empty() || version.begunAt >= scope.since) &&
+               (scope.until.empty() || version.begunAt < scope.until) &&
+               (user.empty() || version.author.user == user ||
+                version.author.user.starts_with(user + " as ") ||
+                version.author.user.ends_with(" as " + user));
+    }
+};
+
+// The changes of many nodes, without what they changed.
+int PrintLog(const Options& options, History& history) {
+    using enum Table::Align;
+    auto document = nlohmann::ordered_json::array();
+    Table table({Left, Right, Right, Left, Left, Left});
+    bool any = false;
+    history.ReadLog(options.scope, [&](const NodePlace& place, const Version& version) {
+        if (!options.Takes(version)) {
+            return;
+        }
+        any = true;
+        if (options.json) {
+            nlohmann::ordered_json change{{"config", place.partition.config},
+                                          {"partition", place.partition.number},
+                                          {"number", place.number}};
+            change.update(ToJson(version));
+            document.push_back(std::move(change));
+        } else {
+            table.Add({LocalTime(version.begunAt), std::to_string(place.partition.config),
+                       std::to_string(place.partition.number), "AUTO " + std::to_string(place.number),
+                       AuthorText(version), Outcome(version)});
+        }
+    });
+    if (options.json) {
+        std::cout << JsonText(document) << '\n';
+    } else if (any) {
+        table.Print(std::cout);
+    } else {
+        std::cout << "No such changes are kept.\n";
+    }
+    return 0;
+}
+
+int Run(const Options& options, DataBase& dataBase) {
+    History history(dataBase);
+    if (options.verify) {
+        const std::size_t states = Lasting("Verifying what is kept", [&] { return history.Verify(); });
+        std::cout << Counted(states, "kept state") << " can be put back\n";
+        return 0;
+    }
+    if (!options.oneNode) {
+        return PrintLog(options, history);
+    }
+    auto changes =
+        Lasting("Reading the changes", [&] { return ReadChanges(dataBase, history, options.place); });
+    if (changes.empty()) {
+        static_cast<void>(RequireAutoNode(dataBase, options.place));
+    }
+    std::erase_if(changes, [&](const Change& change) { return !options.Takes(change.version); });
+    options.json ? PrintJson(changes) : Print(changes);
+    return 0;
+}
+
+// A day or a time as the option of that name takes it.
+std::function<void(const std::string&)> ReadTime(const std::string& name, std::string& stamp, int daysLater) {
+    return [name, &stamp, daysLater](const std::string& text) {
+        const auto read = StampOf(text, daysLater);
+        if (!read) {
+            Refuse(name, "'" + text + "' is no day or time, such as 2026-11-25 or \"2026-11-25 18:30\"");
+        }
+        stamp = *read;
+    };
 }
 
 } // namespace
 
 Subcommand HistoryCommand(CommandLine& program) {
-    struct Options {
-        NodePlace place;
-        bool json = false;
-    };
-
     auto options = std::make_shared<Options>();
-    const CommandArguments command = program.Add("history", "List the changes of an AUTO node, newest first");
-    AddNode(command, options->place);
-    command.Flag("--json", options->json, "Print JSON, for programs");
-    return {command, Reading([options](DataBase& dataBase) {
-                History history(dataBase);
-                const auto changes = Lasting("Reading the changes",
-                                             [&] { return ReadChanges(dataBase, history, options->place); });
-                if (changes.empty()) {
-                    static_cast<void>(RequireAutoNode(dataBase, options->place));
+    const CommandArguments command = program.Add(
+        "history", "List the changes of an AUTO node, or of all in a partition or the store, newest first");
+    NodePlace& place = options->place;
+    const Option config = AddNumber(command, "CONFIG", place.partition.config, "Configuration number");
+    const Option partition = AddNumber(command, "PARTITION", place.partition.number, "Partition number");
+    const Option node = AddNumber(command, "NODE", place.number, "Number of the AUTO node");
+    config.Needs(partition);
+    command
+        .Word("--since", ReadTime("--since", options->scope.since, 0), "Only those from that day or time on")
+        .ShownAs("TIME");
+    command
+        .Word("--until", ReadTime("--until", options->scope.until, 1),
+              "Only those up to that time, or to the end of that day")
+        .ShownAs("TIME");
+    command.Text("--user", options->user, "Only those of that user").ShownAs("NAME");
+    const Option json = command.Flag("--json", options->json, "Print JSON, for programs");
+    command.Flag("--verify", options->verify, "Only tell whether all that is kept can be put back")
+        .Excludes(json)
+        .Excludes(partition);
+    return {command, Reading([options, partition, node](DataBase& dataBase) {
+                options->oneNode = node.Given();
+                if (partition.Given()) {
+                    options->scope.partition = options->place.partition;
                 }
-                options->json ? PrintJson(changes) : Print(changes);
-                return 0;
+                return Run(*options, dataBase);
             })};
 }
 

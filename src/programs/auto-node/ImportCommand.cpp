@@ -1,3 +1,4 @@
+#include "auto-node/Arguments.h"
 #include "auto-node/CallDiff.h"
 #include "auto-node/Changes.h"
 #include "auto-node/CheckReport.h"
@@ -24,6 +25,7 @@ namespace {
 struct Options {
     std::string file;
     bool damaged = false;
+    std::string note;
     bool dryRun = false;
     CallOptions calls;
 };
@@ -141,7 +143,8 @@ int CarryBack(const Options& options, DataBase& dataBase) {
         Progress progress("Comparing");
         report = ImportExchange(
             dataBase, options.file, options.dryRun ? Import::OnlyTell : Import::Carry, tell,
-            [&](std::uint64_t rows) { progress.Show([&] { return Counted(rows, "row") + " compared"; }); });
+            [&](std::uint64_t rows) { progress.Show([&] { return Counted(rows, "row") + " compared"; }); },
+            options.note);
     }
     if (options.calls.json) {
         PrintCalls(dataBase, states, true);
@@ -197,6 +200,7 @@ Subcommand ImportCommand(CommandLine& program) {
         "Bring an old Jet file (NewDB.mdb) over into a new store, or what export wrote back into one",
         "--into,--store");
     command.Text("FILE", options->file, "The file; what it holds tells what it is").Required().ShownAs("");
+    AddNote(command, options->note);
     const Option dryRun =
         command.Flag("--dry-run", options->dryRun, "Only tell what would change; not for a Jet file");
     AddCalls(command, options->calls, dryRun);

@@ -20,6 +20,7 @@ struct Options {
     std::int16_t newNumber = 0;
     std::vector<std::string> instead; // type, number
     bool forget = false;
+    std::string note;
     bool dryRun = false;
 };
 
@@ -38,10 +39,11 @@ int Tell(const RepointPlan& plan, const TypeNames& names, const std::string& don
 
 Subcommand OnNode(const CommandArguments& command, const std::shared_ptr<Options>& options,
                   std::function<int(DataBase&, History&, const TypeNames&, const NodeKey&)> run) {
+    AddNote(command, options->note);
     command.Flag("--dry-run", options->dryRun, "Only tell what would change");
     return {command, [options, run = std::move(run)](const StoreChoice& store) {
                 const auto work = [&](DataBase& dataBase) {
-                    History history(dataBase);
+                    History history(dataBase, options->note);
                     const TypeNames names(dataBase);
                     return run(dataBase, history, names, options->node.Meant(names));
                 };

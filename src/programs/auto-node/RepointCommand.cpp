@@ -25,6 +25,7 @@ struct Options {
     std::string newType;
     std::int16_t newNumber = 0;
     std::string map;
+    std::string note;
     bool dryRun = false;
     CallOptions calls;
 };
@@ -44,7 +45,7 @@ std::vector<Replacement> ReplacementsOf(const Options& options, const TypeNames&
 
 int Run(const Options& options, DataBase& dataBase) {
     const Partition partition = options.partition;
-    History history(dataBase);
+    History history(dataBase, options.note);
     const TypeNames names(dataBase);
     const auto replacements = ReplacementsOf(options, names);
     const RepointPlan plan = Lasting("Repointing", [&] {
@@ -89,6 +90,7 @@ Subcommand RepointCommand(CommandLine& program) {
         AddNumber(command, "NEW_NUMBER", options->newNumber, "Number of the node that takes its place");
     const Option map = command.Text("--map", options->map, "Many at once: a file with MSG 6 -> MSG 16 a line")
                            .ShownAs("FILE");
+    AddNote(command, options->note);
     const Option dryRun = command.Flag("--dry-run", options->dryRun, "Only tell what would change");
     AddCalls(command, options->calls, dryRun);
     command.Together([type, last, map] {

@@ -35,6 +35,7 @@ Subcommand RestoreCommand(CommandLine& program) {
         NodePlace place;
         int version = 0; // the latest
         bool dryRun = false;
+        std::string note;
         CallOptions calls;
     };
 
@@ -48,11 +49,12 @@ Subcommand RestoreCommand(CommandLine& program) {
             [options](const std::string& text) { options->version = ReadVersion("VERSION", text); },
             "Number of the change; the latest where none is given")
         .ShownAs("");
+    AddNote(command, options->note);
     const Option dryRun = command.Flag("--dry-run", options->dryRun, "Only tell what would change");
     AddCalls(command, options->calls, dryRun);
     const auto run = [options](DataBase& dataBase) {
         const NodePlace& place = options->place;
-        History history(dataBase);
+        History history(dataBase, options->note);
         std::int64_t version = options->version;
         if (version == 0) {
             const auto newest = history.Newest(place);
