@@ -24,7 +24,7 @@ class Told : public ExchangeSink {
         before_.reset();
     }
 
-    void TakeRow(const StoreRow& row) override {
+    void TakeRow(const StoreRow& row, std::uint64_t /*line*/) override {
         Require(table_ != nullptr && row.size() == table_->columns.size(), "a row is one of a table");
         for (std::size_t column = 0; column < row.size(); ++column) {
             auto value = row[column];

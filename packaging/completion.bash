@@ -4,7 +4,7 @@ _auto_node() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
     COMPREPLY=()
     case $before in
-        -o | --output | --store | --accept | --into | --map | --sounds)
+        -o | --output | --store | --accept | --into | --text | --map | --sounds)
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -f -- "$word")
             return

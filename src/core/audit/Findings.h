@@ -115,6 +115,11 @@ struct Finding {
     // The holder, as it is shown.
     [[nodiscard]] std::string Holder() const { return holder.Text(holderType); }
 
+    // Where it is stored: a table, and the row's number where that is a list; empty where it is the whole
+    // node.
+    std::string_view table;
+    int row = 0;
+
     // One line that tells the finding from others and stays as it is while rows move within their list. No
     // blanks end it, which a person's editor would take away.
     [[nodiscard]] std::string Key(Partition partition) const;

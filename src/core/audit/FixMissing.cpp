@@ -20,4 +20,9 @@ Creation CreateMissing(DataBase& dataBase, History& history, Partition partition
     return outcome;
 }
 
+bool CanBeMade(DataBase& dataBase, Partition partition, const RequiredNode& node) {
+    const int typeID = node.key.Itself().typeID;
+    return HasCopyRule(typeID) && IsNodeExisted(dataBase, partition, {typeID, TemplateNumber});
+}
+
 } // namespace KAL_AUTO_Node

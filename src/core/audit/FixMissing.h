@@ -17,4 +17,7 @@ class History;
 Creation CreateMissing(DataBase& dataBase, History& history, Partition partition, const RequiredNode& node,
                        const std::string& date);
 
+// Whether there is what it would be made of.
+[[nodiscard]] bool CanBeMade(DataBase& dataBase, Partition partition, const RequiredNode& node);
+
 } // namespace KAL_AUTO_Node

@@ -34,7 +34,8 @@ class PartitionCheck {
             dataBase_, partition_, [this](int number, const AutoNode& node) { CheckNode(number, node); },
             [this](Slot list, int number, int rows) {
                 const char* kind = list == Slot::Prompts ? " prompts" : " actions";
-                Add(Fault::OrphanRows, {AutoType, number}, "", std::to_string(rows) + kind);
+                const char* table = list == Slot::Prompts ? "Detail_AUTO_Prompts" : "Detail_AUTO_Action";
+                Add(Fault::OrphanRows, {AutoType, number}, {"", table}, std::to_string(rows) + kind);
             });
         CheckOtherNodes();
         CheckRegister();
@@ -73,7 +74,11 @@ class PartitionCheck {
             Registered& entry = register_[key] = {std::string(rows.Field(label).value_or(""))};
             reader_.takeRegistered(key, stored, entry.label);
             CheckTypeName(
-                key, [] { return "register"; }, key.typeID, stored);
+                key,
+                [] {
+                    return Where{"register", "Node_General_Pool"};
+                },
+                key.typeID, stored);
         }
         result_.registeredNodes = register_.size();
     }
@@ -83,13 +88,26 @@ class PartitionCheck {
         return found == register_.end() ? nullptr : &found->second;
     }
 
-    void Add(Fault fault, const NodeKey& holder, std::string where, std::string subject) {
-        result_.findings.push_back(
-            {fault, holder, names_.Name(holder.typeID), {}, std::move(where), std::move(subject)});
+    // A place in a node, for people and where it is stored.
+    struct Where {
+        std::string text = {};
+        std::string_view table = {};
+        int row = 0;
+    };
+
+    void Add(Fault fault, const NodeKey& holder, Where where, std::string subject) {
+        result_.findings.push_back({fault,
+                                    holder,
+                                    names_.Name(holder.typeID),
+                                    {},
+                                    std::move(where.text),
+                                    std::move(subject),
+                                    where.table,
+                                    where.row});
     }
 
-    template <class Where>
-    void CheckTypeName(const NodeKey& holder, Where where, int typeID, std::string_view stored) {
+    template <class MakeWhere>
+    void CheckTypeName(const NodeKey& holder, MakeWhere where, int typeID, std::string_view stored) {
         const std::string* name = types_.NodeNameCollection.Find(typeID);
         if (name != nullptr && *name != stored) {
             Add(Fault::TypeName, holder, where(), '\'' + std::string(stored) + "' for " + *name);
@@ -97,8 +115,8 @@ class PartitionCheck {
     }
 
     // Where is a function that gives the place as text.
-    template <class Where>
-    void CheckTarget(const NodeKey& holder, const Reference& target, Slot slot, Where where) {
+    template <class MakeWhere>
+    void CheckTarget(const NodeKey& holder, const Reference& target, Slot slot, MakeWhere where) {
         switch (types_.Judge(slot, {target.typeID, target.number})) {
         case Standing::NotNamed:
         case Standing::NotOffered:
@@ -114,8 +132,8 @@ class PartitionCheck {
         CheckExists(holder, {target.typeID, target.number}, where);
     }
 
-    template <class Where>
-    void CheckExists(const NodeKey& holder, const NodeKey& target, Where where) {
+    template <class MakeWhere>
+    void CheckExists(const NodeKey& holder, const NodeKey& target, MakeWhere where) {
         const NodeKey key = target.Itself();
         if (RefersToNode(target.typeID) && Find(key) == nullptr) {
             std::string name = names_.Text(key);
@@ -130,7 +148,7 @@ class PartitionCheck {
         if (Registered* entry = Find(node)) {
             entry->hasRecord = true;
         } else {
-            Add(Fault::NotRegistered, node, "", "");
+            Add(Fault::NotRegistered, node, {}, "");
         }
     }
 
@@ -141,16 +159,18 @@ class PartitionCheck {
         flow_.Add(number, node);
         reader_.takeAutoNode(number, node);
         CheckTypeName(
-            key, [] { return "record"; }, AutoType, node.type);
+            key, [] { return Where{"record"}; }, AutoType, node.type);
         CheckSettings(key, node.settings);
         for (const Prompt& prompt : node.prompts) {
-            CheckTarget(key, prompt.target, Slot::Prompts,
-                        [&] { return "prompt " + std::to_string(prompt.sequence); });
+            CheckTarget(key, prompt.target, Slot::Prompts, [&] {
+                return Where{"prompt " + std::to_string(prompt.sequence), "Detail_AUTO_Prompts",
+                             prompt.sequence};
+            });
         }
         CheckActions(key, node);
         for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
             CheckTarget(key, node.branches.at(branch), BranchRules.at(branch).slot,
-                        [&] { return std::string(BranchRules.at(branch).label); });
+                        [&] { return Where{BranchRules.at(branch).label}; });
         }
         // The template is no menu that anybody calls.
         if (number == TemplateNumber) {
@@ -158,16 +178,16 @@ class PartitionCheck {
         }
         if (std::ranges::all_of(
                 node.prompts, [](const Prompt& prompt) { return prompt.target.typeID == NumberlessType; })) {
-            Add(Fault::NoPrompts, key, "", "");
+            Add(Fault::NoPrompts, key, {}, "");
         }
         if (node == template_) {
-            Add(Fault::AsTemplate, key, "", "");
+            Add(Fault::AsTemplate, key, {}, "");
         }
     }
 
     void CheckSettings(const NodeKey& key, const Settings& settings) {
         const auto add = [&](const std::string& name, const std::string& stored) {
-            Add(Fault::SettingOutside, key, "settings", name + ' ' + stored);
+            Add(Fault::SettingOutside, key, {"settings"}, name + ' ' + stored);
         };
         for (const SettingRule& rule : SettingRules) {
             if (!IsWithin(rule, settings)) {
@@ -187,7 +207,7 @@ class PartitionCheck {
             text += std::to_string(action.sequence);
             text += " (";
             text += EntryText(action);
-            return text += ')';
+            return Where{text += ')', "Detail_AUTO_Action", action.sequence};
         };
         const auto duplicates = DuplicateEntries(node.actions);
         for (std::size_t position = 0; position < node.actions.size(); ++position) {
@@ -240,7 +260,9 @@ class PartitionCheck {
             if (!typeID || !reference.number) {
                 return;
             }
-            const auto where = [&] { return PlaceText(column, reference.row); };
+            const auto where = [&] {
+                return Where{PlaceText(column, reference.row), column.table, reference.row};
+            };
             if (column.hasTypeID) {
                 CheckTypeName(reference.holder, where, *typeID, reference.type);
             }
@@ -252,14 +274,15 @@ class PartitionCheck {
         });
         for (const auto& [place, rows] : orphans) {
             const auto& [holder, table] = place;
-            Add(Fault::OrphanRows, holder, "", std::to_string(rows.size()) + " of " + std::string(table));
+            Add(Fault::OrphanRows, holder, {"", table},
+                std::to_string(rows.size()) + " of " + std::string(table));
         }
     }
 
     void CheckRegister() {
         for (const auto& [key, entry] : register_) {
             if (!entry.hasRecord && HasCopyRule(key.typeID)) {
-                Add(Fault::RegisteredWithoutNode, key, "", "");
+                Add(Fault::RegisteredWithoutNode, key, {}, "");
             }
         }
     }
@@ -267,12 +290,12 @@ class PartitionCheck {
     void CheckFlow() {
         for (const int number : flow_.WithoutWayOut()) {
             if (number != TemplateNumber) {
-                Add(Fault::NoWayOut, {AutoType, number}, "", "");
+                Add(Fault::NoWayOut, {AutoType, number}, {}, "");
             }
         }
         for (const int number : flow_.Unreferenced()) {
             if (number != TemplateNumber) {
-                Add(Fault::Unreferenced, {AutoType, number}, "", "");
+                Add(Fault::Unreferenced, {AutoType, number}, {}, "");
             }
         }
     }
@@ -288,7 +311,7 @@ class PartitionCheck {
         }
         for (const std::int16_t number : numbers) {
             if (const auto save = history_.Unfinished({partition_, number})) {
-                Add(Fault::UnfinishedSave, {AutoType, number}, "",
+                Add(Fault::UnfinishedSave, {AutoType, number}, {},
                     "begun " + LocalTime(save->begunAt) + " by " + AuthorText(*save));
             }
         }

@@ -68,7 +68,7 @@ class Comparison : public ExchangeSink {
         counts_ = {table.name, 0, 0, 0, {}, 0};
     }
 
-    void TakeRow(const StoreRow& row) override {
+    void TakeRow(const StoreRow& row, std::uint64_t /*line*/) override {
         if (++rows_ % RowsBetweenProgress == 0) {
             progress_(rows_);
         }
@@ -263,7 +263,7 @@ class Scratch : public ExchangeSink {
         writes_.emplace(store_, table);
     }
 
-    void TakeRow(const StoreRow& row) override {
+    void TakeRow(const StoreRow& row, std::uint64_t /*line*/) override {
         const auto place = owners_->AutoNodeOf(RowKeyOf(*table_, row));
         if (place && places_.contains(*place)) {
             writes_->Insert(row);
@@ -287,7 +287,7 @@ class Scratch : public ExchangeSink {
             TakeTable(table);
             for (TableCursor cursor(dataBase, table, scope); const StoreRow* row = cursor.Row();
                  cursor.Next()) {
-                TakeRow(*row);
+                TakeRow(*row, 0);
             }
             TakeEndOfTable();
         }

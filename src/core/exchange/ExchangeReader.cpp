@@ -318,7 +318,7 @@ class Handler {
             Fail("the row is one of another partition");
         }
         before_ = key;
-        sink_.TakeRow(row_);
+        sink_.TakeRow(row_, source_.Line());
     }
 
     LinesOfText& source_;

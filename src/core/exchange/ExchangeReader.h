@@ -3,6 +3,7 @@
 #include "exchange/Tables.h"
 #include "nodes/Identity.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <iosfwd>
 #include <optional>
@@ -20,8 +21,8 @@ class ExchangeSink {
     // Each table once at most.
     virtual void TakeTable(const StoreTable& table) = 0;
     // Values that the columns can hold, of a partition of the scope; the rows of a table come in the order of
-    // their keys, no key twice. Valid during the call.
-    virtual void TakeRow(const StoreRow& row) = 0;
+    // their keys, no key twice. Valid during the call. The line is that of its end.
+    virtual void TakeRow(const StoreRow& row, std::uint64_t line) = 0;
     virtual void TakeEndOfTable() = 0;
 };
 

@@ -68,7 +68,9 @@ class Text : public ExchangeSink {
         rows_ = &tables_[&table];
     }
 
-    void TakeRow(const StoreRow& row) override { rows_->push_back({RowKeyOf(*table_, row), Packed(row)}); }
+    void TakeRow(const StoreRow& row, std::uint64_t /*line*/) override {
+        rows_->push_back({RowKeyOf(*table_, row), Packed(row)});
+    }
 
     void TakeEndOfTable() override {}
 

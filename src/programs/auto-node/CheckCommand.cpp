@@ -1,13 +1,15 @@
 #include "audit/FixMissing.h"
 #include "audit/PartitionCheck.h"
+#include "auto-node/AcceptedFindings.h"
 #include "auto-node/Arguments.h"
+#include "auto-node/CheckFormats.h"
 #include "auto-node/CheckReport.h"
 #include "auto-node/Commands.h"
 #include "auto-node/Progress.h"
 #include "auto-node/Table.h"
+#include "exchange/StoreOfText.h"
 #include "history/History.h"
 #include "nodes/AutoNodeReader.h"
-#include "nodes/NodeJson.h"
 #include "platform/Interruption.h"
 #include "platform/RuntimeError.h"
 #include "platform/Today.h"
@@ -15,11 +17,11 @@
 #include "store/DataBase.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <set>
-#include <stdexcept>
+#include <sstream>
 
 namespace KAL_AUTO_Node {
 
@@ -34,50 +36,34 @@ struct Options {
     NodePlace place;
     bool onePartition = false;
     bool oneNode = false;
+    std::string format; // empty for people
     bool json = false;
     bool keys = false;
+    std::string text;
+    std::set<Fault> selected; // all where it is empty
+    std::set<Fault> ignored;
+    std::string explain;
     std::string fix;
+    bool dryRun = false;
     std::string accept;
+    bool prune = false;
 };
 
-// The keys of a file, one a line; empty lines and those that begin with # are for people.
-std::set<std::string> ReadAccepted(const std::string& file) {
-    std::ifstream lines(file);
-    if (!lines) {
-        throw std::runtime_error("cannot read '" + file + "'");
-    }
-    std::set<std::string> keys;
-    int number = 0;
-    for (std::string line; std::getline(lines, line);) {
-        ++number;
-        line.erase(line.find_last_not_of(" \r\t") + 1);
-        if (line.empty() || line.starts_with('#')) {
-            continue;
-        }
-        if (!FaultOf(line.substr(0, line.find(' ')))) {
-            throw std::runtime_error("line " + std::to_string(number) + " of '" + file +
-                                     "' does not begin with the code of a finding: " + Visible(line));
-        }
-        keys.insert(line);
-    }
-    if (lines.bad()) {
-        throw std::runtime_error("cannot read '" + file + "'");
-    }
-    return keys;
-}
-
-// Checks one partition after the other, and prints what is found as it goes.
+// Checks one partition after the other; what people read is printed as it is found.
 class Checking {
   public:
-    Checking(const Options& options, DataBase& dataBase) : options_(options), dataBase_(dataBase) {
+    Checking(const Options& options, DataBase& dataBase, const StoreOfText* text = nullptr)
+        : options_(options), text_(text), dataBase_(dataBase) {
+        found_.file = options_.text;
         if (!options_.accept.empty()) {
-            accepted_ = ReadAccepted(options_.accept);
+            accepted_.emplace(options_.accept);
         }
     }
 
     int Run() {
-        if (options_.onePartition) {
-            const Partition partition = options_.place.partition;
+        const auto scope = text_ != nullptr ? text_->Scope() : std::nullopt;
+        if (options_.onePartition || scope) {
+            const Partition partition = options_.onePartition ? options_.place.partition : *scope;
             Check(partition);
             if (autoNodes_ + registeredNodes_ + reported_.size() == 0) {
                 FailWithoutNodes(partition);
@@ -86,11 +72,12 @@ class Checking {
             std::ranges::for_each(PartitionsWithRows(dataBase_),
                                   [this](const Partition& partition) { Check(partition); });
         }
-        if (options_.json) {
-            std::cout << JsonText(document_) << '\n';
-        } else if (!options_.keys) {
+        if (options_.format.empty()) {
             PrintSummary();
+        } else {
+            std::cout << std::ranges::find(CheckFormats, options_.format, &CheckFormat::name)->text(found_);
         }
+        TellStale();
         return Count(Severity::Error) > 0 ? ErrorsFound : Count(Severity::Warning) > 0 ? WarningsFound : 0;
     }
 
@@ -103,22 +90,30 @@ class Checking {
         autoNodes_ += options_.oneNode ? 1 : checked.autoNodes;
         registeredNodes_ += checked.registeredNodes;
         std::erase_if(checked.findings, [&](const Finding& finding) {
-            const bool accepted = accepted_.contains(finding.Key(partition));
+            const bool accepted = accepted_ && accepted_->Accepts(finding.Key(partition));
             acceptedCount_ += accepted ? 1 : 0;
             return accepted;
         });
         for (const Finding& finding : checked.findings) {
             ++reported_[finding.fault];
         }
-        if (options_.json) {
-            AddJson(partition, checked.findings);
-        } else if (options_.keys) {
-            for (const Finding& finding : checked.findings) {
-                std::cout << finding.Key(partition) << '\n';
-            }
-        } else {
+        found_.partitions.push_back(partition);
+        if (options_.format.empty()) {
             Print(partition, checked.findings);
+            return;
         }
+        for (Finding& finding : checked.findings) {
+            const auto line = text_ == nullptr
+                                  ? std::nullopt
+                                  : text_->LineOf(partition, finding.holder.typeID, finding.holder.number,
+                                                  finding.table, finding.row);
+            found_.findings.push_back({partition, std::move(finding), line});
+        }
+    }
+
+    [[nodiscard]] bool IsWanted(Fault fault) const {
+        return (options_.selected.empty() || options_.selected.contains(fault)) &&
+               !options_.ignored.contains(fault);
     }
 
     PartitionFindings Find(Partition partition) {
@@ -130,6 +125,7 @@ class Checking {
         progress_.emplace("Reading the store");
         PartitionFindings checked = CheckPartition(dataBase_, history_, partition, reader);
         progress_.reset();
+        std::erase_if(checked.findings, [this](const Finding& finding) { return !IsWanted(finding.fault); });
         if (options_.oneNode) {
             std::erase_if(checked.findings, [node = options_.place.Key()](const Finding& finding) {
                 return finding.holder != node;
@@ -145,7 +141,8 @@ class Checking {
     bool Fix(Partition partition, const PartitionFindings& checked) {
         std::set<std::string> wanted;
         for (const Finding& finding : checked.findings) {
-            if (finding.fault == Fault::MissingNode && !accepted_.contains(finding.Key(partition))) {
+            if (finding.fault == Fault::MissingNode &&
+                !(accepted_ && accepted_->Accepts(finding.Key(partition)))) {
                 wanted.insert(finding.subject);
             }
         }
@@ -155,13 +152,22 @@ class Checking {
             }
             std::string told;
             try {
-                const Creation outcome = CreateMissing(dataBase_, history_, partition, node, Today());
-                told = outcome == Creation::Created ? " is created."
-                                                    : std::string(": ") + WhyNotCreated(outcome);
+                if (options_.dryRun) {
+                    told = CanBeMade(dataBase_, partition, node)
+                               ? " would be created."
+                               : std::string(": ") + WhyNotCreated(Creation::NoTemplate);
+                } else {
+                    const Creation outcome = CreateMissing(dataBase_, history_, partition, node, Today());
+                    told = outcome == Creation::Created ? " is created."
+                                                        : std::string(": ") + WhyNotCreated(outcome);
+                }
             } catch (const RuntimeError& error) {
                 told = std::string(" could not be created: ") + error.what();
             }
             std::cout << Visible(node.name + told) << '\n';
+        }
+        if (options_.dryRun) {
+            return false;
         }
         dataBase_.Flush();
         return !wanted.empty();
@@ -179,25 +185,6 @@ class Checking {
             }
             table.Print(std::cout);
             std::cout << '\n';
-        }
-    }
-
-    void AddJson(Partition partition, const std::vector<Finding>& findings) {
-        for (const Finding& finding : findings) {
-            const auto& [code, severity, meaning, advice] = RuleOf(finding.fault);
-            document_.push_back({{"code", code},
-                                 {"severity", NameOf(severity)},
-                                 {"config", partition.config},
-                                 {"partition", partition.number},
-                                 {"typeID", finding.holder.typeID},
-                                 {"type", finding.holderType},
-                                 {"number", finding.holder.number},
-                                 {"label", finding.label},
-                                 {"where", finding.where},
-                                 {"subject", finding.subject},
-                                 {"meaning", meaning},
-                                 {"advice", advice},
-                                 {"key", finding.Key(partition)}});
         }
     }
 
@@ -229,8 +216,36 @@ class Checking {
         std::cout << '\n';
     }
 
+    // Accepted keys of what was checked that nothing was found by.
+    void TellStale() {
+        if (!accepted_ || options_.oneNode) {
+            return;
+        }
+        const auto checked = [&](const std::string& key) {
+            std::istringstream words(key);
+            std::string code;
+            Partition partition;
+            words >> code >> partition.config >> partition.number;
+            const auto fault = FaultOf(code);
+            return fault && IsWanted(*fault) &&
+                   ((!options_.onePartition && !(text_ != nullptr && text_->Scope())) ||
+                    std::ranges::find(found_.partitions, partition) != found_.partitions.end());
+        };
+        const auto stale = accepted_->Stale(checked);
+        std::ostream& out = options_.format.empty() ? std::cout : std::cerr;
+        for (const std::string& key : stale) {
+            out << "Accepted and not found any more: " << Visible(key) << '\n';
+        }
+        if (options_.prune && !stale.empty()) {
+            accepted_->Drop(stale);
+            out << "Taken out of " << Visible(options_.accept) << ": " << Counted(stale.size(), "key")
+                << '\n';
+        }
+    }
+
     const Options& options_;
-    std::set<std::string> accepted_;
+    const StoreOfText* text_;
+    std::optional<AcceptedFindings> accepted_;
     DataBase& dataBase_;
     std::optional<Progress> progress_;
     History history_{dataBase_};
@@ -238,8 +253,45 @@ class Checking {
     std::size_t registeredNodes_ = 0;
     std::size_t acceptedCount_ = 0;
     std::map<Fault, std::size_t> reported_;
-    nlohmann::ordered_json document_ = nlohmann::ordered_json::array();
+    Found found_;
 };
+
+std::set<Fault> ReadCodes(const std::string& name, const std::string& text) {
+    std::set<Fault> codes;
+    std::istringstream words(text);
+    for (std::string code; std::getline(words, code, ',');) {
+        const auto fault = FaultOf(code);
+        if (!fault) {
+            Refuse(name, "there is no code '" + code + "'; auto-node check --explain all tells them");
+        }
+        codes.insert(*fault);
+    }
+    return codes;
+}
+
+int Explain(const std::string& code) {
+    for (const auto& [name, severity, meaning, advice] : FaultRules) {
+        if (code == name || code == "all") {
+            std::cout << name << ": " << NameOf(severity) << "\n  " << meaning << "\n  " << advice << '\n';
+        }
+    }
+    return 0;
+}
+
+int CheckText(const Options& options, const StoreChoice& store) {
+    const auto check = [&](DataBase* reference) {
+        StoreOfText text(options.text, reference);
+        if (options.onePartition && text.Scope() && options.place.partition != *text.Scope()) {
+            FailWithoutNodes(options.place.partition);
+        }
+        return Checking(options, text.Store(), &text).Run();
+    };
+    if (!store.IsNamed()) {
+        return check(nullptr);
+    }
+    DataBase reference = store.Open();
+    return check(&reference);
+}
 
 } // namespace
 
@@ -264,20 +316,55 @@ Subcommand CheckCommand(CommandLine& program) {
     const Option json = command.Flag("--json", options->json, "Print JSON, for programs");
     const Option keys =
         command.Flag("--keys", options->keys, "Print the lines that --accept takes").Excludes(json);
+    std::vector<std::string> formats;
+    std::ranges::transform(CheckFormats, std::back_inserter(formats), &CheckFormat::name);
+    const Option format = command.Text("--format", options->format, "Print what is found for programs")
+                              .ShownAs("FORMAT")
+                              .OneOf(formats)
+                              .Excludes(json)
+                              .Excludes(keys);
+    const Option text =
+        command.Text("--text", options->text, "Check what export wrote, instead of a store").ShownAs("FILE");
+    const auto codes = [&](const char* name, std::set<Fault>& faults, const char* description) {
+        command
+            .Word(
+                name, [name, &faults](const std::string& words) { faults = ReadCodes(name, words); },
+                description)
+            .ShownAs("CODE,...");
+    };
+    codes("--select", options->selected, "Look for these only");
+    codes("--ignore", options->ignored, "Look for all but these");
     command
-        .Text("--accept", options->accept,
-              "Leave out the findings of a file, one a line as --keys prints them")
-        .ShownAs("FILE");
-    command.Text("--fix", options->fix, "missing: make missing nodes from their templates")
-        .ShownAs("WHAT")
-        .OneOf({"missing"})
-        .Excludes(json)
-        .Excludes(keys);
+        .Text("--explain", options->explain, "Only tell what a code, or all, means and what to do about it")
+        .ShownAs("CODE")
+        .Check([](const std::string& code) {
+            return code == "all" || FaultOf(code) ? std::string() : "there is no code '" + code + "'";
+        });
+    const Option accept = command
+                              .Text("--accept", options->accept,
+                                    "Leave out the findings of a file, one a line as --keys prints them")
+                              .ShownAs("FILE");
+    command.Flag("--prune", options->prune, "Take out of that file what is not found any more").Needs(accept);
+    const Option fix = command.Text("--fix", options->fix, "missing: make missing nodes from their templates")
+                           .ShownAs("WHAT")
+                           .OneOf({"missing"})
+                           .Excludes(json)
+                           .Excludes(keys)
+                           .Excludes(format)
+                           .Excludes(text);
+    command.Flag("--dry-run", options->dryRun, "Only tell what --fix would make").Needs(fix);
     return {command, [options, partition, node](const StoreChoice& store) {
                 options->onePartition = partition.Given();
                 options->oneNode = node.Given();
+                options->format = options->json ? "json" : options->keys ? "keys" : options->format;
+                if (!options->explain.empty()) {
+                    return Explain(options->explain);
+                }
+                if (!options->text.empty()) {
+                    return CheckText(*options, store);
+                }
                 const auto run = [&](DataBase& dataBase) { return Checking(*options, dataBase).Run(); };
-                return (options->fix.empty() ? Reading(run) : Opening(run))(store);
+                return (options->fix.empty() || options->dryRun ? Reading(run) : Opening(run))(store);
             }};
 }
 

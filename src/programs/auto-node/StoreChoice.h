@@ -12,6 +12,8 @@ class StoreChoice {
   public:
     explicit StoreChoice(std::string file) : file_(std::move(file)) {}
 
+    [[nodiscard]] bool IsNamed() const { return !file_.empty(); }
+
     [[nodiscard]] DataBase Open() const {
         return file_.empty() ? DataBase() : DataBase(std::filesystem::path(file_));
     }
