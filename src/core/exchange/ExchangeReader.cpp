@@ -168,7 +168,7 @@ class Handler {
     enum class Place { Outside, Head, Tables, Rows, Row, Bytes };
     enum class Kind { Null, Number, Text };
 
-    [[noreturn]] void Fail(const std::string& why) const { FailForm(source_.Line(), why); }
+    [[noreturn]] void Fail(const std::string& why) { FailForm(source_.Line(), why); }
 
     void BeginMember(const std::string& name) {
         if (!members_.insert(name).second) {

@@ -22,16 +22,21 @@ class LinesOfText : public std::streambuf {
   public:
     explicit LinesOfText(std::istream& text) : text_(text), bytes_(BytesAtOnce) {}
 
-    [[nodiscard]] std::uint64_t Line() const { return lines_ + LinesUpTo(gptr()) + 1; }
+    // Asked for at each row, it counts each byte once.
+    [[nodiscard]] std::uint64_t Line() {
+        CountTo(gptr());
+        return lines_ + 1;
+    }
 
     [[nodiscard]] bool AtEnd() { return sgetc() == traits_type::eof(); }
 
   protected:
     int_type underflow() override {
-        const std::uint64_t ended = LinesUpTo(egptr());
-        lines_ += ended;
-        bytesOfLine_ = ended > 0 ? 0 : bytesOfLine_ + static_cast<std::size_t>(egptr() - eback());
+        CountTo(egptr());
+        const bool ended = std::find(eback(), egptr(), '\n') != egptr();
+        bytesOfLine_ = ended ? 0 : bytesOfLine_ + static_cast<std::size_t>(egptr() - eback());
         setg(bytes_.data(), bytes_.data(), bytes_.data());
+        counted_ = 0;
         if (bytesOfLine_ > MostLineBytes) {
             FailForm(Line(), "it is longer than any row");
         }
@@ -48,13 +53,19 @@ class LinesOfText : public std::streambuf {
     static constexpr std::size_t MostLineBytes = 64U << 20U;
     static constexpr std::size_t BytesAtOnce = 64U << 10U;
 
-    [[nodiscard]] std::uint64_t LinesUpTo(const char* end) const {
-        return static_cast<std::uint64_t>(std::count(static_cast<const char*>(eback()), end, '\n'));
+    void CountTo(const char* end) {
+        const auto at = static_cast<std::size_t>(end - eback());
+        // The parser may have put a byte back.
+        if (at > counted_) {
+            lines_ += static_cast<std::uint64_t>(std::count(eback() + counted_, eback() + at, '\n'));
+            counted_ = at;
+        }
     }
 
     std::istream& text_;
     std::vector<char> bytes_;
-    std::uint64_t lines_ = 0;     // that ended before these bytes
+    std::size_t counted_ = 0;     // of these bytes
+    std::uint64_t lines_ = 0;     // that ended in what is counted
     std::size_t bytesOfLine_ = 0; // before these, of the line that goes on in them
 };
 
