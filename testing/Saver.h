@@ -16,7 +16,7 @@ inline constexpr const char* SaveDate = "11/25/2026";
 class Saver : private SaveAudience {
   public:
     // The store is where this program looks for it, or behind a link.
-    explicit Saver(const NodePlace& place) : place_(place) {}
+    explicit Saver(const NodePlace& place, const Waits& waits = {}) : dataBase_(waits), place_(place) {}
 
     Saver(const std::filesystem::path& link, const NodePlace& place) : dataBase_(link), place_(place) {}
 

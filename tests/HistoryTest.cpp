@@ -47,7 +47,7 @@ class HistoryOfANode : public testing::Test {
 
     const TestStore store_;
     Saver anna_{Place};
-    Saver ben_{Place};
+    Saver ben_{Place, {.save = std::chrono::milliseconds(100)}};
 };
 
 TEST_F(HistoryOfANode, KeepsItAsItWasBeforeEachChange) {

@@ -37,7 +37,7 @@ TEST(StoreFile, SearchTheKeysAndSortNothing) {
 
 TEST(StoreFile, TellWhatTheStoreRefuses) {
     const TestStore store;
-    DataBase dataBase;
+    DataBase dataBase(Waits{.lock = std::chrono::milliseconds(400), .work = std::chrono::seconds(1)});
     const std::string file = store.File().string();
     {
         SQLite::Database owner(file, SQLite::OPEN_READWRITE);
@@ -73,7 +73,7 @@ TEST(StoreFile, TellWhatTheStoreRefuses) {
                                 " SELECT MAX(i) FROM Endless)";
     store.Execute("CREATE TRIGGER Slow BEFORE INSERT ON Detail_AUTO_Prompts BEGIN SELECT " + endless +
                   "; END");
-    ExpectRaised(StoreFailure, {"Stopped after 10 seconds", "Add_AUTO_PromptsNode", file}, [&] { add("6"); });
+    ExpectRaised(StoreFailure, {"Stopped after 1 seconds", "Add_AUTO_PromptsNode", file}, [&] { add("6"); });
     store.Execute("DROP TRIGGER Slow");
     EXPECT_NO_THROW(add("6"));
 }

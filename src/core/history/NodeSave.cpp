@@ -15,9 +15,6 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-// A save takes a fraction of a second; only one that lasts is worth telling. Two in a store whose statements
-// each wait for the disk keep each other waiting as well.
-constexpr std::chrono::milliseconds LongestWait(2000);
 constexpr std::chrono::milliseconds BetweenLooks(50);
 
 // What could be read of a history that some other program has written says nothing; saving goes on without.
@@ -209,7 +206,7 @@ std::optional<Obstacle> NodeSave::Look(const SeenNode& seen) {
 }
 
 std::optional<Obstacle> NodeSave::Begin(const SeenNode& seen) {
-    const auto end = std::chrono::steady_clock::now() + LongestWait;
+    const auto end = std::chrono::steady_clock::now() + dataBase_.HowLong().save;
     const auto isOver = [&] { return std::chrono::steady_clock::now() >= end; };
     while (true) {
         try {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/Waits.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -105,7 +107,7 @@ class Connection {
 
 // Opens the store that a file is or stands for; the file's content tells which engine reads it. Nothing is
 // created: a missing file raises StoreNotFound, a file that no engine here reads StoreNotRecognized.
-std::unique_ptr<Connection> OpenStore(const std::filesystem::path& file);
+std::unique_ptr<Connection> OpenStore(const std::filesystem::path& file, const Waits& waits);
 
 // An empty store in memory, gone with the connection.
 std::unique_ptr<Connection> OpenScratchStore();

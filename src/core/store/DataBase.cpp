@@ -162,10 +162,11 @@ void ResultSet::Close() noexcept {
     }
 }
 
-DataBase::DataBase() : connectionString_(GetConnectionString()), file_(FileIn(connectionString_)) {}
+DataBase::DataBase(const Waits& waits)
+    : connectionString_(GetConnectionString()), file_(FileIn(connectionString_)), waits_(waits) {}
 
-DataBase::DataBase(std::filesystem::path file)
-    : connectionString_(ConnectionStringOf(file.string())), file_(std::move(file)) {}
+DataBase::DataBase(std::filesystem::path file, const Waits& waits)
+    : connectionString_(ConnectionStringOf(file.string())), file_(std::move(file)), waits_(waits) {}
 
 DataBase::DataBase(std::unique_ptr<Connection> connection) : connection_(std::move(connection)) {}
 
@@ -177,7 +178,7 @@ std::string DataBase::Place() const {
 
 Connection& DataBase::Open() {
     if (!connection_) {
-        connection_ = OpenStore(file_);
+        connection_ = OpenStore(file_, waits_);
     }
     return *connection_;
 }

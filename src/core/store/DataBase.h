@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/RuntimeError.h"
+#include "store/Waits.h"
 
 #include <array>
 #include <compare>
@@ -159,15 +160,17 @@ class DataBase {
   public:
     // Finds the store's place anew. Opens nothing. Raises UnsupportedValueType where the configured place is
     // of a kind that no path is made of.
-    DataBase();
+    explicit DataBase(const Waits& waits = {});
     // The store in a file of that path, as this system writes it.
-    explicit DataBase(std::filesystem::path file);
+    explicit DataBase(std::filesystem::path file, const Waits& waits = {});
     // A store that is open already.
     explicit DataBase(std::unique_ptr<Connection> connection);
     ~DataBase();
 
     DataBase(const DataBase&) = delete;
     DataBase& operator=(const DataBase&) = delete;
+
+    [[nodiscard]] const Waits& HowLong() const noexcept { return waits_; }
 
     [[nodiscard]] const std::string& ConnectionString() const noexcept { return connectionString_; }
 
@@ -267,6 +270,7 @@ class DataBase {
 
     std::string connectionString_;
     std::filesystem::path file_;
+    Waits waits_;
     std::unique_ptr<Connection> connection_;
     std::array<Prepared, CommandCount> prepared_;
     int readersAhead_ = 0;

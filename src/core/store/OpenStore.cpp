@@ -31,9 +31,9 @@ void RequireFile(const std::filesystem::path& file) {
     }
 }
 
-std::unique_ptr<SqliteConnection> OpenSqlite(const std::filesystem::path& file) {
+std::unique_ptr<SqliteConnection> OpenSqlite(const std::filesystem::path& file, const Waits& waits) {
     try {
-        return std::make_unique<SqliteConnection>(file);
+        return std::make_unique<SqliteConnection>(file, waits);
     } catch (const RuntimeError&) {
         RequireFile(file); // may know better why
         throw;
@@ -48,8 +48,8 @@ std::unique_ptr<Connection> OpenScratchStore() {
     return scratch;
 }
 
-std::unique_ptr<Connection> OpenStore(const std::filesystem::path& file) {
-    auto sqlite = OpenSqlite(file);
+std::unique_ptr<Connection> OpenStore(const std::filesystem::path& file, const Waits& waits) {
+    auto sqlite = OpenSqlite(file, waits);
     RequireFile(file); // the engine takes an empty file for an empty store
     if (sqlite->Recognizes()) {
         return sqlite;

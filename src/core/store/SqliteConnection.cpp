@@ -15,17 +15,11 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-// Another program's write takes milliseconds; only a lock that lasts is worth reporting.
-constexpr int LockWaitMilliseconds = 1000;
-
 // Beyond this the log is carried over into the file at the end of a save, 32 MiB with the usual pages: above
 // what the saves of a long session write as a rule, and so little that nobody minds it.
 constexpr int LogPagesToKeep = 8192;
 constexpr const char* LogBytesToKeep = "PRAGMA journal_size_limit = 33554432";
 
-// A command takes milliseconds. One that works for this long comes to no end: another program can put a view
-// or a trigger into the store that runs for ever.
-constexpr std::chrono::seconds RunLimit(10);
 // How many of the engine's steps pass between two looks at the clock; a few milliseconds.
 constexpr int StepsBetweenLooks = 100'000;
 
@@ -41,8 +35,9 @@ void CarryLogOver(sqlite3* engine) {
 
 class SqliteStatement : public Statement {
   public:
-    SqliteStatement(sqlite3* database, const std::string& sql, SqliteConnection::Since*& running)
-        : database_(database), running_(running) {
+    SqliteStatement(sqlite3* database, const std::string& sql, SqliteConnection::Since*& running,
+                    std::chrono::milliseconds limit)
+        : database_(database), running_(running), limit_(limit) {
         sqlite3_stmt* statement = nullptr;
         Require(sqlite3_prepare_v2(database, sql.c_str(), static_cast<int>(sql.size()), &statement, nullptr));
         statement_.reset(statement);
@@ -136,7 +131,8 @@ class SqliteStatement : public Statement {
     void Require(int result) const {
         if (result == SQLITE_INTERRUPT) {
             throw RuntimeError(ErrorNumber::StoreFailure,
-                               "Stopped after " + std::to_string(RunLimit.count()) + " seconds of work",
+                               "Stopped after " + std::to_string(limit_ / std::chrono::seconds(1)) +
+                                   " seconds of work",
                                "SQLite");
         }
         RequireSqlite(result, database_);
@@ -145,6 +141,7 @@ class SqliteStatement : public Statement {
     sqlite3* database_;
     std::unique_ptr<sqlite3_stmt, Finalize> statement_;
     SqliteConnection::Since*& running_;
+    std::chrono::milliseconds limit_;
     SqliteConnection::Since since_;
     std::chrono::steady_clock::time_point left_; // when the engine was left, once it was seen to last
     bool onRow_ = false;
@@ -154,21 +151,22 @@ class SqliteStatement : public Statement {
 
 } // namespace
 
-SqliteConnection::SqliteConnection(const std::filesystem::path& file)
-    : file_(file), database_(OpenSqliteFile(file)), place_("file '" + file.string() + '\'') {
+SqliteConnection::SqliteConnection(const std::filesystem::path& file, const Waits& waits)
+    : file_(file), waits_(waits), database_(OpenSqliteFile(file)), place_("file '" + file.string() + '\'') {
     SetUp(database_.get());
 }
 
 void SqliteConnection::SetUp(sqlite3* engine) {
-    sqlite3_busy_timeout(engine, LockWaitMilliseconds);
+    sqlite3_busy_timeout(engine, static_cast<int>(waits_.lock.count()));
     // What stands in the file is data, whoever wrote it: its views and triggers call nothing that does more
     // than compute, and nothing that runs here can damage the file's own structure.
     sqlite3_db_config(engine, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(engine, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_progress_handler(
         engine, StepsBetweenLooks,
-        [](void* connection) {
-            Since* since = static_cast<SqliteConnection*>(connection)->running_;
+        [](void* self) {
+            const auto& connection = *static_cast<SqliteConnection*>(self);
+            Since* since = connection.running_;
             if (since == nullptr) {
                 return 0;
             }
@@ -176,7 +174,7 @@ void SqliteConnection::SetUp(sqlite3* engine) {
             if (!*since) {
                 *since = now;
             }
-            return now - **since > RunLimit ? 1 : 0;
+            return now - **since > connection.waits_.work ? 1 : 0;
         },
         this);
 }
@@ -262,7 +260,8 @@ std::string SqliteConnection::FirstBytes(std::size_t count) {
 }
 
 std::unique_ptr<Statement> SqliteConnection::Prepare(const std::string& sql) {
-    return std::make_unique<SqliteStatement>(snapshot_ ? snapshot_.get() : database_.get(), sql, running_);
+    return std::make_unique<SqliteStatement>(snapshot_ ? snapshot_.get() : database_.get(), sql, running_,
+                                             waits_.work);
 }
 
 void SqliteConnection::Begin(std::optional<std::int64_t>) {

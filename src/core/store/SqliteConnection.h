@@ -2,6 +2,7 @@
 
 #include "store/Connection.h"
 #include "store/SqliteHandle.h"
+#include "store/Waits.h"
 
 #include <chrono>
 
@@ -14,7 +15,7 @@ class SqliteConnection : public Connection {
     using Since = std::optional<std::chrono::steady_clock::time_point>;
 
     // Opens the file, which must exist, and reads nothing yet.
-    explicit SqliteConnection(const std::filesystem::path& file);
+    explicit SqliteConnection(const std::filesystem::path& file, const Waits& waits = {});
     ~SqliteConnection() override;
 
     // Whether the file is one of this engine's; only then the connection is ready for use. Raises
@@ -52,6 +53,7 @@ class SqliteConnection : public Connection {
     bool ReadWithoutLog();
 
     std::filesystem::path file_;
+    Waits waits_;
     SqliteHandle database_;
     SqliteHandle snapshot_; // in the place of a file whose readers keep others from writing
     std::string place_;
