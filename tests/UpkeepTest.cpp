@@ -6,6 +6,7 @@
 #include "testing/TestStore.h"
 #include "upkeep/NodeRows.h"
 #include "upkeep/RemoveNode.h"
+#include "upkeep/RepointRows.h"
 
 #include <gtest/gtest.h>
 
@@ -270,6 +271,76 @@ TEST_F(Upkeep, LooksForRecordings) {
     EXPECT_EQ(found.messages.at(5).players.size(), 8U);
     EXPECT_THROW(static_cast<void>(ReadRecordings(dataBase_, names_, Company, folder / "none")),
                  RuntimeError);
+}
+
+// $KAL_TEST_ROUNDS of them: somebody else changes something between plan and application.
+TEST_F(Upkeep, AppliesAPlanWhereWhatItTouchesIsAsItWas) {
+    const char* const given = std::getenv("KAL_TEST_ROUNDS");
+    std::mt19937 random(3);
+    int refused = 0;
+    const int rounds = given != nullptr ? std::atoi(given) : 20;
+    const auto numbers = store_.Rows("SELECT NodeNumber FROM Node_AUTO WHERE PartID = 2 ORDER BY NodeNumber");
+    RowPlan plan;
+    for (int round = 0; round < rounds; ++round) {
+        const int message = 1 + static_cast<int>(random() % 40);
+        const std::array map{Replacement{{0, message}, {0, 45}}, Replacement{{0, 45}, {0, message}}};
+        const std::string before = Exported();
+        const auto repoint = PlanRepoint(dataBase_, history_, names_, Company, map);
+        plan = PlanIn(TextOf(RowsOf(dataBase_, Company, repoint, map, "today")));
+        Repoint(dataBase_, history_, names_, Company, map, "today");
+        const std::string after = Exported();
+        Repoint(dataBase_, history_, names_, Company, map, "today");
+        ASSERT_TRUE(Exported() == before);
+
+        const std::string number = numbers[random() % numbers.size()];
+        const std::string row = random() % 2 == 0
+                                    ? "Node_AUTO SET RetryLimit = RetryLimit #"
+                                    : "Node_General_Pool SET NodeDescription = NodeDescription #";
+        const auto disturb = [&](const std::string& how) {
+            std::string sql =
+                "UPDATE " + row + " WHERE PartID = 2 AND NodeTypeID = 9 AND NodeNumber = " + number;
+            store_.Execute(sql.replace(sql.find('#'), 1, how));
+        };
+        const bool isLabel = row.starts_with("Node_G");
+        disturb(isLabel ? "|| '!'" : "+ 1");
+        const bool touched = plan.nodes.contains({Company, static_cast<std::int16_t>(std::stoi(number))});
+        const std::string disturbed = Exported();
+        const auto changed = Apply(dataBase_, history_, plan);
+        EXPECT_EQ(changed.empty(), !touched) << round;
+        EXPECT_TRUE(!touched || changed.front().starts_with("AUTO node " + number + " of "));
+        EXPECT_EQ(Exported() == disturbed, touched || plan.changes.empty()) << round;
+        refused += touched ? 1 : 0;
+        store_.Execute("UPDATE Node_General_Pool SET NodeDescription = REPLACE(NodeDescription, '!', '')");
+        if (!isLabel) {
+            disturb("- 1");
+        }
+        EXPECT_TRUE(Exported() == (touched ? before : after)) << round;
+    }
+    EXPECT_GT(refused, 0);
+    EXPECT_LT(refused, rounds);
+
+    // A row of another type is told by its key.
+    const std::array map{Replacement{{0, 1}, {0, 2}}};
+    const auto repoint = PlanRepoint(dataBase_, history_, names_, Company, map);
+    const std::string text = TextOf(RowsOf(dataBase_, Company, repoint, map, "today"));
+    store_.Execute("UPDATE Detail_CMD SET NodeNumber = 3 WHERE PartID = 2 AND NodeMasterID = 5");
+    EXPECT_EQ(Apply(dataBase_, history_, PlanIn(text)),
+              Texts{"Detail_CMD, ConfigID 1, PartID 2, NodeMasterID 5, SequenceNo 1"});
+    std::string edited = text;
+    edited.replace(edited.find("\"NodeNumber\": 2"), 15, "\"NodeNumber\": 3");
+    std::string later = text;
+    later.replace(later.find("\"version\": 1"), 12, "\"version\": 2");
+    for (const auto& [wrong, told] : {std::pair(edited, "its sum is another"),
+                                      {later, "of version 2"},
+                                      {std::string("{}"), "it is no plan"},
+                                      {text.substr(0, 200), "it is no plan"}}) {
+        try {
+            static_cast<void>(PlanIn(wrong));
+            ADD_FAILURE() << told;
+        } catch (const RuntimeError& error) {
+            EXPECT_NE(std::string(error.what()).find(told), std::string::npos) << error.what();
+        }
+    }
 }
 
 // $KAL_TEST_ROUNDS of them.

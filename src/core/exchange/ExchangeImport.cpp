@@ -1,6 +1,7 @@
 #include "exchange/ExchangeImport.h"
 
 #include "exchange/ExchangeReader.h"
+#include "exchange/Plan.h"
 #include "exchange/RowOwners.h"
 #include "exchange/RowWrites.h"
 #include "exchange/TableCursor.h"
@@ -32,13 +33,6 @@ constexpr int MostPlans = 3;
 constexpr std::uint64_t RowsBetweenProgress = 1000;
 
 constexpr const char* Work = "import";
-
-// A row that changes: as it was, and as it becomes; nothing for no row.
-struct RowChange {
-    const StoreTable* table;
-    std::optional<StoreRow> before;
-    std::optional<StoreRow> after;
-};
 
 void Put(RowWrites& writes, const StoreRow* before, const StoreRow* after) {
     if (before == nullptr) {
@@ -106,7 +100,7 @@ class Comparison : public ExchangeSink {
 
     [[nodiscard]] std::vector<NodePlace> Places() const {
         std::vector<NodePlace> places;
-        for (const auto& [place, before] : touched_) {
+        for (const auto& [place, before] : plan_.nodes) {
             places.push_back(place);
         }
         return places;
@@ -114,36 +108,14 @@ class Comparison : public ExchangeSink {
 
     // Part of a transaction. Whether all was as it was when it was planned; otherwise the transaction must
     // not be committed.
-    [[nodiscard]] bool CarryOut() {
-        bool same = true;
-        const auto places = Places();
-        history_.Keep(places, Work, [&](const NodePlace& place, const NodeContent& content) {
-            same = same && content == touched_.at(place);
-        });
-        const auto failed = [&](const StoreRow&) { same = false; };
-        std::optional<RowWrites> writes;
-        const StoreTable* table = nullptr;
-        for (auto change = plan_.begin(); same && change != plan_.end(); ++change) {
-            if (change->table != table || writes->AreMany()) {
-                if (writes) {
-                    writes->Send(failed);
-                }
-                table = change->table;
-                writes.emplace(dataBase_, *table);
-            }
-            Put(*writes, change->before ? &*change->before : nullptr,
-                change->after ? &*change->after : nullptr);
-        }
-        if (same && writes) {
-            writes->Send(failed);
-        }
-        return same;
-    }
+    [[nodiscard]] bool CarryOut() { return KAL_AUTO_Node::CarryOut(dataBase_, history_, plan_).empty(); }
+
+    [[nodiscard]] RowPlan& Planned() { return plan_; }
 
     // Tells the nodes that changed as a store has them now.
     void TellNodes(DataBase& after, const ExchangeNode& tell) const {
         ReadContents(after, Places(), [&](const NodePlace& place, const NodeContent& content) {
-            tell(place, touched_.at(place).node, content.node);
+            tell(place, plan_.nodes.at(place).node, content.node);
         });
     }
 
@@ -161,7 +133,7 @@ class Comparison : public ExchangeSink {
     // All that waits, and before it the nodes that it changes as they are.
     void Settle() {
         const auto take = [this](const NodePlace& place, NodeContent before) {
-            touched_[place] = std::move(before);
+            plan_.nodes[place] = std::move(before);
         };
         if (mode_ == Mode::Write) {
             history_.Keep(newlyTouched_, Work, take);
@@ -176,7 +148,7 @@ class Comparison : public ExchangeSink {
         });
     }
 
-    void Plan(const StoreRow* before, const StoreRow* after) {
+    void Remember(const StoreRow* before, const StoreRow* after) {
         const auto copied = [this](const StoreRow* row) {
             if (row == nullptr) {
                 return std::optional<StoreRow>();
@@ -186,15 +158,15 @@ class Comparison : public ExchangeSink {
             }
             return std::optional(*row);
         };
-        plan_.push_back({table_, copied(before), copied(after)});
+        plan_.changes.push_back({table_, copied(before), copied(after)});
         if (IsTooLarge()) {
-            plan_.clear();
+            plan_.changes.clear();
         }
     }
 
     void Change(const StoreRow* before, const StoreRow* after, const StoreKey& key) {
         const auto place = owners_->AutoNodeOf(key);
-        if (place && place != latest_ && touched_.try_emplace(*place).second) {
+        if (place && place != latest_ && plan_.nodes.try_emplace(*place).second) {
             newlyTouched_.push_back(*place);
         }
         latest_ = place ? place : latest_;
@@ -204,7 +176,7 @@ class Comparison : public ExchangeSink {
                 Settle();
             }
         } else if (mode_ == Mode::Plan) {
-            Plan(before, after);
+            Remember(before, after);
         }
         ++(before == nullptr ? counts_.added : after == nullptr ? counts_.removed : counts_.changed);
         if (place && owners_->AreToldAsNodes()) {
@@ -242,10 +214,9 @@ class Comparison : public ExchangeSink {
     std::optional<TableCursor> cursor_;
     std::optional<RowWrites> writes_;
     ExchangeReport::Table counts_;
-    std::map<NodePlace, NodeContent> touched_; // as they were
-    std::optional<NodePlace> latest_;          // of them
-    std::vector<NodePlace> newlyTouched_;      // by what is not written yet, and not kept yet
-    std::vector<RowChange> plan_;
+    std::optional<NodePlace> latest_;     // of them
+    std::vector<NodePlace> newlyTouched_; // by what is not written yet, and not kept yet
+    RowPlan plan_{Work, {}, {}}; // the nodes that are touched, as they were, and in that mode the rows
     std::size_t plannedBytes_ = 0;
 };
 
@@ -313,9 +284,10 @@ void Read(const std::filesystem::path& file, DataBase& dataBase, ExchangeSink& s
 
 ExchangeReport ImportExchange(DataBase& dataBase, const std::filesystem::path& file, Import how,
                               const ExchangeNode& tell, const ImportProgress& progress,
-                              const std::string& note) {
+                              const std::string& note, RowPlan* plan) {
     for (int attempt = 1;; ++attempt) {
-        Comparison import(dataBase, how == Import::Carry ? Mode::Plan : Mode::Tell, progress, note);
+        Comparison import(dataBase, how == Import::Carry || plan != nullptr ? Mode::Plan : Mode::Tell,
+                          progress, note);
         {
             const Snapshot snapshot(dataBase);
             Read(file, dataBase, import);
@@ -324,6 +296,13 @@ ExchangeReport ImportExchange(DataBase& dataBase, const std::filesystem::path& f
                 Read(file, dataBase, scratch);
                 scratch.TakeRest(dataBase, import.Report().scope);
                 import.TellNodes(scratch.Store(), tell);
+                if (plan != nullptr && import.IsTooLarge()) {
+                    throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                                       "The import changes more than a plan holds, 64 MiB");
+                }
+                if (plan != nullptr) {
+                    *plan = std::move(import.Planned());
+                }
                 return std::move(import.Report());
             }
         }

@@ -13,6 +13,7 @@
 namespace KAL_AUTO_Node {
 
 class DataBase;
+struct RowPlan;
 
 // What an import changes, or would.
 struct ExchangeReport {
@@ -45,9 +46,10 @@ using ImportProgress = std::function<void(std::uint64_t rows)>;
 // AUTO node that changes is kept as it was in the history first, with the note. Raises StoreNotRecognized,
 // naming the file and the line, for a text that is not right, and Busy while one of the nodes is being saved.
 // Nobody is kept from writing but for the time in which the changes are written, which are planned on one
-// state of the store before.
+// state of the store before. With OnlyTell the plan, where one is asked for, becomes what would change.
 [[nodiscard]] ExchangeReport ImportExchange(
     DataBase& dataBase, const std::filesystem::path& file, Import how, const ExchangeNode& tell,
-    const ImportProgress& progress = [](std::uint64_t) {}, const std::string& note = {});
+    const ImportProgress& progress = [](std::uint64_t) {}, const std::string& note = {},
+    RowPlan* plan = nullptr);
 
 } // namespace KAL_AUTO_Node

@@ -3,6 +3,7 @@
 #include "audit/Repoint.h"
 #include "auto-node/Progress.h"
 #include "nodes/JsonText.h"
+#include "platform/TellError.h"
 #include "platform/VisibleText.h"
 #include "store/DataBase.h"
 
@@ -38,12 +39,14 @@ class Telling {
         }
     }
 
-    void End() const {
+    // Whether there was any.
+    bool End() const {
         if (json_) {
             std::cout << JsonText(document_) << '\n';
         } else if (!any_) {
             std::cout << "callers notice nothing\n";
         }
+        return any_;
     }
 
   private:
@@ -116,9 +119,34 @@ void AddCalls(const CommandArguments& command, CallOptions& options, const std::
     }
     static_cast<void>(
         command.Flag("--json", options.json, "Print JSON, for programs; with --calls").Needs(calls));
+    AddExitCode(command, options.exitCode, dryRun);
 }
 
-void PrintCalls(DataBase& dataBase, const std::vector<NodeStates>& nodes, bool json) {
+void AddExitCode(const CommandArguments& command, bool& exitCode, const std::optional<Option>& dryRun) {
+    const Option option =
+        command.Flag("--exit-code", exitCode,
+                     "Exit with 0 where nothing differs, 1 where something does, 2 after an error");
+    if (dryRun) {
+        static_cast<void>(option.Needs(*dryRun));
+    }
+}
+
+std::function<int(const StoreChoice&)> ByStatus(const bool& exitCode,
+                                                std::function<int(const StoreChoice&)> run) {
+    return [&exitCode, run = std::move(run)](const StoreChoice& store) {
+        if (!exitCode) {
+            return run(store);
+        }
+        try {
+            return run(store);
+        } catch (const std::exception& error) {
+            TellError(store.Told(error));
+            return 2;
+        }
+    };
+}
+
+bool PrintCalls(DataBase& dataBase, const std::vector<NodeStates>& nodes, bool json) {
     const TypeNames names(dataBase);
     Telling telling(names, json);
     for (auto node = nodes.begin(); node != nodes.end();) {
@@ -133,10 +161,10 @@ void PrintCalls(DataBase& dataBase, const std::vector<NodeStates>& nodes, bool j
                          return CompareCalls(before, after);
                      }));
     }
-    telling.End();
+    return telling.End();
 }
 
-void PrintCalls(DataBase& dataBase, Partition partition, const RepointPlan& plan, bool json) {
+bool PrintCalls(DataBase& dataBase, Partition partition, const RepointPlan& plan, bool json) {
     const TypeNames names(dataBase);
     Telling telling(names, json);
     telling.Tell(partition, Lasting(ComparingCalls, [&] {
@@ -145,10 +173,10 @@ void PrintCalls(DataBase& dataBase, Partition partition, const RepointPlan& plan
                      Apply(after, plan);
                      return CompareCalls(before, after);
                  }));
-    telling.End();
+    return telling.End();
 }
 
-void PrintCalls(DataBase& dataBase, const NodePlace& place, const std::optional<AutoNode>& before,
+bool PrintCalls(DataBase& dataBase, const NodePlace& place, const std::optional<AutoNode>& before,
                 const std::optional<AutoNode>& after, bool json) {
     const TypeNames names(dataBase);
     const auto menu = [&](const std::optional<AutoNode>& node) {
@@ -160,7 +188,7 @@ void PrintCalls(DataBase& dataBase, const NodePlace& place, const std::optional<
     telling.Tell(place.partition, {{place.Key(), Lasting(ComparingCalls, [&] {
                                         return CompareCalls(from ? &*from : nullptr, to ? &*to : nullptr);
                                     })}});
-    telling.End();
+    return telling.End();
 }
 
 } // namespace KAL_AUTO_Node

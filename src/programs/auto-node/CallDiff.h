@@ -1,8 +1,10 @@
 #pragma once
 
 #include "auto-node/CommandLine.h"
+#include "auto-node/StoreChoice.h"
 #include "calls/CallChanges.h"
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -16,9 +18,12 @@ struct RepointPlan;
 struct CallOptions {
     bool calls = false;
     bool json = false;
+    bool exitCode = false;
+
+    [[nodiscard]] int Status(bool differs) const { return exitCode && differs ? 1 : 0; }
 };
 
-// --calls and its --json. Of a command that changes something, only with its dry run.
+// --calls and its --json, and --exit-code. Of a command that changes something, only with its dry run.
 void AddCalls(const CommandArguments& command, CallOptions& options,
               const std::optional<Option>& dryRun = std::nullopt);
 
@@ -29,12 +34,20 @@ struct NodeStates {
     std::optional<AutoNode> after;
 };
 
+// --exit-code, with that option where it is one.
+void AddExitCode(const CommandArguments& command, bool& exitCode, const std::optional<Option>& dryRun);
+// A command that takes it: what fails exits with 2 then, as 1 says that something differs.
+[[nodiscard]] std::function<int(const StoreChoice&)> ByStatus(const bool& exitCode,
+                                                              std::function<int(const StoreChoice&)> run);
+
+// The three below tell whether callers notice anything.
+
 // What callers notice of partitions in which those nodes change, as the store is otherwise.
-void PrintCalls(DataBase& dataBase, const std::vector<NodeStates>& nodes, bool json);
+bool PrintCalls(DataBase& dataBase, const std::vector<NodeStates>& nodes, bool json);
 // Of a plan that is not carried out.
-void PrintCalls(DataBase& dataBase, Partition partition, const RepointPlan& plan, bool json);
+bool PrintCalls(DataBase& dataBase, Partition partition, const RepointPlan& plan, bool json);
 // Of one node in the place of another, whatever leads there.
-void PrintCalls(DataBase& dataBase, const NodePlace& place, const std::optional<AutoNode>& before,
+bool PrintCalls(DataBase& dataBase, const NodePlace& place, const std::optional<AutoNode>& before,
                 const std::optional<AutoNode>& after, bool json);
 
 } // namespace KAL_AUTO_Node

@@ -2,6 +2,8 @@
 
 #include "audit/Repoint.h"
 #include "auto-node/Table.h"
+#include "exchange/Plan.h"
+#include "platform/NewFile.h"
 #include "platform/VisibleText.h"
 
 #include <iostream>
@@ -37,6 +39,19 @@ void PrintRepointed(const RepointPlan& plan, const TypeNames& names) {
                        NodeKey{typeID, number}.Text(type)});
     }
     table.Print(std::cout);
+}
+
+void PrintCounts(const std::string& done, const RowPlan& plan) {
+    const auto [removed, rowsChanged, added] = plan.Count();
+    std::cout << done << ": " << Counted(removed, "row") << " removed, " << rowsChanged << " changed, "
+              << added << " added\n";
+}
+
+void WritePlan(const std::string& file, const RowPlan& plan) {
+    Output output(file);
+    output.Append(TextOf(plan));
+    output.Finish();
+    PrintCounts("Planned in " + Visible(file), plan);
 }
 
 } // namespace KAL_AUTO_Node

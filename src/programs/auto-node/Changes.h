@@ -10,6 +10,7 @@ namespace KAL_AUTO_Node {
 
 class TypeNames;
 struct RepointPlan;
+struct RowPlan;
 
 // What turns one state of a node into another, in words; nothing stands for no node.
 [[nodiscard]] std::vector<std::string> ChangesInWords(const std::optional<AutoNode>& before,
@@ -17,6 +18,10 @@ struct RepointPlan;
 
 // A line for each; one that says so where there are none.
 void PrintChanges(const std::vector<std::string>& changes);
+
+// How many rows a plan changes; and writes it into a file, whole or not at all, and tells so.
+void PrintCounts(const std::string& done, const RowPlan& plan);
+void WritePlan(const std::string& file, const RowPlan& plan);
 
 // A line for each reference that leads elsewhere.
 void PrintRepointed(const RepointPlan& plan, const TypeNames& names);

@@ -22,6 +22,7 @@ using StoreWork = std::function<int(DataBase& dataBase)>;
 [[nodiscard]] std::function<int(const StoreChoice& store)> Opening(StoreWork work);
 
 [[nodiscard]] Subcommand EditCommand(CommandLine& program);
+[[nodiscard]] Subcommand ApplyCommand(CommandLine& program);
 [[nodiscard]] Subcommand CheckCommand(CommandLine& program);
 [[nodiscard]] Subcommand CopyCommand(CommandLine& program);
 [[nodiscard]] Subcommand DiffCommand(CommandLine& program);

@@ -1,4 +1,5 @@
 #include "auto-node/Arguments.h"
+#include "auto-node/CallDiff.h"
 #include "auto-node/Commands.h"
 #include "auto-node/Table.h"
 #include "history/History.h"
@@ -23,6 +24,7 @@ struct Options {
     std::string missing;
     std::string note;
     bool dryRun = false;
+    bool exitCode = false;
 };
 
 int Run(const Options& options, DataBase& dataBase) {
@@ -53,7 +55,7 @@ int Run(const Options& options, DataBase& dataBase) {
     if (!report.recording.empty()) {
         std::cout << "    it plays " << report.recording << '\n';
     }
-    return 0;
+    return options.exitCode ? 1 : 0;
 }
 
 } // namespace
@@ -79,12 +81,13 @@ Subcommand CopyCommand(CommandLine& program) {
         .ShownAs("HOW")
         .OneOf({"keep", "create"});
     AddNote(command, options->note);
-    command.Flag("--dry-run", options->dryRun, "Only tell what would be made");
-    return {command, [options, label](const StoreChoice& store) {
+    AddExitCode(command, options->exitCode,
+                command.Flag("--dry-run", options->dryRun, "Only tell what would be made"));
+    return {command, ByStatus(options->exitCode, [options, label](const StoreChoice& store) {
                 options->labelled = label.Given();
                 const auto run = [options](DataBase& dataBase) { return Run(*options, dataBase); };
                 return (options->dryRun ? Reading(run) : Opening(run))(store);
-            }};
+            })};
 }
 
 } // namespace KAL_AUTO_Node

@@ -56,13 +56,13 @@ int Run(const Options& options, DataBase& dataBase) {
         FailWithout(otherPlace);
     }
     if (!options.calls.calls) {
-        PrintChanges(ChangesInWords(node, other));
-    } else if (otherStore || otherPlace != place) {
-        PrintCalls(dataBase, place, node, other, options.calls.json);
-    } else {
-        PrintCalls(dataBase, {{place, node, other}}, options.calls.json);
+        const auto words = ChangesInWords(node, other);
+        PrintChanges(words);
+        return options.calls.Status(!words.empty());
     }
-    return 0;
+    return options.calls.Status(otherStore || otherPlace != place
+                                    ? PrintCalls(dataBase, place, node, other, options.calls.json)
+                                    : PrintCalls(dataBase, {{place, node, other}}, options.calls.json));
 }
 
 } // namespace
@@ -93,7 +93,8 @@ Subcommand DiffCommand(CommandLine& program) {
             Refuse("diff", "takes --versions, --node or --store");
         }
     });
-    return {command, Reading([options](DataBase& dataBase) { return Run(*options, dataBase); })};
+    return {command, ByStatus(options->calls.exitCode,
+                              Reading([options](DataBase& dataBase) { return Run(*options, dataBase); }))};
 }
 
 } // namespace KAL_AUTO_Node

@@ -9,6 +9,7 @@
 #include "exchange/ExchangeImport.h"
 #include "exchange/FileKind.h"
 #include "exchange/JetImport.h"
+#include "exchange/Plan.h"
 #include "platform/Interruption.h"
 #include "platform/VisibleText.h"
 #include "store/CreateStore.h"
@@ -26,6 +27,7 @@ struct Options {
     std::string file;
     bool damaged = false;
     std::string note;
+    std::string plan;
     bool dryRun = false;
     CallOptions calls;
 };
@@ -139,18 +141,19 @@ int CarryBack(const Options& options, DataBase& dataBase) {
         }
     };
     ExchangeReport report;
+    RowPlan plan;
+    const bool onlyTells = options.dryRun || !options.plan.empty();
     {
         Progress progress("Comparing");
         report = ImportExchange(
-            dataBase, options.file, options.dryRun ? Import::OnlyTell : Import::Carry, tell,
+            dataBase, options.file, onlyTells ? Import::OnlyTell : Import::Carry, tell,
             [&](std::uint64_t rows) { progress.Show([&] { return Counted(rows, "row") + " compared"; }); },
-            options.note);
+            options.note, options.plan.empty() ? nullptr : &plan);
     }
     if (options.calls.json) {
-        PrintCalls(dataBase, states, true);
-        return 0;
+        return options.calls.Status(PrintCalls(dataBase, states, true));
     }
-    std::cout << (options.dryRun ? "Would import " : "Imported ") << Named(report.scope) << " into "
+    std::cout << (onlyTells ? "Would import " : "Imported ") << Named(report.scope) << " into "
               << Visible(dataBase.File().string()) << '\n';
     for (const ChangedNode& node : nodes) {
         Print(node);
@@ -164,18 +167,22 @@ int CarryBack(const Options& options, DataBase& dataBase) {
     if (report.tables.empty()) {
         std::cout << "Nothing differs\n";
     }
+    if (!options.plan.empty()) {
+        WritePlan(options.plan, plan);
+    }
     if (options.calls.calls) {
         std::cout << '\n';
-        PrintCalls(dataBase, states, false);
+        return options.calls.Status(PrintCalls(dataBase, states, false));
     }
-    return 0;
+    return options.calls.Status(!report.tables.empty());
 }
 
 int Run(const Options& options, const StoreChoice& store) {
     switch (KindOf(options.file)) {
     case FileKind::Jet:
-        if (options.dryRun) {
-            throw std::runtime_error("a Jet file goes into a new store; --dry-run is for what export wrote");
+        if (options.dryRun || !options.plan.empty()) {
+            throw std::runtime_error(
+                "a Jet file goes into a new store; --dry-run and --plan are for what export wrote");
         }
         return BringOver(options, store.NewPlace());
     case FileKind::LaterJet:
@@ -203,9 +210,13 @@ Subcommand ImportCommand(CommandLine& program) {
     AddNote(command, options->note);
     const Option dryRun =
         command.Flag("--dry-run", options->dryRun, "Only tell what would change; not for a Jet file");
+    command.Text("--plan", options->plan, "Only write down what would change, for apply; not for a Jet file")
+        .ShownAs("FILE")
+        .Excludes(dryRun);
     AddCalls(command, options->calls, dryRun);
     command.Flag("--damaged", options->damaged, "Take what can be read of a damaged Jet file");
-    return {command, [options](const StoreChoice& store) { return Run(*options, store); }};
+    return {command, ByStatus(options->calls.exitCode,
+                              [options](const StoreChoice& store) { return Run(*options, store); })};
 }
 
 } // namespace KAL_AUTO_Node

@@ -1,4 +1,5 @@
 #include "auto-node/Arguments.h"
+#include "auto-node/CallDiff.h"
 #include "auto-node/Changes.h"
 #include "auto-node/Commands.h"
 #include "auto-node/Table.h"
@@ -22,6 +23,7 @@ struct Options {
     bool forget = false;
     std::string note;
     bool dryRun = false;
+    bool exitCode = false;
 };
 
 // What becomes of the node, after what refers to it.
@@ -40,15 +42,17 @@ int Tell(const RepointPlan& plan, const TypeNames& names, const std::string& don
 Subcommand OnNode(const CommandArguments& command, const std::shared_ptr<Options>& options,
                   std::function<int(DataBase&, History&, const TypeNames&, const NodeKey&)> run) {
     AddNote(command, options->note);
-    command.Flag("--dry-run", options->dryRun, "Only tell what would change");
-    return {command, [options, run = std::move(run)](const StoreChoice& store) {
+    AddExitCode(command, options->exitCode,
+                command.Flag("--dry-run", options->dryRun, "Only tell what would change"));
+    return {command, ByStatus(options->exitCode, [options, run = std::move(run)](const StoreChoice& store) {
                 const auto work = [&](DataBase& dataBase) {
                     History history(dataBase, options->note);
                     const TypeNames names(dataBase);
-                    return run(dataBase, history, names, options->node.Meant(names));
+                    const int status = run(dataBase, history, names, options->node.Meant(names));
+                    return options->exitCode ? 1 : status;
                 };
                 return (options->dryRun ? Reading(work) : Opening(work))(store);
-            }};
+            })};
 }
 
 } // namespace

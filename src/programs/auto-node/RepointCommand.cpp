@@ -9,6 +9,7 @@
 #include "platform/RuntimeError.h"
 #include "platform/Today.h"
 #include "platform/VisibleText.h"
+#include "upkeep/RepointRows.h"
 
 #include <iostream>
 #include <memory>
@@ -26,8 +27,11 @@ struct Options {
     std::int16_t newNumber = 0;
     std::string map;
     std::string note;
+    std::string plan;
     bool dryRun = false;
     CallOptions calls;
+
+    [[nodiscard]] bool OnlyTells() const { return dryRun || !plan.empty(); }
 };
 
 std::vector<Replacement> ReplacementsOf(const Options& options, const TypeNames& names) {
@@ -49,13 +53,17 @@ int Run(const Options& options, DataBase& dataBase) {
     const TypeNames names(dataBase);
     const auto replacements = ReplacementsOf(options, names);
     const RepointPlan plan = Lasting("Repointing", [&] {
-        return options.dryRun ? PlanRepoint(dataBase, history, names, partition, replacements)
-                              : Repoint(dataBase, history, names, partition, replacements, Today());
+        return options.OnlyTells() ? PlanRepoint(dataBase, history, names, partition, replacements)
+                                   : Repoint(dataBase, history, names, partition, replacements, Today());
     });
     RequireNoObstacles(plan.obstacles);
-    if (options.calls.json) {
-        PrintCalls(dataBase, partition, plan, true);
+    if (!options.plan.empty()) {
+        PrintRepointed(plan, names);
+        WritePlan(options.plan, RowsOf(dataBase, partition, plan, replacements, Today()));
         return 0;
+    }
+    if (options.calls.json) {
+        return options.calls.Status(PrintCalls(dataBase, partition, plan, true));
     }
     PrintRepointed(plan, names);
     if (plan.changes.empty()) {
@@ -71,9 +79,9 @@ int Run(const Options& options, DataBase& dataBase) {
     }
     if (options.calls.calls) {
         std::cout << '\n';
-        PrintCalls(dataBase, partition, plan, false);
+        return options.calls.Status(PrintCalls(dataBase, partition, plan, false));
     }
-    return 0;
+    return options.calls.Status(!plan.changes.empty());
 }
 
 } // namespace
@@ -92,16 +100,19 @@ Subcommand RepointCommand(CommandLine& program) {
                            .ShownAs("FILE");
     AddNote(command, options->note);
     const Option dryRun = command.Flag("--dry-run", options->dryRun, "Only tell what would change");
+    command.Text("--plan", options->plan, "Only write down what would change, for apply")
+        .ShownAs("FILE")
+        .Excludes(dryRun);
     AddCalls(command, options->calls, dryRun);
     command.Together([type, last, map] {
         if (map.Given() ? type.Given() : !last.Given()) {
             Refuse("repoint", "takes TYPE NUMBER NEW_TYPE NEW_NUMBER, or --map FILE");
         }
     });
-    return {command, [options](const StoreChoice& store) {
+    return {command, ByStatus(options->calls.exitCode, [options](const StoreChoice& store) {
                 const auto run = [options](DataBase& dataBase) { return Run(*options, dataBase); };
-                return (options->dryRun ? Reading(run) : Opening(run))(store);
-            }};
+                return (options->OnlyTells() ? Reading(run) : Opening(run))(store);
+            })};
 }
 
 } // namespace KAL_AUTO_Node

@@ -73,8 +73,7 @@ Subcommand RestoreCommand(CommandLine& program) {
                              std::move(earlier));
         });
         if (options->calls.json) {
-            PrintCalls(dataBase, {{place, before.node, after.node}}, true);
-            return 0;
+            return options->calls.Status(PrintCalls(dataBase, {{place, before.node, after.node}}, true));
         }
         if (after.node) {
             std::cout << (options->dryRun ? "Would put back" : "Put back") << " AUTO node " << place.number
@@ -86,13 +85,13 @@ Subcommand RestoreCommand(CommandLine& program) {
         PrintChanges(ChangesInWords(before.node, after.node));
         if (options->calls.calls) {
             std::cout << '\n';
-            PrintCalls(dataBase, {{place, before.node, after.node}}, false);
+            return options->calls.Status(PrintCalls(dataBase, {{place, before.node, after.node}}, false));
         }
-        return 0;
+        return options->calls.Status(before != after);
     };
-    return {command, [options, run](const StoreChoice& store) {
+    return {command, ByStatus(options->calls.exitCode, [options, run](const StoreChoice& store) {
                 return (options->dryRun ? Reading(run) : Opening(run))(store);
-            }};
+            })};
 }
 
 } // namespace KAL_AUTO_Node

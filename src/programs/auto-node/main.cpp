@@ -24,13 +24,13 @@ int main(int argc, char** argv) {
     CommandLine program("Edits the AUTO nodes of a telephone call-flow store.", "auto-node",
                         KAL_AUTO_NODE_VERSION);
     const auto commands = {
-        EditCommand(program),       InitCommand(program),    ListCommand(program),    ShowCommand(program),
-        HistoryCommand(program),    DiffCommand(program),    RestoreCommand(program), PruneCommand(program),
-        ImportCommand(program),     ExportCommand(program),  DigitsCommand(program),  TraceCommand(program),
-        PathsCommand(program),      ExpectCommand(program),  GraphCommand(program),   CheckCommand(program),
-        UsesCommand(program),       RepointCommand(program), UpgradeCommand(program), MergeCommand(program),
-        CopyCommand(program),       MoveCommand(program),    RemoveCommand(program),  FindCommand(program),
-        RecordingsCommand(program),
+        EditCommand(program),    InitCommand(program),       ListCommand(program),    ShowCommand(program),
+        HistoryCommand(program), DiffCommand(program),       RestoreCommand(program), PruneCommand(program),
+        ImportCommand(program),  ExportCommand(program),     DigitsCommand(program),  TraceCommand(program),
+        PathsCommand(program),   ExpectCommand(program),     GraphCommand(program),   CheckCommand(program),
+        UsesCommand(program),    RepointCommand(program),    UpgradeCommand(program), MergeCommand(program),
+        CopyCommand(program),    MoveCommand(program),       RemoveCommand(program),  FindCommand(program),
+        ApplyCommand(program),   RecordingsCommand(program),
     };
     switch (program.Read(argc, argv)) {
     case CommandLine::Outcome::Run:
