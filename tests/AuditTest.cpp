@@ -236,7 +236,8 @@ TEST(References, AreRepointedAllOrNone) {
     store.Execute("UPDATE Node_Type_Max SET Max_Number = 250 WHERE NodeType_ID = 0 AND PartitionID = 2");
     EXPECT_EQ(repoint({9, 1}).size(), 1U) << "the AUTO node's prompt, which takes a message";
     EXPECT_EQ(repoint({817, 1}).size(), 1 + 6U) << "no node, and offered by its action alone";
-    store.Execute("INSERT INTO SR_Node_Type_can_contain_Node_Type VALUES (6,1,0), (6,2,1), (7,1,0), (7,2,9)");
+    store.Execute(
+        "INSERT INTO SR_Node_Type_can_contain_Node_Type VALUES (6,1,0), (6,2,1), (7,1,0), (7,2,9), (7,3,0)");
     EXPECT_EQ(repoint({9, 1}).size(), 1 + 5U) << "what DTMF nodes contain is known, and no AUTO node";
     EXPECT_EQ(repoint({0, 60}, {999, 1}), std::vector<std::string>{"EMPTY 1 is no node"});
     store.Refuse("UPDATE ON Node_XFER");

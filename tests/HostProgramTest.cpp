@@ -69,54 +69,6 @@ TEST(HostProgram, OpensTheEditorOnTheNodeAskedForAndTellsWhereItIsMissing) {
     ExpectTold(errors, store.File().string());
 }
 
-TEST(StoreFile, IsMadeOnceWithItsFolders) {
-    for (const bool demo : {false, true}) {
-        const TestStore store;
-        const std::string file = store.File().string();
-        std::filesystem::remove_all(store.File().parent_path().parent_path().parent_path());
-        const QStringList arguments = demo ? QStringList{"init", "--demo"} : QStringList{"init"};
-        const std::string output = Program(0, arguments).output;
-        ExpectTold(output, file);
-        EXPECT_EQ(output.find(" edit 1 2 1\n") != std::string::npos, demo) << output;
-        EXPECT_EQ(store.Value("PRAGMA journal_mode"), "wal");
-        EXPECT_EQ(store.Value("SELECT COUNT(*) > 0 FROM Node_AUTO"), demo ? "1" : "0");
-
-        store.Execute("INSERT INTO SR_Node_Type_Names VALUES (77, 'MINE')");
-        ExpectTold(Program(1, arguments).errors, file);
-        EXPECT_EQ(store.Value("SELECT English_Name FROM SR_Node_Type_Names WHERE ID = 77"), "MINE");
-    }
-}
-
-TEST(StoreFile, IsNeverHalfMade) {
-    const TestStore store;
-    const auto folder = store.File().parent_path();
-    const auto file = [&](const char* ending) { return store.File().string() + ending; };
-    std::filesystem::remove(store.File());
-    // The journal of a store that is gone would be taken for the new one's.
-    for (const char* ending : {"-wal", "-journal"}) {
-        std::ofstream(file(ending)) << "of another store";
-        ExpectTold(Program(1, {"init"}).errors, file(ending).substr(folder.string().size() + 1));
-        std::filesystem::remove(file(ending));
-        EXPECT_TRUE(std::filesystem::is_empty(folder));
-    }
-    // What an init left that was killed.
-    std::ofstream(file(".new")) << std::string(1'000'000, 'x');
-    Program(0, {"init"});
-    EXPECT_FALSE(std::filesystem::exists(file(".new")));
-    EXPECT_EQ(store.Value("PRAGMA integrity_check"), "ok");
-
-    // Folders are made until the path gets too long, and taken back.
-    const EnvironmentVariable programData("PROGRAMDATA");
-    const TemporaryFolder place;
-    std::string path = place.Path().string();
-    while (path.size() < 4075) {
-        path += '/' + std::string(std::min<std::size_t>(200, 4075 - path.size()), 'x');
-    }
-    programData.Set(path);
-    ExpectTold(Program(1, {"init"}).errors, "too long");
-    EXPECT_TRUE(std::filesystem::is_empty(place.Path()));
-}
-
 TEST(HostProgram, TellsWhyItCannotStart) {
     const TemporaryFolder folder;
     const EnvironmentVariable programData("PROGRAMDATA");
@@ -249,6 +201,15 @@ TEST(HostProgram, DrawsTheCallFlowOrOffersItsText) {
     ExpectTold(draw(1, {"--section", "99"}).errors, "sections, no 99");
     ExpectTold(Program(1, {"graph", "9", "9"}).errors, "no AUTO nodes");
     ExpectTold(Program(1, {"graph", "1", "2", "-o", "/no/folder.dot"}).errors, "/no/folder.dot");
+    const auto drawn = [&](const std::string& list) {
+        store.Execute("UPDATE Detail_DTMF_" + list +
+                      " SET NodeTypeID = 9, NodeType = 'AUTO', NodeNumber = 8"
+                      " WHERE PartID = 2 AND NodeMasterID = 2");
+        return Program(0, {"graph", "1", "2"}).output;
+    };
+    const std::string ways = drawn("Action");
+    ExpectTold(ways, "id=\"type6_2\"");
+    EXPECT_EQ(drawn("Prompts"), ways) << "what is played is no way";
     for (const char* hidden : {"Menu template", "unreferenced"}) {
         EXPECT_EQ(Program(0, {"graph", "1", "2"}).output.find(hidden), std::string::npos);
     }
