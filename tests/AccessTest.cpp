@@ -37,6 +37,9 @@ TEST_F(Access, ListsAreChangedAndSavedFromTheKeyboardAlone) {
             Press(key, Qt::AltModifier);
         }
         Press(Qt::Key_E, Qt::AltModifier);
+        Press(Qt::Key_E, Qt::AltModifier);
+        EXPECT_EQ(Person::Focused(), "cmdActionsEdit") << "in no list, nor where another key would change it";
+        Press(Qt::Key_E, Qt::AltModifier);
         std::string stops;
         for (int stop = 0; stop < 4; ++stop) {
             stops += Person::Focused() + ' ';

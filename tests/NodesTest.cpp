@@ -119,6 +119,11 @@ TEST_F(Nodes, TellWhatDiffers) {
            });
     expect({"the entries stand in another order"},
            [](AutoNode& node) { std::swap(node.actions[0], node.actions[1]); });
+    AutoNode zero = before;
+    zero.actions[0].low = zero.actions[0].high = "0";
+    AutoNode none = zero;
+    none.actions[0].low.reset();
+    EXPECT_EQ(Differences(zero, none), Texts{R"(key 0, stored range "0" to "0" → none to "0")"});
     expect({"branch * AUTO 11 → MSG 11", "branch # NONE 0 (type 814) → NONE 1 (type 814)"},
            [&](AutoNode& node) {
                node.branches[3] = message;

@@ -25,6 +25,8 @@ inline Outcome Program(int status, const QStringList& arguments, const char* pro
     EXPECT_EQ(process.exitCode(), status);
     const Outcome outcome = {process.readAllStandardOutput().toStdString(),
                              process.readAllStandardError().toStdString()};
+    // What steers a terminal is told as text.
+    EXPECT_EQ((outcome.output + outcome.errors).find('\x1b'), std::string::npos) << outcome.output;
     EXPECT_NE(outcome.errors.empty(), outcome.output.empty()) << outcome.errors << outcome.output;
     EXPECT_TRUE(outcome.errors.empty() || status == 1 || status == 2) << outcome.errors;
     EXPECT_TRUE(outcome.output.empty() || status != 2) << outcome.output;

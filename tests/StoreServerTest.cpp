@@ -238,6 +238,12 @@ TEST_F(StoreServer, KeepsOutOnlySavesOfTheSameNode) {
         EXPECT_EQ(begins(std::nullopt), whole);
     }
     EXPECT_TRUE(begins(std::nullopt));
+    const Transaction all(mine, Place.LockKey());
+    static_cast<void>(Limit(mine));
+    Saver same(Place);
+    Saver other({{1, 2}, 9});
+    EXPECT_THROW(static_cast<void>(same.Save(same.Load())), RuntimeError);
+    EXPECT_FALSE(other.Save(other.Load()));
 }
 
 // Those to connect, three, among them.
