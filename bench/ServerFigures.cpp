@@ -43,7 +43,7 @@ class RawServer {
     }
 
     // One way to the server and back.
-    void Exchange(const std::vector<Sent>& all) {
+    void RoundTrip(const std::vector<Sent>& all) {
         std::size_t results = all.size();
         for (const auto& [sql, values] : all) {
             auto& name = names_[sql];
@@ -216,7 +216,7 @@ int Run(const std::string& address, const std::filesystem::path& link, int turns
     Compare(
         "load, labels included", turns,
         [&] { static_cast<void>(ReadAutoNode(dataBase, Place, Labels::Read)); },
-        [&] { std::ranges::for_each(ways.load, [&](const auto& way) { raw.Exchange(way); }); });
+        [&] { std::ranges::for_each(ways.load, [&](const auto& way) { raw.RoundTrip(way); }); });
     Compare(
         "save, with its mark and the look-ups", turns,
         [&] {
@@ -234,7 +234,7 @@ int Run(const std::string& address, const std::filesystem::path& link, int turns
                 throw std::logic_error("something stands in the way of a save");
             }
         },
-        [&] { std::ranges::for_each(ways.save, [&](const auto& way) { raw.Exchange(way); }); });
+        [&] { std::ranges::for_each(ways.save, [&](const auto& way) { raw.RoundTrip(way); }); });
     return 0;
 }
 

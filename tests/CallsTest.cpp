@@ -144,7 +144,7 @@ bool Takes(const Menu& menu, const Step& step) {
 // The exceptions, and all entries of so many digits at most.
 std::vector<Step> DeedsUpTo(int most) {
     std::vector<Step> deeds;
-    for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
+    for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
         deeds.push_back({Step::Kind::Except, {}, branch, {}, {}});
     }
     for (int length = 1; length <= most; ++length) {

@@ -309,8 +309,10 @@ TEST_F(HistoryOfANode, IsReadLeniently) {
     const auto label = [](const std::string& text) { return ContentOf(text).node.value().label; };
     EXPECT_EQ(label(R"({"node":{"type":"AUTO","label":"Old"}})"), "Old");
     EXPECT_EQ(
-        label(R"({"version":3,"node":{"label":"New","voice":[{"a":1}],"settings":{"pace":2}},"by":{}})"),
+        label(R"({"version":4,"node":{"label":"New","voice":[{"a":1}],"settings":{"pace":2}},"by":{}})"),
         "New");
+    EXPECT_EQ(label(R"({"version":2,"node":{"type":"A","label":"Café"},"bytes":true})"), "Caf\xE9");
+    EXPECT_EQ(label(R"({"version":3,"node":{"type":"A","label":{"bytes": "43e9"}}})"), "C\xE9");
     for (const char* text : {"", "{}", "[]", R"({"node":5})", R"({"node":{"prompts":[5]}})",
                              R"({"node":{"settings":{"retryLimit":"3"}}})", R"({"node":{},"register":7})"}) {
         EXPECT_THROW(ContentOf(text), RuntimeError) << text;

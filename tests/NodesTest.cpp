@@ -77,7 +77,7 @@ TEST_F(Nodes, AreReadAsFarAsTheyCanBe) {
 TEST(Settings, StandForWhatTheyMayHold) {
     const auto values = [](const Settings& settings) {
         std::string texts = TerminatingDigits.at(TerminatingDigitOf(settings));
-        for (const SettingRule& rule : SettingRules) {
+        for (const SettingField& rule : SettingFields) {
             texts += ' ' + std::to_string(ValueOf(rule, settings));
         }
         return texts;
@@ -215,7 +215,7 @@ struct Offers {
     std::string Types(Slot slot) {
         std::string types;
         lists.ReadOffered(dataBase, Demo, slot, [&](int, const std::string& name) { types += name + ' '; });
-        for (const std::string& name : lists.*RuleOf(slot).notAvailable) {
+        for (const std::string& name : lists.*SetOf(slot).notAvailable) {
             types += '-' + name + ' ';
         }
         return types;

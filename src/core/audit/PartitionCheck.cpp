@@ -168,9 +168,9 @@ class PartitionCheck {
             });
         }
         CheckActions(key, node);
-        for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
-            CheckTarget(key, node.branches.at(branch), BranchRules.at(branch).slot,
-                        [&] { return Where{BranchRules.at(branch).label}; });
+        for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
+            CheckTarget(key, node.branches.at(branch), Branches.at(branch).slot,
+                        [&] { return Where{Branches.at(branch).label}; });
         }
         // The template is no menu that anybody calls.
         if (number == TemplateNumber) {
@@ -189,7 +189,7 @@ class PartitionCheck {
         const auto add = [&](const std::string& name, const std::string& stored) {
             Add(Fault::SettingOutside, key, {"settings"}, name + ' ' + stored);
         };
-        for (const SettingRule& rule : SettingRules) {
+        for (const SettingField& rule : SettingFields) {
             if (!IsWithin(rule, settings)) {
                 const auto& stored = settings.*rule.value;
                 add(rule.name, stored ? std::to_string(*stored) : "none");

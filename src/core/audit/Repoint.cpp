@@ -20,8 +20,8 @@ constexpr const char* Work = "repoint";
 
 // The slot of an AUTO node that a column is of.
 Slot SlotOf(const ReferenceColumn& column) {
-    if (const auto branch = std::ranges::find(BranchRules, column.word, &BranchRule::column);
-        branch != BranchRules.end()) {
+    if (const auto branch = std::ranges::find(Branches, column.word, &Branch::column);
+        branch != Branches.end()) {
         return branch->slot;
     }
     return column.table == "Detail_AUTO_Prompts" ? Slot::Prompts : Slot::Actions;

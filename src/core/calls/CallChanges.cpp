@@ -23,7 +23,7 @@ void Say(std::vector<CallChange>& changes, const std::string& what, std::string 
 }
 
 void CompareSettings(const Settings& before, const Settings& after, std::vector<CallChange>& changes) {
-    for (const SettingRule& rule : SettingRules) {
+    for (const SettingField& rule : SettingFields) {
         if (before.*rule.value != after.*rule.value) {
             Change(changes, rule.name, SettingText(rule, before), SettingText(rule, after));
         }
@@ -97,7 +97,7 @@ void ComparePrompts(const AutoNode& before, const AutoNode& after, std::vector<C
 }
 
 void CompareExceptions(const Menu& before, const Menu& after, std::vector<CallChange>& changes) {
-    for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
+    for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
         const Outcomes was = before.Except(branch);
         const Outcomes is = after.Except(branch);
         const bool same = std::ranges::is_permutation(
@@ -165,7 +165,7 @@ std::set<int> Reached(const CallMap& map, const std::vector<int>& entries) {
             for (const DigitRange& range : menu->Ranges()) {
                 reach(menu->ActionTarget(range.action));
             }
-            for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
+            for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
                 reach(menu->ExceptionTarget(branch));
             }
         }

@@ -166,7 +166,7 @@ void WriteExpectations(const CallMap& map, const TypeNames& names,
         for (const auto& [action, entry] : entries) {
             write(entry, menu.ActionTarget(action));
         }
-        for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
+        for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
             if (menu.Except(branch).IsCertain()) {
                 write(StepName(branch), menu.ExceptionTarget(branch));
             }

@@ -128,7 +128,7 @@ void Menu::AddNoEntry(Outcomes& outcomes, std::size_t branch, Reason reason) con
 
 Outcomes Menu::Except(std::size_t branch) const {
     Outcomes outcomes;
-    const Slot slot = BranchRules.at(branch).slot;
+    const Slot slot = Branches.at(branch).slot;
     if (slot == Slot::Timeout) {
         AddNoEntry(outcomes, branch, Reason::AskedAgain);
         return outcomes;
@@ -185,9 +185,9 @@ std::string TextOf(const Outcomes& outcomes, std::optional<std::size_t> branch) 
         } else if (by == Outcome::By::Action || place == branch) {
             words.push_back(target.Text());
         } else if (branch) {
-            words.push_back(BranchRules.at(place).label + (" (" + target.Text()) + ')');
+            words.push_back(Branches.at(place).label + (" (" + target.Text()) + ')');
         } else {
-            nowhere.emplace_back(BranchRules.at(place).label);
+            nowhere.emplace_back(Branches.at(place).label);
         }
     }
     if (outcomes.more > 0) {

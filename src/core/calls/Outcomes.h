@@ -27,12 +27,12 @@ enum class Reason : std::size_t {
     EntryTooLong,
 };
 
-struct ReasonRule {
+struct ReasonText {
     const char* code; // stays as it is: programs read it
     const char* meaning;
 };
 
-inline constexpr std::array<ReasonRule, 11> ReasonRules = {{
+inline constexpr std::array<ReasonText, 11> ReasonTexts = {{
     {"several-actions",
      "Several actions hold the entry, and lead to different nodes; which of them wins is not known."},
     {"no-action",
@@ -51,8 +51,8 @@ inline constexpr std::array<ReasonRule, 11> ReasonRules = {{
     {"entry-too-long", "The node takes fewer digits than the entry has."},
 }};
 
-[[nodiscard]] constexpr const ReasonRule& RuleOf(Reason reason) {
-    return ReasonRules[static_cast<std::size_t>(reason)];
+[[nodiscard]] constexpr const ReasonText& TextOf(Reason reason) {
+    return ReasonTexts[static_cast<std::size_t>(reason)];
 }
 
 // Where a step may lead.
@@ -112,7 +112,7 @@ class Menu {
     }
 
     [[nodiscard]] Target ExceptionTarget(std::size_t branch) const {
-        return TargetOf(node_.branches.at(branch), BranchRules.at(branch).slot);
+        return TargetOf(node_.branches.at(branch), Branches.at(branch).slot);
     }
 
     // Of 1 to as many digits as the node takes.

@@ -143,7 +143,7 @@ class Graph {
                 }
             }
         }
-        for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
+        for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
             const Outcomes outcomes = menu.Except(branch);
             for (const Outcome& outcome : outcomes.ways) {
                 add(outcome.target, 0, static_cast<int>(branch), outcomes.IsCertain());

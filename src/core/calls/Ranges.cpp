@@ -93,7 +93,7 @@ std::string SequenceText(int length, int sequence) {
 }
 
 EntryLength EntryLengthOf(const Settings& settings) {
-    const SettingRule& rule = SettingRules.front();
+    const SettingField& rule = SettingFields.front();
     return IsWithin(rule, settings) ? EntryLength{ValueOf(rule, settings), true} : EntryLength{};
 }
 

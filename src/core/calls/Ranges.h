@@ -11,7 +11,7 @@ namespace KAL_AUTO_Node {
 // Digit sequences of one length are numbers with leading zeros; of two lengths they have nothing in common:
 // 007 is not 7.
 
-inline constexpr int LongestEntry = SettingRules.front().last;
+inline constexpr int LongestEntry = SettingFields.front().last;
 
 // How many sequences of a length there are.
 [[nodiscard]] int SequencesOf(int length);

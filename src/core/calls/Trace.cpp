@@ -106,20 +106,20 @@ class Walking {
 
 std::optional<int> NodeNumberOf(std::string_view text) { return WholeNumber<std::int16_t>(text); }
 
-std::string StepName(std::size_t branch) { return FoldAscii(BranchRules.at(branch).label); }
+std::string StepName(std::size_t branch) { return FoldAscii(Branches.at(branch).label); }
 
 std::vector<Step> StepsOf(std::span<const std::string> words, const TypeNames& names) {
     std::vector<Step> steps;
     for (std::size_t i = 0; i < words.size(); ++i) {
         Step step;
         step.text = words[i];
-        const auto branch = std::ranges::find(BranchRules, FoldCase(step.text),
-                                              [](const BranchRule& rule) { return FoldCase(rule.label); });
+        const auto branch = std::ranges::find(Branches, FoldCase(step.text),
+                                              [](const Branch& rule) { return FoldCase(rule.label); });
         if (IsEntry(step.text) && step.text.size() <= LongestEntry) {
             step.digits = step.text;
-        } else if (branch != BranchRules.end()) {
+        } else if (branch != Branches.end()) {
             step.kind = Step::Kind::Except;
-            step.branch = static_cast<std::size_t>(branch - BranchRules.begin());
+            step.branch = static_cast<std::size_t>(branch - Branches.begin());
             step.text = StepName(step.branch);
         } else if (step.text.starts_with('@')) {
             const auto number = i + 1 < words.size() ? NodeNumberOf(words[i + 1]) : std::nullopt;

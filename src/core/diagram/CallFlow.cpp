@@ -36,17 +36,17 @@ std::vector<Link> LinksOf(const AutoNode& node) {
         links.Add(action.target, DisplayText(action.target, Slot::Actions), false,
                   low == high ? std::string(low) : EntryText(action));
     }
-    for (std::size_t i = 0; i < BranchRules.size(); ++i) {
+    for (std::size_t i = 0; i < Branches.size(); ++i) {
         const Reference& target = node.branches[i];
         if (target.typeID != NumberlessExceptionType) {
-            links.Add(target, DisplayText(target, BranchRules[i].slot), true, BranchRules[i].label);
+            links.Add(target, DisplayText(target, Branches[i].slot), true, Branches[i].label);
         }
     }
     return links.Take();
 }
 
 bool IsException(const ReferenceColumn& column) {
-    return std::ranges::find(BranchRules, column.word, &BranchRule::column) != BranchRules.end();
+    return std::ranges::find(Branches, column.word, &Branch::column) != Branches.end();
 }
 
 // Whether a call goes on there, and does not only hear something.

@@ -176,8 +176,8 @@ class Writer {
 
     static std::string SettingsMarkup(const Settings& settings) {
         std::vector<std::string> lines;
-        lines.reserve(SettingRules.size() + 1);
-        for (const SettingRule& rule : SettingRules) {
+        lines.reserve(SettingFields.size() + 1);
+        for (const SettingField& rule : SettingFields) {
             lines.push_back(Markup(rule.name, SettingText(rule, settings)));
         }
         lines.push_back(Markup("terminating digit", TerminatingDigitText(settings)));

@@ -11,6 +11,5 @@ inline constexpr const char* ConfigMember = "config";
 inline constexpr const char* PartitionMember = "partition";
 inline constexpr const char* TablesMember = "tables";
 // In the place of a text that is no UTF-8: its bytes, two digits of base 16 each.
-inline constexpr const char* BytesMember = "bytes";
 
 } // namespace KAL_AUTO_Node::Exchange

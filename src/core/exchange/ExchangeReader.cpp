@@ -94,7 +94,7 @@ class Handler {
             BeginColumn(name);
             break;
         default:
-            if (name != Exchange::BytesMember || bytes_) {
+            if (name != BytesMember || bytes_) {
                 Fail("a value that is no text has one member, bytes");
             }
         }

@@ -11,7 +11,7 @@ std::string Head(std::optional<Partition> scope) {
         text += (text.empty() ? "{\"" : ", \"") + std::string(name) + "\": " + value;
     };
     std::string format;
-    AppendJsonText(format, Format, NotUtf8::Bytes);
+    AppendJsonText(format, Format);
     member(FormatMember, format);
     member(VersionMember, std::to_string(Version));
     if (scope) {
@@ -36,7 +36,7 @@ void AppendRow(std::string& text, const StoreTable& table, const StoreRow& row) 
         } else if (table.columns[at].number) {
             text += *row[at];
         } else {
-            AppendJsonText(text, *row[at], NotUtf8::Bytes);
+            AppendJsonText(text, *row[at]);
         }
     }
     text += '}';

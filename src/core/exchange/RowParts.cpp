@@ -30,12 +30,12 @@ std::string NameOf(const StoreTable& table, std::string_view word) {
         return table.name == Register ? "label" : "label in its record";
     }
     if (table.name == "Node_AUTO") {
-        const auto setting = std::ranges::find(SettingRules, word, &SettingRule::column);
-        if (setting != SettingRules.end()) {
+        const auto setting = std::ranges::find(SettingFields, word, &SettingField::column);
+        if (setting != SettingFields.end()) {
             return setting->name;
         }
-        const auto branch = std::ranges::find(BranchRules, word, &BranchRule::column);
-        if (branch != BranchRules.end()) {
+        const auto branch = std::ranges::find(Branches, word, &Branch::column);
+        if (branch != Branches.end()) {
             return std::string("branch ") + branch->label;
         }
         if (word == "TerminatingDigit") {

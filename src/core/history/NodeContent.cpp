@@ -41,50 +41,40 @@ std::optional<std::string> TextIn(const Json& document, const char* name) {
                                                        : std::optional(found->get<std::string>());
 }
 
-// Says that the texts stand as letters, a byte each.
-constexpr const char* BytesMember = "bytes";
-
 // No content has more levels; a text from elsewhere may have as many as exhaust the stack.
 constexpr int MostLevels = 8;
 
-void BringBytesBack(Json& document, int levels = MostLevels) {
-    if (document.is_string()) {
-        document = BytesOfLetters(document.get_ref<const std::string&>());
-    } else if (document.is_structured() && levels > 0) {
-        for (Json& member : document) {
-            BringBytesBack(member, levels - 1);
+std::string BytesOfLetters(const std::string& letters) {
+    std::string bytes;
+    unsigned lead = 0;
+    for (const char byte : letters) {
+        const auto value = static_cast<unsigned char>(byte);
+        if (value >= 0xC0) {
+            lead = value;
+        } else {
+            bytes += value < 0x80 ? byte : static_cast<char>(lead << 6 | (value & 0x3F));
         }
     }
+    return bytes;
 }
 
-std::string TextOf(const NodePlace& place, const NodeContent& content, NotUtf8 how) {
-    std::string text;
-    JsonWriter json(text, how);
-    json.Begin('{');
-    json.Member("version", ContentVersion);
-    json.Name("node");
-    if (content.node) {
-        WriteNode(json, place, *content.node, Labels::Leave);
-    } else {
-        json.Null();
+// Brings back the texts that are no UTF-8. Up to version 2 all texts of a content that has one stand as
+// letters, a byte each, which a member beside them says.
+void BringBytesBack(Json& document, bool letters, int levels = MostLevels) {
+    if (letters && document.is_string()) {
+        document = BytesOfLetters(document.get_ref<const std::string&>());
+    } else if (document.is_object() && document.size() == 1 && document.begin().key() == BytesMember &&
+               document.front().is_string()) {
+        const auto bytes = BytesOfDigits(document.front().get_ref<const std::string&>());
+        if (!bytes) {
+            throw Json::type_error::create(302, "bytes are two digits each", nullptr);
+        }
+        document = *bytes;
+    } else if (document.is_structured() && levels > 0) {
+        for (Json& member : document) {
+            BringBytesBack(member, letters, levels - 1);
+        }
     }
-    if (content.entryRead) {
-        json.Name("register");
-    }
-    if (content.entry) {
-        json.Begin('{');
-        json.Member("type", content.entry->type);
-        json.Member("label", content.entry->label);
-        json.Member("dateModified", content.entry->dateModified);
-        json.End('}');
-    } else if (content.entryRead) {
-        json.Null();
-    }
-    if (how == NotUtf8::Letters) {
-        json.Member(BytesMember, true);
-    }
-    json.End('}');
-    return text;
 }
 
 std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, const NodePlace& place, bool& read) try {
@@ -183,19 +173,36 @@ void WriteContent(DataBase& dataBase, const NodePlace& place, const NodeContent&
 }
 
 std::string TextOf(const NodePlace& place, const NodeContent& content) {
-    try {
-        return TextOf(place, content, NotUtf8::Refuse);
-    } catch (const Json::type_error&) {
-        return TextOf(place, content, NotUtf8::Letters);
+    std::string text;
+    JsonWriter json(text);
+    json.Begin('{');
+    json.Member("version", ContentVersion);
+    json.Name("node");
+    if (content.node) {
+        WriteNode(json, place, *content.node, Labels::Leave);
+    } else {
+        json.Null();
     }
+    if (content.entryRead) {
+        json.Name("register");
+    }
+    if (content.entry) {
+        json.Begin('{');
+        json.Member("type", content.entry->type);
+        json.Member("label", content.entry->label);
+        json.Member("dateModified", content.entry->dateModified);
+        json.End('}');
+    } else if (content.entryRead) {
+        json.Null();
+    }
+    json.End('}');
+    return text;
 }
 
 NodeContent ContentOf(const std::string& text) {
     try {
         Json document = Json::parse(text);
-        if (document.contains(BytesMember)) {
-            BringBytesBack(document);
-        }
+        BringBytesBack(document, document.contains(BytesMember));
         NodeContent content;
         if (const Json& node = document.at("node"); !node.is_null()) {
             content.node = NodeFromJson(node);

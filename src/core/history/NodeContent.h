@@ -62,7 +62,7 @@ void WriteContent(DataBase& dataBase, const NodePlace& place, const NodeContent&
 // The text in which the history keeps a content, with its version, and back: also from texts of older and of
 // newer programs, of which a member that is missing has its default. Raises StoreNotRecognized for another
 // text.
-inline constexpr int ContentVersion = 2; // those of version 1 do not tell it
+inline constexpr int ContentVersion = 3; // those of version 1 do not tell it
 [[nodiscard]] std::string TextOf(const NodePlace& place, const NodeContent& content);
 [[nodiscard]] NodeContent ContentOf(const std::string& text);
 

@@ -76,7 +76,7 @@ struct AutoNode {
     Settings settings;
     std::vector<Prompt> prompts;
     std::vector<Action> actions;
-    std::array<Reference, BranchRules.size()> branches; // in the order of their rules
+    std::array<Reference, Branches.size()> branches; // in the order of their rules
 
     friend bool operator==(const AutoNode&, const AutoNode&) = default;
 };

@@ -53,7 +53,7 @@ void AutoNodeReader::ReadActions(AutoNode& node) {
 
 void AutoNodeReader::ReadBranch(AutoNode& node, std::size_t branch) {
     Reference& target = node.branches.at(branch);
-    target = ReferenceColumns(*record_, BranchRules.at(branch).column).Read(*record_);
+    target = ReferenceColumns(*record_, Branches.at(branch).column).Read(*record_);
     ReadLabel(target);
 }
 
@@ -66,7 +66,7 @@ std::optional<AutoNode> ReadAutoNode(DataBase& dataBase, const NodePlace& place,
         // Whether or not the record is known yet.
         reader.ReadPrompts(node);
         reader.ReadActions(node);
-        for (std::size_t branch = 0; exists && branch < BranchRules.size(); ++branch) {
+        for (std::size_t branch = 0; exists && branch < Branches.size(); ++branch) {
             reader.ReadBranch(node, branch);
         }
         found = exists ? std::optional(std::move(node)) : std::nullopt;

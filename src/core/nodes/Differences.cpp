@@ -55,7 +55,7 @@ std::string Number(const std::optional<std::int64_t>& number) {
 }
 
 void CompareSettings(const Settings& before, const Settings& after, Words& words) {
-    for (const SettingRule& rule : SettingRules) {
+    for (const SettingField& rule : SettingFields) {
         words.Change(rule.name, Number(before.*rule.value), Number(after.*rule.value));
     }
     words.Change("terminating digit", Quoted(before.terminatingDigit), Quoted(after.terminatingDigit));
@@ -180,9 +180,9 @@ std::vector<std::string> Differences(const AutoNode& before, const AutoNode& aft
     CompareSettings(before.settings, after.settings, words);
     ComparePrompts(before.prompts, after.prompts, words);
     CompareActions(before.actions, after.actions, words);
-    for (std::size_t i = 0; i < BranchRules.size(); ++i) {
-        words.Change(std::string("branch ") + BranchRules[i].label, before.branches[i], after.branches[i],
-                     BranchRules[i].slot);
+    for (std::size_t i = 0; i < Branches.size(); ++i) {
+        words.Change(std::string("branch ") + Branches[i].label, before.branches[i], after.branches[i],
+                     Branches[i].slot);
     }
     return words.Take();
 }

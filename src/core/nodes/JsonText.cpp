@@ -13,20 +13,6 @@ using Json = nlohmann::ordered_json;
 
 bool IsPlain(char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; }
 
-std::string LettersOf(std::string_view bytes) {
-    std::string letters;
-    for (const char byte : bytes) {
-        const auto value = static_cast<unsigned char>(byte);
-        if (value < 0x80) {
-            letters += byte;
-        } else {
-            letters += static_cast<char>(0xC0 | value >> 6);
-            letters += static_cast<char>(0x80 | (value & 0x3F));
-        }
-    }
-    return letters;
-}
-
 // Of the character that begins there, in a text that is UTF-8.
 std::size_t LengthAt(std::string_view text, std::size_t at) {
     const auto lead = static_cast<unsigned char>(text[at]);
@@ -114,15 +100,11 @@ void Write(JsonWriter& json, const Json& document) {
 
 } // namespace
 
-void AppendJsonText(std::string& json, std::string_view text, NotUtf8 how) {
-    if (how == NotUtf8::Letters) {
-        AppendQuoted(json, LettersOf(text));
-    } else if (IsUtf8(text)) {
+void AppendJsonText(std::string& json, std::string_view text) {
+    if (IsUtf8(text)) {
         AppendQuoted(json, text);
-    } else if (how == NotUtf8::Bytes) {
-        json += R"({"bytes": ")" + DigitsOfBytes(text) + "\"}";
     } else {
-        throw Json::type_error::create(316, "a text is no UTF-8", nullptr);
+        json += std::string("{\"") + BytesMember + "\": \"" + DigitsOfBytes(text) + "\"}";
     }
 }
 
@@ -178,23 +160,9 @@ std::optional<std::string> BytesOfDigits(std::string_view digits) {
     return bytes;
 }
 
-std::string BytesOfLetters(const std::string& letters) {
-    std::string bytes;
-    unsigned lead = 0;
-    for (const char byte : letters) {
-        const auto value = static_cast<unsigned char>(byte);
-        if (value >= 0xC0) {
-            lead = value;
-        } else {
-            bytes += value < 0x80 ? byte : static_cast<char>(lead << 6 | (value & 0x3F));
-        }
-    }
-    return bytes;
-}
-
 std::string JsonText(const Json& document) {
     std::string text;
-    JsonWriter json(text, NotUtf8::Bytes, JsonWriter::Layout::Lines);
+    JsonWriter json(text, JsonWriter::Layout::Lines);
     Write(json, document);
     return text;
 }

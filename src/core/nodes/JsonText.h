@@ -10,22 +10,17 @@
 
 namespace KAL_AUTO_Node {
 
-// JSON is UTF-8, and texts of the store are whatever other programs have written.
-enum class NotUtf8 {
-    Refuse,  // by throwing nlohmann::json::exception
-    Bytes,   // a text that is none stands there as {"bytes": "4361fee9"}, two digits a byte
-    Letters, // each byte of a text becomes the letter of its number; BytesOfLetters brings them back
-};
+// JSON is UTF-8, and texts of the store are whatever other programs have written: one that is no UTF-8 stands
+// there as {"bytes": "4361fee9"}, two digits a byte.
+inline constexpr const char* BytesMember = "bytes";
 
-void AppendJsonText(std::string& json, std::string_view text, NotUtf8 how);
+void AppendJsonText(std::string& json, std::string_view text);
 
 [[nodiscard]] bool IsUtf8(std::string_view text);
 
 // Two digits of base 16 a byte, and back; nothing for what are none.
 [[nodiscard]] std::string DigitsOfBytes(std::string_view bytes);
 [[nodiscard]] std::optional<std::string> BytesOfDigits(std::string_view digits);
-
-[[nodiscard]] std::string BytesOfLetters(const std::string& letters);
 
 // Writes JSON at the end of a text, which outlives it. What would steer a terminal stands there as its
 // number.
@@ -34,8 +29,7 @@ class JsonWriter {
     // Without blanks, or in lines, indented by two blanks.
     enum class Layout { Tight, Lines };
 
-    JsonWriter(std::string& json, NotUtf8 how, Layout layout = Layout::Tight)
-        : json_(json), how_(how), layout_(layout) {}
+    explicit JsonWriter(std::string& json, Layout layout = Layout::Tight) : json_(json), layout_(layout) {}
 
     // An object or an array, by its brackets; a member's value where its name was told before.
     void Begin(char bracket) {
@@ -72,7 +66,7 @@ class JsonWriter {
 
     void Value(std::string_view text) {
         Separate();
-        AppendJsonText(json_, text, how_);
+        AppendJsonText(json_, text);
     }
 
     template <class Kind>
@@ -115,7 +109,6 @@ class JsonWriter {
     }
 
     std::string& json_;
-    NotUtf8 how_;
     Layout layout_;
     std::size_t level_ = 0;
     bool isNamed_ = false; // a name was written, and its value not yet

@@ -132,8 +132,8 @@ void WriteNode(JsonWriter& json, const NodePlace& place, const AutoNode& node, L
     });
     json.Name("branches");
     json.Begin('{');
-    for (std::size_t i = 0; i < BranchRules.size(); ++i) {
-        json.Name(BranchRules[i].label);
+    for (std::size_t i = 0; i < Branches.size(); ++i) {
+        json.Name(Branches[i].label);
         json.Begin('{');
         Write(json, node.branches[i], labels);
         json.End('}');
@@ -160,8 +160,8 @@ AutoNode NodeFromJson(const Json& document) {
         node.actions.push_back(std::move(action));
     }
     const Json branches = StructureIn(document, "branches", Json::value_t::object);
-    for (std::size_t i = 0; i < BranchRules.size(); ++i) {
-        node.branches[i] = ReferenceFrom(StructureIn(branches, BranchRules[i].label, Json::value_t::object));
+    for (std::size_t i = 0; i < Branches.size(); ++i) {
+        node.branches[i] = ReferenceFrom(StructureIn(branches, Branches[i].label, Json::value_t::object));
     }
     return node;
 }

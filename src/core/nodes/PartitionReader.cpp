@@ -60,8 +60,8 @@ void ReadWholeAutoNodes(DataBase& dataBase, Partition partition,
                                            takeOrphans);
     const std::size_t numberColumn = records.Column("NodeNumber");
     std::vector<ReferenceColumns> branches;
-    branches.reserve(BranchRules.size());
-    for (const BranchRule& rule : BranchRules) {
+    branches.reserve(Branches.size());
+    for (const Branch& rule : Branches) {
         branches.emplace_back(records, rule.column);
     }
     AutoNode node;

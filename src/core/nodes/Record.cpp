@@ -12,7 +12,7 @@ std::optional<std::string> OptionalText(const ResultSet& row, std::string_view c
 Settings ReadSettings(const ResultSet& row) {
     Settings settings;
     settings.terminatingDigit = OptionalText(row, "TerminatingDigit");
-    for (const SettingRule& rule : SettingRules) {
+    for (const SettingField& rule : SettingFields) {
         const auto stored = row.Field(rule.column);
         settings.*rule.value = stored ? std::optional(NumericValue(*stored)) : std::nullopt;
     }

@@ -61,8 +61,8 @@ bool IsPlayed(const ReferenceColumn& column) {
 
 std::string PlaceText(const ReferenceColumn& column, int row) {
     if (column.table.starts_with("Node_")) {
-        const auto branch = std::ranges::find(BranchRules, column.word, &BranchRule::column);
-        return branch != BranchRules.end() ? branch->label : std::string(column.word);
+        const auto branch = std::ranges::find(Branches, column.word, &Branch::column);
+        return branch != Branches.end() ? branch->label : std::string(column.word);
     }
     std::string place = column.table.ends_with("_Prompts")  ? "prompt "
                         : column.table.ends_with("_Action") ? "action "

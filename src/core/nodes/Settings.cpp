@@ -6,16 +6,16 @@
 
 namespace KAL_AUTO_Node {
 
-bool IsWithin(const SettingRule& rule, const Settings& settings) {
+bool IsWithin(const SettingField& rule, const Settings& settings) {
     return settings.*rule.value == ValueOf(rule, settings);
 }
 
-int ValueOf(const SettingRule& rule, const Settings& settings) {
+int ValueOf(const SettingField& rule, const Settings& settings) {
     const auto value = (settings.*rule.value).value_or(rule.first);
     return value >= rule.first && value <= rule.last ? static_cast<int>(value) : rule.first;
 }
 
-std::string SettingText(const SettingRule& rule, const Settings& settings) {
+std::string SettingText(const SettingField& rule, const Settings& settings) {
     const auto& stored = settings.*rule.value;
     const int value = ValueOf(rule, settings);
     std::string shown = std::to_string(value) + rule.unit;

@@ -19,7 +19,7 @@ struct Settings {
 };
 
 // A numeric setting: its stored column, its name and unit for people, and the whole numbers that it may hold.
-struct SettingRule {
+struct SettingField {
     std::optional<std::int64_t> Settings::*value;
     const char* column;
     const char* name;
@@ -28,7 +28,7 @@ struct SettingRule {
     int last;
 };
 
-inline constexpr std::array<SettingRule, 4> SettingRules = {{
+inline constexpr std::array<SettingField, 4> SettingFields = {{
     {&Settings::numberOfDigits, "NumberOfDigits", "number of digits", "", 1, 7},
     {&Settings::retryLimit, "RetryLimit", "retry limit", "", 0, 5},
     {&Settings::selectionTimeout, "SelectionTimeout", "selection time-out", " s", 1, 60},
@@ -36,15 +36,15 @@ inline constexpr std::array<SettingRule, 4> SettingRules = {{
 }};
 
 // The value that stands for a stored one: itself where the setting may hold it, else the first that it may.
-[[nodiscard]] int ValueOf(const SettingRule& rule, const Settings& settings);
+[[nodiscard]] int ValueOf(const SettingField& rule, const Settings& settings);
 
 // It for people, with its unit; where the setting may not hold what is stored, both.
-[[nodiscard]] std::string SettingText(const SettingRule& rule, const Settings& settings);
+[[nodiscard]] std::string SettingText(const SettingField& rule, const Settings& settings);
 
 inline constexpr std::array<const char*, 4> TerminatingDigits = {"No", "*", "#", "*/#"};
 
 // Whether a setting is stored with one of its values.
-[[nodiscard]] bool IsWithin(const SettingRule& rule, const Settings& settings);
+[[nodiscard]] bool IsWithin(const SettingField& rule, const Settings& settings);
 [[nodiscard]] bool IsTerminatingDigit(const Settings& settings);
 
 // The position among the terminating digits, whatever the stored text's case; 0 for any other.

@@ -11,7 +11,7 @@ namespace KAL_AUTO_Node {
 // The slots of an AUTO node: the places from which it refers to other nodes.
 enum class Slot : std::size_t { Prompts, Actions, Timeout, Invalid, Abort, Star, Pound };
 
-struct SlotRule {
+struct SlotSet {
     int setID; // the set of node types that may be referred to from here
     // Those of the set that have no numbers.
     Collection<std::string> NodeLists::*notAvailable;
@@ -19,7 +19,7 @@ struct SlotRule {
     bool unlimitedNeedMessages = false;
 };
 
-inline constexpr std::array<SlotRule, 7> SlotRules = {{
+inline constexpr std::array<SlotSet, 7> SlotSets = {{
     {7, &NodeLists::NotAvailablePromptsNode},
     {6, &NodeLists::NotAvailableActionsNode, true},
     {1, &NodeLists::NotAvailableTimeoutNode},
@@ -29,9 +29,7 @@ inline constexpr std::array<SlotRule, 7> SlotRules = {{
     {9, &NodeLists::NotAvailablePoundNode},
 }};
 
-[[nodiscard]] constexpr const SlotRule& RuleOf(Slot slot) {
-    return SlotRules[static_cast<std::size_t>(slot)];
-}
+[[nodiscard]] constexpr const SlotSet& SetOf(Slot slot) { return SlotSets[static_cast<std::size_t>(slot)]; }
 
 // The type whose references from a place carry no node number.
 [[nodiscard]] constexpr int NumberlessTypeOf(Slot slot) {
@@ -39,7 +37,7 @@ inline constexpr std::array<SlotRule, 7> SlotRules = {{
 }
 
 // The five exception branches in the order of their rows.
-struct BranchRule {
+struct Branch {
     Slot slot;
     const char* label;  // as it is shown
     const char* column; // how the names of the branch's stored columns begin
@@ -47,7 +45,7 @@ struct BranchRule {
     int defaultNumber;
 };
 
-inline constexpr std::array<BranchRule, 5> BranchRules = {{
+inline constexpr std::array<Branch, 5> Branches = {{
     {Slot::Timeout, "Timeout", "Timeout", MessageType, 1},
     {Slot::Invalid, "Invalid", "Invalid", MessageType, 1},
     {Slot::Abort, "Abort", "Abort", MessageType, 1},

@@ -94,7 +94,7 @@ void TypeCatalogue::ReadNames(DataBase& dataBase, Partition partition) {
 }
 
 void TypeCatalogue::ReadOffered(DataBase& dataBase, Partition partition, Slot slot, const Offer& offer) {
-    const SlotRule& rule = RuleOf(slot);
+    const SlotSet& rule = SetOf(slot);
     int messageLimit = 0;
     for (ResultSet types = dataBase.Query(Command::Get_Node_Type_can_contain_nodes, {AutoType, rule.setID});
          !types.AtEnd(); types.MoveNext()) {
@@ -123,7 +123,7 @@ void TypeCatalogue::Fetch(ReadAhead& ahead, DataBase& dataBase, Partition partit
             }
         };
         one([&] { types.ReadNames(dataBase, partition); });
-        for (std::size_t slot = 0; slot < SlotRules.size(); ++slot) {
+        for (std::size_t slot = 0; slot < SlotSets.size(); ++slot) {
             one([&] { types.ReadOffered(dataBase, partition, static_cast<Slot>(slot)); });
         }
         one([&] { ReadAutoNodes(dataBase, partition, [](int, const auto&) {}); });
@@ -133,7 +133,7 @@ void TypeCatalogue::Fetch(ReadAhead& ahead, DataBase& dataBase, Partition partit
 void TypeCatalogue::Read(ReadAhead& ahead, DataBase& dataBase, Partition partition) {
     Fetch(ahead, dataBase, partition);
     ReadNames(dataBase, partition);
-    for (std::size_t slot = 0; slot < SlotRules.size(); ++slot) {
+    for (std::size_t slot = 0; slot < SlotSets.size(); ++slot) {
         ReadOffered(dataBase, partition, static_cast<Slot>(slot));
     }
 }

@@ -83,7 +83,7 @@ class TypeCatalogue : public NodeLists {
 
   private:
     TypeNames names_;
-    std::array<std::unordered_set<int>, SlotRules.size()> offered_;
+    std::array<std::unordered_set<int>, SlotSets.size()> offered_;
 };
 
 // The highest number of a type, at most the highest that a node can have; nothing where no limit is stored.

@@ -45,6 +45,10 @@ class RuntimeError : public Error {
     RuntimeError(ErrorNumber number, const std::string& description, std::string source = ComponentName)
         : Error(static_cast<int>(number), Cut(description)), source_(std::move(source)) {}
 
+    // That what is asked for cannot be done.
+    explicit RuntimeError(const std::string& description)
+        : RuntimeError(ErrorNumber::InvalidProcedureCall, description) {}
+
     // From now on this error and its copies are one, to be told once.
     void BeOne() { told_ = std::make_shared<bool>(false); }
 

@@ -223,7 +223,7 @@ void PostgresConnection::Commit() {
         return;
     }
     std::size_t reached = 0;
-    Committed(Exchange({}, Committing, reached).back());
+    Committed(RoundTrip({}, Committing, reached).back());
 }
 
 void PostgresConnection::Committed(const Result& result) {
@@ -237,7 +237,7 @@ void PostgresConnection::Rollback() noexcept {
     try {
         std::size_t reached = 0;
         if (beginning_.empty() && connection_) {
-            Exchange({}, Ending, reached);
+            RoundTrip({}, Ending, reached);
         }
     } catch (const std::exception&) {
         connection_.reset(); // takes it back as well
@@ -275,7 +275,7 @@ void PostgresConnection::SetVersion(int version) {
 void PostgresConnection::RunScript(const char* sql) {
     BeReady();
     std::size_t reached = 0;
-    Exchange({}, {}, reached); // what begins the transaction
+    RoundTrip({}, {}, reached); // what begins the transaction
     ahead_.clear();
     Require(PQexitPipelineMode(connection_.get()));
     Script(WithSchema(ServerTables(sql)).c_str());

@@ -74,8 +74,8 @@ class PostgresConnection : public Connection {
     void BeReady();
     // Sends the statements and plain ones after them, and waits for the results of both. Where one fails,
     // reached tells which; those after it have not run.
-    std::vector<Result> Exchange(std::span<const StatementRun> runs, std::span<const char* const> plain,
-                                 std::size_t& reached);
+    std::vector<Result> RoundTrip(std::span<const StatementRun> runs, std::span<const char* const> plain,
+                                  std::size_t& reached);
 
     // In the order in which the results come.
     struct Sent {

@@ -55,7 +55,7 @@ QString CellOf(const ListRow& row, int number, int column) {
     case LeadColumn:
         return row.slot == Slot::Prompts   ? QString::number(number)
                : row.slot == Slot::Actions ? row.low + '-' + row.high
-                                           : QString::fromLatin1(BranchRules[BranchOf(row.slot)].label);
+                                           : QString::fromLatin1(Branches[BranchOf(row.slot)].label);
     case CommandNodeColumn:
         return DisplayText(row);
     case LabelColumn:
@@ -206,7 +206,7 @@ RowChange ListRows::Remove(std::span<const int> rows) {
     } else {
         emit layoutAboutToBeChanged({}, VerticalSortHint);
     }
-    change.out = Exchange(change.outAt, {}, {});
+    change.out = Replace(change.outAt, {}, {});
     if (contiguous) {
         endRemoveRows();
     } else {
@@ -248,8 +248,8 @@ RowChange ListRows::Replace(std::vector<ListRow> rows) {
     return change;
 }
 
-std::vector<ListRow> ListRows::Exchange(const std::vector<RowRun>& outAt, const std::vector<RowRun>& inAt,
-                                        std::vector<ListRow> in) {
+std::vector<ListRow> ListRows::Replace(const std::vector<RowRun>& outAt, const std::vector<RowRun>& inAt,
+                                       std::vector<ListRow> in) {
     std::vector<ListRow> out;
     auto kept = rows_.begin() + (outAt.empty() ? 0 : outAt.front().first);
     for (std::size_t i = 0; i < outAt.size(); ++i) {
@@ -294,7 +294,7 @@ RowChange ListRows::TakeBack(RowChange change) {
         return again;
     }
     beginResetModel();
-    again.out = Exchange(change.inAt, change.outAt, std::move(change.out));
+    again.out = Replace(change.inAt, change.outAt, std::move(change.out));
     numbers_ = std::move(change.numbers);
     endResetModel();
     return again;

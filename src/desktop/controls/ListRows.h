@@ -56,8 +56,8 @@ class ListRows : public QAbstractTableModel {
     void Renumber(int from);
     void CellsChanged(int firstRow, int lastRow, int lastColumn);
     // Takes rows out, and puts rows in where they are to stand then.
-    std::vector<ListRow> Exchange(const std::vector<RowRun>& outAt, const std::vector<RowRun>& inAt,
-                                  std::vector<ListRow> in);
+    std::vector<ListRow> Replace(const std::vector<RowRun>& outAt, const std::vector<RowRun>& inAt,
+                                 std::vector<ListRow> in);
 
     std::vector<ListRow> rows_;
     std::vector<int> numbers_; // none where they are the places

@@ -27,7 +27,7 @@ void EditorWindow::LabelPopups() {
     new LabelledPopup(*gui_.cmbNode, [this](int number) {
         return rules_ ? rules_->LabelOfNode(gui_, AutoType, number) : QString();
     });
-    for (std::size_t i = 0; i < SlotRules.size(); ++i) {
+    for (std::size_t i = 0; i < SlotSets.size(); ++i) {
         const auto slot = static_cast<Slot>(i);
         new LabelledPopup(*gui_.NumberPicker(slot), [this, slot](int number) {
             return rules_ ? rules_->LabelOfNode(gui_, gui_.NodePicker(slot)->SelectedData(), number)
@@ -53,7 +53,7 @@ void EditorWindow::ConnectHandlers() {
 
     connect(gui_.txtDescription, &QLineEdit::textChanged, this, &EditorWindow::MarkChanged);
     connect(gui_.cmbTermDigit, &ComboBox::Click, this, &EditorWindow::MarkChanged);
-    for (const ValueBoxRule& rule : ValueBoxRules) {
+    for (const ValueBox& rule : ValueBoxes) {
         connect(gui_.*rule.box, &ComboBox::Click, this, &EditorWindow::ValueBox_Click);
     }
 

@@ -11,7 +11,7 @@ namespace {
 
 std::vector<Slot> Slots() {
     std::vector<Slot> used;
-    std::ranges::transform(BranchRules, std::back_inserter(used), &BranchRule::slot);
+    std::ranges::transform(Branches, std::back_inserter(used), &Branch::slot);
     return used;
 }
 
@@ -34,8 +34,8 @@ ExceptionsList::ExceptionsList(GUI& gui, UndoStack& undo)
 void ExceptionsList::Default_Click() {
     Handle(*Form().cmdExceptionsDefault, "Click", [this] {
         std::vector<ListRow> rows;
-        for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
-            const auto& [slot, label, column, type, number] = BranchRules[branch];
+        for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
+            const auto& [slot, label, column, type, number] = Branches[branch];
             rows.push_back(ExceptionRow(branch, {type, Form().NodeName(type).toStdString(), number, {}}));
         }
         List().SetRows(std::move(rows));
@@ -51,7 +51,7 @@ void ExceptionsList::TakeIn(std::vector<ListRow> rows) {
 }
 
 Slot ExceptionsList::SlotOf(int row) const {
-    return BranchRules.at(std::min(static_cast<std::size_t>(row), BranchRules.size() - 1)).slot;
+    return Branches.at(std::min(static_cast<std::size_t>(row), Branches.size() - 1)).slot;
 }
 
 void ExceptionsList::ChooseNumberless(Slot /*slot*/) {
@@ -68,7 +68,7 @@ void ExceptionsList::ShowNoNumber(Slot slot, int type) {
 }
 
 void ExceptionsList::MouseUp() {
-    for (const BranchRule& exception : BranchRules) {
+    for (const Branch& exception : Branches) {
         if (PickList* picker = Form().NodePicker(exception.slot); !IsHiddenByCode(*picker)) {
             picker->setFocus(Qt::MouseFocusReason);
             return;

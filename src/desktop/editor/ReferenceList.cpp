@@ -28,9 +28,9 @@ bool IsEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
 
 } // namespace
 
-ReferenceList::ReferenceList(GUI& gui, UndoStack& undo, Controls controls, Rules rules,
+ReferenceList::ReferenceList(GUI& gui, UndoStack& undo, Controls controls, Traits traits,
                              std::vector<Slot> used)
-    : gui_(gui), undo_(undo), controls_(std::move(controls)), rules_(rules), slots_(std::move(used)),
+    : gui_(gui), undo_(undo), controls_(std::move(controls)), traits_(traits), slots_(std::move(used)),
       history_(List(), undo) {
     connect(controls_.edit, &QPushButton::clicked, this, &ReferenceList::Edit_Click);
     connect(&List(), &ListView::ItemClick, this, &ReferenceList::ItemClick);
@@ -67,7 +67,7 @@ void ReferenceList::Edit_Click() {
         for (QPushButton* button : controls_.buttons) {
             button->setEnabled(!editing || button == controls_.edit);
         }
-        List().setSelectionMode(editing ? QAbstractItemView::SingleSelection : rules_.browsingSelection);
+        List().setSelectionMode(editing ? QAbstractItemView::SingleSelection : traits_.browsingSelection);
         if (!editing) {
             // Not the list itself: its getting the focus ends the edit mode of the list that takes over.
             HideEditors(*controls_.edit);
@@ -119,7 +119,7 @@ void ReferenceList::HideEditors(QWidget& heir) {
 
 void ReferenceList::ItemClick(int row) {
     Handle(List(), "ItemClick", [&] {
-        (gui_.*rules_.resetColumns)();
+        (gui_.*traits_.resetColumns)();
         if (Editing()) {
             List().Select(row);
             try {
@@ -166,7 +166,7 @@ void ReferenceList::OpenEditors(int row) {
     node.SetText(name);
     if (const int chosen = List().Row(row).number; chosen <= number.ListCount()) {
         number.SetText(QString::number(chosen));
-    } else if (!rules_.numberlessOpens || node.SelectedData() != rules_.numberlessType) {
+    } else if (!traits_.numberlessOpens || node.SelectedData() != traits_.numberlessType) {
         RefuseNodeType(row);
     }
 }
@@ -180,7 +180,7 @@ void ReferenceList::RefuseNodeType(int row) {
 QString ReferenceList::UnavailableName(int row) const { return List().Row(row).name; }
 
 bool ReferenceList::IsNodeTypeAvailable(Slot slot, const QString& name) const {
-    return std::ranges::none_of(gui_.Lists().*RuleOf(slot).notAvailable, [&](const std::string& unavailable) {
+    return std::ranges::none_of(gui_.Lists().*SetOf(slot).notAvailable, [&](const std::string& unavailable) {
         return QString::fromStdString(unavailable).toUpper() == name.toUpper();
     });
 }
@@ -226,7 +226,7 @@ void ReferenceList::NodeClick(Slot slot) {
     Handle(node, "Click", [&] {
         const int type = node.SelectedData();
         number.SetNumbers(1, gui_.Lists().MaxNodeNumberCollection[type]);
-        if (type == rules_.numberlessType) {
+        if (type == traits_.numberlessType) {
             number.hide();
             gui_.SetNodePickerWidth(slot, GUI::WidePicker);
             ChooseNumberless(slot);
@@ -257,10 +257,10 @@ void ReferenceList::NodeClick(Slot slot) {
 
 void ReferenceList::WriteNumberless(int row) {
     ListRow content = List().Row(row);
-    content.typeID = rules_.numberlessType;
+    content.typeID = traits_.numberlessType;
     content.number = 1;
-    content.shown = content.name = gui_.NodeName(rules_.numberlessType);
-    if (rules_.kind == RowKind::Exceptions) {
+    content.shown = content.name = gui_.NodeName(traits_.numberlessType);
+    if (traits_.kind == RowKind::Exceptions) {
         content.label.clear();
     }
     List().SetRow(row, std::move(content));
@@ -270,7 +270,7 @@ void ReferenceList::NumberClick(Slot slot) {
     const NumberBox& number = *gui_.NumberPicker(slot);
     Handle(number, "Click", [&] {
         const int row = List().SelectedItem();
-        if (row < 0 || (rules_.numberNeedsHighlight && !List().IsSelected(row))) {
+        if (row < 0 || (traits_.numberNeedsHighlight && !List().IsSelected(row))) {
             return;
         }
         ListRow content = List().Row(row);
@@ -307,7 +307,7 @@ void ReferenceList::KeyPress(int character) {
 
 void ReferenceList::Copy() const {
     if (const auto rows = List().SelectedRows(); !rows.empty()) {
-        QGuiApplication::clipboard()->setText(TextOfRows(rules_.kind, List(), rows));
+        QGuiApplication::clipboard()->setText(TextOfRows(traits_.kind, List(), rows));
     }
 }
 
@@ -315,7 +315,7 @@ void ReferenceList::Paste() {
     if (Editing()) {
         return;
     }
-    auto [rows, refusal] = RowsOfText(rules_.kind, gui_, QGuiApplication::clipboard()->text());
+    auto [rows, refusal] = RowsOfText(traits_.kind, gui_, QGuiApplication::clipboard()->text());
     if (!refusal.isEmpty()) {
         Inform(refusal);
         return;

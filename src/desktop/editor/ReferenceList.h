@@ -26,7 +26,7 @@ class ReferenceList : public QObject {
         std::vector<QPushButton*> buttons;
     };
 
-    struct Rules {
+    struct Traits {
         RowKind kind;
         int numberlessType; // the type whose references carry no number
         // A row of that type is edited in place although it has no number to choose.
@@ -53,7 +53,7 @@ class ReferenceList : public QObject {
 
   protected:
     // The slots are those of the list's editors.
-    ReferenceList(GUI& gui, UndoStack& undo, Controls controls, Rules rules, std::vector<Slot> used);
+    ReferenceList(GUI& gui, UndoStack& undo, Controls controls, Traits traits, std::vector<Slot> used);
 
     // Runs the handler of a control's event, as one deed that can be taken back.
     template <class Body>
@@ -66,7 +66,7 @@ class ReferenceList : public QObject {
 
     [[nodiscard]] ListView& List() const { return *controls_.list; }
 
-    [[nodiscard]] const Rules& RulesOfList() const { return rules_; }
+    [[nodiscard]] const Traits& TraitsOfList() const { return traits_; }
 
     void MarkChanged() const { gui_.cmdApply->setEnabled(true); }
 
@@ -131,7 +131,7 @@ class ReferenceList : public QObject {
     GUI& gui_;
     UndoStack& undo_;
     Controls controls_;
-    Rules rules_;
+    Traits traits_;
     std::vector<Slot> slots_;
     RowHistory history_;
     // The row that the editors were opened on, until it is accepted or taken back.

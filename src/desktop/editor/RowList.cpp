@@ -6,14 +6,14 @@
 namespace KAL_AUTO_Node {
 
 RowList::RowList(GUI& gui, UndoStack& undo, const ComponentFactory& components, ListView* list,
-                 Buttons buttons, Rules rules, RowRules rowRules)
+                 Buttons buttons, Traits traits, RowTraits rowTraits)
     : ReferenceList(gui, undo,
                     {list,
                      buttons.edit,
                      {buttons.add, buttons.insert, buttons.remove, buttons.edit, buttons.up, buttons.down,
                       buttons.quick}},
-                    rules, {rowRules.slot}),
-      components_(components), buttons_(buttons), rowRules_(rowRules) {
+                    traits, {rowTraits.slot}),
+      components_(components), buttons_(buttons), rowTraits_(rowTraits) {
     connect(buttons_.add, &QPushButton::clicked, this, &RowList::Add_Click);
     connect(buttons_.insert, &QPushButton::clicked, this, &RowList::Insert_Click);
     connect(buttons_.remove, &QPushButton::clicked, this, &RowList::Remove_Click);
@@ -126,14 +126,14 @@ void RowList::Move_Click(const QPushButton& button, int distance) {
 void RowList::Quick_Click() {
     Handle(*buttons_.quick, "Click", [this] {
         QuickAssignDialog dialog(Form(), components_);
-        (dialog.*rowRules_.prepareQuick)();
+        (dialog.*rowTraits_.prepareQuick)();
         if (dialog.Form().cmbNodeTypes->ListCount() == 0) {
             Inform("Please check the \"Max Number of each Node\" Section in Partition Settings.");
             return;
         }
-        dialog.Form().setWindowTitle(QString::fromLatin1(rowRules_.quickCaption) + Form().cmbNode->Text());
+        dialog.Form().setWindowTitle(QString::fromLatin1(rowTraits_.quickCaption) + Form().cmbNode->Text());
         MarkChanged();
-        dialog.Caller = rowRules_.quickList;
+        dialog.Caller = rowTraits_.quickList;
         dialog.ShowModal();
     });
 }

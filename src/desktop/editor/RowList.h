@@ -19,7 +19,7 @@ class RowList : public ReferenceList {
         QPushButton* quick;
     };
 
-    struct RowRules {
+    struct RowTraits {
         Slot slot;
         QuickAssignDialog::List quickList;
         void (QuickAssignDialog::*prepareQuick)();
@@ -27,7 +27,7 @@ class RowList : public ReferenceList {
     };
 
     RowList(GUI& gui, UndoStack& undo, const ComponentFactory& components, ListView* list, Buttons buttons,
-            Rules rules, RowRules rowRules);
+            Traits traits, RowTraits rowTraits);
 
     void Add_Click();
 
@@ -46,14 +46,14 @@ class RowList : public ReferenceList {
 
     virtual void AfterEmptied() {}
 
-    [[nodiscard]] Slot SlotOf(int /*row*/) const override { return rowRules_.slot; }
+    [[nodiscard]] Slot SlotOf(int /*row*/) const override { return rowTraits_.slot; }
 
     // Before the selected row, or at the end where there are none or several.
     void TakeIn(std::vector<ListRow> rows) override;
 
-    [[nodiscard]] PickList& NodePicker() const { return *Form().NodePicker(rowRules_.slot); }
+    [[nodiscard]] PickList& NodePicker() const { return *Form().NodePicker(rowTraits_.slot); }
 
-    [[nodiscard]] NumberBox& NumberPicker() const { return *Form().NumberPicker(rowRules_.slot); }
+    [[nodiscard]] NumberBox& NumberPicker() const { return *Form().NumberPicker(rowTraits_.slot); }
 
   private:
     void Insert_Click();
@@ -68,7 +68,7 @@ class RowList : public ReferenceList {
 
     const ComponentFactory& components_;
     Buttons buttons_;
-    RowRules rowRules_;
+    RowTraits rowTraits_;
 };
 
 } // namespace KAL_AUTO_Node

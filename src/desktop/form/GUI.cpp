@@ -55,7 +55,7 @@ struct PickerNames {
     const char* spoken; // for assistive technology
 };
 
-constexpr std::array<PickerNames, SlotRules.size()> PickerNamesOf = {{
+constexpr std::array<PickerNames, SlotSets.size()> PickerNamesOf = {{
     {"cmbPromptsNode", "cmbPromptsNumber", "Prompt"},
     {"cmbActionsNode", "cmbActionsNumber", "Action"},
     {"cmbExceptionsTimeoutNode", "cmbExceptionsTimeoutNumber", "Timeout exception"},
@@ -198,7 +198,7 @@ void GUI::CreateInPlaceEditors() {
     txtActionsDash->setFocusPolicy(Qt::NoFocus);
     auto* compact = new CompactStyle;
     compact->setParent(this);
-    for (std::size_t i = 0; i < SlotRules.size(); ++i) {
+    for (std::size_t i = 0; i < SlotSets.size(); ++i) {
         const auto& [nodeName, numberName, spokenName] = PickerNamesOf[i];
         QGroupBox* frame = frameOf(static_cast<Slot>(i));
         editors_[i] = {Named(new PickList(frame), nodeName), Named(new NumberBox(frame), numberName), 0};
@@ -271,7 +271,7 @@ std::vector<QWidget*> GUI::InPlaceEditors() const {
         std::array<QWidget*, 3>{txtActionsDTMFRangeLow, txtActionsDTMFRangeHigh, txtActionsDash},
         std::back_inserter(editors));
     std::ranges::copy(Pickers(Slot::Actions), std::back_inserter(editors));
-    for (const BranchRule& exception : BranchRules) {
+    for (const Branch& exception : Branches) {
         std::ranges::copy(Pickers(exception.slot), std::back_inserter(editors));
     }
     return editors;

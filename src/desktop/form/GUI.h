@@ -221,7 +221,7 @@ class GUI : public QDialog {
     ListView* latestList_ = nullptr; // that had the focus, or one of its buttons
     QPointer<QWidget> latestInput_;  // above the closing buttons, that had the focus
     std::optional<TypeCatalogue> nodeLists_;
-    std::array<ReferenceEditors, SlotRules.size()> editors_{};
+    std::array<ReferenceEditors, SlotSets.size()> editors_{};
 };
 
 // The partition of the node shown.

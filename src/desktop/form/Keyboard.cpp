@@ -27,7 +27,7 @@ void GUI::OrderTabs() {
     append(Pickers(Slot::Actions));
     append(std::initializer_list<QWidget*>{cmdActionsAdd, cmdActionsInsert, cmdActionsRemove, cmdActionsEdit,
                                            cmdActionsUp, cmdActionsDown, cmdQuickActions, LVExceptions});
-    for (const BranchRule& exception : BranchRules) {
+    for (const Branch& exception : Branches) {
         append(Pickers(exception.slot));
     }
     append(std::initializer_list<QWidget*>{cmdExceptionsEdit, cmdExceptionsDefault});

@@ -120,7 +120,7 @@ void GUI::FitScreen() {
     }
     const int rowHeight = std::max(LVExceptions->sizeHintForRow(0), cmbNode->sizeHint().height());
     LVExceptions->setFixedHeight(LVExceptions->header()->sizeHint().height() +
-                                 static_cast<int>(BranchRules.size()) * rowHeight +
+                                 static_cast<int>(Branches.size()) * rowHeight +
                                  2 * LVExceptions->frameWidth());
     const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
     upper_->setMinimumSize(bar * 3, bar * 3);

@@ -8,16 +8,16 @@
 namespace KAL_AUTO_Node {
 
 // The boxes of a node's numeric settings, in the settings' order.
-struct ValueBoxRule {
+struct ValueBox {
     NumberBox* GUI::*box;
-    const SettingRule& setting;
+    const SettingField& setting;
 };
 
-inline constexpr std::array<ValueBoxRule, 4> ValueBoxRules = {{
-    {&GUI::cmbNumDigits, SettingRules[0]},
-    {&GUI::cmbRetryLimit, SettingRules[1]},
-    {&GUI::cmbSelTimeOut, SettingRules[2]},
-    {&GUI::cmbDigitTimeOut, SettingRules[3]},
+inline constexpr std::array<ValueBox, 4> ValueBoxes = {{
+    {&GUI::cmbNumDigits, SettingFields[0]},
+    {&GUI::cmbRetryLimit, SettingFields[1]},
+    {&GUI::cmbSelTimeOut, SettingFields[2]},
+    {&GUI::cmbDigitTimeOut, SettingFields[3]},
 }};
 
 } // namespace KAL_AUTO_Node

@@ -38,7 +38,7 @@ AutoNode GatherNode(const GUI& gui) {
     node.type = gui.NodeName(AutoType).toStdString();
     node.label = gui.txtDescription->text().toStdString();
     node.settings.terminatingDigit = gui.cmbTermDigit->Text().toStdString();
-    for (const ValueBoxRule& rule : ValueBoxRules) {
+    for (const ValueBox& rule : ValueBoxes) {
         const NumberBox& box = *(gui.*rule.box);
         node.settings.*rule.setting.value = WholeNumber(box.Text(), box);
     }

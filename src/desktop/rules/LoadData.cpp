@@ -42,12 +42,12 @@ void ShowSettings(const GUI& gui, const AutoNode& node) {
                                                       std::to_string(GUI::LongestLabel));
     }
     gui.txtDescription->setText(label);
-    const auto show = [&](const ValueBoxRule& rule) {
+    const auto show = [&](const ValueBox& rule) {
         (gui.*rule.box)->SetListIndex(ValueOf(rule.setting, node.settings) - rule.setting.first);
     };
-    show(ValueBoxRules.front());
+    show(ValueBoxes.front());
     gui.cmbTermDigit->SetListIndex(static_cast<int>(TerminatingDigitOf(node.settings)));
-    std::for_each(ValueBoxRules.begin() + 1, ValueBoxRules.end(), show);
+    std::for_each(ValueBoxes.begin() + 1, ValueBoxes.end(), show);
 }
 
 // Labels of nodes that are referred to are there to be read; the toolkit cannot lay out every length.
@@ -136,7 +136,7 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
             Show(
                 gui, *gui.LVActions, [&] { reader.ReadActions(node); }, node.actions);
             GUI::ClearListView(*gui.LVExceptions);
-            for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
+            for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
                 reader.ReadBranch(node, branch);
                 const Reference& target = node.branches[branch];
                 gui.LVExceptions->Insert(static_cast<int>(branch),

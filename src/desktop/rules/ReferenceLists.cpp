@@ -41,10 +41,10 @@ bool NodeRules::LoadActionsNode(GUI& gui) {
 
 bool NodeRules::LoadExceptionsNode(GUI& gui) {
     return Reporting("LoadExceptionsNode", [&] {
-        for (const BranchRule& branch : BranchRules) {
+        for (const Branch& branch : Branches) {
             gui.NodePicker(branch.slot)->Clear();
         }
-        for (const BranchRule& branch : BranchRules) {
+        for (const Branch& branch : Branches) {
             LoadContainableTypes(gui, branch.slot);
         }
     });
@@ -52,7 +52,7 @@ bool NodeRules::LoadExceptionsNode(GUI& gui) {
 
 bool NodeRules::LoadStaticConstants(GUI& gui) {
     return Reporting("LoadStaticConstants", [&] {
-        for (const ValueBoxRule& rule : ValueBoxRules) {
+        for (const ValueBox& rule : ValueBoxes) {
             (gui.*rule.box)->SetNumbers(rule.setting.first, rule.setting.last);
         }
         gui.cmbTermDigit->Clear();

@@ -1,6 +1,7 @@
 #include "rules/RowText.h"
 
 #include "form/GUI.h"
+#include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
 #include "rules/Rows.h"
 #include "rules/Utf8.h"
@@ -8,7 +9,6 @@
 #include <QStringList>
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace KAL_AUTO_Node {
 
@@ -19,9 +19,9 @@ constexpr std::size_t MostRows = NumberBox::MostNumbers;
 constexpr qsizetype MostCharacters = 16'000'000;
 
 // Why a line is refused.
-class Refusal : public std::runtime_error {
+class Refusal : public RuntimeError {
   public:
-    explicit Refusal(const QString& why) : std::runtime_error(why.toStdString()) {}
+    explicit Refusal(const QString& why) : RuntimeError(why.toStdString()) {}
 };
 
 QString Quoted(const QString& cell) {
@@ -96,8 +96,8 @@ class Reader {
   private:
     void AddException(const QString& name, const QString& type, const QString& number) {
         const auto rule = std::ranges::find_if(
-            BranchRules, [&](const BranchRule& branch) { return name == QLatin1String(branch.label); });
-        if (rule == BranchRules.end()) {
+            Branches, [&](const Branch& branch) { return name == QLatin1String(branch.label); });
+        if (rule == Branches.end()) {
             throw Refusal("there is no exception " + Quoted(name));
         }
         if (std::ranges::find(rows_, rule->slot, &ListRow::slot) != rows_.end()) {

@@ -25,7 +25,7 @@ ListRow ActionRow(const QString& low, const QString& high, const Reference& targ
 }
 
 ListRow ExceptionRow(std::size_t branch, const Reference& target) {
-    return Row(BranchRules.at(branch).slot, target);
+    return Row(Branches.at(branch).slot, target);
 }
 
 ListRow EmptyRow(const QString& name) { return PromptRow({NumberlessType, name.toStdString(), 1, {}}); }

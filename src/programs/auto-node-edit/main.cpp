@@ -4,6 +4,7 @@
 #include "KAL_AUTO_Node/Business_Rules.h"
 #include "feedback/MessageBox.h"
 #include "nodes/Overview.h"
+#include "platform/RuntimeError.h"
 #include "platform/TellError.h"
 #include "platform/VisibleText.h"
 #include "platform/WholeNumber.h"
@@ -17,7 +18,6 @@
 #include <exception>
 #include <iostream>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <unistd.h>
 
@@ -29,7 +29,7 @@ NodePlace FirstNode() {
     DataBase dataBase;
     const auto first = FirstAutoNode(dataBase);
     if (!first) {
-        throw std::runtime_error("there is no AUTO node in " + dataBase.File().string());
+        throw RuntimeError("there is no AUTO node in " + dataBase.File().string());
     }
     return *first;
 }

@@ -3,9 +3,9 @@
 #include "exchange/JetFrames.h"
 #include "exchange/JetText.h"
 #include "platform/FoldCase.h"
+#include "platform/RuntimeError.h"
 
 #include <memory>
-#include <stdexcept>
 
 namespace KAL_AUTO_Node {
 
@@ -79,13 +79,13 @@ struct JetFile::Row {
 
 JetFile::JetFile(const char* path) : file_(mdb_open(path, MDB_NOFLAGS)) {
     if (file_ == nullptr) {
-        throw std::runtime_error("it cannot be opened as a Jet file");
+        throw RuntimeError("it cannot be opened as a Jet file");
     }
     if (file_->f->jet_version > MDB_VER_JET4) {
-        throw std::runtime_error("it has a later form than Jet 4");
+        throw RuntimeError("it has a later form than Jet 4");
     }
     if (mdb_read_catalog(file_, MDB_ANY) == nullptr) {
-        throw std::runtime_error("its list of tables cannot be read");
+        throw RuntimeError("its list of tables cannot be read");
     }
 }
 
@@ -118,7 +118,7 @@ void JetFile::RequireWholeCatalog() {
             }
         }
     }
-    throw std::runtime_error("its list of tables is damaged");
+    throw RuntimeError("its list of tables is damaged");
 }
 
 void JetFile::TellTable(MdbCatalogEntry* entry, bool withRows, JetSink& sink) {
@@ -140,7 +140,7 @@ void JetFile::TellTable(MdbCatalogEntry* entry, bool withRows, JetSink& sink) {
                           values[column]);
                 bytes += values[column].text.size();
                 if (bytes > MostJetFrameBytes / 2) {
-                    throw std::runtime_error("a row of " + told.name + " is larger than any that is read");
+                    throw RuntimeError("a row of " + told.name + " is larger than any that is read");
                 }
             }
             sink.TakeRow(values);

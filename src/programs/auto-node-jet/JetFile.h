@@ -16,7 +16,7 @@ class JetSink;
 struct JetValue;
 
 // A Jet file, read through the library that knows its form. A damaged one can make that library do anything:
-// this runs in a process of its own. What can be told is a std::runtime_error.
+// this runs in a process of its own. What can be told is a RuntimeError.
 class JetFile {
   public:
     explicit JetFile(const char* path);

@@ -26,13 +26,13 @@ AcceptedFindings::AcceptedFindings(std::string file) : file_(std::move(file)) {
             continue;
         }
         if (!FaultOf(key.substr(0, key.find(' ')))) {
-            throw std::runtime_error("line " + std::to_string(lines_.size()) + " of '" + file_ +
+            throw RuntimeError("line " + std::to_string(lines_.size()) + " of '" + file_ +
                                      "' does not begin with the code of a finding: " + Visible(key));
         }
         keys_.insert(key);
     }
     if (!lines.eof()) {
-        throw std::runtime_error("cannot read '" + file_ + "'");
+        throw RuntimeError("cannot read '" + file_ + "'");
     }
 }
 

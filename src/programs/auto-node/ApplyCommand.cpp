@@ -40,7 +40,7 @@ Subcommand ApplyCommand(CommandLine& program) {
                     for (const std::string& one : changed) {
                         text += "\n  " + Visible(one);
                     }
-                    throw std::runtime_error(text);
+                    throw RuntimeError(text);
                 }
                 for (const auto& [place, content] : plan.nodes) {
                     std::cout << place.Text() << '\n';

@@ -3,13 +3,13 @@
 #include "nodes/AutoNodeReader.h"
 #include "nodes/NodeTypes.h"
 #include "nodes/References.h"
+#include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
 #include "platform/WholeNumber.h"
 
 #include <fstream>
 #include <limits>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 
 namespace KAL_AUTO_Node {
@@ -83,7 +83,7 @@ std::string ReadTextFile(const std::string& file) {
     std::ifstream in(file, std::ios::binary);
     std::ostringstream text;
     if (!in || (in.peek() != std::ifstream::traits_type::eof() && !(text << in.rdbuf())) || in.bad()) {
-        throw std::runtime_error("cannot read '" + file + "'");
+        throw RuntimeError("cannot read '" + file + "'");
     }
     return std::move(text).str();
 }
@@ -96,12 +96,12 @@ void RequireNoObstacles(const std::vector<std::string>& obstacles) {
     for (const std::string& obstacle : obstacles) {
         text += "\n  " + Visible(obstacle);
     }
-    throw std::runtime_error(text);
+    throw RuntimeError(text);
 }
 
-void FailWithoutNodes(Partition partition) { throw std::runtime_error(partition.Text() + " has no nodes"); }
+void FailWithoutNodes(Partition partition) { throw RuntimeError(partition.Text() + " has no nodes"); }
 
-void FailWithout(const NodePlace& place) { throw std::runtime_error(place.Text() + " does not exist"); }
+void FailWithout(const NodePlace& place) { throw RuntimeError(place.Text() + " does not exist"); }
 
 AutoNode RequireAutoNode(DataBase& dataBase, const NodePlace& place) {
     if (auto node = ReadAutoNode(dataBase, place, Labels::ReadOfNodes)) {

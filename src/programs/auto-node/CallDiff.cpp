@@ -89,7 +89,7 @@ void Apply(CallMap& map, const RepointPlan& plan) {
             continue;
         }
         AutoNode& node = edited.try_emplace(use.holder.number, menu->second.Node()).first->second;
-        const auto branch = std::ranges::find(BranchRules, column.word, &BranchRule::column);
+        const auto branch = std::ranges::find(Branches, column.word, &Branch::column);
         const auto repoint = [&to, row = use.row, from = *use.number](auto& rows) {
             for (auto& item : rows) {
                 if (item.sequence == row && item.target.number == from) {
@@ -97,8 +97,8 @@ void Apply(CallMap& map, const RepointPlan& plan) {
                 }
             }
         };
-        if (branch != BranchRules.end()) {
-            node.branches.at(static_cast<std::size_t>(branch - BranchRules.begin())) = to;
+        if (branch != Branches.end()) {
+            node.branches.at(static_cast<std::size_t>(branch - Branches.begin())) = to;
         } else if (column.table.ends_with("_Prompts")) {
             repoint(node.prompts);
         } else {

@@ -9,7 +9,7 @@ namespace KAL_AUTO_Node {
 std::string Codes(const std::vector<Reason>& reasons) {
     std::string codes;
     for (const Reason reason : reasons) {
-        codes += (codes.empty() ? "" : ", ") + std::string(RuleOf(reason).code);
+        codes += (codes.empty() ? "" : ", ") + std::string(TextOf(reason).code);
     }
     return codes;
 }
@@ -19,7 +19,7 @@ std::string ByText(const Menu& menu, const Outcome& outcome) {
     case Outcome::By::Action:
         return "action " + std::to_string(menu.Node().actions[outcome.place].sequence);
     case Outcome::By::Exception:
-        return BranchRules.at(outcome.place).label;
+        return Branches.at(outcome.place).label;
     default:
         return "asked again";
     }
@@ -50,7 +50,7 @@ void AddJson(nlohmann::ordered_json& document, const CallMap& map, const Menu& m
     document["more"] = outcomes.more;
     auto& reasons = document["reasons"] = nlohmann::ordered_json::array();
     for (const Reason reason : outcomes.reasons) {
-        reasons.push_back(RuleOf(reason).code);
+        reasons.push_back(TextOf(reason).code);
     }
 }
 

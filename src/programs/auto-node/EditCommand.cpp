@@ -1,12 +1,12 @@
 #include "auto-node/Arguments.h"
 #include "auto-node/Commands.h"
 #include "auto-node/Programs.h"
+#include "platform/RuntimeError.h"
 
 #include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <unistd.h>
@@ -37,8 +37,7 @@ Subcommand EditCommand(CommandLine& program) {
     config.Needs(node);
     return {edit, [place, node](const StoreChoice&) -> int {
                 if (!HasDisplay()) {
-                    throw std::runtime_error(
-                        "there is no display to show the editor on (DISPLAY is not set)");
+                    throw RuntimeError("there is no display to show the editor on (DISPLAY is not set)");
                 }
                 // The window's program takes the place of this one, so that no other command loads the
                 // toolkit.

@@ -10,12 +10,11 @@
 #include "store/DataBase.h"
 
 #include <array>
-#include <fstream>
 #include <iostream>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <stdexcept>
+#include <sstream>
 
 namespace KAL_AUTO_Node {
 
@@ -53,16 +52,10 @@ class Checking {
     Checking(bool json, DataBase& dataBase) : json_(json), dataBase_(dataBase) {}
 
     void Check(const std::string& file) {
-        std::ifstream lines(file);
-        if (!lines) {
-            throw std::runtime_error("cannot read '" + file + "'");
-        }
+        std::istringstream lines(ReadTextFile(file));
         int number = 0;
         for (std::string line; std::getline(lines, line);) {
             Check(file, ++number, line);
-        }
-        if (lines.bad()) {
-            throw std::runtime_error("cannot read '" + file + "'");
         }
     }
 
@@ -163,7 +156,7 @@ int Run(const Options& options, DataBase& dataBase) {
     const TypeNames names(dataBase);
     const CallMap map = ReadMap(dataBase, names, partition);
     if (map.menus.empty()) {
-        throw std::runtime_error(partition.Text() + " has no AUTO nodes");
+        throw RuntimeError(partition.Text() + " has no AUTO nodes");
     }
     WriteExpectations(map, names, [](const std::string& line) { std::cout << Visible(line) << '\n'; });
     return 0;

@@ -8,6 +8,7 @@
 #include "history/History.h"
 #include "platform/Interruption.h"
 #include "platform/NewFile.h"
+#include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
 #include "store/DataBase.h"
 
@@ -17,7 +18,6 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
-#include <stdexcept>
 
 namespace KAL_AUTO_Node {
 
@@ -73,7 +73,7 @@ std::set<int> NodesOf(const CallFlow& flow) {
         }
     }
     if (shown.empty()) {
-        throw std::runtime_error("there are no AUTO nodes in " + flow.partition.Text());
+        throw RuntimeError("there are no AUTO nodes in " + flow.partition.Text());
     }
     return shown;
 }
@@ -91,16 +91,15 @@ std::string GraphOf(const Options& options, DataBase& dataBase) {
     if (options.section > 0) {
         auto sections = AutoNodesBySection(flow, shown);
         if (static_cast<std::size_t>(options.section) > sections.size()) {
-            throw std::runtime_error(flow.partition.Text() + " has " + Counted(sections.size(), "section") +
-                                     ", no " + std::to_string(options.section));
+            throw RuntimeError(flow.partition.Text() + " has " + Counted(sections.size(), "section") +
+                               ", no " + std::to_string(options.section));
         }
         shown = std::move(sections.at(static_cast<std::size_t>(options.section - 1)).nodes);
     } else if (shown.size() > PictureLimit && !options.file.empty() && FormatOf(options.file) != "dot") {
-        throw std::runtime_error(
-            "one picture takes up to " + std::to_string(PictureLimit) + " AUTO nodes, and there are " +
-            std::to_string(shown.size()) +
-            "; --sections lists the parts in which they hang together, --section N draws "
-            "one, and NODE what is around a node");
+        throw RuntimeError("one picture takes up to " + std::to_string(PictureLimit) +
+                           " AUTO nodes, and there are " + std::to_string(shown.size()) +
+                           "; --sections lists the parts in which they hang together, --section N draws "
+                           "one, and NODE what is around a node");
     }
     return Lasting("Laying out sections", [&] { return DotText(flow, shown, std::nullopt); });
 }
@@ -134,8 +133,8 @@ std::string Drawn(const std::string& graph, const std::string& format, const std
     } catch (const std::exception& error) {
         const std::string text = file + ".dot";
         WriteFile(text, graph);
-        throw std::runtime_error(std::string(error.what()) + "; the graph is in " + text + ", for dot -T" +
-                                 format + " elsewhere. NODE with --depth, or --section, draws less of it");
+        throw RuntimeError(std::string(error.what()) + "; the graph is in " + text + ", for dot -T" + format +
+                           " elsewhere. NODE with --depth, or --section, draws less of it");
     }
 }
 

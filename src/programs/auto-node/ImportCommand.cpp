@@ -11,13 +11,13 @@
 #include "exchange/JetImport.h"
 #include "exchange/Plan.h"
 #include "platform/Interruption.h"
+#include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
 #include "store/CreateStore.h"
 #include "store/DataBase.h"
 
 #include <iostream>
 #include <memory>
-#include <stdexcept>
 
 namespace KAL_AUTO_Node {
 
@@ -181,20 +181,19 @@ int Run(const Options& options, const StoreChoice& store) {
     switch (KindOf(options.file)) {
     case FileKind::Jet:
         if (options.dryRun || !options.plan.empty()) {
-            throw std::runtime_error(
+            throw RuntimeError(
                 "a Jet file goes into a new store; --dry-run and --plan are for what export wrote");
         }
         return BringOver(options, store.NewPlace());
     case FileKind::LaterJet:
-        throw std::runtime_error("'" + options.file +
-                                 "' has a later form than Jet 4; save it as Jet 4 first");
+        throw RuntimeError("'" + options.file + "' has a later form than Jet 4; save it as Jet 4 first");
     case FileKind::Exchange:
     case FileKind::Json: {
         DataBase dataBase = store.Open();
         return CarryBack(options, dataBase);
     }
     default:
-        throw std::runtime_error("'" + options.file + "' is neither a Jet file nor what export wrote");
+        throw RuntimeError("'" + options.file + "' is neither a Jet file nor what export wrote");
     }
 }
 

@@ -28,7 +28,7 @@ void ListPartitions(DataBase& dataBase, bool json) {
     const auto partitions = ReadPartitions(dataBase);
     if (json) {
         std::string text;
-        JsonWriter document(text, NotUtf8::Bytes, JsonWriter::Layout::Lines);
+        JsonWriter document(text, JsonWriter::Layout::Lines);
         document.Begin('[');
         for (const PartitionCounts& counts : partitions) {
             WriteCounts(document, counts);
@@ -48,7 +48,7 @@ void ListPartitions(DataBase& dataBase, bool json) {
 
 void ListNodes(DataBase& dataBase, Partition partition, bool json) {
     std::string text;
-    JsonWriter document(text, NotUtf8::Bytes, JsonWriter::Layout::Lines);
+    JsonWriter document(text, JsonWriter::Layout::Lines);
     document.Begin('[');
     Table table({Right, Left, Right, Right, Right, Left, Right, Right, Right});
     table.Add({"Node", "Label", "Prompts", "Actions", "Digits", "End", "Retries", "Selection s", "Digit s"});

@@ -69,10 +69,9 @@ Subcommand MoveCommand(CommandLine& program) {
             const RepointPlan plan =
                 MoveNode(dataBase, history, names, options->node.partition, node, options->newNumber, Today(),
                          options->dryRun ? Carry::OnlyTell : Carry::Out);
-            const std::string type = Visible(names.Name(node.typeID)) + ' ';
             return Tell(plan, names,
-                        (options->dryRun ? "Would move " : "Moved ") + type + std::to_string(node.number) +
-                            " to " + type + std::to_string(options->newNumber));
+                        (options->dryRun ? "Would move " : "Moved ") + Visible(names.Text(node)) + " to " +
+                            Visible(names.Text({node.typeID, options->newNumber})));
         });
 }
 

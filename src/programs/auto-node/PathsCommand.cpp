@@ -22,9 +22,7 @@ using enum Table::Align;
 using Json = nlohmann::ordered_json;
 
 struct Options {
-    Partition partition;
-    std::string type;
-    std::int16_t number = 0;
+    NodeArguments node;
     std::int16_t from = 0;
     bool fromOne = false;
     bool json = false;
@@ -82,14 +80,13 @@ class Telling {
 
 int Run(const Options& options, DataBase& dataBase) {
     const TypeNames names(dataBase);
-    const NodeKey meant{names.Meant(options.type), options.number};
-    if (meant.typeID == NumberlessType || meant.typeID == NumberlessExceptionType) {
-        throw RuntimeError(ErrorNumber::InvalidProcedureCall, names.Name(meant.typeID) + " is no node");
+    const NodeKey to = options.node.Meant(names);
+    if (to.typeID == NumberlessType || to.typeID == NumberlessExceptionType) {
+        throw RuntimeError(names.Name(to.typeID) + " is no node");
     }
-    const NodeKey to = meant.Itself();
     const auto from = options.fromOne ? std::optional<int>(options.from) : std::nullopt;
     const auto [map, paths] = Lasting("Looking for ways", [&] {
-        CallMap whole = ReadCallMap(dataBase, names, options.partition);
+        CallMap whole = ReadCallMap(dataBase, names, options.node.partition);
         auto found = FindPaths(whole, names, to, from);
         return std::pair(std::move(whole), std::move(found));
     });
@@ -120,9 +117,7 @@ Subcommand PathsCommand(CommandLine& program) {
     auto options = std::make_shared<Options>();
     const CommandArguments command =
         program.Add("paths", "Tell the shortest steps by which callers get to a node");
-    AddPartition(command, options->partition);
-    AddType(command, "TYPE", options->type).Required();
-    AddNumber(command, "NUMBER", options->number, "Number of the node").Required();
+    AddNodeOfAnyType(command, options->node);
     const Option from = AddNumber(command, "--from", options->from,
                                   "Number of the AUTO node at which to begin; else all where calls may enter")
                             .ShownAs("NODE");

@@ -27,7 +27,7 @@ void Print(const NodePlace& place, const AutoNode& node) {
     std::cout << "Configuration " << place.partition.config << ", partition " << place.partition.number
               << '\n';
     Table settings({Left, Left}, Indent);
-    for (const SettingRule& rule : SettingRules) {
+    for (const SettingField& rule : SettingFields) {
         settings.Add({rule.name, SettingText(rule, node.settings)});
     }
     settings.Add({"terminating digit", TerminatingDigitText(node.settings)});
@@ -48,9 +48,9 @@ void Print(const NodePlace& place, const AutoNode& node) {
     Print("Actions", actions);
 
     Table branches({Left, Left, Left}, Indent);
-    for (std::size_t i = 0; i < BranchRules.size(); ++i) {
+    for (std::size_t i = 0; i < Branches.size(); ++i) {
         const auto& target = node.branches[i];
-        branches.Add({BranchRules[i].label, DisplayText(target, BranchRules[i].slot), target.label});
+        branches.Add({Branches[i].label, DisplayText(target, Branches[i].slot), target.label});
     }
     Print("Exceptions", branches);
 }
@@ -73,7 +73,7 @@ Subcommand ShowCommand(CommandLine& program) {
                 const AutoNode node = RequireAutoNode(dataBase, place);
                 if (options->json) {
                     std::string text;
-                    JsonWriter json(text, NotUtf8::Bytes, JsonWriter::Layout::Lines);
+                    JsonWriter json(text, JsonWriter::Layout::Lines);
                     WriteNode(json, place, node, Labels::Read);
                     std::cout << text << '\n';
                 } else {

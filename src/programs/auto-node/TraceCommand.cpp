@@ -36,8 +36,8 @@ class Tracing {
             AddOutcomes(entries, span.low == span.high ? span.low : span.low + '-' + span.high, span.outcomes,
                         std::nullopt);
         }
-        for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
-            AddOutcomes(entries, BranchRules.at(branch).label, menu.Except(branch), branch);
+        for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
+            AddOutcomes(entries, Branches.at(branch).label, menu.Except(branch), branch);
         }
         std::cout << '\n';
         entries.Print(std::cout);
@@ -64,8 +64,8 @@ class Tracing {
             AddJson(entries.back(), map_, menu, outcomes);
         }
         Json& exceptions = document["exceptions"] = Json::object();
-        for (std::size_t branch = 0; branch < BranchRules.size(); ++branch) {
-            AddJson(exceptions[BranchRules.at(branch).label], map_, menu, menu.Except(branch));
+        for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
+            AddJson(exceptions[Branches.at(branch).label], map_, menu, menu.Except(branch));
         }
         return document;
     }
@@ -81,7 +81,7 @@ class Tracing {
                 if (stop.outcomes) {
                     AddJson(told, map_, *stop.menu, *stop.outcomes);
                 }
-                told["end"] = stop.end ? Json(RuleOf(*stop.end).code) : Json();
+                told["end"] = stop.end ? Json(TextOf(*stop.end).code) : Json();
                 level["stops"].push_back(std::move(told));
             }
         }
@@ -132,10 +132,10 @@ class Tracing {
         }
         table.Print(std::cout);
         for (const Reason reason : stop.outcomes ? stop.outcomes->reasons : std::vector<Reason>()) {
-            std::cout << "  " << RuleOf(reason).code << ": " << RuleOf(reason).meaning << '\n';
+            std::cout << "  " << TextOf(reason).code << ": " << TextOf(reason).meaning << '\n';
         }
         if (stop.end && !chosen) {
-            std::cout << "  " << RuleOf(*stop.end).code << ": " << RuleOf(*stop.end).meaning << '\n';
+            std::cout << "  " << TextOf(*stop.end).code << ": " << TextOf(*stop.end).meaning << '\n';
         }
     }
 

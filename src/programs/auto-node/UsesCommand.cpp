@@ -7,12 +7,12 @@
 #include "nodes/NodeTypes.h"
 #include "nodes/References.h"
 #include "nodes/Templates.h"
+#include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
 #include "store/Batch.h"
 
 #include <iostream>
 #include <memory>
-#include <stdexcept>
 
 namespace KAL_AUTO_Node {
 
@@ -21,22 +21,20 @@ namespace {
 using enum Table::Align;
 
 struct Options {
-    Partition partition;
-    std::string type;
-    std::int16_t number = 0;
+    NodeArguments node;
     bool json = false;
 };
 
 int Run(const Options& options, DataBase& dataBase) {
-    const Partition partition = options.partition;
+    const Partition partition = options.node.partition;
     const TypeNames names(dataBase);
-    const NodeKey node = NodeKey{names.Meant(options.type), options.number}.Itself();
+    const NodeKey node = options.node.Meant(names);
     const auto uses =
         Lasting("Looking for references", [&] { return ReadUses(dataBase, partition, names, node); });
     const std::string name = names.Text(node);
     // What refers to a missing node is worth knowing.
     if (uses.empty() && !IsNodeExisted(dataBase, partition, node)) {
-        throw std::runtime_error(name + " does not exist, and nothing refers to it");
+        throw RuntimeError(name + " does not exist, and nothing refers to it");
     }
     ReadAhead ahead(dataBase);
     Lasting("Reading labels", [&] {
@@ -84,9 +82,7 @@ Subcommand UsesCommand(CommandLine& program) {
     auto options = std::make_shared<Options>();
     const CommandArguments command =
         program.Add("uses", "List all that refers to a node, whatever the types of the two");
-    AddPartition(command, options->partition);
-    AddType(command, "TYPE", options->type).Required();
-    AddNumber(command, "NUMBER", options->number, "Number of the node").Required();
+    AddNodeOfAnyType(command, options->node);
     command.Flag("--json", options->json, "Print JSON, for programs");
     return {command, Reading([options](DataBase& dataBase) { return Run(*options, dataBase); })};
 }

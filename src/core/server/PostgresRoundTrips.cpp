@@ -74,7 +74,7 @@ PostgresConnection::Result PostgresConnection::Run(PostgresStatement& statement,
         }
     }
     std::size_t reached = 0;
-    auto results = Exchange({&run, 1}, {}, reached);
+    auto results = RoundTrip({&run, 1}, {}, reached);
     if (PQresultStatus(results.front().get()) == PGRES_COMMAND_OK) {
         ahead_.clear();
     }
@@ -85,7 +85,7 @@ std::vector<std::int64_t> PostgresConnection::RunTogether(std::span<const Statem
                                                           std::size_t& reached) {
     ahead_.clear();
     const std::span<const char* const> none;
-    const auto results = Exchange(runs, then == Then::Commit ? Committing : none, reached);
+    const auto results = RoundTrip(runs, then == Then::Commit ? Committing : none, reached);
     if (then == Then::Commit) {
         Committed(results.back());
     }
@@ -112,7 +112,7 @@ void PostgresConnection::FetchAhead(std::span<const StatementRun> runs, std::siz
         }
     }
     try {
-        auto results = Exchange(fetched, {}, reached);
+        auto results = RoundTrip(fetched, {}, reached);
         for (std::size_t i = 0; i < results.size(); ++i) {
             ahead_[texts[i]] = std::move(results[i]);
         }
@@ -127,9 +127,9 @@ void PostgresConnection::FetchAhead(std::span<const StatementRun> runs, std::siz
     }
 }
 
-std::vector<PostgresConnection::Result> PostgresConnection::Exchange(std::span<const StatementRun> runs,
-                                                                     std::span<const char* const> plain,
-                                                                     std::size_t& reached) {
+std::vector<PostgresConnection::Result> PostgresConnection::RoundTrip(std::span<const StatementRun> runs,
+                                                                      std::span<const char* const> plain,
+                                                                      std::size_t& reached) {
     for (reached = 0; reached < runs.size(); ++reached) {
         RequireTexts(runs[reached]);
     }
