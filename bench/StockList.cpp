@@ -1,6 +1,6 @@
 #include "bench/StockList.h"
 
-#include "controls/Columns.h"
+#include "controls/ListRow.h"
 
 #include <algorithm>
 

@@ -57,7 +57,7 @@ std::optional<std::string> FieldIn(const Json& value) {
         return std::nullopt;
     }
     if (value.is_object()) {
-        return BytesOfDigits(value.at(Exchange::BytesMember).get<std::string>()).value();
+        return BytesOfDigits(value.at(BytesMember).get<std::string>()).value();
     }
     return value.is_string() ? value.get<std::string>() : value.dump();
 }
@@ -141,7 +141,7 @@ RowPlan::Counts RowPlan::Count() const {
 std::string TextOf(const RowPlan& plan) {
     std::string text = std::string("{\"format\": \"") + PlanFormat +
                        "\", \"version\": " + std::to_string(PlanVersion) + ", \"work\": ";
-    AppendJsonText(text, plan.work, NotUtf8::Refuse);
+    AppendJsonText(text, plan.work);
     for (const auto& [kind, name] : PlanSections) {
         text += std::string(",\n\"") + name + "\": [";
         const char* between = "\n";
@@ -166,7 +166,7 @@ std::string TextOf(const RowPlan& plan) {
         text += "{\"config\": " + std::to_string(place.partition.config) +
                 ", \"partition\": " + std::to_string(place.partition.number) +
                 ", \"number\": " + std::to_string(place.number) + ", \"content\": ";
-        AppendJsonText(text, TextOf(place, content), NotUtf8::Refuse);
+        AppendJsonText(text, TextOf(place, content));
         text += '}';
         between = ",\n";
     }

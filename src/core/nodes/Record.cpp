@@ -25,15 +25,4 @@ void ReadRecord(const ResultSet& row, AutoNode& node) {
     node.settings = ReadSettings(row);
 }
 
-Action ActionColumns::Read(const ResultSet& row) const {
-    Action action{row.Number(sequence_), target_.Read(row), {}, {}};
-    if (const auto text = row.Field(low_)) {
-        action.low.emplace(*text);
-    }
-    if (const auto text = row.Field(high_)) {
-        action.high.emplace(*text);
-    }
-    return action;
-}
-
 } // namespace KAL_AUTO_Node

@@ -58,7 +58,16 @@ class ActionColumns {
         : target_(rows), sequence_(rows.Column("SequenceNo")), low_(rows.Column("DTMFRangeLow")),
           high_(rows.Column("DTMFRangeHigh")) {}
 
-    [[nodiscard]] Action Read(const ResultSet& row) const;
+    [[nodiscard]] Action Read(const ResultSet& row) const {
+        Action action{row.Number(sequence_), target_.Read(row), {}, {}};
+        if (const auto text = row.Field(low_)) {
+            action.low.emplace(*text);
+        }
+        if (const auto text = row.Field(high_)) {
+            action.high.emplace(*text);
+        }
+        return action;
+    }
 
   private:
     ReferenceColumns target_;

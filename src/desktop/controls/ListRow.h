@@ -1,6 +1,5 @@
 #pragma once
 
-#include "controls/Columns.h"
 #include "nodes/Slots.h"
 
 #include <QString>
@@ -8,6 +7,19 @@
 #include <vector>
 
 namespace KAL_AUTO_Node {
+
+// The columns of the three lists; the last two are the actions list's alone.
+enum Column : int {
+    PositionColumn,
+    LeadColumn, // "Order", "Entry" or the exception's label
+    CommandNodeColumn,
+    LabelColumn,
+    NodeNameColumn,
+    NodeTypeIDColumn,
+    NodeNumberColumn,
+    DTMFRangeLowColumn,
+    DTMFRangeHighColumn,
+};
 
 // A row of one of the lists: the reference from a slot of the node to another node.
 struct ListRow {

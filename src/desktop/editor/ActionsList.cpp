@@ -59,8 +59,8 @@ void ActionsList::ChooseDefaultType() {
 }
 
 ListRow ActionsList::MakeRow(int position, const Reference& target) const {
-    const QString digits = QString::number(position);
-    return ActionRow(digits, digits, target);
+    const std::string digits = std::to_string(position);
+    return ActionRow({0, target, digits, digits});
 }
 
 void ActionsList::ChooseNumberless(Slot /*slot*/) {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "controls/Columns.h"
 #include "controls/ComboBox.h"
 #include "controls/FindBar.h"
 #include "controls/ImageList.h"
+#include "controls/ListRow.h"
 #include "controls/ListView.h"
 #include "controls/NumberBox.h"
 #include "controls/StatusBar.h"

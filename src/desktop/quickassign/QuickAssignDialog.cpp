@@ -104,9 +104,7 @@ void QuickAssignDialog::AddPromptsRange() {
 }
 
 void QuickAssignDialog::AddActionsRange() {
-    AddRange(*gui_.LVActions, [](const Reference& target) {
-        return ActionRow(QStringLiteral("0"), QStringLiteral("100"), target);
-    });
+    AddRange(*gui_.LVActions, [](const Reference& target) { return ActionRow({0, target, "0", "100"}); });
 }
 
 void QuickAssignDialog::RemoveRange(ListView& list) {

@@ -4,6 +4,7 @@
 #include "form/ValueBoxes.h"
 #include "nodes/AutoNode.h"
 #include "platform/RuntimeError.h"
+#include "rules/Rows.h"
 
 namespace KAL_AUTO_Node {
 
@@ -20,15 +21,12 @@ int WholeNumber(const QString& text, const QObject& control) {
     return number;
 }
 
-Reference TargetOf(const ListRow& row) { return {row.typeID, row.name.toStdString(), row.number, {}}; }
-
 } // namespace
 
 std::vector<Action> GatherActions(const GUI& gui) {
     std::vector<Action> actions;
     for (const ListRow& row : gui.LVActions->Rows()) {
-        actions.push_back({static_cast<int>(actions.size()) + 1, TargetOf(row), row.low.toStdString(),
-                           row.high.toStdString()});
+        actions.push_back(ActionOf(row, static_cast<int>(actions.size()) + 1));
     }
     return actions;
 }

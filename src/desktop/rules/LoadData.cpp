@@ -70,8 +70,7 @@ ListRow RowOf(const GUI& gui, const Prompt& prompt) {
 }
 
 ListRow RowOf(const GUI& gui, const Action& action) {
-    const auto [low, high] = RangeOf(action);
-    return WithTarget(ActionRow(FromUtf8(low), FromUtf8(high), action.target), gui, action.target);
+    return WithTarget(ActionRow(action), gui, action.target);
 }
 
 // Shows in a list what a step of reading brings. When a row can't be read or shown, those before it stand in

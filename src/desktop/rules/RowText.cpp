@@ -85,7 +85,8 @@ class Reader {
                     throw Refusal(Quoted(digits) + " has more than " + QString::number(most) + " digits");
                 }
             }
-            rows_.push_back(ActionRow(cells[0], cells[1], Target(Slot::Actions, type, number)));
+            rows_.push_back(ActionRow(
+                {0, Target(Slot::Actions, type, number), cells[0].toStdString(), cells[1].toStdString()}));
             break;
         case RowKind::Exceptions:
             AddException(cells[0], type, number);

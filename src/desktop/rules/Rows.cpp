@@ -17,11 +17,18 @@ ListRow Row(Slot slot, const Reference& target) {
 
 ListRow PromptRow(const Reference& target) { return Row(Slot::Prompts, target); }
 
-ListRow ActionRow(const QString& low, const QString& high, const Reference& target) {
-    ListRow row = Row(Slot::Actions, target);
-    row.low = low;
-    row.high = high;
+ListRow ActionRow(const Action& action) {
+    const auto [low, high] = RangeOf(action);
+    ListRow row = Row(Slot::Actions, action.target);
+    row.low = FromUtf8(low);
+    row.high = FromUtf8(high);
     return row;
+}
+
+Reference TargetOf(const ListRow& row) { return {row.typeID, row.name.toStdString(), row.number, {}}; }
+
+Action ActionOf(const ListRow& row, int sequence) {
+    return {sequence, TargetOf(row), row.low.toStdString(), row.high.toStdString()};
 }
 
 ListRow ExceptionRow(std::size_t branch, const Reference& target) {

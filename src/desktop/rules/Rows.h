@@ -10,9 +10,13 @@ namespace KAL_AUTO_Node {
 // The rows of the three lists from what they refer to; without a label.
 [[nodiscard]] ListRow PromptRow(const Reference& target);
 
-[[nodiscard]] ListRow ActionRow(const QString& low, const QString& high, const Reference& target);
+[[nodiscard]] ListRow ActionRow(const Action& action);
 
 [[nodiscard]] ListRow ExceptionRow(std::size_t branch, const Reference& target);
+
+// What a row refers to, as it is saved, and the action that it is.
+[[nodiscard]] Reference TargetOf(const ListRow& row);
+[[nodiscard]] Action ActionOf(const ListRow& row, int sequence);
 
 // The row that stands in a prompts list without prompts.
 [[nodiscard]] ListRow EmptyRow(const QString& name);

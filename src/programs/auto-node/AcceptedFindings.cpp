@@ -2,12 +2,12 @@
 
 #include "audit/Findings.h"
 #include "platform/NewFile.h"
+#include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
 
 #include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <stdexcept>
 
 namespace KAL_AUTO_Node {
 
@@ -27,7 +27,7 @@ AcceptedFindings::AcceptedFindings(std::string file) : file_(std::move(file)) {
         }
         if (!FaultOf(key.substr(0, key.find(' ')))) {
             throw RuntimeError("line " + std::to_string(lines_.size()) + " of '" + file_ +
-                                     "' does not begin with the code of a finding: " + Visible(key));
+                               "' does not begin with the code of a finding: " + Visible(key));
         }
         keys_.insert(key);
     }

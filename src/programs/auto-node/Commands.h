@@ -3,6 +3,7 @@
 #include "auto-node/CommandLine.h"
 #include "auto-node/StoreChoice.h"
 
+#include <array>
 #include <functional>
 
 namespace KAL_AUTO_Node {
@@ -47,5 +48,13 @@ using StoreWork = std::function<int(DataBase& dataBase)>;
 [[nodiscard]] Subcommand TraceCommand(CommandLine& program);
 [[nodiscard]] Subcommand UpgradeCommand(CommandLine& program);
 [[nodiscard]] Subcommand UsesCommand(CommandLine& program);
+
+// All of them, in the order of --help.
+inline constexpr std::array AllCommands = {
+    &EditCommand,    &InitCommand,      &ListCommand,   &ShowCommand,   &HistoryCommand, &DiffCommand,
+    &RestoreCommand, &PruneCommand,     &ImportCommand, &ExportCommand, &DigitsCommand,  &TraceCommand,
+    &PathsCommand,   &ExpectCommand,    &GraphCommand,  &CheckCommand,  &UsesCommand,    &RepointCommand,
+    &UpgradeCommand, &MergeCommand,     &CopyCommand,   &MoveCommand,   &RemoveCommand,  &FindCommand,
+    &ApplyCommand,   &RecordingsCommand};
 
 } // namespace KAL_AUTO_Node

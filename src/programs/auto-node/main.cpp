@@ -2,6 +2,7 @@
 #include "platform/TellError.h"
 
 #include <iostream>
+#include <vector>
 
 namespace {
 
@@ -23,15 +24,10 @@ int main(int argc, char** argv) {
     using namespace KAL_AUTO_Node;
     CommandLine program("Edits the AUTO nodes of a telephone call-flow store.", "auto-node",
                         KAL_AUTO_NODE_VERSION);
-    const auto commands = {
-        EditCommand(program),    InitCommand(program),       ListCommand(program),    ShowCommand(program),
-        HistoryCommand(program), DiffCommand(program),       RestoreCommand(program), PruneCommand(program),
-        ImportCommand(program),  ExportCommand(program),     DigitsCommand(program),  TraceCommand(program),
-        PathsCommand(program),   ExpectCommand(program),     GraphCommand(program),   CheckCommand(program),
-        UsesCommand(program),    RepointCommand(program),    UpgradeCommand(program), MergeCommand(program),
-        CopyCommand(program),    MoveCommand(program),       RemoveCommand(program),  FindCommand(program),
-        ApplyCommand(program),   RecordingsCommand(program),
-    };
+    std::vector<Subcommand> commands;
+    for (const auto make : AllCommands) {
+        commands.push_back(make(program));
+    }
     switch (program.Read(argc, argv)) {
     case CommandLine::Outcome::Run:
         break;
