@@ -172,7 +172,8 @@ class Merger {
             byOurs && byTheirs && !same(Ours, Theirs) && (none(Base) || none(Ours) || none(Theirs));
         bool told = false;
         for (const auto& [table, rows] : unit) {
-            if (std::ranges::equal(rows[Ours], rows[Theirs])) {
+            if (std::ranges::equal(rows[Ours], rows[Theirs]) ||
+                (!whole && std::ranges::equal(rows[Base], rows[Theirs]))) {
                 Settle(*table, rows[Ours]);
             } else if (whole) {
                 Stretch stretch = Open(*table, rows);
@@ -184,8 +185,6 @@ class Merger {
                 merged_.Add(*table, std::move(stretch));
             } else if (std::ranges::equal(rows[Base], rows[Ours])) {
                 Settle(*table, rows[Theirs]);
-            } else if (std::ranges::equal(rows[Base], rows[Theirs])) {
-                Settle(*table, rows[Ours]);
             } else if (HoldsLists(*table) ||
                        std::ranges::any_of(rows, [](HeldRows side) { return side.empty(); })) {
                 Stretch stretch = Open(*table, rows);

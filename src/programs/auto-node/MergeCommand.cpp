@@ -32,9 +32,8 @@ int Run(const Options& options) {
         return report.conflicts.empty() ? 0 : Conflicts;
     }
     for (const auto& [line, what, before, ours, theirs] : report.conflicts) {
-        std::cout << "line " << line << ": "
-                  << Visible(what + ": " + ours + " in ours, " + theirs + " in theirs, " + before + " before")
-                  << '\n';
+        std::cout << "line " << line << ": " << Visible(what) << ": " << Visible(ours) << " in ours, "
+                  << Visible(theirs) << " in theirs, " << Visible(before) << " before\n";
     }
     std::cout << Counted(report.ours, "change") << " of ours, " << report.theirs << " of theirs, "
               << report.both << " of both";
