@@ -73,6 +73,7 @@ void AddContent(const TestStore& store) {
     for (std::size_t i = 0; i < rows.size(); ++i) {
         large.AddRows(LargeNodes[i].place.node, rows[i], rows[i]);
     }
+    large.AddRows(SixtyRows.node, 30, 30);
     constexpr std::array<int, 2> references = {1000, 10000};
     for (const auto& places : {Referring, ReferringToNothing}) {
         Partition partition(database, places.front().place.partition);

@@ -28,6 +28,9 @@ inline constexpr std::array<SizedPlace, 3> SmallNodes = {
 inline constexpr std::array<SizedPlace, 3> LargeNodes = {
     {{{6, 1}, "10 + 10 rows"}, {{6, 2}, "1,000 + 1,000 rows"}, {{6, 3}, "10,000 + 10,000 rows"}}};
 
+// A node of 30 prompts and 30 actions.
+inline constexpr Place SixtyRows{6, 4};
+
 // Nodes of so many actions; the same in a partition that has none of the nodes referred to.
 inline constexpr std::array<SizedPlace, 2> Referring = {
     {{{7, 1}, "1,000 references"}, {{7, 2}, "10,000 references"}}};

@@ -39,6 +39,14 @@ std::vector<Performed> CommandsOf(Place place, const std::function<void(Desk&)>&
     return Recording::Commands();
 }
 
+std::vector<Performed> LookUpsOfLoad(Place place) {
+    const Recording recording;
+    Desk desk(place);
+    Recording::Statements();
+    desk.Rules().LoadData(desk.Form(), static_cast<std::int16_t>(place.node));
+    return Recording::HistoryCommands();
+}
+
 void Desk::Check() {
     NodeSave save(dataBase_, history_, {PartitionOf(Form()), Form().nodeNumber});
     rules_.CheckForUnReferencedNodes(Form(), save);

@@ -34,6 +34,9 @@ class Desk {
 [[nodiscard]] std::vector<Performed> CommandsOf(Place place, const std::function<void(Desk&)>& work,
                                                 ComponentFactory components = {});
 
+// What the history is asked when a node is loaded.
+[[nodiscard]] std::vector<Performed> LookUpsOfLoad(Place place);
+
 inline void CheckNode(Desk& desk) { desk.Check(); }
 
 inline void SaveNode(Desk& desk) { desk.Rules().SaveChanges(desk.Form(), desk.Form().nodeNumber); }

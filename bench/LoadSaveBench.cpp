@@ -65,8 +65,11 @@ void AddLoadSavePairs(Pairs& pairs, const TestStore& store) {
                 };
             },
             [place = sized.place, file = store.File()] {
-                return [place, raw = std::make_shared<RawStore>(file)] {
-                    return Seconds([&] { raw->Load(place); });
+                return [place, lookUps = LookUpsOfLoad(place), raw = std::make_shared<RawStore>(file)] {
+                    return Seconds([&] {
+                        raw->Perform(lookUps);
+                        raw->Load(place);
+                    });
                 };
             });
     };
@@ -88,6 +91,22 @@ void AddLoadSavePairs(Pairs& pairs, const TestStore& store) {
             "save with its mark, beside one without", sized.size, [pass] { return pass(&Saving::Marked); },
             [pass] { return pass(&Saving::Bare); });
     }
+
+    pairs.Add(
+        "SaveChanges, beside the core's save", "30 + 30 rows",
+        [&store] {
+            return [&store, desk = std::make_shared<Desk>(SixtyRows)] {
+                Settle();
+                EmptyLog(store);
+                return Seconds([&] { SaveNode(*desk); });
+            };
+        },
+        [&store] {
+            return [&store, saving = std::make_shared<Saving>(SixtyRows)] {
+                EmptyLog(store);
+                return Seconds([&] { saving->Marked(); });
+            };
+        });
 
     for (const SizedPlace& sized : LargeNodes) {
         pairs.Add(

@@ -1,5 +1,7 @@
 #include "bench/Benches.h"
 #include "bench/Figures.h"
+#include "history/History.h"
+#include "store/DataBase.h"
 #include "testing/FaultySystem.h"
 
 #include <QApplication>
@@ -64,6 +66,11 @@ int Measure(int argc, char** argv) {
 
     StartFaultySystem();
     const TestStore store;
+    {
+        // As in any store in which somebody has saved.
+        DataBase dataBase;
+        static_cast<void>(History(dataBase).Prepare());
+    }
     AddContent(store);
     EmptyLog(store);
 

@@ -1,6 +1,7 @@
 #include "KAL_AUTO_Node/Business_Rules.h"
 #include "bench/Benches.h"
 #include "bench/Desk.h"
+#include "bench/StockWindow.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -77,6 +78,28 @@ void AddOpenPairs(Pairs& pairs, const TestStore& store) {
                 };
             });
     };
+    const auto addBesideStock = [&](const SizedPlace& sized) {
+        pairs.Add(
+            "open, beside a window of stock widgets", sized.size,
+            [place = sized.place] {
+                return [place] {
+                    Settle();
+                    return OpenToFirstPaint(place);
+                };
+            },
+            [place = sized.place, file = store.File()] {
+                return [place, file, make = StockWindowLike(Desk(place).Form())] {
+                    Settle();
+                    FirstPaint paint;
+                    RawStore(file).Open(place);
+                    make()->exec();
+                    return paint.Elapsed();
+                };
+            });
+    };
+    for (const SizedPlace& sized : LargeNodes) {
+        addBesideStock(sized);
+    }
     for (const SizedPlace& sized : SmallNodes) {
         add("open to first paint, by partition", sized);
     }

@@ -16,8 +16,9 @@ struct Recorded {
 };
 
 std::vector<Recorded> recorded;
+std::vector<Recorded> ofHistory;
 
-// What a floor leaves out: a save's mark, and what is looked up of earlier ones.
+// What a floor of the node alone leaves out: a save's mark, and what is looked up of earlier ones.
 bool IsOfHistory(std::string_view sql) {
     constexpr std::array<std::string_view, 5> words = {"Node_AUTO_Version", "Node_Creation", "sqlite_master",
                                                        "BEGIN", "COMMIT"};
@@ -25,12 +26,9 @@ bool IsOfHistory(std::string_view sql) {
 }
 
 int Note(unsigned /*event*/, void* /*context*/, void* statement, void* /*sql*/) {
-    if (IsOfHistory(sqlite3_sql(static_cast<sqlite3_stmt*>(statement)))) {
-        return 0;
-    }
+    const char* sql = sqlite3_sql(static_cast<sqlite3_stmt*>(statement));
     char* expanded = sqlite3_expanded_sql(static_cast<sqlite3_stmt*>(statement));
-    recorded.push_back(
-        {sqlite3_sql(static_cast<sqlite3_stmt*>(statement)), expanded == nullptr ? "" : expanded});
+    (IsOfHistory(sql) ? ofHistory : recorded).push_back({sql, expanded == nullptr ? "" : expanded});
     sqlite3_free(expanded);
     return 0;
 }
@@ -56,26 +54,9 @@ std::vector<std::string> Values(std::string_view sql) {
     return values;
 }
 
-} // namespace
-
-Recording::Recording() { sqlite3_auto_extension(Entry); }
-
-Recording::~Recording() {
-    sqlite3_cancel_auto_extension(Entry);
-    recorded.clear();
-}
-
-std::vector<std::string> Recording::Statements() {
-    std::vector<std::string> statements;
-    for (Recorded& each : std::exchange(recorded, {})) {
-        statements.push_back(std::move(each.expanded));
-    }
-    return statements;
-}
-
-std::vector<Performed> Recording::Commands() {
+std::vector<Performed> CommandsIn(const std::vector<Recorded>& all) {
     std::vector<Performed> commands;
-    for (const Recorded& each : std::exchange(recorded, {})) {
+    for (const Recorded& each : all) {
         for (std::size_t i = 0; i < CommandCount; ++i) {
             if (const auto command = static_cast<Command>(i); CommandText(command) == each.statement) {
                 commands.push_back({command, Values(each.expanded)});
@@ -84,5 +65,28 @@ std::vector<Performed> Recording::Commands() {
     }
     return commands;
 }
+
+} // namespace
+
+Recording::Recording() { sqlite3_auto_extension(Entry); }
+
+Recording::~Recording() {
+    sqlite3_cancel_auto_extension(Entry);
+    recorded.clear();
+    ofHistory.clear();
+}
+
+std::vector<std::string> Recording::Statements() {
+    ofHistory.clear();
+    std::vector<std::string> statements;
+    for (Recorded& each : std::exchange(recorded, {})) {
+        statements.push_back(std::move(each.expanded));
+    }
+    return statements;
+}
+
+std::vector<Performed> Recording::Commands() { return CommandsIn(std::exchange(recorded, {})); }
+
+std::vector<Performed> Recording::HistoryCommands() { return CommandsIn(std::exchange(ofHistory, {})); }
 
 } // namespace KAL_AUTO_Node

@@ -27,6 +27,8 @@ class Recording {
     static std::vector<std::string> Statements();
     // The same, the named commands alone.
     static std::vector<Performed> Commands();
+    // Those of the history, which are not among them, since the last call of one of these two.
+    static std::vector<Performed> HistoryCommands();
 };
 
 } // namespace KAL_AUTO_Node

@@ -1,6 +1,7 @@
 // Loading and saving a node on a server, each beside a program on the client library alone, which sends the
-// same statements with the same values in the same pipelines, prepared before, and copies every value it
-// gets. ServerFigures LINK [TURNS], where LINK names a demo store on a server of the bench's own.
+// same statements with the same values, prepared before, in the fewest ways that give the same, and copies
+// every value it gets. ServerFigures LINK [TURNS], where LINK names a demo store on a server of the bench's
+// own.
 
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
@@ -97,7 +98,8 @@ Sent Of(Command command, Parameters parameters) {
     return sent;
 }
 
-// What the product sends for the node, way by way.
+// The statements for the node in the fewest ways: a load has to know what it refers to before it asks for
+// labels; a save reads, under its locks, what is stored and which nodes are there, and then writes all.
 struct Ways {
     std::vector<std::vector<Sent>> load;
     std::vector<std::vector<Sent>> save;
@@ -147,23 +149,16 @@ Ways WaysOf(const AutoNode& node) {
     begin.push_back(Of(Command::Get_Description, {partition, Place.Key()}));
     begin.push_back(versions);
     const std::string text = TextOf(Place, {node, RegisterEntry{"AUTO", node.label, Date}});
-    const std::vector<Sent> mark = {Of(Command::Delete_AUTO_Version, {Place, 30000}),
-                                    Of(Command::Add_AUTO_Version, {Place, 30000, "save", "begun", TimeStamp(),
-                                                                   "anna", "host", "bench", 1, "then", text}),
-                                    Of(Command::Prune_AUTO_Versions, {Place, -20, TimeStamp(90)}),
-                                    {"COMMIT", {}}};
-    const std::vector<Sent> finish = {Of(Command::Set_AUTO_Version_State, {"finished", Place, 30000}),
-                                      Of(Command::Leave_AUTO_Versions, {Place, 30000}),
-                                      Of(Command::Delete_Finished_Creations, {Place}),
-                                      {"COMMIT", {}}};
-    return {{content, lookUps},
-            {begin,
-             mark,
-             lookUps,
-             {Of(Command::Renew_AUTO_Version, {TimeStamp(), Place, 30000})},
-             writes,
-             {{"BEGIN", {}}, {locks, {}}, versions},
-             finish}};
+    begin.insert(begin.end(), lookUps.begin(), lookUps.end());
+    // The version before makes place for the same one again.
+    for (const Sent& sent :
+         {Of(Command::Delete_AUTO_Version, {Place, 30000}),
+          Of(Command::Add_AUTO_Version,
+             {Place, 30000, "save", "finished", TimeStamp(), "anna", "host", "bench", 1, "then", text}),
+          Of(Command::Prune_AUTO_Versions, {Place, -20, TimeStamp(90)}), Sent{"COMMIT", {}}}) {
+        writes.push_back(sent);
+    }
+    return {{content, lookUps}, {begin, writes}};
 }
 
 template <class Work>

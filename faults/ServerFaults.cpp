@@ -9,6 +9,7 @@
 #include "Scene.h"
 #include "TestServerProcess.h"
 #include "platform/RuntimeError.h"
+#include "store/Connection.h"
 #include "store/CreateServerStore.h"
 #include "testing/Relay.h"
 
@@ -38,14 +39,22 @@ void WriteLink(const std::filesystem::path& link, const std::string& address) {
     std::ofstream(link, std::ios::trunc) << address << '\n';
 }
 
+// One that saves, and another.
+struct Windows {
+    explicit Windows(const std::filesystem::path& link) : saver(link, Place), other(link, Place) {}
+
+    Saver saver;
+    Saver other;
+};
+
 // Begin makes a save break, end makes the next one possible. The node has to be as it was, or saved; what was
 // said to be saved has to be there, what was said not to be must not, and the next save goes through.
-void Break(Row& row, const std::filesystem::path& link, bool creating, const std::string& where,
+void Break(Row& row, Windows& windows, bool creating, const std::string& where,
            const std::function<void()>& begin, const std::function<void()>& end) {
-    ++row.tries;
-    Saver saver(link, Place);
+    constexpr int most = 3000; // numbers of nodes have 16 bits
+    auto& [saver, other] = windows;
+    const int number = 10 * (++row.tries % most + 1);
     const NodeContent before = saver.Read();
-    const int number = 10 * row.tries;
     const NodeContent intended = IntendedContent(before, number, 10);
     bool mayBeThere = true;
     bool said = false;
@@ -60,8 +69,6 @@ void Break(Row& row, const std::filesystem::path& link, bool creating, const std
     }
     end();
 
-    // The same window, and another.
-    Saver other(link, Place);
     for (Saver* one : {&saver, &other}) {
         const NodeContent now = one->Read();
         if (now == intended ? !mayBeThere : said) {
@@ -143,49 +150,54 @@ void KillServer(Row& row, Site& site, bool creating, int tries) {
             }
             site.second ? site.second->Do("promote") : site.server.Do("again");
         };
-        Break(row, site.link, creating, "way " + std::to_string(way), begin, end);
+        Windows windows(site.link);
+        Break(row, windows, creating, "way " + std::to_string(way), begin, end);
     }
 }
 
-// After so many of the bytes of a save, in either direction, beyond those by which the node is loaded.
+// After so many of the bytes of a save, in either direction, beyond those by which the node is loaded: half
+// of the tries are where the exchange is that commits, unless each byte is tried.
 void CutLine(Row& row, Site& site, std::size_t tries) {
+    Windows windows(site.link);
+    Saver& saver = windows.saver;
     // Each version makes the next save longer.
-    const auto forget = [&] { TestDatabase::Run(site.server.Address(), "TRUNCATE Node_AUTO_Version"); };
-    Saver saver(site.link, Place);
-    static_cast<void>(saver.Load());
+    const auto forget = [&] {
+        windows.other.Store().Prepare("DELETE FROM Node_AUTO_Version")->Run({});
+        windows.other.Store().Flush();
+    };
+    Save(saver, 1, false);
     forget();
     static_cast<void>(site.line.Passed());
     static_cast<void>(saver.Load());
     const std::size_t first = site.line.Passed();
-    std::size_t last = 0; // where the exchange begins that holds the commit
-    std::size_t passed = 0;
-    site.line.AtWay = [&](int) { last = passed += site.line.Passed(); };
-    Save(saver, 1, false);
+    std::size_t commit = 0;
+    std::size_t end = 0;
+    site.line.AtWay = [&](int) { commit = end += site.line.Passed(); };
+    Save(saver, 2, false);
     site.line.AtWay = nullptr;
-    const std::size_t bytes = passed + site.line.Passed();
-    row.remarks = std::to_string(bytes) + " bytes, " + std::to_string(bytes - last) + " from the commit on";
-    // Where not all of them are tried, half are of those.
-    const std::size_t late = std::min(tries / 2, bytes - last);
-    const std::size_t early = std::min(tries - late, bytes - late);
+    end += site.line.Passed();
+    row.remarks =
+        std::to_string(end - first) + " bytes, " + std::to_string(end - commit) + " from the commit's on";
+    const std::size_t late = std::min(tries / 2, end - commit);
+    const std::size_t early = std::min(tries - late, commit - first);
     for (std::size_t i = 0; i < early + late; ++i) {
-        const bool all = early + late == bytes;
-        const std::size_t byte = first + (all         ? i
-                                          : i < early ? i * last / early
-                                                      : last + (i - early) * (bytes - last) / late);
+        const std::size_t byte =
+            i < early ? first + i * (commit - first) / early : commit + (i - early) * (end - commit) / late;
         forget();
         Break(
-            row, site.link, false, "byte " + std::to_string(byte), [&] { site.line.CutAfter(byte); },
+            row, windows, false, "byte " + std::to_string(byte), [&] { site.line.CutAfter(byte); },
             [&] { site.line.CutAfter(Relay::Never); });
     }
 }
 
 void RefuseCommits(Row& row, Site& site, int tries) {
     const auto run = [&](const std::string& sql) { TestDatabase::Run(site.server.Address(), sql); };
+    Windows windows(site.link);
     run("CREATE FUNCTION refuse() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN RAISE 'refused'; END $$");
     for (int i = 0; i < tries; ++i) {
         const std::string table = i % 2 == 0 ? "Detail_AUTO_Action" : "Node_AUTO_Version";
         Break(
-            row, site.link, false, "refused " + table,
+            row, windows, false, "refused " + table,
             [&] {
                 run("CREATE CONSTRAINT TRIGGER refuse AFTER INSERT OR UPDATE ON " + table +
                     " INITIALLY DEFERRED FOR EACH ROW EXECUTE FUNCTION refuse()");

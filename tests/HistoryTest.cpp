@@ -99,6 +99,11 @@ TEST_F(HistoryOfANode, StandsInTheWayOfASaveThatWouldGoOverAnothersUnseen) {
     const auto registered = anna_.Save(node);
     ASSERT_TRUE(registered && !registered->by);
     EXPECT_EQ(Differences(ben_.Read(), registered->stored.content), Texts{});
+    anna_.Load();
+    store_.Execute("DELETE FROM Node_General_Pool WHERE PartID = 2 AND NodeTypeID = 9 AND NodeNumber = 8");
+    ASSERT_TRUE(anna_.Save(node));
+    EXPECT_EQ(Differences(registered->stored.content, anna_.Met->stored.content),
+              Texts{"no longer in the register"});
 
     // While a person is asked about it others wait in a file; on a server they go first, and are seen.
     anna_.Load();

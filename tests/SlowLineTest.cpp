@@ -17,7 +17,7 @@ TEST(SlowLine, OpensAndSavesInAFewWays) {
         << relay.AddressOf(store.Value("SELECT current_database()")) << '\n';
     Person person;
     EXPECT_TRUE(person.Edit(8, [&] {
-        EXPECT_LE(relay.Ways(), 10) << "to open";
+        EXPECT_LE(relay.Ways(), 8) << "to open";
         // The window connects for itself.
         for (const auto& [label, most] : {std::pair{"First", 3 + 4}, {"Second", 4}}) {
             Person::TypeLabel(label);

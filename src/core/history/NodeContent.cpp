@@ -97,15 +97,20 @@ std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, const NodePlace& plac
 
 } // namespace
 
-std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, const NodePlace& place) {
-    bool read = true;
-    return ReadEntry(dataBase, place, read);
+void ReadEntry(DataBase& dataBase, const NodePlace& place, NodeContent& content) {
+    content.entry = ReadEntry(dataBase, place, content.entryRead);
 }
 
 std::vector<std::string> Differences(const NodeContent& before, const NodeContent& after) {
     std::vector<std::string> lines;
     if (before.node && after.node) {
         lines = Differences(*before.node, *after.node);
+    }
+    if (before.entry.has_value() != after.entry.has_value()) {
+        if (before.entryRead && after.entryRead) {
+            lines.push_back(std::string(before.entry ? "no longer" : "now") + " in the register");
+        }
+        return lines;
     }
     const auto told = [](const std::optional<std::string>& text) {
         return text ? '"' + *text + '"' : "nothing";
@@ -129,7 +134,7 @@ NodeContent ReadContent(DataBase& dataBase, const NodePlace& place) {
     NodeContent content;
     ReadAhead(dataBase).Read([&] {
         content.node = ReadAutoNode(dataBase, place);
-        content.entry = ReadEntry(dataBase, place, content.entryRead);
+        ReadEntry(dataBase, place, content);
     });
     return content;
 }

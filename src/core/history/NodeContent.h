@@ -41,8 +41,9 @@ struct SeenNode {
 // As Differences of nodes, and of what the register says.
 [[nodiscard]] std::vector<std::string> Differences(const NodeContent& before, const NodeContent& after);
 
-// The register's row of an AUTO node; a register that cannot be read, though the store can, holds up nothing.
-[[nodiscard]] std::optional<RegisterEntry> ReadEntry(DataBase& dataBase, const NodePlace& place);
+// The register's row of an AUTO node, and whether it could be read: where only the store can, that holds up
+// nothing.
+void ReadEntry(DataBase& dataBase, const NodePlace& place, NodeContent& content);
 
 [[nodiscard]] NodeContent ReadContent(DataBase& dataBase, const NodePlace& place);
 

@@ -25,7 +25,7 @@ bool IsNoHistory(const RuntimeError& error) {
 
 // A register that could not be read is not known to have changed.
 bool IsSame(const NodeContent& seen, const NodeContent& stored) {
-    return seen.node == stored.node && (!seen.entry || !stored.entry || seen.entry == stored.entry);
+    return seen.node == stored.node && (!seen.entryRead || !stored.entryRead || seen.entry == stored.entry);
 }
 
 template <class Step>
@@ -104,12 +104,13 @@ bool NodeSave::Run(SeenNode& seen, const AutoNode& node, const std::string& date
                                             : RunInFile(seen, node, date, audience);
     writing_ = false;
     if (saved) {
-        auto entry = std::move(before_.entry);
-        if (entry) {
-            entry->label = node.label;
-            entry->dateModified = date;
+        NodeContent content = std::move(before_);
+        content.node = node;
+        if (content.entry) {
+            content.entry->label = node.label;
+            content.entry->dateModified = date;
         }
-        seen = {{node, std::move(entry)}, version_};
+        seen = {std::move(content), version_};
     }
     return saved;
 }

@@ -122,7 +122,8 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
         ReadAhead ahead(dataBase_);
         ahead.Fetch([&] {
             static_cast<void>(ReadAutoNode(dataBase_, place, Labels::Read));
-            static_cast<void>(ReadEntry(dataBase_, place));
+            NodeContent content;
+            ReadEntry(dataBase_, place, content);
             static_cast<void>(LatestVersion(gui, nodeNumber));
         });
         AutoNode node;
@@ -141,9 +142,11 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
                 gui.LVExceptions->Insert(static_cast<int>(branch),
                                          {WithTarget(ExceptionRow(branch, target), gui, target)});
             }
-            auto entry = ReadEntry(dataBase_, place);
-            gui.StoredNode = std::make_unique<GUI::Stored>(GUI::Stored{
-                nodeNumber, {{std::move(node), std::move(entry)}, LatestVersion(gui, nodeNumber)}});
+            NodeContent content;
+            ReadEntry(dataBase_, place, content);
+            content.node = std::move(node);
+            gui.StoredNode = std::make_unique<GUI::Stored>(
+                GUI::Stored{nodeNumber, {std::move(content), LatestVersion(gui, nodeNumber)}});
             gui.lblRecordPosition->setText(QString::number(gui.cmbNode->ListIndex() + 1) + " of " +
                                            QString::number(gui.cmbNode->ListCount()));
         } else {
