@@ -112,8 +112,8 @@ Ways WaysOf(const AutoNode& node) {
                                        Of(Command::Get_AUTO_ActionsNode, {Place})};
     std::map<NodeKey, Sent> labels;
     const auto addLabel = [&](const Reference& target) {
-        const NodeKey node{target.typeID, target.number};
-        labels.insert({node, Of(Command::Get_Description, {partition, node})});
+        const NodeKey to{target.typeID, target.number};
+        labels.insert({to, Of(Command::Get_Description, {partition, to})});
     };
     std::vector<Sent> writes = {Of(Command::Delete_AUTO_PromptsNode, {Place}),
                                 Of(Command::Delete_AUTO_ActionsNode, {Place})};

@@ -1,6 +1,7 @@
 #include "auto-node/Arguments.h"
 #include "auto-node/CallDiff.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "history/History.h"
 #include "nodes/References.h"
@@ -36,11 +37,12 @@ int Run(const Options& options, DataBase& dataBase) {
     const auto missing = options.missing == "keep"     ? Missing::Keep
                          : options.missing == "create" ? Missing::Create
                                                        : Missing::Refuse;
-    const CopyReport report =
-        CopyNode(dataBase, history, names,
-                 {from, node, to, options.number,
-                  options.labelled ? std::optional(options.label) : std::nullopt, missing},
-                 Today(), options.dryRun ? Carry::OnlyTell : Carry::Out);
+    const CopyReport report = Lasting("Copying", [&] {
+        return CopyNode(dataBase, history, names,
+                        {from, node, to, options.number,
+                         options.labelled ? std::optional(options.label) : std::nullopt, missing},
+                        Today(), options.dryRun ? Carry::OnlyTell : Carry::Out);
+    });
     RequireNoObstacles(report.obstacles);
     std::cout << (options.dryRun ? "Would make " : "Made ")
               << Visible(names.Text({node.typeID, options.number})) << (to != from ? " of " + to.Text() : "")

@@ -1,6 +1,7 @@
 #include "audit/PartitionCheck.h"
 #include "auto-node/Arguments.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "nodes/FindNodes.h"
 #include "nodes/NodeJson.h"
@@ -30,7 +31,8 @@ int Run(const Options& options, DataBase& dataBase) {
     bool any = false;
     for (const Partition& partition :
          options.onePartition ? std::vector{options.partition} : PartitionsWithRows(dataBase)) {
-        for (const auto& [node, label, uses] : FindNodes(dataBase, partition, names, options.text)) {
+        for (const auto& [node, label, uses] : Lasting(
+                 "Looking for nodes", [&] { return FindNodes(dataBase, partition, names, options.text); })) {
             any = true;
             if (options.json) {
                 document.push_back({{"config", partition.config},

@@ -1,6 +1,8 @@
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "exchange/Merge.h"
+#include "platform/Interruption.h"
 #include "platform/NewFile.h"
 #include "platform/VisibleText.h"
 
@@ -23,7 +25,9 @@ constexpr int NotMerged = 2;
 
 int Run(const Options& options) {
     std::string text;
-    const MergeReport report = MergeExports(options.base, options.ours, options.theirs, text);
+    const MergeReport report =
+        Lasting("Merging", [&] { return MergeExports(options.base, options.ours, options.theirs, text); });
+    const Interruption interruption;
     const std::string& place = options.output.empty() ? options.ours : options.output;
     Output file(place);
     file.Append(text);

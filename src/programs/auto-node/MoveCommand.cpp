@@ -2,6 +2,7 @@
 #include "auto-node/CallDiff.h"
 #include "auto-node/Changes.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "history/History.h"
 #include "nodes/References.h"
@@ -66,9 +67,10 @@ Subcommand MoveCommand(CommandLine& program) {
     return OnNode(
         command, options,
         [options](DataBase& dataBase, History& history, const TypeNames& names, const NodeKey& node) {
-            const RepointPlan plan =
-                MoveNode(dataBase, history, names, options->node.partition, node, options->newNumber, Today(),
-                         options->dryRun ? Carry::OnlyTell : Carry::Out);
+            const RepointPlan plan = Lasting("Moving", [&] {
+                return MoveNode(dataBase, history, names, options->node.partition, node, options->newNumber,
+                                Today(), options->dryRun ? Carry::OnlyTell : Carry::Out);
+            });
             return Tell(plan, names,
                         (options->dryRun ? "Would move " : "Moved ") + Visible(names.Text(node)) + " to " +
                             Visible(names.Text({node.typeID, options->newNumber})));
@@ -93,8 +95,10 @@ Subcommand RemoveCommand(CommandLine& program) {
                 order.instead = {names.Meant(options->instead[0]),
                                  ReadNumber("--repoint", options->instead[1])};
             }
-            const RepointPlan plan = RemoveNode(dataBase, history, names, order, Today(),
-                                                options->dryRun ? Carry::OnlyTell : Carry::Out);
+            const RepointPlan plan = Lasting("Removing", [&] {
+                return RemoveNode(dataBase, history, names, order, Today(),
+                                  options->dryRun ? Carry::OnlyTell : Carry::Out);
+            });
             return Tell(plan, names,
                         (options->dryRun ? "Would remove " : "Removed ") + Visible(names.Name(node.typeID)) +
                             ' ' + std::to_string(node.number));

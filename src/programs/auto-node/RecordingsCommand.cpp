@@ -1,6 +1,7 @@
 #include "audit/Recordings.h"
 #include "auto-node/Arguments.h"
 #include "auto-node/Commands.h"
+#include "auto-node/Progress.h"
 #include "auto-node/Table.h"
 #include "nodes/NodeJson.h"
 #include "platform/VisibleText.h"
@@ -103,9 +104,11 @@ void PrintJson(const Recordings& recordings) {
 
 int Run(const Options& options, DataBase& dataBase) {
     const TypeNames names(dataBase);
-    const auto recordings = ReadRecordings(
-        dataBase, names, options.partition,
-        options.sounds.empty() ? std::nullopt : std::optional<std::filesystem::path>(options.sounds));
+    const auto recordings = Lasting("Reading the partition", [&] {
+        return ReadRecordings(dataBase, names, options.partition,
+                              options.sounds.empty() ? std::nullopt
+                                                     : std::optional<std::filesystem::path>(options.sounds));
+    });
     const int status = options.sounds.empty() ? 0 : StatusOf(recordings);
     if (options.json) {
         PrintJson(recordings);
