@@ -4,6 +4,7 @@
 #include "calls/Flow.h"
 #include "history/History.h"
 #include "nodes/AutoNodeReader.h"
+#include "nodes/Overview.h"
 #include "nodes/PartitionReader.h"
 #include "nodes/References.h"
 #include "store/Batch.h"
@@ -28,7 +29,7 @@ class PartitionCheck {
     PartitionFindings Run() {
         ReadAhead ahead(dataBase_);
         types_.Read(ahead, dataBase_, partition_);
-        ReadRegister();
+        ReadEntries();
         template_ = ReadAutoNode(dataBase_, {partition_, TemplateNumber});
         ReadWholeAutoNodes(
             dataBase_, partition_, [this](int number, const AutoNode& node) { CheckNode(number, node); },
@@ -62,24 +63,18 @@ class PartitionCheck {
         bool hasRecord = false;
     };
 
-    void ReadRegister() {
-        ResultSet rows = dataBase_.Query(Command::Get_Register, {partition_});
-        const std::size_t type = rows.Column("NodeTypeID");
-        const std::size_t number = rows.Column("NodeNumber");
-        const std::size_t name = rows.Column("NodeType");
-        const std::size_t label = rows.Column("NodeDescription");
-        for (; !rows.AtEnd(); rows.MoveNext()) {
-            const NodeKey key{rows.Number(type), rows.Number(number)};
-            const std::string_view stored = rows.Field(name).value_or("");
-            Registered& entry = register_[key] = {std::string(rows.Field(label).value_or(""))};
-            reader_.takeRegistered(key, stored, entry.label);
-            CheckTypeName(
-                key,
-                [] {
-                    return Where{"register", "Node_General_Pool"};
-                },
-                key.typeID, stored);
-        }
+    void ReadEntries() {
+        ReadRegister(dataBase_, partition_,
+                     [&](const NodeKey& key, std::string_view stored, std::string_view label) {
+                         Registered& entry = register_[key] = {std::string(label)};
+                         reader_.takeRegistered(key, stored, entry.label);
+                         CheckTypeName(
+                             key,
+                             [] {
+                                 return Where{"register", "Node_General_Pool"};
+                             },
+                             key.typeID, stored);
+                     });
         result_.registeredNodes = register_.size();
     }
 

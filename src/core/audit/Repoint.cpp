@@ -27,14 +27,6 @@ Slot SlotOf(const ReferenceColumn& column) {
     return column.table == "Detail_AUTO_Prompts" ? Slot::Prompts : Slot::Actions;
 }
 
-NodePlace PlaceOf(Partition partition, int number) {
-    if (!std::in_range<std::int16_t>(number)) {
-        throw RuntimeError(ErrorNumber::Overflow,
-                           "No AUTO node can have the number " + std::to_string(number));
-    }
-    return {partition, static_cast<std::int16_t>(number)};
-}
-
 class Planning {
   public:
     Planning(DataBase& dataBase, History& history, const TypeNames& names, Partition partition,

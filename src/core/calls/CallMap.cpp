@@ -1,6 +1,7 @@
 #include "calls/CallMap.h"
 
 #include "calls/Flow.h"
+#include "nodes/Overview.h"
 #include "nodes/PartitionReader.h"
 #include "platform/RuntimeError.h"
 #include "store/DataBase.h"
@@ -57,16 +58,9 @@ const std::vector<OtherWay>& CallMap::WaysFrom(const Target& target) const {
 CallMap ReadCallMap(DataBase& dataBase, const TypeNames& names, Partition partition) {
     CallMap map;
     map.partition = partition;
-    {
-        ResultSet rows = dataBase.Query(Command::Get_Register, {partition});
-        const std::size_t type = rows.Column("NodeTypeID");
-        const std::size_t number = rows.Column("NodeNumber");
-        const std::size_t label = rows.Column("NodeDescription");
-        for (; !rows.AtEnd(); rows.MoveNext()) {
-            map.labels.emplace_hint(map.labels.end(), NodeKey{rows.Number(type), rows.Number(number)},
-                                    rows.Field(label).value_or(""));
-        }
-    }
+    ReadRegister(dataBase, partition, [&](const NodeKey& node, std::string_view, std::string_view label) {
+        map.labels.emplace_hint(map.labels.end(), node, label);
+    });
     Flow flow;
     ReadWholeAutoNodes(
         dataBase, partition,

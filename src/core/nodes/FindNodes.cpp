@@ -1,5 +1,6 @@
 #include "nodes/FindNodes.h"
 
+#include "nodes/Overview.h"
 #include "platform/FoldCase.h"
 
 #include <algorithm>
@@ -54,24 +55,16 @@ std::vector<FoundNode> FindNodes(DataBase& dataBase, Partition partition, const 
         types.emplace(typeID, FoldCase(name));
     }
     std::vector<FoundNode> found;
-    {
-        ResultSet rows = dataBase.Query(Command::Get_Register, {partition});
-        const std::size_t type = rows.Column("NodeTypeID");
-        const std::size_t number = rows.Column("NodeNumber");
-        const std::size_t label = rows.Column("NodeDescription");
-        for (; !rows.AtEnd(); rows.MoveNext()) {
-            const NodeKey node{rows.Number(type), rows.Number(number)};
-            const std::string shown(rows.Field(label).value_or(""));
-            const std::string folded = FoldCase(shown);
-            const auto fits = [&](const std::string& word) {
-                return folded.find(word) != std::string::npos || word == std::to_string(node.number) ||
-                       word == types[node.typeID];
-            };
-            if (std::ranges::all_of(words, fits)) {
-                found.push_back({node, shown, 0});
-            }
+    ReadRegister(dataBase, partition, [&](const NodeKey& node, std::string_view, std::string_view label) {
+        const std::string folded = FoldCase(label);
+        const auto fits = [&](const std::string& word) {
+            return folded.find(word) != std::string::npos || word == std::to_string(node.number) ||
+                   word == types[node.typeID];
+        };
+        if (std::ranges::all_of(words, fits)) {
+            found.push_back({node, std::string(label), 0});
         }
-    }
+    });
     CountUses(dataBase, partition, names, found);
     return found;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nodes/NodeTypes.h"
+#include "platform/RuntimeError.h"
 
 #include <array>
 #include <compare>
@@ -74,6 +75,15 @@ struct NodePlace {
         return part(partition.config) << 32 | part(partition.number) << 16 | part(number);
     }
 };
+
+// The place of a number that was read; raises Overflow for one that no AUTO node can have.
+[[nodiscard]] inline NodePlace PlaceOf(const Partition& partition, int number) {
+    if (!std::in_range<std::int16_t>(number)) {
+        throw RuntimeError(ErrorNumber::Overflow,
+                           "No AUTO node can have the number " + std::to_string(number));
+    }
+    return {partition, static_cast<std::int16_t>(number)};
+}
 
 // Of this number every type has the partition's template, from which new nodes are made.
 inline constexpr int TemplateNumber = 0;

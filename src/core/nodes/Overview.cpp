@@ -18,6 +18,20 @@ std::vector<PartitionCounts> ReadPartitions(DataBase& dataBase) {
     return partitions;
 }
 
+void ReadRegister(
+    DataBase& dataBase, Partition partition,
+    const std::function<void(const NodeKey& node, std::string_view type, std::string_view label)>& take) {
+    ResultSet rows = dataBase.Query(Command::Get_Register, {partition});
+    const std::size_t typeID = rows.Column("NodeTypeID");
+    const std::size_t number = rows.Column("NodeNumber");
+    const std::size_t type = rows.Column("NodeType");
+    const std::size_t label = rows.Column("NodeDescription");
+    for (; !rows.AtEnd(); rows.MoveNext()) {
+        take({rows.Number(typeID), rows.Number(number)}, rows.Field(type).value_or(""),
+             rows.Field(label).value_or(""));
+    }
+}
+
 void ReadAutoNodes(DataBase& dataBase, Partition partition,
                    const std::function<void(std::int16_t number, std::string_view label)>& take) {
     ResultSet nodes = dataBase.Query(Command::Get_All_AUTO_Nodes, {partition, AutoType});

@@ -23,6 +23,11 @@ struct PartitionCounts {
 // Every partition that has a node, in order.
 [[nodiscard]] std::vector<PartitionCounts> ReadPartitions(DataBase& dataBase);
 
+// The partition's register, in the order of types and numbers; texts are those of the row.
+void ReadRegister(
+    DataBase& dataBase, Partition partition,
+    const std::function<void(const NodeKey& node, std::string_view type, std::string_view label)>& take);
+
 // The AUTO nodes of the partition, in the order of their numbers. A number that no node can have raises
 // Overflow.
 void ReadAutoNodes(DataBase& dataBase, Partition partition,

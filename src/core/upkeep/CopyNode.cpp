@@ -211,7 +211,7 @@ CopyReport CopyNode(DataBase& dataBase, History& history, const TypeNames& names
         return report;
     }
     if (typeID == AutoType) {
-        history.Keep(std::array{NodePlace{order.to, static_cast<std::int16_t>(order.number)}}, Work);
+        history.Keep(std::array{PlaceOf(order.to, order.number)}, Work);
     }
     if (rows) {
         rows->Insert(report.recording);

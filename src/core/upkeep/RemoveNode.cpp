@@ -13,8 +13,6 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-NodePlace PlaceOf(Partition partition, int number) { return {partition, static_cast<std::int16_t>(number)}; }
-
 RepointPlan PlanRemoval(DataBase& dataBase, History& history, const TypeNames& names,
                         const RemoveOrder& order) {
     const auto& [typeID, number] = order.node;

@@ -81,7 +81,7 @@ RowPlan RowsOf(DataBase& dataBase, Partition partition, const RepointPlan& repoi
     std::vector<NodePlace> places;
     for (const NodeKey& holder : holders) {
         if (holder.typeID == AutoType) {
-            places.push_back({partition, static_cast<std::int16_t>(holder.number)});
+            places.push_back(PlaceOf(partition, holder.number));
         }
     }
     ReadContents(dataBase, places, [&](const NodePlace& place, NodeContent content) {

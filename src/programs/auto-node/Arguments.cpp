@@ -44,6 +44,13 @@ Option AddNumber(const CommandArguments& command, const std::string& name, std::
     return command.Word(name, read, description).ShownAs("");
 }
 
+Option AddAnyPartition(const CommandArguments& command, Partition& partition) {
+    const Option config = AddNumber(command, "CONFIG", partition.config, "Configuration number");
+    const Option number = AddNumber(command, "PARTITION", partition.number, "Partition number");
+    config.Needs(number);
+    return number;
+}
+
 void AddPartition(const CommandArguments& command, Partition& partition) {
     AddNumber(command, "CONFIG", partition.config, "Configuration number").Required();
     AddNumber(command, "PARTITION", partition.number, "Partition number").Required();

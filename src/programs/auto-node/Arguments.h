@@ -26,6 +26,9 @@ Option AddNumber(const CommandArguments& command, const std::string& name, std::
 // CONFIG PARTITION, both required.
 void AddPartition(const CommandArguments& command, Partition& partition);
 
+// The same where both may be left out; tells whether they are given.
+Option AddAnyPartition(const CommandArguments& command, Partition& partition);
+
 // A node type by its name or its ID.
 Option AddType(const CommandArguments& command, const std::string& name, std::string& type);
 

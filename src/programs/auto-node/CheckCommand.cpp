@@ -309,10 +309,8 @@ Subcommand CheckCommand(CommandLine& program) {
         "Tell what is wrong in all partitions, in one, or with one AUTO node; exits with 1 where there are "
         "errors, 3 where there are warnings only");
     NodePlace& place = options->place;
-    const Option config = AddNumber(command, "CONFIG", place.partition.config, "Configuration number");
-    const Option partition = AddNumber(command, "PARTITION", place.partition.number, "Partition number");
+    const Option partition = AddAnyPartition(command, place.partition);
     const Option node = AddNumber(command, "NODE", place.number, "Number of the AUTO node");
-    config.Needs(partition);
     const Option json = command.Flag("--json", options->json, "Print JSON, for programs");
     const Option keys =
         command.Flag("--keys", options->keys, "Print the lines that --accept takes").Excludes(json);

@@ -73,9 +73,7 @@ Subcommand FindCommand(CommandLine& program) {
     command.Word("TEXT", text, "Words, each of which the label has, or that are number or type")
         .Required()
         .ShownAs("");
-    const Option config = AddNumber(command, "CONFIG", options->partition.config, "Configuration number");
-    const Option partition = AddNumber(command, "PARTITION", options->partition.number, "Partition number");
-    config.Needs(partition);
+    const Option partition = AddAnyPartition(command, options->partition);
     command.Flag("--json", options->json, "Print JSON, for programs");
     return {command, Reading([options, partition](DataBase& dataBase) {
                 options->onePartition = partition.Given();

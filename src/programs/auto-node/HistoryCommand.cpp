@@ -179,10 +179,8 @@ Subcommand HistoryCommand(CommandLine& program) {
     const CommandArguments command = program.Add(
         "history", "List the changes of an AUTO node, or of all in a partition or the store, newest first");
     NodePlace& place = options->place;
-    const Option config = AddNumber(command, "CONFIG", place.partition.config, "Configuration number");
-    const Option partition = AddNumber(command, "PARTITION", place.partition.number, "Partition number");
+    const Option partition = AddAnyPartition(command, place.partition);
     const Option node = AddNumber(command, "NODE", place.number, "Number of the AUTO node");
-    config.Needs(partition);
     command
         .Word("--since", ReadTime("--since", options->scope.since, 0), "Only those from that day or time on")
         .ShownAs("TIME");

@@ -84,9 +84,7 @@ void ListNodes(DataBase& dataBase, Partition partition, bool json) {
 Subcommand ListCommand(CommandLine& program) {
     auto options = std::make_shared<Options>();
     const CommandArguments list = program.Add("list", "List the partitions, or the AUTO nodes of one");
-    const Option config = AddNumber(list, "CONFIG", options->partition.config, "Configuration number");
-    const Option partition = AddNumber(list, "PARTITION", options->partition.number, "Partition number");
-    config.Needs(partition);
+    const Option partition = AddAnyPartition(list, options->partition);
     list.Flag("--json", options->json, "Print JSON, for programs");
     return {list, Reading([options, partition](DataBase& dataBase) {
                 if (partition.Given()) {
