@@ -257,7 +257,14 @@ TEST_F(StoreServer, IsAskedInFewWaysByTheCommands) {
                                         {"check 1 2", 15},
                                         {"graph 1 2", 15},
                                         {"export 1 2 all.json", 12},
-                                        {"repoint 1 2 MSG 50 MSG 51", 60}}) {
+                                        {"repoint 1 2 MSG 50 MSG 51", 60},
+                                        {"move 1 2 MSG 51 249", 60},
+                                        {"copy 1 2 AUTO 1 39", 20},
+                                        {"copy 1 2 AUTO 1 3 --to 1 1 --missing keep", 30},
+                                        {"remove 1 2 AUTO 39", 20},
+                                        {"find menu", 12},
+                                        {"recordings 1 2", 10},
+                                        {"history", 10}}) {
         const std::string line =
             "cd '" + store_.Folder().string() + "' && " AUTO_NODE " " + command + " >told 2>&1";
         static_cast<void>(relay.Ways());

@@ -267,6 +267,11 @@ TEST_F(Upkeep, LooksForRecordings) {
               (Texts{"there", "other-casep02m002.WAV", "no-file",
                      "thereMSG 2 of configuration 1, partition 1", "leads-away", "no-name", "missing"}));
     EXPECT_EQ(found.unnamed, Texts{"Old.wav"});
+    std::set<Fault> faults;
+    for (const Finding& finding : FindingsOf(found, names_)) {
+        faults.insert(finding.fault);
+    }
+    EXPECT_EQ(faults.size(), 4U);
     EXPECT_EQ(found.messages.at(5).label, "Invalid choice, try again");
     EXPECT_EQ(found.messages.at(5).players.size(), 8U);
     EXPECT_THROW(static_cast<void>(ReadRecordings(dataBase_, names_, Company, folder / "none")),

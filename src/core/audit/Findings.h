@@ -37,6 +37,10 @@ enum class Fault : std::size_t {
     NotRegistered,
     AsTemplate,
     UnfinishedSave,
+    RecordingMissing,
+    RecordingCase,
+    RecordingName,
+    RecordingShared,
 };
 
 struct FaultRule {
@@ -46,7 +50,7 @@ struct FaultRule {
     const char* advice; // what to do
 };
 
-inline constexpr std::array<FaultRule, 19> FaultRules = {{
+inline constexpr std::array<FaultRule, 23> FaultRules = {{
     {"missing-node", Severity::Error, "The node referred to does not exist.",
      "Create it (`auto-node check --fix missing`) or refer to another."},
     {"type-not-offered", Severity::Error,
@@ -93,6 +97,19 @@ inline constexpr std::array<FaultRule, 19> FaultRules = {{
      "Make of it what it is to be, or delete it."},
     {"unfinished-save", Severity::Error, "A save of the node did not finish and has left it half-way.",
      "Put it back (`auto-node restore`), or save it anew."},
+    {"recording-missing", Severity::Error,
+     "The folder of recordings has no file of the name that the message plays.",
+     "Record it, or copy it there."},
+    {"recording-case", Severity::Error,
+     "The folder has the message's file only under a name that differs in the case of letters.",
+     "Rename the file, or the message's."},
+    {"recording-name", Severity::Error,
+     "The message names no file, or something in the folder that is none: a link, a folder, a name with a "
+     "folder in it.",
+     "Give the message the plain name of a file."},
+    {"recording-shared", Severity::Warning,
+     "Other messages name the same file, so that what changes one changes all.",
+     "Nothing, where that is meant; else give each message a file of its own."},
 }};
 
 [[nodiscard]] constexpr const FaultRule& RuleOf(Fault fault) {

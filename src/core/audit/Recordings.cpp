@@ -143,4 +143,39 @@ Recordings ReadRecordings(DataBase& dataBase, const TypeNames& names, Partition 
     return found;
 }
 
+std::vector<Finding> FindingsOf(const Recordings& recordings, const TypeNames& names) {
+    std::vector<Finding> findings;
+    for (const Recording& recording : recordings.messages) {
+        const auto add = [&](Fault fault, const std::string& subject) {
+            findings.push_back({fault,
+                                {MessageType, recording.message},
+                                names.Name(MessageType),
+                                recording.label,
+                                "VexoFilename",
+                                subject,
+                                "Node_MSG",
+                                0});
+        };
+        switch (recording.sound.value_or(Sound::There)) {
+        case Sound::There:
+            break;
+        case Sound::Missing:
+            add(Fault::RecordingMissing, recording.file);
+            break;
+        case Sound::OtherCase:
+            add(Fault::RecordingCase, recording.file + ", there as " + recording.other);
+            break;
+        case Sound::NoFile:
+        case Sound::NoName:
+        case Sound::LeadsAway:
+            add(Fault::RecordingName, recording.file);
+            break;
+        }
+        if (!recording.shared.empty()) {
+            add(Fault::RecordingShared, recording.file + ", also of " + recording.shared.front());
+        }
+    }
+    return findings;
+}
+
 } // namespace KAL_AUTO_Node

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "audit/Findings.h"
 #include "nodes/References.h"
 
 #include <filesystem>
@@ -40,5 +41,8 @@ struct Recordings {
 // read. Raises StoreNotFound where it cannot be.
 [[nodiscard]] Recordings ReadRecordings(DataBase& dataBase, const TypeNames& names, Partition partition,
                                         const std::optional<std::filesystem::path>& folder);
+
+// What of them is amiss, where a folder was looked at.
+[[nodiscard]] std::vector<Finding> FindingsOf(const Recordings& recordings, const TypeNames& names);
 
 } // namespace KAL_AUTO_Node

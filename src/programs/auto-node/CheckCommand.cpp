@@ -1,5 +1,6 @@
 #include "audit/FixMissing.h"
 #include "audit/PartitionCheck.h"
+#include "audit/Recordings.h"
 #include "auto-node/AcceptedFindings.h"
 #include "auto-node/Arguments.h"
 #include "auto-node/CheckFormats.h"
@@ -40,6 +41,7 @@ struct Options {
     bool json = false;
     bool keys = false;
     std::string text;
+    std::string sounds;
     std::set<Fault> selected; // all where it is empty
     std::set<Fault> ignored;
     std::string explain;
@@ -113,7 +115,8 @@ class Checking {
 
     [[nodiscard]] bool IsWanted(Fault fault) const {
         return (options_.selected.empty() || options_.selected.contains(fault)) &&
-               !options_.ignored.contains(fault);
+               !options_.ignored.contains(fault) &&
+               (fault < Fault::RecordingMissing || !options_.sounds.empty());
     }
 
     PartitionFindings Find(Partition partition) {
@@ -125,6 +128,12 @@ class Checking {
         progress_.emplace("Reading the store");
         PartitionFindings checked = CheckPartition(dataBase_, history_, partition, reader);
         progress_.reset();
+        if (!options_.sounds.empty()) {
+            const TypeNames names(dataBase_);
+            std::ranges::move(FindingsOf(ReadRecordings(dataBase_, names, partition, options_.sounds), names),
+                              std::back_inserter(checked.findings));
+            std::ranges::stable_sort(checked.findings, {}, &Finding::holder);
+        }
         std::erase_if(checked.findings, [this](const Finding& finding) { return !IsWanted(finding.fault); });
         if (options_.oneNode) {
             std::erase_if(checked.findings, [node = options_.place.Key()](const Finding& finding) {
@@ -350,6 +359,8 @@ Subcommand CheckCommand(CommandLine& program) {
                            .Excludes(keys)
                            .Excludes(format)
                            .Excludes(text);
+    command.Text("--sounds", options->sounds, "Also look for the files of messages in a folder")
+        .ShownAs("FOLDER");
     command.Flag("--dry-run", options->dryRun, "Only tell what --fix would make").Needs(fix);
     return {command, [options, partition, node](const StoreChoice& store) {
                 options->onePartition = partition.Given();
