@@ -84,13 +84,12 @@ RepointPlan InOneStep(DataBase& dataBase, History& history, Carry carry,
 
 RepointPlan RemoveNode(DataBase& dataBase, History& history, const TypeNames& names, const RemoveOrder& order,
                        const std::string& date, Carry carry) {
-    const auto& [typeID, number] = order.node;
     return InOneStep(
         dataBase, history, carry, [&] { return PlanRemoval(dataBase, history, names, order); },
         [&](const RepointPlan& plan) {
             std::set<NodePlace> kept;
-            if (typeID == AutoType) {
-                kept.insert(PlaceOf(order.partition, number));
+            if (order.node.typeID == AutoType) {
+                kept.insert(PlaceOf(order.partition, order.node.number));
             }
             CarryOut(dataBase, history, order.partition, plan, "remove", date, kept);
             DeleteRows(dataBase, order.partition, order.node);
