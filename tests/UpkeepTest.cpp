@@ -306,6 +306,7 @@ TEST_F(Upkeep, AppliesAPlanWhereWhatItTouchesIsAsItWas) {
         const bool isLabel = row.starts_with("Node_G");
         disturb(isLabel ? "|| '!'" : "+ 1");
         const bool touched = plan.nodes.contains({Company, static_cast<std::int16_t>(std::stoi(number))});
+        EXPECT_EQ(Apply(dataBase_, history_, plan, Applying::Tried).empty(), !touched);
         const std::string disturbed = Exported();
         const auto changed = Apply(dataBase_, history_, plan);
         EXPECT_EQ(changed.empty(), !touched) << round;

@@ -17,6 +17,11 @@ class History;
 Creation CreateMissing(DataBase& dataBase, History& history, Partition partition, const RequiredNode& node,
                        const std::string& date);
 
+// The same as part of a transaction, of a node that is not there; an AUTO node's first version says so. Where
+// there is no template, the transaction must not be committed.
+Creation MakeOfTemplate(DataBase& dataBase, History& history, Partition partition, const NodeKey& node,
+                        const std::string& date);
+
 // Whether there is what it would be made of.
 [[nodiscard]] bool CanBeMade(DataBase& dataBase, Partition partition, const RequiredNode& node);
 

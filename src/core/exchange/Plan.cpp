@@ -241,11 +241,11 @@ std::vector<std::string> CarryOut(DataBase& dataBase, History& history, const Ro
     return changed;
 }
 
-std::vector<std::string> Apply(DataBase& dataBase, History& history, const RowPlan& plan) {
+std::vector<std::string> Apply(DataBase& dataBase, History& history, const RowPlan& plan, Applying how) {
     history.Require();
     Transaction all(dataBase);
     auto changed = CarryOut(dataBase, history, plan);
-    if (changed.empty()) {
+    if (changed.empty() && how == Applying::Done) {
         all.Commit();
         dataBase.Flush();
     }

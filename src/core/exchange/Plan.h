@@ -48,7 +48,9 @@ struct RowPlan {
 // plan rests on it, for people; then the transaction must not be committed.
 [[nodiscard]] std::vector<std::string> CarryOut(DataBase& dataBase, History& history, const RowPlan& plan);
 
-// The same in one step, or nothing.
-[[nodiscard]] std::vector<std::string> Apply(DataBase& dataBase, History& history, const RowPlan& plan);
+// The same in one step, or nothing; likewise where it is only tried.
+enum class Applying { Done, Tried };
+[[nodiscard]] std::vector<std::string> Apply(DataBase& dataBase, History& history, const RowPlan& plan,
+                                             Applying how = Applying::Done);
 
 } // namespace KAL_AUTO_Node

@@ -13,7 +13,7 @@ namespace KAL_AUTO_Node {
 struct Version {
     std::int64_t number = 0; // from 1, ascending with time
     std::string work;        // what changed the node: "save", "restore", "put back", "import",
-                             // "repoint", "copy", "move", "remove"
+                             // "repoint", "copy", "move", "remove", "create"
     std::string state;       // one of those below
     std::string begunAt;     // UTC, YYYY-MM-DDTHH:MM:SS.mmmZ
     ProcessIdentity author;

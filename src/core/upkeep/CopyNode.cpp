@@ -1,5 +1,6 @@
 #include "upkeep/CopyNode.h"
 
+#include "audit/FixMissing.h"
 #include "audit/Repoint.h"
 #include "exchange/RowWrites.h"
 #include "history/History.h"
@@ -147,9 +148,7 @@ CopyReport Plan(DataBase& dataBase, History& history, const TypeNames& names, co
 void Create(DataBase& dataBase, History& history, const TypeNames& names, Partition partition,
             const std::string& date, CopyReport& report) {
     for (const NodeKey& node : report.missing) {
-        const bool begun = history.Exists() && history.HasBegun(partition, node);
-        const Creation outcome = CreateNodeFromTemplate(dataBase, partition, TemplateNumber, node, date,
-                                                        begun ? Existing::Keep : Existing::Refuse);
+        const Creation outcome = MakeOfTemplate(dataBase, history, partition, node, date);
         if (outcome != Creation::Created) {
             report.obstacles.push_back(names.Text(node) +
                                        " does not exist there, nor a whole template to make it of");

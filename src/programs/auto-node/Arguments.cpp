@@ -74,7 +74,7 @@ void AddNodeOfAnyType(const CommandArguments& command, NodeArguments& node) {
     AddNumber(command, "NUMBER", node.number, "Number of the node").Required();
 }
 
-void AddNote(const CommandArguments& command, std::string& note) {
+Option AddNote(const CommandArguments& command, std::string& note) {
     constexpr std::size_t longest = 1000;
     const auto read = [&note](const std::string& text) {
         if (text.size() > longest) {
@@ -83,7 +83,7 @@ void AddNote(const CommandArguments& command, std::string& note) {
         }
         note = text;
     };
-    command.Word("--note", read, "Why: the history keeps it with the change").ShownAs("TEXT");
+    return command.Word("--note", read, "Why: the history keeps it with the change").ShownAs("TEXT");
 }
 
 std::string ReadTextFile(const std::string& file) {

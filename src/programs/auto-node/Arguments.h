@@ -49,7 +49,7 @@ struct NodeArguments {
 void AddNodeOfAnyType(const CommandArguments& command, NodeArguments& node);
 
 // --note, which the history keeps with the change.
-void AddNote(const CommandArguments& command, std::string& note);
+Option AddNote(const CommandArguments& command, std::string& note);
 
 // The text that a file holds. Throws where it cannot be read.
 [[nodiscard]] std::string ReadTextFile(const std::string& file);

@@ -42,6 +42,7 @@ struct Options {
     bool keys = false;
     std::string text;
     std::string sounds;
+    std::string note;
     std::set<Fault> selected; // all where it is empty
     std::set<Fault> ignored;
     std::string explain;
@@ -257,7 +258,7 @@ class Checking {
     std::optional<AcceptedFindings> accepted_;
     DataBase& dataBase_;
     std::optional<Progress> progress_;
-    History history_{dataBase_};
+    History history_{dataBase_, options_.note};
     std::size_t autoNodes_ = 0;
     std::size_t registeredNodes_ = 0;
     std::size_t acceptedCount_ = 0;
@@ -362,6 +363,7 @@ Subcommand CheckCommand(CommandLine& program) {
     command.Text("--sounds", options->sounds, "Also look for the files of messages in a folder")
         .ShownAs("FOLDER");
     command.Flag("--dry-run", options->dryRun, "Only tell what --fix would make").Needs(fix);
+    AddNote(command, options->note).Needs(fix);
     return {command, [options, partition, node](const StoreChoice& store) {
                 options->onePartition = partition.Given();
                 options->oneNode = node.Given();
