@@ -106,7 +106,7 @@ struct Ways {
 };
 
 Ways WaysOf(const AutoNode& node) {
-    const auto& [partition, number] = Place;
+    const Partition partition = Place.partition;
     const std::vector<Sent> content = {Of(Command::Get_AUTO_Node, {Place, AutoType}),
                                        Of(Command::Get_AUTO_PromptsNode, {Place}),
                                        Of(Command::Get_AUTO_ActionsNode, {Place})};
@@ -130,12 +130,12 @@ Ways WaysOf(const AutoNode& node) {
     for (const auto& [sequence, target] : node.prompts) {
         addLabel(target);
         writes.push_back(Of(Command::Add_AUTO_PromptsNode,
-                            {partition, sequence, target.typeID, target.number, number, target.type}));
+                            {partition, sequence, target.typeID, target.number, Place.number, target.type}));
     }
     for (const auto& [sequence, target, low, high] : node.actions) {
         addLabel(target);
         writes.push_back(Of(Command::Add_AUTO_ActionsNode, {partition, sequence, target.typeID, target.number,
-                                                            number, low, high, target.type}));
+                                                            Place.number, low, high, target.type}));
     }
     std::vector<Sent> lookUps;
     for (auto& [key, sent] : labels) {
@@ -218,8 +218,8 @@ int Run(const std::string& address, const std::filesystem::path& link, int turns
             const auto obstacle = saver.Save(loaded, [&](NodeSave& save) {
                 std::vector<RequiredNode> nodes;
                 for (int row = 1; row <= 1000; ++row) {
-                    nodes.push_back({"", 0, row});
-                    nodes.push_back({"", 9, row});
+                    nodes.push_back({"", {MessageType, row}});
+                    nodes.push_back({"", {AutoType, row}});
                 }
                 save.CreateMissing(nodes, Date,
                                    {[](const RequiredNode&) { return CreationAudience::Answer::Leave; },

@@ -2,6 +2,7 @@
 
 #include "fuzz/Examine.h"
 #include "history/NodeContent.h"
+#include "nodes/JsonText.h"
 #include "platform/RuntimeError.h"
 
 #include <nlohmann/json.hpp>
