@@ -155,7 +155,7 @@ Ways WaysOf(const AutoNode& node) {
          {Of(Command::Delete_AUTO_Version, {Place, 30000}),
           Of(Command::Add_AUTO_Version,
              {Place, 30000, "save", "finished", TimeStamp(), "anna", "host", "bench", 1, "then", text}),
-          Of(Command::Prune_AUTO_Versions, {Place, -20, TimeStamp(90)}), Sent{"COMMIT", {}}}) {
+          Of(Command::Prune_AUTO_Versions, {Place, 29980, 20, TimeStamp(90), 0}), Sent{"COMMIT", {}}}) {
         writes.push_back(sent);
     }
     return {{content, lookUps}, {begin, writes}};
