@@ -111,7 +111,6 @@ Creation CreateNodeFromTemplate(DataBase& dataBase, Partition partition, int sou
         run([&] { written = batch.Run(); });
     }
     const bool registered = written.back() > 0;
-    written.pop_back();
     if (registered) {
         return written.front() > 0 ? Creation::Created : Creation::Empty;
     }
