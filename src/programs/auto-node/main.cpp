@@ -25,6 +25,7 @@ int main(int argc, char** argv) {
     CommandLine program("Edits the AUTO nodes of a telephone call-flow store.", "auto-node",
                         KAL_AUTO_NODE_VERSION);
     std::vector<Subcommand> commands;
+    commands.reserve(AllCommands.size());
     for (const auto make : AllCommands) {
         commands.push_back(make(program));
     }
