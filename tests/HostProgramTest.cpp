@@ -108,6 +108,8 @@ TEST(HostProgram, ListsAndShowsWhatAPersonWouldAskFor) {
     ExpectTold(Program(0, {"digits", "1", "1", "1"}).output, "\nTakes 1 digit; Invalid is MSG 1");
     ExpectTold(Program(0, {"show", "1", "2", "12"}).output, "M_ON 44   Voice of Müller, trailer\n");
     ExpectTold(Program(1, {"list", "9", "9"}).errors, "partition 9 has no nodes");
+    ExpectTold(Program(0, {"paths", "1", "2", "XFER", "1", "--json"}).output,
+               "\"certain\": true,\n    \"steps\": [\n      \"0\"\n    ],\n    \"nodes\": [");
     Program(2, {"list", "1"});
     store.Execute("UPDATE Node_General_Pool SET NodeDescription = '\x1b[2J', NodeType = '\x1b[3J';"
                   "UPDATE SR_Node_Type_Names SET English_Name = English_Name || '\x1b[4J';"

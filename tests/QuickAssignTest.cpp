@@ -125,10 +125,12 @@ TEST_F(QuickAssign, RemovesByNameAndNumber) {
 }
 
 TEST_F(QuickAssign, NothingIsDoneWithoutNumbers) {
-    store_.Execute("DELETE FROM Node_Type_Max WHERE PartitionID = 2 AND NodeType_ID = 5");
+    store_.Execute("DELETE FROM Node_Type_Max WHERE PartitionID = 2 AND NodeType_ID = 5;"
+                   "UPDATE Node_Type_Max SET Max_Number = 1 WHERE PartitionID = 2 AND NodeType_ID = 4");
     Edit(1, [&] {
         person_.InQuickAssign("cmdQuickActions", [] {
-            for (const auto& [type, numbered] : {std::pair{"EMPTY", false}, {"MSG", true}, {"HOLD", false}}) {
+            for (const auto& [type, numbered] :
+                 {std::pair{"EMPTY", false}, {"MSG", true}, {"XFER", true}, {"HOLD", false}}) {
                 Person::Choose("cmbNodeTypes", type);
                 EXPECT_EQ(Person::Button("cmdAdd")->isEnabled(), numbered) << type;
                 EXPECT_EQ(Person::Button("cmdRemove")->isEnabled(), numbered) << type;
