@@ -322,10 +322,12 @@ TEST_F(Upkeep, AppliesAPlanWhereWhatItTouchesIsAsItWas) {
     EXPECT_TRUE(refused > 0 && refused < rounds) << refused;
 
     // A row of another type is told by its key.
+    const std::string other = " WHERE PartID = 2 AND NodeMasterID = 5";
+    store_.Execute("UPDATE Detail_CMD SET NodeNumber = 1" + other);
     const std::array map{Replacement{{0, 1}, {0, 2}}};
     const auto repoint = PlanRepoint(dataBase_, history_, names_, Company, map);
     const std::string text = TextOf(RowsOf(dataBase_, Company, repoint, map, "today"));
-    store_.Execute("UPDATE Detail_CMD SET NodeNumber = 3 WHERE PartID = 2 AND NodeMasterID = 5");
+    store_.Execute("UPDATE Detail_CMD SET NodeNumber = 3" + other);
     EXPECT_EQ(Apply(dataBase_, history_, PlanIn(text)),
               Texts{"Detail_CMD, ConfigID 1, PartID 2, NodeMasterID 5, SequenceNo 1"});
     std::string edited = text;
