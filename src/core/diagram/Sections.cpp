@@ -31,7 +31,7 @@ Outline::Outline(const CallFlow& flow, const std::set<int>& shown, int first) {
 std::vector<NodeKey> Outline::FindPlaces(const CallFlow& flow, const std::set<int>& shown) {
     std::vector<NodeKey> found;
     for (const int number : shown) {
-        places_.try_emplace(found.emplace_back(AutoType, number));
+        places_.try_emplace(found.emplace_back(NodeKey{AutoType, number}));
     }
     FindOnwards(flow, shown, std::move(found));
     const auto leadsHere = [&](const auto& other) {

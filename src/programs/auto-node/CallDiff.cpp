@@ -40,7 +40,7 @@ class Telling {
     }
 
     // Whether there was any.
-    bool End() const {
+    [[nodiscard]] bool End() const {
         if (json_) {
             std::cout << JsonText(document_) << '\n';
         } else if (!any_) {
