@@ -146,9 +146,9 @@ void Examine(std::string_view input) {
     Source source(input);
     const NodeContent content = source.Content();
     if (examinesText) {
-        const std::string text = TextOf({1, 2}, 3, content);
+        const std::string text = TextOf({{1, 2}, 3}, content);
         Require(ContentOf(text) == content, "a content comes back equal");
-        Require(TextOf({1, 2}, 3, ContentOf(text)) == text, "what comes back has the same text");
+        Require(TextOf({{1, 2}, 3}, ContentOf(text)) == text, "what comes back has the same text");
     } else if (content.node) {
         const AutoNode& before = *content.node;
         const AutoNode after = source.Changed(before);

@@ -11,7 +11,7 @@ void Examine(std::string_view input) {
     const bool isTime = shown.find_first_not_of("0123456789-: ") == std::string::npos;
     const bool isWhole = text.size() == TimeStamp().size() && text.ends_with('Z');
     Require(shown == text || (isTime && isWhole), "a whole time is shown as one, another text as it stands");
-    static_cast<void>(IsBeingMade({1, "save", VersionState::Begun, text, {}}));
+    static_cast<void>(IsBeingMade({1, "save", VersionState::Begun, text, {}, {}}));
 }
 
 } // namespace KAL_AUTO_Node
