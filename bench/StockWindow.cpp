@@ -15,11 +15,12 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-struct Spec {
+// A control to be made after one that there is.
+struct Model {
     std::function<QWidget*(QWidget* parent)> make;
     QRect place;
     bool hidden = false;
-    std::vector<Spec> children;
+    std::vector<Model> children;
 };
 
 std::function<QWidget*(QWidget* parent)> MakeTree(const QTreeView& like) {
@@ -94,33 +95,33 @@ bool HasOwnChildren(const QWidget& widget) {
            qobject_cast<const QStatusBar*>(&widget) == nullptr;
 }
 
-std::vector<Spec> ChildrenOf(const QWidget& parent) {
-    std::vector<Spec> specs;
+std::vector<Model> ChildrenOf(const QWidget& parent) {
+    std::vector<Model> models;
     for (const QWidget* child : parent.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
         if (!child->isWindow()) {
-            specs.push_back({MakeOne(*child), child->geometry(), child->isHidden(),
-                             HasOwnChildren(*child) ? ChildrenOf(*child) : std::vector<Spec>()});
+            models.push_back({MakeOne(*child), child->geometry(), child->isHidden(),
+                              HasOwnChildren(*child) ? ChildrenOf(*child) : std::vector<Model>()});
         }
     }
-    return specs;
+    return models;
 }
 
-void Make(QWidget* parent, const std::vector<Spec>& specs) {
-    for (const Spec& spec : specs) {
-        QWidget* made = spec.make(parent);
-        made->setGeometry(spec.place);
-        made->setHidden(spec.hidden);
-        Make(made, spec.children);
+void Make(QWidget* parent, const std::vector<Model>& models) {
+    for (const Model& model : models) {
+        QWidget* made = model.make(parent);
+        made->setGeometry(model.place);
+        made->setHidden(model.hidden);
+        Make(made, model.children);
     }
 }
 
 } // namespace
 
 std::function<std::unique_ptr<QDialog>()> StockWindowLike(const QWidget& window) {
-    return [specs = ChildrenOf(window), size = window.size()] {
+    return [models = ChildrenOf(window), size = window.size()] {
         auto dialog = std::make_unique<QDialog>();
         dialog->resize(size);
-        Make(dialog.get(), specs);
+        Make(dialog.get(), models);
         return dialog;
     };
 }
