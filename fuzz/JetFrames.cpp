@@ -29,6 +29,8 @@ class Told : public JetSink {
 
     void TakeEndOfTable(std::uint32_t unreadableRows) override { writer.TakeEndOfTable(unreadableRows); }
 
+    void TakeRemark(std::string_view remark) override { writer.TakeRemark(remark); }
+
     std::string stream;
     JetFrameWriter writer;
     std::size_t columns = 0;

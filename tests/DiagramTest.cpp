@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <fstream>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -172,6 +174,12 @@ TEST(Diagram, CostsAMessageWhereDotFails) {
     fail("", "status 0");
     fail("echo $* >&2", "status 0: -Tpng -Gsize=72,72", "png");
     fail("echo picture; exit 1", "status 1");
+    const auto made = folder.Path() / "made";
+    fail("grep NoNewPrivs /proc/self/status >&2; echo any >'" + made.string() + "'; exit 5",
+         "status 5: NoNewPrivs:\\x091");
+    constexpr int askVersion = 1;
+    EXPECT_EQ(std::filesystem::exists(made),
+              syscall(SYS_landlock_create_ruleset, nullptr, 0, askVersion) < 1);
     path.Set(folder.Path().string() + "/none");
     EXPECT_THROW(static_cast<void>(DrawGraph("digraph { a }", "svg", seconds(1))), std::runtime_error);
 }

@@ -204,6 +204,7 @@ TEST(JetImport, TakesOtherShapesAndTellsWhatItCannotTake) {
                    {"1", "2", std::nullopt, "9", "no type"},
                    {"1", "2", "1", "10", "unreadable"},
                    {"1", "2", "1", "3000000000", "too large"}});
+        writer.TakeRemark("no cage");
         writer.End();
     });
     const TemporaryFolder folder;
@@ -225,6 +226,7 @@ TEST(JetImport, TakesOtherShapesAndTellsWhatItCannotTake) {
     EXPECT_EQ(report.remarks.front(),
               "Detail_AUTO_Prompts: sequence numbers were doubled in 1 list; the rows stay in "
               "their order, numbered anew from there on");
+    EXPECT_EQ(std::ranges::count(report.remarks, "no cage"), 1);
     EXPECT_EQ(std::ranges::count(report.remarks, "Node_CMD: the file counts fewer rows than it holds"), 1);
 }
 
@@ -288,6 +290,7 @@ TEST(JetImport, RefusesADamagedFileAndLeavesNothing) {
     const std::tuple<std::string, std::uint64_t, const char*> scripts[] = {
         {"kill -SEGV $$", 3, "crashed over it"},
         {"kill -XCPU $$", 3, "came to no end"},
+        {"kill -SYS $$", 3, "led to do what it may not"},
         {"exit 1", 3, "ended before"},
         {"exec 1>&-; sleep 60", 3, "ended"},
         {"exec sleep 60", 0, "came to no end"},

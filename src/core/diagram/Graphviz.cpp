@@ -22,6 +22,8 @@ namespace {
 // takes far longer than the layout.
 constexpr const char* PixelSize = "-Gsize=72,72";
 
+constexpr std::uint64_t MostFiles = 128;
+
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds BetweenLooks(50);
@@ -77,7 +79,11 @@ ChildStart StartOfDot(const std::string& format, std::array<int, 3> files, std::
     if (format == "png") {
         start.arguments.emplace_back(PixelSize);
     }
-    start.limits = {{RLIMIT_CPU, static_cast<std::uint64_t>(limit.count() + 1)}};
+    // It loads fonts and plugins, and a thread for them, but writes only to what it is given.
+    start.limits = {{RLIMIT_CPU, static_cast<std::uint64_t>(limit.count() + 1)},
+                    {RLIMIT_CORE, 0},
+                    {RLIMIT_NOFILE, MostFiles}};
+    start.onlyReads = true;
     return start;
 }
 

@@ -16,6 +16,7 @@ enum Kind : char {
     TableFrame = 'T',
     RowFrame = 'R',
     EndOfTableFrame = 'E',
+    RemarkFrame = 'N',
     EndFrame = 'Z',
     FailureFrame = 'F'
 };
@@ -145,6 +146,12 @@ class FrameReader {
             sink_.TakeEndOfTable(unreadable);
             break;
         }
+        case RemarkFrame: {
+            const std::string_view remark = content.Text();
+            content.RequireEnd();
+            sink_.TakeRemark(remark);
+            break;
+        }
         case EndFrame:
             content.RequireEnd();
             return true;
@@ -257,6 +264,12 @@ void JetFrameWriter::TakeRow(std::span<const JetValue> row) {
 void JetFrameWriter::TakeEndOfTable(std::uint32_t unreadableRows) {
     Begin(EndOfTableFrame);
     Add(unreadableRows);
+    Finish();
+}
+
+void JetFrameWriter::TakeRemark(std::string_view remark) {
+    Begin(RemarkFrame);
+    Add(remark);
     Finish();
 }
 

@@ -12,7 +12,7 @@ namespace KAL_AUTO_Node {
 // What the program that reads Jet files tells of one through a pipe, so that nothing in a damaged file
 // reaches the process that asks for it. The stream is a signature and frames, each a letter, the length of
 // its content (four bytes, the lowest first) and the content: table, its rows, its end, ... and the end of
-// all.
+// all; remarks stand between tables.
 
 // A table as the file defines it; without columns where its definition cannot be read.
 struct JetTable {
@@ -37,6 +37,8 @@ class JetSink {
     // One value a column of the table; valid during the call.
     virtual void TakeRow(std::span<const JetValue> row) = 0;
     virtual void TakeEndOfTable(std::uint32_t unreadableRows) = 0;
+    // Worth knowing, of how the file was read.
+    virtual void TakeRemark(std::string_view remark) = 0;
 };
 
 // Writes a stream; write takes bytes as they come and throws what goes wrong.
@@ -47,6 +49,7 @@ class JetFrameWriter : public JetSink {
     void TakeTable(const JetTable& table) override;
     void TakeRow(std::span<const JetValue> row) override;
     void TakeEndOfTable(std::uint32_t unreadableRows) override;
+    void TakeRemark(std::string_view remark) override;
 
     // The last frame: all was told, or why not.
     void End();

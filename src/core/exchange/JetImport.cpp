@@ -156,6 +156,12 @@ class JetImport : public JetSink {
         }
     }
 
+    void TakeRemark(std::string_view remark) override {
+        if (report_.remarks.size() < MostTold) {
+            report_.remarks.emplace_back(remark);
+        }
+    }
+
     JetReport Finish() {
         if (std::ranges::none_of(report_.tables,
                                  [](const auto& table) { return table.stored.has_value(); })) {

@@ -92,6 +92,9 @@ class ReaderProcess {
         if (WIFSIGNALED(status) && WTERMSIG(status) == SIGXCPU) {
             FailReading("its reader came to no end; the file is damaged");
         }
+        if (WIFSIGNALED(status) && WTERMSIG(status) == SIGSYS) {
+            FailReading("its reader was led to do what it may not, and was ended; the file is damaged");
+        }
         if (WIFSIGNALED(status) && WTERMSIG(status) != SIGKILL) {
             FailReading(std::string("its reader crashed over it (") + strsignal(WTERMSIG(status)) +
                         "); the file is damaged");
@@ -154,6 +157,10 @@ class Foreign : public JetSink {
 
     void TakeEndOfTable(std::uint32_t unreadableRows) override {
         Guard([&] { sink_.TakeEndOfTable(unreadableRows); });
+    }
+
+    void TakeRemark(std::string_view remark) override {
+        Guard([&] { sink_.TakeRemark(remark); });
     }
 
     [[nodiscard]] std::exception_ptr Failure() const { return failure_; }

@@ -1,5 +1,6 @@
 #include "platform/ChildProcess.h"
 
+#include "platform/Confinement.h"
 #include "platform/RuntimeError.h"
 
 #include <cerrno>
@@ -43,6 +44,7 @@ int Become(const ChildStart& start, char* const* arguments, pid_t parent) {
         const rlimit limit{most, most};
         setrlimit(static_cast<__rlimit_resource>(resource), &limit);
     }
+    Confine(start.onlyReads ? Confinement::Reading : Confinement::None);
     char* const nothing[] = {nullptr};
     execvpe(start.program.c_str(), arguments, start.hasEnvironment ? environ : nothing);
     return errno;

@@ -20,6 +20,8 @@ struct ChildStart {
     // Of setrlimit's: the resource and the most of it.
     std::vector<std::pair<int, std::uint64_t>> limits;
     bool hasEnvironment = true;
+    // As far as the kernel has what holds it to that; it has to open and read what it is made of.
+    bool onlyReads = false;
 };
 
 // A program that works for this one, as a process of its own: what it does to itself costs a message. It ends

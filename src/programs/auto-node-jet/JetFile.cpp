@@ -84,9 +84,6 @@ JetFile::JetFile(const char* path) : file_(mdb_open(path, MDB_NOFLAGS)) {
     if (file_->f->jet_version > MDB_VER_JET4) {
         throw RuntimeError("it has a later form than Jet 4");
     }
-    if (mdb_read_catalog(file_, MDB_ANY) == nullptr) {
-        throw RuntimeError("its list of tables cannot be read");
-    }
 }
 
 JetFile::~JetFile() {
@@ -96,6 +93,9 @@ JetFile::~JetFile() {
 }
 
 void JetFile::Tell(const std::set<std::string>& wanted, JetSink& sink) {
+    if (mdb_read_catalog(file_, MDB_ANY) == nullptr) {
+        throw RuntimeError("its list of tables cannot be read");
+    }
     RequireWholeCatalog();
     for (unsigned i = 0; i < file_->num_catalog; ++i) {
         auto* entry = ItemOf<MdbCatalogEntry>(file_->catalog, i);

@@ -19,6 +19,7 @@ struct JetValue;
 // this runs in a process of its own. What can be told is a RuntimeError.
 class JetFile {
   public:
+    // Opens it and reads its first page alone; nothing is opened afterwards.
     explicit JetFile(const char* path);
     ~JetFile();
 

@@ -1,11 +1,14 @@
 // Tells what is in a Jet file, for auto-node import, through its standard output: auto-node-jet FILE TABLE...
-// Runs under limits, as the library that reads such files can be led astray by a damaged one.
+// Runs under limits and, once it has opened the file, in a cage, as the library that reads such files can be
+// led astray by a damaged one.
 
+#include "auto-node-jet/Cage.h"
 #include "auto-node-jet/JetFile.h"
 #include "exchange/JetFrames.h"
 #include "platform/FoldCase.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <iostream>
@@ -22,6 +25,8 @@ int TakeOutput() {
     if (output < 0 || nowhere < 0 || dup2(nowhere, STDOUT_FILENO) < 0 || dup2(nowhere, STDERR_FILENO) < 0) {
         throw std::system_error(errno, std::generic_category());
     }
+    // Without a buffer, for which it would ask what kind of file that is.
+    static_cast<void>(std::setvbuf(stdout, nullptr, _IONBF, 0));
     return output;
 }
 
@@ -33,6 +38,17 @@ void WriteAll(int file, std::string_view bytes) {
         }
         bytes.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
     }
+}
+
+// Whether there is one.
+bool EnterCage() {
+#ifdef __SANITIZE_ADDRESS__
+    return true; // it looks for leaks at the end, through files and a process
+#else
+    KAL_AUTO_Node::LimitDescriptors();
+    const bool filesSealed = KAL_AUTO_Node::SealFiles();
+    return KAL_AUTO_Node::SealCalls() || filesSealed;
+#endif
 }
 
 } // namespace
@@ -51,7 +67,12 @@ int main(int argc, char** argv) {
             for (int i = 2; i < argc; ++i) {
                 wanted.insert(FoldAscii(argv[i]));
             }
-            JetFile(argv[1]).Tell(wanted, writer);
+            JetFile file(argv[1]);
+            if (!EnterCage()) {
+                writer.TakeRemark(
+                    "the file was read without a cage, which this system's kernel does not give");
+            }
+            file.Tell(wanted, writer);
             writer.End();
         } catch (const std::runtime_error& error) {
             writer.Fail(error.what());
