@@ -24,6 +24,7 @@ class Photographer {
 
     void TakeAll() {
         Edit(8, [&] { FindAndOpenMenu("find-menu"); });
+        Edit(1, [&] { TakeGoTo("go-to"); });
         Edit(1, [&] {
             TakeWindow("editor");
             EditRow("LVPrompts", "cmdPromptsEdit", 1, "prompts-editing");
@@ -83,6 +84,19 @@ class Photographer {
 
     void QuickAssign(const char* button, const std::string& name) {
         person_.InQuickAssign(button, [&] { Take(*Person::Window("frmQuickAssign"), name); });
+    }
+
+    // In the window that a key opens, once it shows what it has read.
+    void TakeGoTo(const std::string& name) {
+        QTimer::singleShot(0, [&] {
+            QWidget* window = Person::Window("frmGoTo");
+            if (QTest::qWaitFor([] { return Person::Count("LVGoTo") > 0; })) {
+                QTest::keyClicks(window->focusWidget(), "sale");
+                Take(*window, name);
+            }
+            window->close();
+        });
+        QTest::keyClick(Person::Window("GUI"), Qt::Key_G, Qt::ControlModifier);
     }
 
     void FindAndOpenMenu(const std::string& name) {

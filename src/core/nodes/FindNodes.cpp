@@ -14,15 +14,6 @@ namespace {
 // Above as many it is faster to read all references once than to ask for those of each.
 constexpr std::size_t Few = 2;
 
-std::vector<std::string> WordsOf(const std::string& text) {
-    std::istringstream words(FoldCase(text));
-    std::vector<std::string> all;
-    for (std::string word; words >> word;) {
-        all.push_back(std::move(word));
-    }
-    return all;
-}
-
 void CountUses(DataBase& dataBase, Partition partition, const TypeNames& names,
                std::vector<FoundNode>& found) {
     if (found.size() <= Few) {
@@ -47,21 +38,35 @@ void CountUses(DataBase& dataBase, Partition partition, const TypeNames& names,
 
 } // namespace
 
+NodeWords::NodeWords(const std::string& text) {
+    std::istringstream words(FoldCase(text));
+    for (std::string word; words >> word;) {
+        words_.push_back(std::move(word));
+    }
+}
+
+bool NodeWords::Fit(std::string_view label, std::string_view type, int number, bool typing) const {
+    const std::string digits = std::to_string(number);
+    return std::ranges::all_of(words_, [&](const std::string& word) {
+        return label.find(word) != std::string_view::npos || word == type ||
+               (typing ? digits.starts_with(word) : word == digits);
+    });
+}
+
+bool NodeWords::Name(int number) const {
+    return std::ranges::find(words_, std::to_string(number)) != words_.end();
+}
+
 std::vector<FoundNode> FindNodes(DataBase& dataBase, Partition partition, const TypeNames& names,
                                  const std::string& text) {
-    const auto words = WordsOf(text);
+    const NodeWords words(text);
     std::map<int, std::string> types;
     for (const auto& [typeID, name] : names.All()) {
         types.emplace(typeID, FoldCase(name));
     }
     std::vector<FoundNode> found;
     ReadRegister(dataBase, partition, [&](const NodeKey& node, std::string_view, std::string_view label) {
-        const std::string folded = FoldCase(label);
-        const auto fits = [&](const std::string& word) {
-            return folded.find(word) != std::string::npos || word == std::to_string(node.number) ||
-                   word == types[node.typeID];
-        };
-        if (std::ranges::all_of(words, fits)) {
+        if (words.Fit(FoldCase(label), types[node.typeID], node.number)) {
             found.push_back({node, std::string(label), 0});
         }
     });

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace KAL_AUTO_Node {
@@ -13,6 +14,23 @@ struct FoundNode {
     NodeKey node;
     std::string label;
     std::size_t uses = 0; // references to it
+};
+
+// What a person types to find nodes by: of a node that fits, each word is in the label, or is its number or
+// its type's name, whatever the case.
+class NodeWords {
+  public:
+    explicit NodeWords(const std::string& text);
+
+    // By label and type's name in their folded forms. While a word is typed, a number may only begin with it.
+    [[nodiscard]] bool Fit(std::string_view label, std::string_view type, int number,
+                           bool typing = false) const;
+
+    // Whether one of the words is the number.
+    [[nodiscard]] bool Name(int number) const;
+
+  private:
+    std::vector<std::string> words_;
 };
 
 // The nodes of every type of which each word of a text is in the label, or is the number or the type's name,

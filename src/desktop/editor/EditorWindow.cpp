@@ -10,12 +10,13 @@
 #include "rules/DuplicateRanges.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace KAL_AUTO_Node {
 
 EditorWindow::EditorWindow(const ComponentFactory& components)
     : components_(components), prompts_(gui_, undo_, components), actions_(gui_, undo_, components),
-      exceptions_(gui_, undo_) {
+      exceptions_(gui_, undo_), ways_(gui_, rules_) {
     OnKey(gui_, UndoKey, [this] { undo_.Undo(); });
     OnKey(gui_, RedoKey, [this] { undo_.Redo(); });
     ConnectHandlers();
@@ -61,6 +62,7 @@ void EditorWindow::ConnectHandlers() {
         connect(list, &ReferenceList::EditingBegan, this, [this, list] {
             TurnOffEditMode(list != &prompts_, list != &actions_, list != &exceptions_);
         });
+        connect(list, &ReferenceList::Followed, &ways_, &Wayfinder::Follow);
     }
 }
 
@@ -270,7 +272,7 @@ void EditorWindow::cmbNode_Click() {
         }
         rules_->LoadData(gui_, chosen);
         gui_.cmdApply->setEnabled(false);
-        gui_.nodeNumber = chosen;
+        ways_.Left(std::exchange(gui_.nodeNumber, chosen));
     });
 }
 

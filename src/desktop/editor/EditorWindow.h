@@ -4,6 +4,7 @@
 #include "editor/ActionsList.h"
 #include "editor/ExceptionsList.h"
 #include "editor/PromptsList.h"
+#include "editor/Wayfinder.h"
 #include "form/GUI.h"
 #include "rules/NodeRules.h"
 
@@ -82,6 +83,7 @@ class EditorWindow : public QObject {
     ExceptionsList exceptions_;
     PerList<ReferenceList*> lists_{&prompts_, &actions_, &exceptions_};
     std::unique_ptr<NodeRules> rules_;
+    Wayfinder ways_;
     PerList<ListView::WindowProcedure> savedProcedures_;
     // The lists whose in-place editing ends when the focus enters a control.
     std::map<QObject*, PerList<bool>> endedByFocus_;

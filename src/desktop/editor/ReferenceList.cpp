@@ -8,7 +8,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QMenu>
 
 #include <algorithm>
 #include <iterator>
@@ -89,6 +88,14 @@ void ReferenceList::EditSelectedItem() {
     } else if (row >= 0) {
         Edit_Click();
     }
+}
+
+std::optional<NodeKey> ReferenceList::SelectedTarget() const {
+    const int row = List().SelectedItem();
+    if (row < 0 || !RefersToNode(List().Row(row).typeID)) {
+        return std::nullopt;
+    }
+    return NodeKey{List().Row(row).typeID, List().Row(row).number}.Itself();
 }
 
 std::vector<QWidget*> ReferenceList::Editors(Slot slot) const {
@@ -324,31 +331,6 @@ void ReferenceList::Paste() {
     MarkChanged();
 }
 
-void ReferenceList::ShowMenu(const QPoint& place) {
-    QMenu menu(&List());
-    const auto offer = [&](const QString& text, const QKeySequence& key, bool enabled, auto deed) {
-        QAction* action = menu.addAction(text, this, deed);
-        action->setShortcut(key);
-        action->setShortcutVisibleInContextMenu(true);
-        action->setEnabled(enabled);
-    };
-    for (QPushButton* button : controls_.buttons) {
-        offer(button->text(), KeyOf(*button), button->isEnabled(), [button] { button->click(); });
-    }
-    menu.addSeparator();
-    offer(QStringLiteral("Undo"), QKeySequence(UndoKey), undo_.CanUndo(), [this] { undo_.Undo(); });
-    offer(QStringLiteral("Redo"), QKeySequence(RedoKey), undo_.CanRedo(), [this] { undo_.Redo(); });
-    menu.addSeparator();
-    const auto type = [this](int character) { return [this, character] { KeyPress(character); }; };
-    offer(QStringLiteral("Copy"), QKeySequence::Copy, List().GetSelectedCount() > 0,
-          type(ListView::CopyCharacter));
-    offer(QStringLiteral("Paste"), QKeySequence::Paste,
-          !Editing() && !QGuiApplication::clipboard()->text().isEmpty(), type(ListView::PasteCharacter));
-    menu.addSeparator();
-    offer(QStringLiteral("Find"), QKeySequence(FindKey), true, [this] { gui_.Find(List()); });
-    menu.exec(place);
-}
-
 // While a row is edited, Enter accepts it and Escape takes it back: both close its editors, not the window.
 // From the list, Enter and F2 begin edit mode or open the editors again, and Escape ends it.
 bool ReferenceList::eventFilter(QObject* watched, QEvent* event) {
@@ -357,6 +339,12 @@ bool ReferenceList::eventFilter(QObject* watched, QEvent* event) {
     }
     const bool onList = watched == &List();
     const int key = static_cast<QKeyEvent*>(event)->key();
+    if (onList && IsEnter(key) && static_cast<QKeyEvent*>(event)->modifiers() == Qt::ControlModifier) {
+        if (const auto target = SelectedTarget()) {
+            emit Followed(*target);
+        }
+        return true;
+    }
     const bool begins = IsEnter(key) || (onList && key == Qt::Key_F2);
     if (!begins && key != Qt::Key_Escape) {
         return QObject::eventFilter(watched, event);

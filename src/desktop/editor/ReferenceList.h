@@ -3,11 +3,13 @@
 #include "editor/Handler.h"
 #include "editor/RowHistory.h"
 #include "form/GUI.h"
+#include "nodes/Identity.h"
 #include "rules/RowText.h"
 
 #include <QObject>
 #include <QPersistentModelIndex>
 
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -50,6 +52,8 @@ class ReferenceList : public QObject {
   signals:
     // Edit mode is on: that of the other lists has to end.
     void EditingBegan();
+    // A person wants to go on with the node that a row refers to.
+    void Followed(const NodeKey& target);
 
   protected:
     // The slots are those of the list's editors.
@@ -125,6 +129,8 @@ class ReferenceList : public QObject {
     void Copy() const;
     void Paste();
     void ShowMenu(const QPoint& place);
+    // The node that the selected row refers to; nothing where that is none.
+    [[nodiscard]] std::optional<NodeKey> SelectedTarget() const;
     [[nodiscard]] std::vector<QWidget*> Editors() const;
     [[nodiscard]] std::vector<QWidget*> Editors(Slot slot) const;
 

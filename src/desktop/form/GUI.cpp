@@ -4,9 +4,9 @@
 #include "controls/ArrowIcon.h"
 #include "controls/CompactStyle.h"
 #include "controls/LabelledPopup.h"
+#include "controls/Making.h"
 #include "controls/Twips.h"
 #include "feedback/ErrorReport.h"
-#include "form/Making.h"
 #include "form/Stored.h"
 #include "platform/RuntimeError.h"
 

@@ -1,8 +1,8 @@
 // How the editor window is laid out, and how it fits the screen.
 
+#include "controls/Making.h"
 #include "controls/Twips.h"
 #include "form/GUI.h"
-#include "form/Making.h"
 
 #include <QEvent>
 #include <QGridLayout>

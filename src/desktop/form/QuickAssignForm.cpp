@@ -1,6 +1,6 @@
 #include "form/QuickAssignForm.h"
 
-#include "form/Making.h"
+#include "controls/Making.h"
 #include "form/Shortcuts.h"
 
 #include <QGridLayout>

@@ -14,6 +14,9 @@ namespace KAL_AUTO_Node {
 inline constexpr const char* UndoKey = "Ctrl+Z";
 inline constexpr const char* RedoKey = "Ctrl+Shift+Z";
 inline constexpr const char* FindKey = "Ctrl+F";
+inline constexpr const char* GoToKey = "Ctrl+G";
+inline constexpr const char* FollowKey = "Ctrl+Return";
+inline constexpr const char* BackKey = "Alt+Left";
 
 inline constexpr const char* KeyProperty = "key";
 

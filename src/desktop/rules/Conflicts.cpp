@@ -1,8 +1,8 @@
 #include "rules/Conflicts.h"
 
+#include "controls/Utf8.h"
 #include "feedback/MessageBox.h"
 #include "platform/VisibleText.h"
-#include "rules/Utf8.h"
 
 #include <QStringList>
 

@@ -1,3 +1,4 @@
+#include "controls/Utf8.h"
 #include "feedback/ErrorReport.h"
 #include "feedback/MessageBox.h"
 #include "feedback/MousePointer.h"
@@ -8,7 +9,6 @@
 #include "platform/RuntimeError.h"
 #include "rules/NodeRules.h"
 #include "rules/Rows.h"
-#include "rules/Utf8.h"
 
 #include <exception>
 
@@ -48,14 +48,6 @@ void ShowSettings(const GUI& gui, const AutoNode& node) {
     show(ValueBoxes.front());
     gui.cmbTermDigit->SetListIndex(static_cast<int>(TerminatingDigitOf(node.settings)));
     std::for_each(ValueBoxes.begin() + 1, ValueBoxes.end(), show);
-}
-
-// Labels of nodes that are referred to are there to be read; the toolkit cannot lay out every length.
-QString ShownLabel(std::string_view label) {
-    constexpr qsizetype longest = 1000;
-    constexpr std::size_t bytesPerCharacter = 4;
-    const QString whole = FromUtf8(label.substr(0, (longest + 1) * bytesPerCharacter));
-    return whole.size() > longest ? whole.left(longest) + QChar(0x2026) : whole;
 }
 
 // The stored type is shown, the type's name of today kept for saving.

@@ -1,3 +1,4 @@
+#include "controls/Utf8.h"
 #include "feedback/ErrorReport.h"
 #include "feedback/MessageBox.h"
 #include "feedback/MousePointer.h"
@@ -8,7 +9,6 @@
 #include "nodes/Templates.h"
 #include "platform/Today.h"
 #include "rules/NodeRules.h"
-#include "rules/Utf8.h"
 
 #include <QStringList>
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "KAL_AUTO_Node/Components.h"
+#include "controls/ComboBox.h"
 #include "history/History.h"
 #include "nodes/Slots.h"
 #include "store/Batch.h"
@@ -8,8 +9,11 @@
 #include <QString>
 
 #include <cstdint>
+#include <exception>
+#include <filesystem>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace KAL_AUTO_Node {
 
@@ -55,6 +59,13 @@ class NodeRules {
     static bool LoadStaticConstants(GUI& gui);
     bool LoadExistingNodesInRecordSelector(GUI& gui, std::int16_t nodeNumber);
 
+    // Takes nodes into the selector that were made since; the node shown stays chosen. Has no report of its
+    // own.
+    void ListNodesAnew(const GUI& gui);
+
+    // The store's file.
+    [[nodiscard]] const std::filesystem::path& File() const { return dataBase_.File(); }
+
     // Shows the stored node in the window; tells a person when there is none, and offers to put it back first
     // when its last save did not finish. Returns whether the node was there and was loaded. Needs the
     // reference lists.
@@ -84,6 +95,9 @@ class NodeRules {
 
   private:
     class Person;
+
+    // Takes the partition's AUTO nodes for the selector, and returns why it could not take all.
+    [[nodiscard]] std::exception_ptr ReadSelector(const GUI& gui, std::vector<PickList::Entry>& entries);
 
     // Offers the types that a slot may refer to, and notes those that have no numbers.
     void LoadContainableTypes(GUI& gui, Slot slot);

@@ -1,10 +1,13 @@
+#include "controls/Utf8.h"
 #include "feedback/ErrorReport.h"
 #include "form/GUI.h"
 #include "form/ValueBoxes.h"
 #include "nodes/Overview.h"
 #include "platform/RuntimeError.h"
 #include "rules/NodeRules.h"
-#include "rules/Utf8.h"
+
+#include <algorithm>
+#include <exception>
 
 namespace KAL_AUTO_Node {
 
@@ -62,28 +65,30 @@ bool NodeRules::LoadStaticConstants(GUI& gui) {
     });
 }
 
+std::exception_ptr NodeRules::ReadSelector(const GUI& gui, std::vector<PickList::Entry>& entries) {
+    QString typeName;
+    try {
+        ReadAutoNodes(dataBase_, PartitionOf(gui), [&](std::int16_t number, std::string_view) {
+            if (number <= 0 && !NewNodeFlag) {
+                return;
+            }
+            if (typeName.isEmpty()) {
+                typeName = gui.NodeName(AutoType) + ' ';
+            }
+            entries.push_back({typeName + QString::number(number), number});
+        });
+    } catch (const RuntimeError&) {
+        return std::current_exception();
+    }
+    return {};
+}
+
 bool NodeRules::LoadExistingNodesInRecordSelector(GUI& gui, std::int16_t nodeNumber) {
     return Reporting("LoadExistingNodesInRecordSelector", [&] {
-        int opened = 0;
         std::vector<PickList::Entry> entries;
-        QString typeName;
-        std::exception_ptr failure;
-        try {
-            ReadAutoNodes(dataBase_, PartitionOf(gui), [&](std::int16_t number, std::string_view) {
-                if (number <= 0 && !NewNodeFlag) {
-                    return;
-                }
-                if (typeName.isEmpty()) {
-                    typeName = gui.NodeName(AutoType) + ' ';
-                }
-                if (number == nodeNumber) {
-                    opened = static_cast<int>(entries.size());
-                }
-                entries.push_back({typeName + QString::number(number), number});
-            });
-        } catch (const RuntimeError&) {
-            failure = std::current_exception();
-        }
+        const std::exception_ptr failure = ReadSelector(gui, entries);
+        const auto listed = std::ranges::find(entries, nodeNumber, &PickList::Entry::data);
+        const auto opened = listed == entries.end() ? 0 : static_cast<int>(listed - entries.begin());
         gui.cmbNode->AddItems(std::move(entries));
         if (failure) {
             std::rethrow_exception(failure);
@@ -99,6 +104,21 @@ bool NodeRules::LoadExistingNodesInRecordSelector(GUI& gui, std::int16_t nodeNum
             }
         }
     });
+}
+
+void NodeRules::ListNodesAnew(const GUI& gui) {
+    std::vector<PickList::Entry> entries;
+    if (const std::exception_ptr failure = ReadSelector(gui, entries)) {
+        std::rethrow_exception(failure);
+    }
+    const auto shown = std::ranges::find(entries, gui.nodeNumber, &PickList::Entry::data);
+    if (shown == entries.end()) {
+        return; // it is gone, and what the selector has is what the person sees
+    }
+    const auto place = static_cast<int>(shown - entries.begin());
+    gui.cmbNode->Clear();
+    gui.cmbNode->AddItems(std::move(entries));
+    gui.cmbNode->setCurrentIndex(place);
 }
 
 } // namespace KAL_AUTO_Node

@@ -1,10 +1,10 @@
 #include "rules/RowText.h"
 
+#include "controls/Utf8.h"
 #include "form/GUI.h"
 #include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
 #include "rules/Rows.h"
-#include "rules/Utf8.h"
 
 #include <QStringList>
 

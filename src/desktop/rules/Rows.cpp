@@ -1,6 +1,6 @@
 #include "rules/Rows.h"
 
-#include "rules/Utf8.h"
+#include "controls/Utf8.h"
 
 #include <array>
 

@@ -1,8 +1,8 @@
+#include "controls/Utf8.h"
 #include "feedback/ErrorReport.h"
 #include "feedback/MessageBox.h"
 #include "platform/VisibleText.h"
 #include "rules/NodeRules.h"
-#include "rules/Utf8.h"
 #include "store/UpgradeStore.h"
 
 #include <utility>
