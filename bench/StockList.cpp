@@ -22,7 +22,7 @@ StockList::StockList(const ListView& like) {
 
 namespace {
 
-QString KeyOf(int number) { return QString::number(number) + KeySuffix; }
+QString RowKey(int number) { return QString::number(number) + KeySuffix; }
 
 // As Add and Insert make it.
 ListRow NewRow(int number) {
@@ -38,7 +38,7 @@ QTreeWidgetItem* StockList::MakeItem(const ListRow& row, int number) const {
         cells.append(CellOf(row, number, column));
     }
     auto* item = new QTreeWidgetItem(cells);
-    item->setData(0, Qt::UserRole, KeyOf(number));
+    item->setData(0, Qt::UserRole, RowKey(number));
     return item;
 }
 
@@ -49,7 +49,7 @@ void StockList::Fill(const std::vector<ListRow>& rows) {
     for (const ListRow& row : rows) {
         const int number = static_cast<int>(items.size()) + 1;
         items.append(MakeItem(row, number));
-        byKey_.insert(KeyOf(number), items.last());
+        byKey_.insert(RowKey(number), items.last());
     }
     tree_.addTopLevelItems(items);
 }
@@ -93,7 +93,7 @@ void StockList::Add() {
     const int number = tree_.topLevelItem(last)->text(PositionColumn).toInt() + 1;
     QTreeWidgetItem* item = MakeItem(NewRow(number), number);
     tree_.addTopLevelItem(item);
-    byKey_.insert(KeyOf(number), item);
+    byKey_.insert(RowKey(number), item);
     Select(last + 1);
 }
 
@@ -132,7 +132,7 @@ void StockList::Renumber() {
     }
     for (int row = 0; row < tree_.topLevelItemCount(); ++row) {
         QTreeWidgetItem* item = tree_.topLevelItem(row);
-        const QString key = KeyOf(row + 1);
+        const QString key = RowKey(row + 1);
         item->setText(PositionColumn, QString::number(row + 1));
         item->setData(0, Qt::UserRole, key);
         byKey_.insert(key, item);

@@ -23,18 +23,19 @@ constexpr const char* PlanFormat = "auto-node-plan";
 constexpr int PlanVersion = 1;
 constexpr std::string_view SumStart = "\"sum\": \"";
 
-enum class RowKind { Removal, Change, Addition, Rest };
+enum class ChangeKind { Removal, Change, Addition, Rest };
 
-constexpr std::array<std::pair<RowKind, const char*>, 4> PlanSections = {{{RowKind::Removal, "removals"},
-                                                                          {RowKind::Change, "changes"},
-                                                                          {RowKind::Addition, "additions"},
-                                                                          {RowKind::Rest, "unchanged"}}};
+constexpr std::array<std::pair<ChangeKind, const char*>, 4> PlanSections = {
+    {{ChangeKind::Removal, "removals"},
+     {ChangeKind::Change, "changes"},
+     {ChangeKind::Addition, "additions"},
+     {ChangeKind::Rest, "unchanged"}}};
 
-RowKind RowKindOf(const RowChange& change) {
-    return !change.after                   ? RowKind::Removal
-           : !change.before                ? RowKind::Addition
-           : change.before == change.after ? RowKind::Rest
-                                           : RowKind::Change;
+ChangeKind ChangeKindOf(const RowChange& change) {
+    return !change.after                   ? ChangeKind::Removal
+           : !change.before                ? ChangeKind::Addition
+           : change.before == change.after ? ChangeKind::Rest
+                                           : ChangeKind::Change;
 }
 
 // It tells a text that somebody has edited; nobody is kept from forging one.
@@ -96,7 +97,7 @@ void ReadPlan(const Json& document, RowPlan& plan) {
             }
             plan.changes.push_back({table, RowIn(*table, change, "before"), RowIn(*table, change, "after")});
             RowChange& read = plan.changes.back();
-            if (kind == RowKind::Rest) {
+            if (kind == ChangeKind::Rest) {
                 read.after = read.before;
             }
             if (!read.before && !read.after) {
@@ -113,12 +114,12 @@ void ReadPlan(const Json& document, RowPlan& plan) {
 }
 
 // The row, as far as its key, that a write with those parameters was for.
-StoreRow RowOf(const StoreTable& table, RowKind kind, const StoreRow& parameters) {
-    if (kind == RowKind::Addition) {
+StoreRow RowOf(const StoreTable& table, ChangeKind kind, const StoreRow& parameters) {
+    if (kind == ChangeKind::Addition) {
         return parameters;
     }
     StoreRow row(table.columns.size());
-    const std::size_t first = kind == RowKind::Removal ? 0 : table.columns.size() - table.key.size();
+    const std::size_t first = kind == ChangeKind::Removal ? 0 : table.columns.size() - table.key.size();
     for (std::size_t i = 0; i < table.key.size(); ++i) {
         row[table.key[i]] = parameters.at(first + i);
     }
@@ -130,10 +131,10 @@ StoreRow RowOf(const StoreTable& table, RowKind kind, const StoreRow& parameters
 RowPlan::Counts RowPlan::Count() const {
     Counts counts;
     for (const RowChange& change : changes) {
-        const RowKind kind = RowKindOf(change);
-        counts.removed += kind == RowKind::Removal ? 1 : 0;
-        counts.changed += kind == RowKind::Change ? 1 : 0;
-        counts.added += kind == RowKind::Addition ? 1 : 0;
+        const ChangeKind kind = ChangeKindOf(change);
+        counts.removed += kind == ChangeKind::Removal ? 1 : 0;
+        counts.changed += kind == ChangeKind::Change ? 1 : 0;
+        counts.added += kind == ChangeKind::Addition ? 1 : 0;
     }
     return counts;
 }
@@ -146,12 +147,12 @@ std::string TextOf(const RowPlan& plan) {
         text += std::string(",\n\"") + name + "\": [";
         const char* between = "\n";
         for (const RowChange& change : plan.changes) {
-            if (RowKindOf(change) != kind) {
+            if (ChangeKindOf(change) != kind) {
                 continue;
             }
             text += std::string(between) + R"({"table": ")" + change.table->name + '"';
             AppendChangedRow(text, change, "before", change.before);
-            if (kind != RowKind::Rest) {
+            if (kind != ChangeKind::Rest) {
                 AppendChangedRow(text, change, "after", change.after);
             }
             text += '}';
@@ -220,7 +221,7 @@ std::vector<std::string> CarryOut(DataBase& dataBase, History& history, const Ro
             }
         };
         for (const RowChange& change : plan.changes) {
-            if (!changed.empty() || RowKindOf(change) != kind) {
+            if (!changed.empty() || ChangeKindOf(change) != kind) {
                 continue;
             }
             if (change.table != table || writes->AreMany()) {

@@ -18,7 +18,7 @@ void ReferenceList::ShowMenu(const QPoint& place) {
         action->setEnabled(enabled);
     };
     for (QPushButton* button : controls_.buttons) {
-        offer(button->text(), KeyOf(*button), button->isEnabled(), [button] { button->click(); });
+        offer(button->text(), ShortcutOf(*button), button->isEnabled(), [button] { button->click(); });
     }
     menu.addSeparator();
     offer(QStringLiteral("Undo"), QKeySequence(UndoKey), undo_.CanUndo(), [this] { undo_.Undo(); });

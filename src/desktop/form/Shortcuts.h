@@ -21,7 +21,7 @@ inline constexpr const char* BackKey = "Alt+Left";
 inline constexpr const char* KeyProperty = "key";
 
 // The key that was named for a control.
-[[nodiscard]] inline QKeySequence KeyOf(const QWidget& control) {
+[[nodiscard]] inline QKeySequence ShortcutOf(const QWidget& control) {
     return control.property(KeyProperty).value<QKeySequence>();
 }
 

@@ -13,14 +13,16 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-std::string KeyOf(const std::string& line) { return line.substr(0, line.find_last_not_of(" \r\t") + 1); }
+std::string WithoutTrailingBlanks(const std::string& line) {
+    return line.substr(0, line.find_last_not_of(" \r\t") + 1);
+}
 
 } // namespace
 
 AcceptedFindings::AcceptedFindings(std::string file) : file_(std::move(file)) {
     std::ifstream lines(file_);
     for (std::string line; std::getline(lines, line);) {
-        const std::string key = KeyOf(line);
+        const std::string key = WithoutTrailingBlanks(line);
         lines_.push_back(std::move(line));
         if (key.empty() || key.starts_with('#')) {
             continue;
@@ -55,7 +57,7 @@ AcceptedFindings::Stale(const std::function<bool(const std::string& key)>& meets
 void AcceptedFindings::Drop(const std::set<std::string>& keys) {
     Output file(file_);
     for (const std::string& line : lines_) {
-        if (!keys.contains(KeyOf(line))) {
+        if (!keys.contains(WithoutTrailingBlanks(line))) {
             file.Append(line + '\n');
         }
     }
