@@ -83,8 +83,8 @@ const StoreTable* FindTable(std::string_view name) {
 }
 
 std::optional<std::size_t> FindColumn(const StoreTable& table, std::string_view name) {
-    const auto found = std::ranges::find(table.columns, FoldAscii(name),
-                                         [](const StoreColumn& column) { return FoldAscii(column.name); });
+    const auto found = std::ranges::find_if(
+        table.columns, [name](const StoreColumn& column) { return SameInAscii(column.name, name); });
     return found == table.columns.end()
                ? std::nullopt
                : std::optional(static_cast<std::size_t>(found - table.columns.begin()));

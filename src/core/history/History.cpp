@@ -1,6 +1,7 @@
 #include "history/History.h"
 
 #include "nodes/NodeTypes.h"
+#include "platform/FoldCase.h"
 #include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
 #include "store/Batch.h"
@@ -9,7 +10,6 @@
 #include <climits>
 
 #include <algorithm>
-#include <strings.h>
 
 namespace KAL_AUTO_Node {
 
@@ -40,7 +40,7 @@ bool History::TellsMachines() {
         tellsMachines_ = version > 1 ||
                          (version == 0 &&
                           std::ranges::any_of(dataBase_.Columns(VersionTable), [](const std::string& column) {
-                              return strcasecmp(column.c_str(), "Machine") == 0;
+                              return SameInAscii(column, "Machine");
                           }));
     }
     return *tellsMachines_;

@@ -17,16 +17,18 @@ locale_t Letters() {
     return letters;
 }
 
+constexpr char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
 } // namespace
 
 std::string FoldAscii(std::string_view text) {
     std::string folded(text);
-    for (char& c : folded) {
-        if (c >= 'A' && c <= 'Z') {
-            c = static_cast<char>(c - 'A' + 'a');
-        }
-    }
+    std::ranges::transform(folded, folded.begin(), Lower);
     return folded;
+}
+
+bool SameInAscii(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, {}, Lower, Lower);
 }
 
 std::string FoldCase(std::string_view text) {

@@ -11,5 +11,7 @@ namespace KAL_AUTO_Node {
 
 // The form in which texts that differ in the case of ASCII letters alone are equal.
 [[nodiscard]] std::string FoldAscii(std::string_view text);
+// Whether two texts are the same then.
+[[nodiscard]] bool SameInAscii(std::string_view a, std::string_view b);
 
 } // namespace KAL_AUTO_Node

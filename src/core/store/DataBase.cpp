@@ -42,8 +42,6 @@ std::filesystem::path FileIn(std::string_view connectionString) {
     return NativePath(connectionString.substr(connectionString.find(key) + key.size()));
 }
 
-bool SameName(std::string_view a, std::string_view b) { return a == b || FoldAscii(a) == FoldAscii(b); }
-
 } // namespace
 
 std::string_view CommandName(Command command) { return CommandOf(command).name; }
@@ -114,7 +112,7 @@ std::size_t ResultSet::Column(std::string_view name) const {
     }
     const auto columns = Rows().Columns();
     const auto found =
-        std::ranges::find_if(columns, [=](const auto& column) { return SameName(column, name); });
+        std::ranges::find_if(columns, [=](const auto& column) { return SameInAscii(column, name); });
     if (found == columns.end()) {
         throw RuntimeError(ErrorNumber::ColumnNotFound, "The rows of " + std::string(CommandName(command_)) +
                                                             " have no column " + std::string(name));

@@ -52,6 +52,9 @@ class SqliteConnection : public Connection {
     // Where the store can only be read, and there is no log that could be: goes on with what the file holds.
     bool ReadWithoutLog();
 
+    // What is read from.
+    [[nodiscard]] sqlite3* Engine() const noexcept { return snapshot_ ? snapshot_.get() : database_.get(); }
+
     std::filesystem::path file_;
     Waits waits_;
     SqliteHandle database_;
