@@ -5,6 +5,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cwchar>
+#include <optional>
 
 namespace KAL_AUTO_Node {
 
@@ -41,14 +42,23 @@ bool IsNoCharacter(wchar_t code) { return (code >= 0xD800 && code <= 0xDFFF) || 
 // the code WEOF.
 template <class Take>
 void ForEachCharacter(std::string_view text, Take take) {
-    const Utf8Letters letters;
+    std::optional<Utf8Letters> letters;
     std::mbstate_t state{};
     while (!text.empty()) {
+        // Most texts have no others, for which a locale would be read.
+        if (const auto byte = static_cast<unsigned char>(text.front()); byte < 0x80) {
+            take(text.substr(0, 1), wint_t{byte});
+            text.remove_prefix(1);
+            continue;
+        }
+        if (!letters) {
+            letters.emplace();
+        }
         wchar_t character = 0;
         const std::size_t length = std::mbrtowc(&character, text.data(), text.size(), &state);
-        if (length == 0 || length > text.size() || IsNoCharacter(character)) {
+        if (length > text.size() || IsNoCharacter(character)) {
             state = {};
-            take(text.substr(0, 1), length == 0 ? wint_t{0} : WEOF);
+            take(text.substr(0, 1), WEOF);
             text.remove_prefix(1);
         } else {
             take(text.substr(0, length), static_cast<wint_t>(character));

@@ -14,7 +14,7 @@
 
 namespace KAL_AUTO_Node {
 
-Subcommand ApplyCommand(CommandLine& program) {
+Subcommand ApplyCommand(CommandLine& program, const std::string& name) {
     struct Options {
         std::string file;
         std::string note;
@@ -24,7 +24,7 @@ Subcommand ApplyCommand(CommandLine& program) {
 
     auto options = std::make_shared<Options>();
     const CommandArguments command = program.Add(
-        "apply", "Make the changes that import --plan or repoint --plan wrote down, all or none of them");
+        name, "Make the changes that import --plan or repoint --plan wrote down, all or none of them");
     command.Text("FILE", options->file, "The plan").Required().ShownAs("");
     AddNote(command, options->note);
     AddExitCode(command, options->exitCode,

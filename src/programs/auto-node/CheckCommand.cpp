@@ -312,10 +312,10 @@ void PrintCheckOf(const std::filesystem::path& store) {
     Checking(options, dataBase).Run();
 }
 
-Subcommand CheckCommand(CommandLine& program) {
+Subcommand CheckCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command = program.Add(
-        "check",
+        name,
         "Tell what is wrong in all partitions, in one, or with one AUTO node; exits with 1 where there are "
         "errors, 3 where there are warnings only");
     NodePlace& place = options->place;
@@ -333,10 +333,10 @@ Subcommand CheckCommand(CommandLine& program) {
                               .Excludes(keys);
     const Option text =
         command.Text("--text", options->text, "Check what export wrote, instead of a store").ShownAs("FILE");
-    const auto codes = [&](const char* name, std::set<Fault>& faults, const char* description) {
+    const auto codes = [&](const char* option, std::set<Fault>& faults, const char* description) {
         command
             .Word(
-                name, [name, &faults](const std::string& words) { faults = ReadCodes(name, words); },
+                option, [option, &faults](const std::string& words) { faults = ReadCodes(option, words); },
                 description)
             .ShownAs("CODE,...");
     };

@@ -22,39 +22,53 @@ using StoreWork = std::function<int(DataBase& dataBase)>;
 [[nodiscard]] std::function<int(const StoreChoice& store)> Reading(StoreWork work);
 [[nodiscard]] std::function<int(const StoreChoice& store)> Opening(StoreWork work);
 
-[[nodiscard]] Subcommand EditCommand(CommandLine& program);
-[[nodiscard]] Subcommand ApplyCommand(CommandLine& program);
-[[nodiscard]] Subcommand CheckCommand(CommandLine& program);
-[[nodiscard]] Subcommand CopyCommand(CommandLine& program);
-[[nodiscard]] Subcommand DiffCommand(CommandLine& program);
-[[nodiscard]] Subcommand DigitsCommand(CommandLine& program);
-[[nodiscard]] Subcommand ExpectCommand(CommandLine& program);
-[[nodiscard]] Subcommand ExportCommand(CommandLine& program);
-[[nodiscard]] Subcommand FindCommand(CommandLine& program);
-[[nodiscard]] Subcommand GraphCommand(CommandLine& program);
-[[nodiscard]] Subcommand HistoryCommand(CommandLine& program);
-[[nodiscard]] Subcommand ImportCommand(CommandLine& program);
-[[nodiscard]] Subcommand InitCommand(CommandLine& program);
-[[nodiscard]] Subcommand ListCommand(CommandLine& program);
-[[nodiscard]] Subcommand MergeCommand(CommandLine& program);
-[[nodiscard]] Subcommand MoveCommand(CommandLine& program);
-[[nodiscard]] Subcommand PathsCommand(CommandLine& program);
-[[nodiscard]] Subcommand PruneCommand(CommandLine& program);
-[[nodiscard]] Subcommand RecordingsCommand(CommandLine& program);
-[[nodiscard]] Subcommand RemoveCommand(CommandLine& program);
-[[nodiscard]] Subcommand RepointCommand(CommandLine& program);
-[[nodiscard]] Subcommand RestoreCommand(CommandLine& program);
-[[nodiscard]] Subcommand ShowCommand(CommandLine& program);
-[[nodiscard]] Subcommand TraceCommand(CommandLine& program);
-[[nodiscard]] Subcommand UpgradeCommand(CommandLine& program);
-[[nodiscard]] Subcommand UsesCommand(CommandLine& program);
+[[nodiscard]] Subcommand EditCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand ApplyCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand CheckCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand CopyCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand DiffCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand DigitsCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand ExpectCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand ExportCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand FindCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand GraphCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand HistoryCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand ImportCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand InitCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand ListCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand MergeCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand MoveCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand PathsCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand PruneCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand RecordingsCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand RemoveCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand RepointCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand RestoreCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand ShowCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand TraceCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand UpgradeCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand UsesCommand(CommandLine& program, const std::string& name);
+
+struct NamedCommand {
+    const char* name;
+    Subcommand (*make)(CommandLine& program, const std::string& name);
+};
 
 // All of them, in the order of --help.
 inline constexpr std::array AllCommands = {
-    &EditCommand,    &InitCommand,      &ListCommand,   &ShowCommand,   &HistoryCommand, &DiffCommand,
-    &RestoreCommand, &PruneCommand,     &ImportCommand, &ExportCommand, &DigitsCommand,  &TraceCommand,
-    &PathsCommand,   &ExpectCommand,    &GraphCommand,  &CheckCommand,  &UsesCommand,    &RepointCommand,
-    &UpgradeCommand, &MergeCommand,     &CopyCommand,   &MoveCommand,   &RemoveCommand,  &FindCommand,
-    &ApplyCommand,   &RecordingsCommand};
+    NamedCommand{"edit", &EditCommand},       NamedCommand{"init", &InitCommand},
+    NamedCommand{"list", &ListCommand},       NamedCommand{"show", &ShowCommand},
+    NamedCommand{"history", &HistoryCommand}, NamedCommand{"diff", &DiffCommand},
+    NamedCommand{"restore", &RestoreCommand}, NamedCommand{"prune", &PruneCommand},
+    NamedCommand{"import", &ImportCommand},   NamedCommand{"export", &ExportCommand},
+    NamedCommand{"digits", &DigitsCommand},   NamedCommand{"trace", &TraceCommand},
+    NamedCommand{"paths", &PathsCommand},     NamedCommand{"expect", &ExpectCommand},
+    NamedCommand{"graph", &GraphCommand},     NamedCommand{"check", &CheckCommand},
+    NamedCommand{"uses", &UsesCommand},       NamedCommand{"repoint", &RepointCommand},
+    NamedCommand{"upgrade", &UpgradeCommand}, NamedCommand{"merge", &MergeCommand},
+    NamedCommand{"copy", &CopyCommand},       NamedCommand{"move", &MoveCommand},
+    NamedCommand{"remove", &RemoveCommand},   NamedCommand{"find", &FindCommand},
+    NamedCommand{"apply", &ApplyCommand},     NamedCommand{"recordings", &RecordingsCommand},
+};
 
 } // namespace KAL_AUTO_Node

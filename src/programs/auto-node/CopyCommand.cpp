@@ -62,10 +62,10 @@ int Run(const Options& options, DataBase& dataBase) {
 
 } // namespace
 
-Subcommand CopyCommand(CommandLine& program) {
+Subcommand CopyCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command =
-        program.Add("copy", "Make another node of one of any type, with its rows, in one step or not at all");
+        program.Add(name, "Make another node of one of any type, with its rows, in one step or not at all");
     AddNodeOfAnyType(command, options->node);
     AddNumber(command, "NEW_NUMBER", options->number, "Number of the new node").Required();
     command

@@ -67,10 +67,10 @@ int Run(const Options& options, DataBase& dataBase) {
 
 } // namespace
 
-Subcommand DiffCommand(CommandLine& program) {
+Subcommand DiffCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command = program.Add(
-        "diff",
+        name,
         "Tell what turns an AUTO node into another: an older state of it, another node, another store's",
         "--in");
     AddNode(command, options->place);

@@ -133,7 +133,7 @@ Json ToJson(const NodePlace& place, const Menu& menu, const std::vector<DigitLen
 
 } // namespace
 
-Subcommand DigitsCommand(CommandLine& program) {
+Subcommand DigitsCommand(CommandLine& program, const std::string& name) {
     struct Options {
         NodePlace place;
         bool json = false;
@@ -141,7 +141,7 @@ Subcommand DigitsCommand(CommandLine& program) {
 
     auto options = std::make_shared<Options>();
     const CommandArguments command = program.Add(
-        "digits", "Tell where each digit sequence leads from an AUTO node, and which wait for more digits");
+        name, "Tell where each digit sequence leads from an AUTO node, and which wait for more digits");
     AddNode(command, options->place);
     command.Flag("--json", options->json, "Print JSON, for programs");
     return {command, Reading([options](DataBase& dataBase) {

@@ -26,10 +26,10 @@ bool HasDisplay() {
 
 } // namespace
 
-Subcommand EditCommand(CommandLine& program) {
+Subcommand EditCommand(CommandLine& program, const std::string& name) {
     auto place = std::make_shared<NodePlace>();
     const CommandArguments edit =
-        program.Add("edit", "Open the editor on a node, or on the first AUTO node of the store", "");
+        program.Add(name, "Open the editor on a node, or on the first AUTO node of the store", "");
     const Option config = AddNumber(edit, "CONFIG", place->partition.config, "Configuration number");
     AddNumber(edit, "PARTITION", place->partition.number, "Partition number");
     const Option node =

@@ -164,10 +164,10 @@ int Run(const Options& options, DataBase& dataBase) {
 
 } // namespace
 
-Subcommand ExpectCommand(CommandLine& program) {
+Subcommand ExpectCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command =
-        program.Add("expect", "Check how calls have to go, as files tell it, or write how they go");
+        program.Add(name, "Check how calls have to go, as files tell it, or write how they go");
     const Option files =
         command.Texts("FILE", options->files, "Expectations, one a line: 1 2 AUTO 1: 2 7 -> MSG 31")
             .ShownAs("");

@@ -21,10 +21,10 @@ struct Options {
 
 } // namespace
 
-Subcommand ExportCommand(CommandLine& program) {
+Subcommand ExportCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command = program.Add(
-        "export", "Write a partition, or the whole store, into a file of text that import brings back");
+        name, "Write a partition, or the whole store, into a file of text that import brings back");
     command
         .Texts("FILE", options->arguments,
                "Configuration and partition number, where it is one, and the file")

@@ -60,10 +60,10 @@ int Run(const Options& options, DataBase& dataBase) {
 
 } // namespace
 
-Subcommand FindCommand(CommandLine& program) {
+Subcommand FindCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command =
-        program.Add("find", "Find nodes of every type by words of their labels, by number or by type");
+        program.Add(name, "Find nodes of every type by words of their labels, by number or by type");
     const auto text = [options](const std::string& words) {
         if (words.find_first_not_of(" \t\r\n") == std::string::npos) {
             Refuse("TEXT", "has no word");

@@ -152,10 +152,10 @@ int Draw(const Options& options, const std::string& graph) {
 
 } // namespace
 
-Subcommand GraphCommand(CommandLine& program) {
+Subcommand GraphCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command =
-        program.Add("graph", "Draw the call flow of a partition, or of the nodes around one");
+        program.Add(name, "Draw the call flow of a partition, or of the nodes around one");
     AddPartition(command, options->place.partition);
     const Option node = AddNumber(command, "NODE", options->place.number,
                                   "Number of the AUTO node whose surroundings are drawn; 0 for the template");

@@ -174,10 +174,10 @@ std::function<void(const std::string&)> ReadTime(const std::string& name, std::s
 
 } // namespace
 
-Subcommand HistoryCommand(CommandLine& program) {
+Subcommand HistoryCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command = program.Add(
-        "history", "List the changes of an AUTO node, or of all in a partition or the store, newest first");
+        name, "List the changes of an AUTO node, or of all in a partition or the store, newest first");
     NodePlace& place = options->place;
     const Option partition = AddAnyPartition(command, place.partition);
     const Option node = AddNumber(command, "NODE", place.number, "Number of the AUTO node");
@@ -202,11 +202,11 @@ Subcommand HistoryCommand(CommandLine& program) {
             })};
 }
 
-Subcommand PruneCommand(CommandLine& program) {
+Subcommand PruneCommand(CommandLine& program, const std::string& name) {
     const CommandArguments command = program.Add(
-        "prune", "Drop what the history keeps no longer: all but the last " +
-                     std::to_string(History::KeptVersions) + " changes of each node and those younger than " +
-                     std::to_string(History::KeptDays) + " days, up to a limit; and give the space back");
+        name, "Drop what the history keeps no longer: all but the last " +
+                  std::to_string(History::KeptVersions) + " changes of each node and those younger than " +
+                  std::to_string(History::KeptDays) + " days, up to a limit; and give the space back");
     return {
         command, Opening([](DataBase& dataBase) {
             const auto dropped = Lasting("Dropping old versions",

@@ -199,11 +199,10 @@ int Run(const Options& options, const StoreChoice& store) {
 
 } // namespace
 
-Subcommand ImportCommand(CommandLine& program) {
+Subcommand ImportCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command = program.Add(
-        "import",
-        "Bring an old Jet file (NewDB.mdb) over into a new store, or what export wrote back into one",
+        name, "Bring an old Jet file (NewDB.mdb) over into a new store, or what export wrote back into one",
         "--into,--store");
     command.Text("FILE", options->file, "The file; what it holds tells what it is").Required().ShownAs("");
     AddNote(command, options->note);

@@ -9,8 +9,8 @@
 
 namespace KAL_AUTO_Node {
 
-Subcommand InitCommand(CommandLine& program) {
-    const CommandArguments init = program.Add("init", "Create a store where the editor looks for it");
+Subcommand InitCommand(CommandLine& program, const std::string& name) {
+    const CommandArguments init = program.Add(name, "Create a store where the editor looks for it");
     auto demo = std::make_shared<bool>(false);
     init.Flag("--demo", *demo, "Fill it with reference data and nodes worth looking at");
     auto server = std::make_shared<std::string>();

@@ -81,9 +81,9 @@ void ListNodes(DataBase& dataBase, Partition partition, bool json) {
 
 } // namespace
 
-Subcommand ListCommand(CommandLine& program) {
+Subcommand ListCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
-    const CommandArguments list = program.Add("list", "List the partitions, or the AUTO nodes of one");
+    const CommandArguments list = program.Add(name, "List the partitions, or the AUTO nodes of one");
     const Option partition = AddAnyPartition(list, options->partition);
     list.Flag("--json", options->json, "Print JSON, for programs");
     return {list, Reading([options, partition](DataBase& dataBase) {

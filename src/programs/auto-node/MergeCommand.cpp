@@ -50,9 +50,9 @@ int Run(const Options& options) {
 
 } // namespace
 
-Subcommand MergeCommand(CommandLine& program) {
+Subcommand MergeCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
-    const CommandArguments command = program.Add("merge",
+    const CommandArguments command = program.Add(name,
                                                  "Bring together what two have changed in copies of one "
                                                  "export; exits with 1 where that is for a person to do",
                                                  "");

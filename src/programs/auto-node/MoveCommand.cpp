@@ -58,10 +58,10 @@ Subcommand OnNode(const CommandArguments& command, const std::shared_ptr<Options
 
 } // namespace
 
-Subcommand MoveCommand(CommandLine& program) {
+Subcommand MoveCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command = program.Add(
-        "move", "Give a node of any type another number, and let all that refers to it follow, in one step");
+        name, "Give a node of any type another number, and let all that refers to it follow, in one step");
     AddNodeOfAnyType(command, options->node);
     AddNumber(command, "NEW_NUMBER", options->newNumber, "The number that it gets").Required();
     return OnNode(
@@ -77,11 +77,10 @@ Subcommand MoveCommand(CommandLine& program) {
         });
 }
 
-Subcommand RemoveCommand(CommandLine& program) {
+Subcommand RemoveCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command = program.Add(
-        "remove",
-        "Take a node away with its rows, where nothing refers to it; restore brings AUTO nodes back");
+        name, "Take a node away with its rows, where nothing refers to it; restore brings AUTO nodes back");
     AddNodeOfAnyType(command, options->node);
     command.Texts("--repoint", options->instead, "Let all that refers to it refer to that node first")
         .Takes(2, 2)

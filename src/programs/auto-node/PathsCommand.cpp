@@ -113,10 +113,10 @@ int Run(const Options& options, DataBase& dataBase) {
 
 } // namespace
 
-Subcommand PathsCommand(CommandLine& program) {
+Subcommand PathsCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command =
-        program.Add("paths", "Tell the shortest steps by which callers get to a node");
+        program.Add(name, "Tell the shortest steps by which callers get to a node");
     AddNodeOfAnyType(command, options->node);
     const Option from = AddNumber(command, "--from", options->from,
                                   "Number of the AUTO node at which to begin; else all where calls may enter")

@@ -131,11 +131,11 @@ int Run(const Options& options, DataBase& dataBase) {
 
 } // namespace
 
-Subcommand RecordingsCommand(CommandLine& program) {
+Subcommand RecordingsCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command = program.Add(
-        "recordings", "List messages with their files and the menus that play them, and what a folder has of "
-                      "them; exits with 1 where files are missing, 3 where others need a look");
+        name, "List messages with their files and the menus that play them, and what a folder has of "
+              "them; exits with 1 where files are missing, 3 where others need a look");
     AddPartition(command, options->partition);
     command.Text("--sounds", options->sounds, "The folder of the files").ShownAs("FOLDER");
     command.Flag("--json", options->json, "Print JSON, for programs");

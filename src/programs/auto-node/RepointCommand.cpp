@@ -86,10 +86,10 @@ int Run(const Options& options, DataBase& dataBase) {
 
 } // namespace
 
-Subcommand RepointCommand(CommandLine& program) {
+Subcommand RepointCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command =
-        program.Add("repoint", "Let all that refers to a node refer to another, in one step or not at all");
+        program.Add(name, "Let all that refers to a node refer to another, in one step or not at all");
     AddPartition(command, options->partition);
     const Option type = AddType(command, "TYPE", options->type);
     AddNumber(command, "NUMBER", options->number, "Number of the node");

@@ -30,7 +30,7 @@ void TellUses(DataBase& dataBase, const NodePlace& place) {
 
 } // namespace
 
-Subcommand RestoreCommand(CommandLine& program) {
+Subcommand RestoreCommand(CommandLine& program, const std::string& name) {
     struct Options {
         NodePlace place;
         int version = 0; // the latest
@@ -40,8 +40,7 @@ Subcommand RestoreCommand(CommandLine& program) {
     };
 
     auto options = std::make_shared<Options>();
-    const CommandArguments command =
-        program.Add("restore", "Put an AUTO node back as it was before a change");
+    const CommandArguments command = program.Add(name, "Put an AUTO node back as it was before a change");
     AddNode(command, options->place);
     command
         .Word(

@@ -57,7 +57,7 @@ void Print(const NodePlace& place, const AutoNode& node) {
 
 } // namespace
 
-Subcommand ShowCommand(CommandLine& program) {
+Subcommand ShowCommand(CommandLine& program, const std::string& name) {
     struct Options {
         NodePlace place;
         bool json = false;
@@ -65,7 +65,7 @@ Subcommand ShowCommand(CommandLine& program) {
 
     auto options = std::make_shared<Options>();
     const CommandArguments show =
-        program.Add("show", "Print one AUTO node: settings, prompts, actions, exceptions");
+        program.Add(name, "Print one AUTO node: settings, prompts, actions, exceptions");
     AddNode(show, options->place);
     show.Flag("--json", options->json, "Print JSON, for programs");
     return {show, Reading([options](DataBase& dataBase) {

@@ -194,10 +194,10 @@ int Run(const Options& options, DataBase& dataBase) {
 
 } // namespace
 
-Subcommand TraceCommand(CommandLine& program) {
+Subcommand TraceCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command =
-        program.Add("trace", "Tell what callers meet at an AUTO node, or on the way that steps from it take");
+        program.Add(name, "Tell what callers meet at an AUTO node, or on the way that steps from it take");
     AddNode(command, options->place);
     command
         .Texts("STEP", options->steps,

@@ -8,9 +8,9 @@
 
 namespace KAL_AUTO_Node {
 
-Subcommand UpgradeCommand(CommandLine& program) {
+Subcommand UpgradeCommand(CommandLine& program, const std::string& name) {
     const CommandArguments command =
-        program.Add("upgrade", "Bring a store that an older program made to the version that this one makes");
+        program.Add(name, "Bring a store that an older program made to the version that this one makes");
     return {command, Opening([](DataBase& dataBase) {
                 const auto upgraded =
                     Lasting("Bringing the store up", [&] { return UpgradeStore(dataBase); });

@@ -78,10 +78,10 @@ int Run(const Options& options, DataBase& dataBase) {
 
 } // namespace
 
-Subcommand UsesCommand(CommandLine& program) {
+Subcommand UsesCommand(CommandLine& program, const std::string& name) {
     auto options = std::make_shared<Options>();
     const CommandArguments command =
-        program.Add("uses", "List all that refers to a node, whatever the types of the two");
+        program.Add(name, "List all that refers to a node, whatever the types of the two");
     AddNodeOfAnyType(command, options->node);
     command.Flag("--json", options->json, "Print JSON, for programs");
     return {command, Reading([options](DataBase& dataBase) { return Run(*options, dataBase); })};

@@ -1,7 +1,9 @@
 #include "auto-node/Commands.h"
 #include "platform/TellError.h"
 
+#include <algorithm>
 #include <iostream>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -26,8 +28,14 @@ int main(int argc, char** argv) {
                         KAL_AUTO_NODE_VERSION);
     std::vector<Subcommand> commands;
     commands.reserve(AllCommands.size());
-    for (const auto make : AllCommands) {
-        commands.push_back(make(program));
+    // The options of others cost more than a small command does; help and mistakes need them.
+    const auto given =
+        std::ranges::find(AllCommands, argc > 1 ? std::string_view(argv[1]) : "",
+                          [](const NamedCommand& command) { return std::string_view(command.name); });
+    for (const NamedCommand& command : AllCommands) {
+        if (given == AllCommands.end() || &command == &*given) {
+            commands.push_back(command.make(program, command.name));
+        }
     }
     switch (program.Read(argc, argv)) {
     case CommandLine::Outcome::Run:
