@@ -1,3 +1,4 @@
+#include "RunProgram.h"
 #include "StoredNode.h"
 #include "testing/FaultySystem.h"
 #include "testing/Person.h"
@@ -281,6 +282,55 @@ TEST(Saving, AsksBeforeItGoesOverWhatSomebodyElseHasStored) {
         Person::Press("cmdOK");
         EXPECT_EQ(person.Boxes().size(), 1U);
         EXPECT_TRUE(Person::Dirty() && Person::Window("GUI")->isVisible());
+    }));
+}
+
+// Another process changes a row of the node while it is shown, and once what was changed here as well.
+TEST(Saving, KeepsBothWhereTwoHaveChangedDifferentParts) {
+    const TestStore store;
+    // What the window shows otherwise than it is stored is nobody's change.
+    store.Execute(
+        "UPDATE Node_AUTO SET RetryLimit = NULL, AbortNodeType = 'old' WHERE PartID = 2 AND NodeNumber = 8");
+    const auto repoint = [](const char* from, const char* to) {
+        Program(0, {"repoint", "1", "2", "MSG", from, "MSG", to});
+    };
+    const auto offers = [](const Box& box) { return box.buttons.testFlag(QMessageBox::Apply); };
+    Person person;
+    EXPECT_TRUE(person.Edit(8, [&] {
+        Person::WaitForFocus();
+        Person::TypeLabel("Mine");
+        Person::ClickRow("LVActions", 0);
+        Person::Press("cmdActionsRemove");
+        repoint("22", "24");
+        person.WillAnswer({QMessageBox::Apply});
+        Person::Press("cmdOK");
+        EXPECT_EQ(person.Boxes().size(), 1U);
+        EXPECT_TRUE(Person::Dirty() && Person::Window("GUI")->isVisible());
+        EXPECT_EQ(Labels(store) + ' ' + Details(store, 8).at(0), "Sales|Sales A1|6|DTMF|2|1-1");
+        // What the other has done cannot be taken back unseen.
+        QTest::keyClick(Person::List("LVActions"), Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_EQ(Person::Label() + ' ' + Person::Row("LVActions", 0),
+                  "Mine 1|2-2|MSG 24|Gift vouchers|MSG|0|24|2|2");
+        Person::Press("cmdApply");
+        EXPECT_FALSE(Person::Dirty());
+        const Rows stored = Details(store, 8);
+        EXPECT_EQ(Labels(store) + ' ' + stored.at(0) + ' ' + stored.at(6),
+                  "Mine|Mine A1|0|MSG|24|2-2 A7|4|XFER|2|0-0");
+
+        Person::ClickRow("LVActions", 0);
+        Person::Press("cmdActionsRemove");
+        repoint("24", "22");
+        Person::Press("cmdApply");
+        EXPECT_FALSE(offers(person.Boxes().at(0))) << "a row that both have changed";
+        person.WillAnswer({QMessageBox::Yes});
+        Person::Press("cmdApply");
+        EXPECT_EQ(person.Boxes().size(), 1U);
+        store.Execute("UPDATE Node_General_Pool SET NodeDescription = 'Theirs' WHERE PartID = 2"
+                      " AND NodeTypeID = 9 AND NodeNumber = 8");
+        Person::ClickRow("LVActions", 0);
+        Person::Press("cmdActionsRemove");
+        Person::Press("cmdApply");
+        EXPECT_FALSE(offers(person.Boxes().at(0))) << "a label that the save would go over";
     }));
 }
 

@@ -185,6 +185,8 @@ class Merger {
                 merged_.Add(*table, std::move(stretch));
             } else if (std::ranges::equal(rows[Base], rows[Ours])) {
                 Settle(*table, rows[Theirs]);
+            } else if (HoldsLists(*table) && MergeRows(*table, rows)) {
+                continue;
             } else if (HoldsLists(*table) ||
                        std::ranges::any_of(rows, [](HeldRows side) { return side.empty(); })) {
                 Stretch stretch = Open(*table, rows);
@@ -197,6 +199,32 @@ class Merger {
         }
     }
 
+    // A list of which each has changed rows; false where that is for a person to settle.
+    bool MergeRows(const StoreTable& table, const OfSides<HeldRows>& rows) {
+        OfSides<std::vector<StoreRow>> held;
+        OfSides<std::vector<ListedRow>> listed;
+        for (std::size_t side = 0; side < rows.size(); ++side) {
+            for (const HeldRow& row : rows.at(side)) {
+                held.at(side).push_back(Unpacked(row.fields));
+                listed.at(side).push_back(ListedOf(table, held.at(side).back()));
+            }
+        }
+        const auto merged = MergeLists(listed[Base], listed[Ours], listed[Theirs], KindOf(table));
+        if (!merged) {
+            return false;
+        }
+        Stretch stretch{Open(table, rows).key, {}, true, {}};
+        for (const auto& [ofTheirs, place] : *merged) {
+            StoreRow& row = held.at(ofTheirs ? Theirs : Ours)[place];
+            row[table.key.back()] = std::to_string(stretch.rows[Ours].size() + 1);
+            Exchange::AppendRow(stretch.rows[Ours].emplace_back(), table, row);
+        }
+        if (!merged->empty()) {
+            merged_.Add(table, std::move(stretch));
+        }
+        return true;
+    }
+
     // A row of which each has one.
     void MergeParts(const Unit& unit, const StoreTable& table, const OfSides<HeldRows>& rows) {
         OfSides<StoreRow> held;
@@ -207,10 +235,11 @@ class Merger {
         Stretch stretch{rows[Ours].front().key, {}, true, {}};
         OfSides<StoreRow> result = held;
         for (const RowPart& part : PartsOf(table)) {
-            const auto same = [&](const StoreRow& one, const StoreRow& other) {
-                return std::ranges::all_of(part.columns,
-                                           [&](std::size_t column) { return one[column] == other[column]; });
-            };
+            const Stands stands =
+                WhichStands(base, ours, theirs, [&](const StoreRow& one, const StoreRow& other) {
+                    return std::ranges::all_of(
+                        part.columns, [&](std::size_t column) { return one[column] == other[column]; });
+                });
             const auto settle = [&](const StoreRow& by) {
                 for (const std::size_t column : part.columns) {
                     for (StoreRow& row : result) {
@@ -219,10 +248,8 @@ class Merger {
                 }
             };
             const std::size_t first = part.columns.front();
-            if (same(ours, theirs) || same(base, theirs)) {
-                settle(ours);
-            } else if (same(base, ours)) {
-                settle(theirs);
+            if (stands != Stands::Neither) {
+                settle(stands == Stands::One ? ours : theirs);
             } else if (IsDayOfChange(table.columns[first])) {
                 settle(&Later(ours[first], theirs[first]) == &ours[first] ? ours : theirs);
             } else {

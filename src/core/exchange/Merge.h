@@ -27,9 +27,10 @@ struct MergeReport {
 
 // Brings the changes of two exports of one partition, or store, together: those that stand in ours and in
 // theirs, each beside the base. Changes of different nodes, and of different parts of one, go together; a
-// part is a column of a row, the columns of one reference, or one list of a node. What cannot be brought
-// together stands in the text between marks, which import refuses. An empty file is a base without rows.
-// Raises what ReadExchangeFile does, and InvalidProcedureCall where the three are not of one kind.
+// part is a column of a row, the columns of one reference, or a row of a list, as nodes/Merging.h has it.
+// What cannot be brought together stands in the text between marks, which import refuses. An empty file is a
+// base without rows. Raises what ReadExchangeFile does, and InvalidProcedureCall where the three are not of
+// one kind.
 [[nodiscard]] MergeReport MergeExports(const std::filesystem::path& base, const std::filesystem::path& ours,
                                        const std::filesystem::path& theirs, std::string& merged);
 

@@ -1,5 +1,6 @@
 #include "exchange/RowParts.h"
 
+#include "nodes/NodeTypes.h"
 #include "nodes/Settings.h"
 #include "nodes/Slots.h"
 #include "store/ReferenceColumns.h"
@@ -14,6 +15,8 @@ namespace {
 
 constexpr std::array<std::string_view, 3> ReferenceEnds = {"NodeTypeID", "NodeType", "NodeNumber"};
 constexpr const char* Register = "Node_General_Pool";
+constexpr const char* Prompts = "Detail_AUTO_Prompts";
+constexpr const char* Actions = "Detail_AUTO_Action";
 
 // The word that the columns of one reference begin with; the column's name where it is none of a reference.
 std::string_view Beginning(std::string_view column) {
@@ -80,6 +83,25 @@ std::string PartText(const RowPart& part, const StoreTable& table, const StoreRo
 }
 
 bool HoldsLists(const StoreTable& table) { return table.name.starts_with("Detail_"); }
+
+ListKind KindOf(const StoreTable& table) {
+    return table.name == Actions ? ListKind::Named : ListKind::Ordered;
+}
+
+ListedRow ListedOf(const StoreTable& table, const StoreRow& row) {
+    const auto at = [&](const char* column) { return row[FindColumn(table, column).value()]; };
+    ListedRow listed;
+    for (const RowPart& part : PartsOf(table)) {
+        for (const std::size_t column : part.columns) {
+            listed.content += row[column] ? '=' + *row[column] + '\n' : "\n";
+        }
+    }
+    listed.name = table.name == Actions
+                      ? ListedOf(Action{0, {}, at("DTMFRangeLow"), at("DTMFRangeHigh")}).name
+                      : listed.content;
+    listed.standsForNone = table.name == Prompts && at("NodeTypeID") == std::to_string(NumberlessType);
+    return listed;
+}
 
 std::string RowsName(const StoreTable& table) {
     if (HoldsLists(table)) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "exchange/Tables.h"
+#include "nodes/Merging.h"
 
 #include <cstddef>
 #include <string>
@@ -21,8 +22,11 @@ struct RowPart {
 // The part's values in a row, in words.
 [[nodiscard]] std::string PartText(const RowPart& part, const StoreTable& table, const StoreRow& row);
 
-// Whether its rows are lists of nodes, each of which is one part; what such a list, or else a row, is called.
+// Whether its rows are lists of nodes; how they are merged, where the last column of the key is a row's
+// place; what such a list, or else a row, is called.
 [[nodiscard]] bool HoldsLists(const StoreTable& table);
+[[nodiscard]] ListKind KindOf(const StoreTable& table);
+[[nodiscard]] ListedRow ListedOf(const StoreTable& table, const StoreRow& row);
 [[nodiscard]] std::string RowsName(const StoreTable& table);
 
 // The node that a row of the key is one of: configuration, partition, type, number. Rows that are no node's

@@ -2,6 +2,7 @@
 
 #include "nodes/AutoNodeReader.h"
 #include "nodes/AutoNodeWriter.h"
+#include "nodes/Merging.h"
 #include "nodes/NodeJson.h"
 #include "nodes/NodeTypes.h"
 #include "nodes/Record.h"
@@ -128,6 +129,19 @@ std::vector<std::string> Differences(const NodeContent& before, const NodeConten
     compare("label", was.label, is.label);
     compare("date", was.dateModified, is.dateModified);
     return lines;
+}
+
+std::optional<AutoNode> MergeContents(const NodeContent& before, const NodeContent& stored,
+                                      const AutoNode& own) {
+    const auto label = [](const NodeContent& content) {
+        return content.entry ? content.entry->label.value_or("") : std::string();
+    };
+    if (!before.node || !stored.node) {
+        return std::nullopt;
+    }
+    auto merged = MergeNodes(*before.node, *stored.node, own);
+    const bool lost = merged && label(stored) != label(before) && label(stored) != merged->label.value_or("");
+    return lost ? std::nullopt : merged;
 }
 
 NodeContent ReadContent(DataBase& dataBase, const NodePlace& place) {

@@ -41,6 +41,12 @@ struct SeenNode {
 // As Differences of nodes, and of what the register says.
 [[nodiscard]] std::vector<std::string> Differences(const NodeContent& before, const NodeContent& after);
 
+// The node with what somebody else has stored of it and what was made of it here, each beside what it was
+// before; what was stored comes first where both have added rows. Nothing where both have changed the same
+// part, or where the register's label, which a save writes, would become another than it was given there.
+[[nodiscard]] std::optional<AutoNode> MergeContents(const NodeContent& before, const NodeContent& stored,
+                                                    const AutoNode& own);
+
 // The register's row of an AUTO node, and whether it could be read: where only the store can, that holds up
 // nothing.
 void ReadEntry(DataBase& dataBase, const NodePlace& place, NodeContent& content);

@@ -4,6 +4,8 @@
 #include "nodes/Record.h"
 #include "store/Batch.h"
 
+#include <algorithm>
+
 namespace KAL_AUTO_Node {
 
 std::string LabelOf(DataBase& dataBase, Partition partition, const NodeKey& node) {
@@ -72,6 +74,19 @@ std::optional<AutoNode> ReadAutoNode(DataBase& dataBase, const NodePlace& place,
         found = exists ? std::optional(std::move(node)) : std::nullopt;
     });
     return found;
+}
+
+void ReadLabels(DataBase& dataBase, Partition partition, AutoNode& node) {
+    const auto read = [&](Reference& reference) {
+        reference.label = LabelOf(dataBase, partition, {reference.typeID, reference.number});
+    };
+    for (Prompt& prompt : node.prompts) {
+        read(prompt.target);
+    }
+    for (Action& action : node.actions) {
+        read(action.target);
+    }
+    std::ranges::for_each(node.branches, read);
 }
 
 bool AutoNodeExists(DataBase& dataBase, const NodePlace& place) {

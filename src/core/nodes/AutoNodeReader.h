@@ -40,6 +40,9 @@ class AutoNodeReader {
 [[nodiscard]] std::optional<AutoNode> ReadAutoNode(DataBase& dataBase, const NodePlace& place,
                                                    Labels labels = Labels::Leave);
 
+// The labels of the nodes that one refers to, under the types of the references.
+void ReadLabels(DataBase& dataBase, Partition partition, AutoNode& node);
+
 // Whether there is an AUTO node.
 [[nodiscard]] bool AutoNodeExists(DataBase& dataBase, const NodePlace& place);
 

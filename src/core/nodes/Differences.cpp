@@ -1,4 +1,5 @@
 #include "nodes/AutoNode.h"
+#include "nodes/Matches.h"
 
 #include <algorithm>
 #include <map>
@@ -11,10 +12,6 @@ namespace KAL_AUTO_Node {
 namespace {
 
 constexpr const char* Becomes = " → ";
-
-// Where two lists are compared row against row: beyond this many pairs their middles are taken as wholly
-// different, as finding the best match would take longer than anybody waits.
-constexpr std::size_t MostPairs = 4'000'000;
 
 class Words {
   public:
@@ -61,66 +58,25 @@ void CompareSettings(const Settings& before, const Settings& after, Words& words
     words.Change("terminating digit", Quoted(before.terminatingDigit), Quoted(after.terminatingDigit));
 }
 
-// Pairs of equal rows, in order: the longest common subsequence of two lists.
-std::vector<std::pair<std::size_t, std::size_t>> Matches(std::span<const Prompt> before,
-                                                         std::span<const Prompt> after) {
-    const std::size_t rows = before.size();
-    const std::size_t columns = after.size();
-    if (rows * columns > MostPairs) {
-        return {};
-    }
-    std::vector<std::uint32_t> lengths((rows + 1) * (columns + 1));
-    const auto length = [&](std::size_t row, std::size_t column) -> std::uint32_t& {
-        return lengths[row * (columns + 1) + column];
-    };
-    for (std::size_t row = rows; row-- > 0;) {
-        for (std::size_t column = columns; column-- > 0;) {
-            length(row, column) = before[row].target == after[column].target
-                                      ? length(row + 1, column + 1) + 1
-                                      : std::max(length(row + 1, column), length(row, column + 1));
-        }
-    }
-    std::vector<std::pair<std::size_t, std::size_t>> pairs;
-    for (std::size_t row = 0, column = 0; row < rows && column < columns;) {
-        if (before[row].target == after[column].target) {
-            pairs.emplace_back(row++, column++);
-        } else if (length(row + 1, column) >= length(row, column + 1)) {
-            ++row;
-        } else {
-            ++column;
-        }
-    }
-    return pairs;
-}
-
 std::string PromptText(const Prompt& prompt) { return DisplayText(prompt.target, Slot::Prompts); }
 
 void ComparePrompts(std::span<const Prompt> before, std::span<const Prompt> after, Words& words) {
-    const auto sameTarget = [](const Prompt& a, const Prompt& b) { return a.target == b.target; };
-    const auto start =
-        static_cast<std::size_t>(std::ranges::mismatch(before, after, sameTarget).in1 - before.begin());
-    std::size_t end = 0;
-    while (end < std::min(before.size(), after.size()) - start &&
-           sameTarget(before[before.size() - 1 - end], after[after.size() - 1 - end])) {
-        ++end;
-    }
-    const auto middle = [&](std::span<const Prompt> list) {
-        return list.subspan(start, list.size() - start - end);
-    };
-    auto pairs = Matches(middle(before), middle(after));
-    pairs.emplace_back(middle(before).size(), middle(after).size());
+    auto pairs = Matches(before.size(), after.size(), [&](std::size_t from, std::size_t to) {
+        return before[from].target == after[to].target;
+    });
+    pairs.emplace_back(before.size(), after.size());
     std::size_t from = 0;
     std::size_t to = 0;
     // What stands between two matches changed row by row; the longer side was removed or added.
     for (const auto& [matchedFrom, matchedTo] : pairs) {
         for (; from < matchedFrom || to < matchedTo;) {
-            const std::string name = "prompt " + std::to_string(start + (from < matchedFrom ? from : to) + 1);
+            const std::string name = "prompt " + std::to_string((from < matchedFrom ? from : to) + 1);
             if (from < matchedFrom && to < matchedTo) {
-                words.Change(name, before[start + from++].target, after[start + to++].target, Slot::Prompts);
+                words.Change(name, before[from++].target, after[to++].target, Slot::Prompts);
             } else if (from < matchedFrom) {
-                words.Add(name + " removed: " + PromptText(before[start + from++]));
+                words.Add(name + " removed: " + PromptText(before[from++]));
             } else {
-                words.Add(name + " added: " + PromptText(after[start + to++]));
+                words.Add(name + " added: " + PromptText(after[to++]));
             }
         }
         ++from;

@@ -12,7 +12,8 @@ namespace KAL_AUTO_Node {
 
 QMessageBox::StandardButton MsgBox(const QString& text, QMessageBox::Icon icon,
                                    QMessageBox::StandardButtons buttons, const QString& title,
-                                   QMessageBox::StandardButton answersEnter, const QString& discard) {
+                                   QMessageBox::StandardButton answersEnter,
+                                   std::initializer_list<ButtonCaption> captions) {
     // A long operation that stops to say something is not busy meanwhile.
     std::optional<DefaultPointer> idle;
     if (QGuiApplication::overrideCursor() != nullptr) {
@@ -24,8 +25,10 @@ QMessageBox::StandardButton MsgBox(const QString& text, QMessageBox::Icon icon,
     const QPointer<QMessageBox> box =
         new QMessageBox(icon, title, text, buttons, modal != nullptr ? modal : QApplication::activeWindow());
     box->setDefaultButton(answersEnter);
-    if (!discard.isEmpty() && box->button(QMessageBox::Discard) != nullptr) {
-        box->button(QMessageBox::Discard)->setText(discard);
+    for (const auto& [button, caption] : captions) {
+        if (QAbstractButton* own = box->button(button)) {
+            own->setText(caption);
+        }
     }
     box->setTextFormat(Qt::PlainText);
     box->setTextInteractionFlags(Qt::TextSelectableByMouse);

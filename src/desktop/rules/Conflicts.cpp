@@ -38,7 +38,7 @@ QString ListOf(const std::vector<std::string>& differences) {
 
 } // namespace
 
-Over AskToGoOver(const QString& node, const SeenNode& seen, const Obstacle& obstacle) {
+Over AskToGoOver(const QString& node, const SeenNode& seen, const Obstacle& obstacle, bool together) {
     switch (obstacle.kind) {
     case Obstacle::Gone:
         Inform(node + " doesn't exist any more. It is not saved.");
@@ -60,13 +60,20 @@ Over AskToGoOver(const QString& node, const SeenNode& seen, const Obstacle& obst
             who += ", in a save that did not finish";
         }
     }
-    const auto answer =
-        MsgBox(node + " is stored otherwise than the window has loaded it. " + who + ":\r\n" +
-                   ListOf(differences) + "\r\n\r\nDo you want to save over that?",
-               QMessageBox::Question, QMessageBox::Yes | QMessageBox::No | QMessageBox::Discard,
-               QStringLiteral("Confirmation"), QMessageBox::No, QStringLiteral("&Load What Is Stored"));
-    if (answer == QMessageBox::Yes) {
-        return Over::Save;
+    QString question = node + " is stored otherwise than the window has loaded it. " + who + ":\r\n" +
+                       ListOf(differences) + "\r\n\r\n";
+    QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::No | QMessageBox::Discard;
+    if (together) {
+        question += "What was changed here is something else. Both can be kept: the window then shows them "
+                    "together, for you to save.\r\n\r\n";
+        buttons |= QMessageBox::Apply;
+    }
+    const auto answer = MsgBox(question + "Do you want to save over that?", QMessageBox::Question, buttons,
+                               QStringLiteral("Confirmation"), QMessageBox::No,
+                               {{QMessageBox::Discard, QStringLiteral("&Load What Is Stored")},
+                                {QMessageBox::Apply, QStringLiteral("Keep &Both")}});
+    if (answer == QMessageBox::Yes || answer == QMessageBox::Apply) {
+        return answer == QMessageBox::Yes ? Over::Save : Over::Both;
     }
     const bool loads =
         answer == QMessageBox::Discard &&

@@ -10,11 +10,12 @@ namespace KAL_AUTO_Node {
 // lists name it. Enter answers what changes nothing.
 
 // What becomes of what was changed here: it is saved over what stands in the way, kept as it is in the
-// window, or given up for what is stored.
-enum class Over { Save, Keep, Load };
+// window, given up for what is stored, or brought together with that.
+enum class Over { Save, Keep, Load, Both };
 
-// What cannot be gone over is told.
-[[nodiscard]] Over AskToGoOver(const QString& node, const SeenNode& seen, const Obstacle& obstacle);
+// What cannot be gone over is told. Both is offered where it can be done.
+[[nodiscard]] Over AskToGoOver(const QString& node, const SeenNode& seen, const Obstacle& obstacle,
+                               bool together);
 
 // Whether the node is to be put back as it was before a save that did not finish.
 [[nodiscard]] bool WantsItPutBack(const QString& node, const Version& save);

@@ -6,6 +6,8 @@
 #include "platform/RuntimeError.h"
 #include "rules/Rows.h"
 
+#include <algorithm>
+
 namespace KAL_AUTO_Node {
 
 namespace {
@@ -47,6 +49,26 @@ AutoNode GatherNode(const GUI& gui) {
     for (std::size_t branch = 0; branch < node.branches.size(); ++branch) {
         node.branches[branch] = TargetOf(gui.LVExceptions->Row(static_cast<int>(branch)));
     }
+    return node;
+}
+
+AutoNode AsShown(const GUI& gui, AutoNode node) {
+    const auto named = [&](Reference& target) { target.type = gui.NodeName(target.typeID).toStdString(); };
+    node.type = gui.NodeName(AutoType).toStdString();
+    node.label = node.label.value_or("");
+    node.settings.terminatingDigit = TerminatingDigits.at(TerminatingDigitOf(node.settings));
+    for (const SettingField& rule : SettingFields) {
+        node.settings.*rule.value = ValueOf(rule, node.settings);
+    }
+    for (Prompt& prompt : node.prompts) {
+        named(prompt.target);
+    }
+    for (Action& action : node.actions) {
+        named(action.target);
+        const auto [low, high] = RangeOf(action);
+        action = {action.sequence, action.target, std::string(low), std::string(high)};
+    }
+    std::ranges::for_each(node.branches, named);
     return node;
 }
 

@@ -94,6 +94,11 @@ void Show(const GUI& gui, ListView& list, Read read, const std::vector<Item>& it
     }
 }
 
+void ShowBranch(const GUI& gui, std::size_t branch, const Reference& target) {
+    gui.LVExceptions->Insert(static_cast<int>(branch),
+                             {WithTarget(ExceptionRow(branch, target), gui, target)});
+}
+
 } // namespace
 
 bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
@@ -130,9 +135,7 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
             GUI::ClearListView(*gui.LVExceptions);
             for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
                 reader.ReadBranch(node, branch);
-                const Reference& target = node.branches[branch];
-                gui.LVExceptions->Insert(static_cast<int>(branch),
-                                         {WithTarget(ExceptionRow(branch, target), gui, target)});
+                ShowBranch(gui, branch, node.branches[branch]);
             }
             NodeContent content;
             ReadEntry(dataBase_, place, content);
@@ -151,6 +154,24 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
         }
     });
     return loaded && exists;
+}
+
+void NodeRules::ShowTogether(GUI& gui, std::int16_t nodeNumber, AutoNode node, SeenNode stored) {
+    Reporting("SaveChanges", [&] {
+        const Hourglass busy;
+        ReadAhead(dataBase_).Read([&] { ReadLabels(dataBase_, PartitionOf(gui), node); });
+        ShowSettings(gui, node);
+        Show(
+            gui, *gui.LVPrompts, [] {}, node.prompts);
+        Show(
+            gui, *gui.LVActions, [] {}, node.actions);
+        GUI::ClearListView(*gui.LVExceptions);
+        for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
+            ShowBranch(gui, branch, node.branches[branch]);
+        }
+        gui.StoredNode = std::make_unique<GUI::Stored>(GUI::Stored{nodeNumber, std::move(stored)});
+    });
+    gui.cmdApply->setEnabled(true);
 }
 
 QString NodeRules::LabelOfNode(const GUI& gui, int nodeTypeID, int nodeNumber) {

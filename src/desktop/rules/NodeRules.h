@@ -71,6 +71,10 @@ class NodeRules {
     // reference lists.
     bool LoadData(GUI& gui, std::int16_t nodeNumber);
 
+    // Shows a node of which what was changed here and what is stored by now are parts, as changed and not
+    // saved; what is stored is what the next save goes over.
+    void ShowTogether(GUI& gui, std::int16_t nodeNumber, AutoNode node, SeenNode stored);
+
     // The label of a node that can be referred to; empty where it has none. Has no report of its own.
     QString LabelOfNode(const GUI& gui, int nodeTypeID, int nodeNumber);
 

@@ -27,14 +27,24 @@ QString NameOf(const GUI& gui, std::int16_t nodeNumber) {
 // The person at the window.
 class NodeRules::Person : public SaveAudience {
   public:
-    Person(NodeRules& rules, GUI& gui, QString node) : rules_(rules), gui_(gui), node_(std::move(node)) {}
+    Person(NodeRules& rules, GUI& gui, QString name, const AutoNode& node)
+        : rules_(rules), gui_(gui), name_(std::move(name)), node_(node) {}
 
     // The node as it is stored is to be shown instead of what was changed here.
     bool WantsStored = false;
+    // Or together with it; and as it is stored.
+    std::optional<AutoNode> Together;
+    SeenNode Stored;
 
     bool GoesOver(const SeenNode& seen, const Obstacle& obstacle) override {
-        const Over answer = AskToGoOver(node_, seen, obstacle);
+        Together = MergedWith(seen.content, obstacle.stored.content);
+        const Over answer = AskToGoOver(name_, seen, obstacle, Together.has_value());
         WantsStored = answer == Over::Load;
+        if (answer == Over::Both) {
+            Stored = obstacle.stored;
+        } else {
+            Together.reset();
+        }
         return answer == Over::Save;
     }
 
@@ -52,9 +62,22 @@ class NodeRules::Person : public SaveAudience {
     }
 
   private:
+    // What is shown is compared: what another program has stored may stand there otherwise.
+    [[nodiscard]] std::optional<AutoNode> MergedWith(NodeContent before, NodeContent stored) const {
+        try {
+            for (NodeContent* content : {&before, &stored}) {
+                content->node = content->node ? std::optional(AsShown(gui_, *content->node)) : std::nullopt;
+            }
+            return MergeContents(before, stored, node_);
+        } catch (const RuntimeError&) {
+            return std::nullopt; // the window cannot show it
+        }
+    }
+
     NodeRules& rules_;
     GUI& gui_;
-    QString node_;
+    QString name_;
+    const AutoNode& node_;
     std::optional<LongOperation> busy_;
 };
 
@@ -118,6 +141,8 @@ bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
     NodeSave save(dataBase_, history_, {PartitionOf(gui), nodeNumber});
     bool saved = false;
     bool wantsStored = false;
+    std::optional<AutoNode> together;
+    SeenNode stored;
     const bool ended = Reporting("SaveChanges", [&] {
         const Hourglass busy;
         if (!gui.StoredNode || gui.StoredNode->number != nodeNumber) {
@@ -127,7 +152,7 @@ bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
         }
         SettleOutcome(gui);
         const AutoNode node = GatherNode(gui);
-        Person person(*this, gui, NameOf(gui, nodeNumber));
+        Person person(*this, gui, NameOf(gui, nodeNumber), node);
         try {
             saved = save.Run(gui.StoredNode->seen, node, Today(), person);
         } catch (const RuntimeError& error) {
@@ -137,6 +162,8 @@ bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
             throw;
         }
         wantsStored = person.WantsStored;
+        together = std::move(person.Together);
+        stored = std::move(person.Stored);
         if (saved) {
             gui.StatusBar1->SetPanelText(QString());
         }
@@ -144,6 +171,8 @@ bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
     if (wantsStored) {
         LoadData(gui, nodeNumber);
         gui.cmdApply->setEnabled(false);
+    } else if (together) {
+        ShowTogether(gui, nodeNumber, std::move(*together), std::move(stored));
     }
     if (ended || save.WhatIsLeft() == Left::Nothing) {
         return saved;
