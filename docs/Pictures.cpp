@@ -8,6 +8,7 @@
 #include <QPalette>
 #include <QStyle>
 #include <QStyleFactory>
+#include <QTabWidget>
 
 #include <iostream>
 
@@ -25,6 +26,16 @@ class Photographer {
     void TakeAll() {
         Edit(8, [&] { FindAndOpenMenu("find-menu"); });
         Edit(1, [&] { TakeGoTo("go-to"); });
+        Edit(8, [&] {
+            for (const char* label : {"Sales and orders", "Sales"}) {
+                Person::TypeOver("txtDescription", label);
+                Person::Press("cmdApply");
+            }
+        });
+        Edit(1, [&] {
+            TakeInformation({{Qt::Key_U, "information-uses"}, {Qt::Key_E, "information-entries"}});
+        });
+        Edit(8, [&] { TakeInformation({{Qt::Key_H, "information-history"}}); });
         Edit(1, [&] {
             TakeWindow("editor");
             EditRow("LVPrompts", "cmdPromptsEdit", 1, "prompts-editing");
@@ -97,6 +108,22 @@ class Photographer {
             window->close();
         });
         QTest::keyClick(Person::Window("GUI"), Qt::Key_G, Qt::ControlModifier);
+    }
+
+    // The pages by their keys.
+    void TakeInformation(std::initializer_list<std::pair<Qt::Key, const char*>> pages) {
+        QTest::keyClick(Person::Window("GUI"), Qt::Key_I, Qt::ControlModifier);
+        QWidget* window = Person::Window("frmInformation");
+        const auto* tabs = window->findChild<QTabWidget*>();
+        static_cast<void>(QTest::qWaitFor([&] { return tabs->tabText(3).contains('('); }));
+        for (const auto& [key, name] : pages) {
+            window->activateWindow();
+            QTest::keyClick(window, key, Qt::AltModifier);
+            if (key == Qt::Key_E) {
+                QTest::keyClicks(Person::TextBox("txtInfoEntry"), "60");
+            }
+            Take(*window, name);
+        }
     }
 
     void FindAndOpenMenu(const std::string& name) {

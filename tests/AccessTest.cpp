@@ -143,11 +143,11 @@ TEST_F(Access, TheFocusStaysWhereItIsOfUse) {
 // What assistive technology finds in the window, in its order: names by role. What cannot be seen is not
 // there.
 void Walk(QAccessibleInterface* node, std::string& found) {
-    static const std::map<QAccessible::Role, std::string> roles = {{QAccessible::Button, "button "},
-                                                                   {QAccessible::ComboBox, "box "},
-                                                                   {QAccessible::EditableText, "text "},
-                                                                   {QAccessible::List, "list "},
-                                                                   {QAccessible::Grouping, "group "}};
+    static const std::map<QAccessible::Role, std::string> roles = {
+        {QAccessible::Button, "button "},     {QAccessible::ComboBox, "box "},
+        {QAccessible::EditableText, "text "}, {QAccessible::List, "list "},
+        {QAccessible::Grouping, "group "},    {QAccessible::PageTab, "page "},
+        {QAccessible::Tree, "table "}};
     for (int i = 0; i < node->childCount(); ++i) {
         QAccessibleInterface* child = node->child(i);
         if (child->state().invisible) {
@@ -212,6 +212,47 @@ TEST_F(Access, TheTreeHoldsWhatCanBeUsedByItsName) {
         Walk(spoken("fraExceptions"), found);
         EXPECT_EQ(found, "list Exceptions, button Edit Off, button Default, box Timeout exception node type, "
                          "box Timeout exception node number, ");
+    });
+}
+
+// Each page of node information, and the window that finds nodes; all by keys.
+TEST_F(Access, TheWindowsBesideTheEditorAreReadAndUsedByTheirNames) {
+    Edit(8, [] {
+        const auto walked = [](QWidget& window) {
+            std::string found;
+            Walk(QAccessible::queryAccessibleInterface(&window), found);
+            return found;
+        };
+        Press(Qt::Key_I, Qt::ControlModifier);
+        QWidget* window = Person::Window("frmInformation");
+        ASSERT_TRUE(window != nullptr && QTest::qWaitForWindowActive(window));
+        const std::string tabs = "page Used By (3), page History (0), page Entries (9), page Findings (0), ";
+        EXPECT_TRUE(QTest::qWaitFor([&] { return walked(*window).ends_with(tabs); })) << walked(*window);
+        for (const auto& [key, page] :
+             {std::pair{Qt::Key_U, "table Used By, "},
+              {Qt::Key_H, "table History, text What this change has changed, button Put Back..., "},
+              {Qt::Key_E, "table Entries, text What a caller keys, "},
+              {Qt::Key_F, "table Findings, "}}) {
+            QTest::keyClick(window, key, Qt::AltModifier);
+            EXPECT_EQ(walked(*window), page + tabs);
+        }
+        EXPECT_EQ(QAccessible::queryAccessibleInterface(Person::List("LVInfoUses"))->childCount(), 3 + 3 * 3);
+        QTest::keyClick(window, Qt::Key_E, Qt::AltModifier);
+        QTest::keyClick(window, Qt::Key_Tab);
+        QTest::keyClicks(QApplication::focusWidget(), "3");
+        EXPECT_EQ(QAccessible::queryAccessibleInterface(Person::TextBox("txtInfoEntry"))
+                      ->text(QAccessible::Description),
+                  "3: MSG 24");
+        QTimer::singleShot(0, [&] {
+            QWidget* finding = QApplication::activeModalWidget();
+            EXPECT_EQ(walked(*finding),
+                      "text Number, or words of the label, table Nodes, button Go To, button Cancel, ");
+            finding->close();
+        });
+        QTest::keyClick(window, Qt::Key_G, Qt::ControlModifier);
+        window->activateWindow();
+        QTest::keyClick(window, Qt::Key_Escape);
+        EXPECT_FALSE(window->isVisible());
     });
 }
 

@@ -1,6 +1,7 @@
 #include "testing/Person.h"
 
-#include <QAbstractItemView>
+#include <QPlainTextEdit>
+#include <QTabWidget>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -16,10 +17,11 @@ void Press(QWidget* where, int key, Qt::KeyboardModifiers with = Qt::NoModifier)
 
 std::string ShownNode() { return Person::Text("cmbNode") + ' ' + Person::Label(); }
 
-// As a window manager lets the editor do when a window above it has gone.
-void ComeToTheFront() {
-    Person::Window("GUI")->activateWindow();
-    Person::WaitForFocus();
+// As a window manager lets a window do when one above it has gone.
+void ComeToTheFront(const char* name = "GUI") {
+    QWidget* window = Person::Window(name);
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
 }
 
 class Ways : public EditorTest {
@@ -95,6 +97,109 @@ TEST_F(Ways, LeadToAnyNodeAndBack) {
         Press(Person::List("LVActions"), Qt::Key_Return, Qt::ControlModifier);
         EXPECT_EQ(ShownNode(), "AUTO 1 Changed");
         EXPECT_TRUE(Person::OpenEditors().empty());
+    });
+}
+
+class NodeInformation : public EditorTest {
+  protected:
+    // Opens the window beside the editor; it has read all when its last page has.
+    static QWidget& Open() {
+        Press(Person::Window("GUI"), Qt::Key_I, Qt::ControlModifier);
+        EXPECT_TRUE(Comes([] { return HasRead(); }));
+        return *Person::Window("frmInformation");
+    }
+
+    static QTabWidget& Tabs() { return *Person::Find<QTabWidget>("tabInformation"); }
+
+    static bool HasRead() { return Tabs().tabText(3).contains('('); }
+
+    static std::string Title() { return Person::Window("frmInformation")->windowTitle().toStdString(); }
+
+    // Once they are read, and told in the page's title.
+    static bool Tells(int page, const std::string& title) {
+        return Comes([&] { return Tabs().tabText(page).toStdString() == title; });
+    }
+
+    static std::string Line(const char* label) { return Person::Find<QLabel>(label)->text().toStdString(); }
+};
+
+TEST_F(NodeInformation, GoesWithTheEditorAndLeadsIt) {
+    Edit(8, [&] {
+        Open();
+        EXPECT_EQ(Title(), "AUTO 8 Sales, configuration 1, partition 2 - Node Information");
+        EXPECT_TRUE(Tells(0, "&Used By (3)"));
+        EXPECT_EQ(Person::Row("LVInfoUses", 0), "AUTO 1|action 1|Main menu");
+        Person::TypeLabel("Changed");
+        EXPECT_TRUE(Line("lblInfoNote").starts_with("What was changed in the editor is not saved"));
+        // To the node that a row tells of, through the save question.
+        person_.WillAnswer({Cancel, Yes});
+        for (const char* node : {"AUTO 8 Changed", "AUTO 1 Main menu"}) {
+            Person::List("LVInfoUses")->setCurrentIndex(Person::List("LVInfoUses")->model()->index(0, 0));
+            Press(Person::List("LVInfoUses"), Qt::Key_Return);
+            EXPECT_EQ(ShownNode(), node);
+        }
+        EXPECT_EQ(person_.Boxes(), std::vector(2, SaveQuestion()));
+        EXPECT_TRUE(Tells(0, "&Used By (11)"));
+        EXPECT_EQ(Line("lblInfoNote"), "");
+        // A node of another type is told of, until the editor moves.
+        Press(Person::List("LVInfoUses"), Qt::Key_Return);
+        EXPECT_TRUE(Tells(0, "&Used By (3)"));
+        EXPECT_EQ(Title(), "CMD 2 Auf Deutsch weiter, configuration 1, partition 2 - Node Information");
+        EXPECT_FALSE(Tabs().isTabEnabled(1) || Tabs().isTabEnabled(2));
+        Person::Press("cmdLast");
+        EXPECT_TRUE(Tells(3, "&Findings (1)") && Tells(1, "&History (0)"));
+        EXPECT_TRUE(Title().starts_with("AUTO 40 Line test"));
+        ComeToTheFront("frmInformation");
+        Press(Person::Window("frmInformation"), Qt::Key_Left, Qt::AltModifier);
+        EXPECT_EQ(ShownNode(), "AUTO 1 Main menu");
+        QTest::keyClicks(Person::TextBox("txtInfoEntry"), "60");
+        EXPECT_TRUE(Tells(2, "&Entries (15)"));
+        for (const auto& [typed, answer] :
+             {std::pair{
+                  "60",
+                  "60: nowhere (Invalid, or the menu again); waits for digits or #, because of 601-660"},
+              {"601", "601: CMD 1"},
+              {"6011", "6011: The node takes fewer digits than the entry has."},
+              {"6*", "6*: an entry is of digits"}}) {
+            Person::Paste(Person::TextBox("txtInfoEntry"), typed);
+            EXPECT_EQ(Line("lblInfoAnswer"), answer);
+        }
+    });
+}
+
+TEST_F(NodeInformation, PutsAStateBackAfterAQuestion) {
+    Edit(8, [&] {
+        for (const char* label : {"First", "Second"}) {
+            Person::TypeLabel(label);
+            Person::Press("cmdApply");
+        }
+        Open();
+        ASSERT_TRUE(Tells(1, "&History (2)"));
+        const auto choose = [](int row) {
+            QTreeView* list = Person::List("LVInfoHistory");
+            list->setCurrentIndex(list->model()->index(row, 0));
+            return Person::Find<QPlainTextEdit>("txtInfoChanged")->toPlainText().toStdString();
+        };
+        EXPECT_EQ(choose(0), R"(label "First" → "Second")");
+        EXPECT_EQ(choose(1), R"(label "Sales" → "First")");
+        Person::TypeLabel("Not saved");
+        person_.WillAnswer({No, Yes});
+        Person::Button("cmdInfoPutBack")->click();
+        EXPECT_EQ(ShownNode(), "AUTO 8 Not saved");
+        Person::Button("cmdInfoPutBack")->click();
+        EXPECT_EQ(ShownNode(), "AUTO 8 Sales");
+        EXPECT_FALSE(Person::Dirty());
+        const auto boxes = person_.Boxes();
+        ASSERT_EQ(boxes.size(), 2U);
+        for (const char* told : {R"(label "Second" → "Sales")", "AUTO 1, action 1", "is not saved goes"}) {
+            EXPECT_NE(boxes[0].text.find(told), std::string::npos) << boxes[0].text;
+        }
+        EXPECT_TRUE(Tells(1, "&History (3)"));
+        EXPECT_EQ(Person::Cell("LVInfoHistory", 0, 2), "restore");
+        EXPECT_EQ(choose(2), R"(label "Sales" → "First")");
+        Person::Button("cmdInfoPutBack")->click();
+        EXPECT_EQ(person_.Boxes(),
+                  std::vector{Information("AUTO 8 is stored as it was before this change.")});
     });
 }
 

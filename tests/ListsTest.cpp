@@ -310,11 +310,14 @@ TEST_F(Lists, HaveAMenuOfWhatCanBeDone) {
         };
         QGuiApplication::clipboard()->clear();
         EXPECT_EQ(choose("LVActions", "Add"), "Add Insert Remove Edit Up Down Quick Find ");
-        EXPECT_EQ(choose("LVActions", "Copy"), "Add Insert Remove Edit Up Down Quick Undo Copy Find ");
-        EXPECT_EQ(choose("LVActions", "Undo"), "Add Insert Remove Edit Up Down Quick Undo Copy Paste Find ");
+        EXPECT_EQ(choose("LVActions", "Copy"),
+                  "Add Insert Remove Edit Up Down Quick Undo Copy Information on MSG 1 Find ");
+        EXPECT_EQ(choose("LVActions", "Undo"),
+                  "Add Insert Remove Edit Up Down Quick Undo Copy Paste Information on MSG 1 Find ");
         EXPECT_EQ(Person::Count("LVActions"), 9);
-        EXPECT_EQ(choose("LVActions", "Edit"), "Add Insert Remove Edit Up Down Quick Redo Copy Paste Find ");
-        EXPECT_EQ(choose("LVActions", "Edit Off"), "Edit Off Undo Copy Find ");
+        EXPECT_EQ(choose("LVActions", "Edit"),
+                  "Add Insert Remove Edit Up Down Quick Redo Copy Paste Information on XFER 1 Find ");
+        EXPECT_EQ(choose("LVActions", "Edit Off"), "Edit Off Undo Copy Information on XFER 1 Find ");
         EXPECT_EQ(choose("LVExceptions", "Find"), "Edit Default Undo Paste Find ");
         EXPECT_EQ(Person::Window("GUI")->focusWidget(), Person::TextBox("txtFind"));
     });

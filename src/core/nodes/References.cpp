@@ -1,10 +1,12 @@
 #include "nodes/References.h"
 
+#include "nodes/AutoNodeReader.h"
 #include "nodes/NodeTypes.h"
 #include "nodes/Slots.h"
 #include "platform/FoldCase.h"
 #include "platform/RuntimeError.h"
 #include "platform/WholeNumber.h"
+#include "store/Batch.h"
 
 #include <algorithm>
 #include <array>
@@ -107,6 +109,20 @@ std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition, c
         Read(dataBase.Query(command, {partition}), std::nullopt, take, wants);
     }
     return Sorted(std::move(uses));
+}
+
+std::map<NodeKey, std::string> LabelsOfHolders(DataBase& dataBase, Partition partition,
+                                               const std::vector<StoredReference>& uses) {
+    std::map<NodeKey, std::string> labels;
+    for (const StoredReference& use : uses) {
+        labels.try_emplace(use.holder);
+    }
+    ReadAhead(dataBase).Read([&] {
+        for (auto& [holder, label] : labels) {
+            label = LabelOf(dataBase, partition, holder);
+        }
+    });
+    return labels;
 }
 
 } // namespace KAL_AUTO_Node

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -42,6 +43,9 @@ void ReadOtherReferences(DataBase& dataBase, Partition partition,
 // message.
 [[nodiscard]] std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition,
                                                     const TypeNames& names, const NodeKey& node);
+// The labels of the nodes that have them.
+[[nodiscard]] std::map<NodeKey, std::string> LabelsOfHolders(DataBase& dataBase, Partition partition,
+                                                             const std::vector<StoredReference>& uses);
 // To one of many nodes; the partition is read once through.
 [[nodiscard]] std::vector<StoredReference> ReadUses(DataBase& dataBase, Partition partition,
                                                     const TypeNames& names, const std::set<NodeKey>& nodes);

@@ -63,6 +63,7 @@ void EditorWindow::ConnectHandlers() {
             TurnOffEditMode(list != &prompts_, list != &actions_, list != &exceptions_);
         });
         connect(list, &ReferenceList::Followed, &ways_, &Wayfinder::Follow);
+        connect(list, &ReferenceList::AskedAbout, &ways_, &Wayfinder::TellAbout);
     }
 }
 

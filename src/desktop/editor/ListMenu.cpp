@@ -32,9 +32,11 @@ void ReferenceList::ShowMenu(const QPoint& place) {
     menu.addSeparator();
     const auto target = SelectedTarget();
     const bool leadsOn = target && target->typeID == AutoType;
-    offer(leadsOn ? "Go To " + gui_.NodeName(target->typeID) + ' ' + QString::number(target->number)
-                  : QStringLiteral("Go To"),
-          QKeySequence(FollowKey), leadsOn, [this, target] { emit Followed(*target); });
+    const QString name = target ? QString::fromStdString(gui_.Lists().Names().Text(*target)) : QString();
+    offer(leadsOn ? "Go To " + name : QStringLiteral("Go To"), QKeySequence(FollowKey), leadsOn,
+          [this, target] { emit Followed(*target); });
+    offer(target ? "Information on " + name : QStringLiteral("Information"), {}, target.has_value(),
+          [this, target] { emit AskedAbout(*target); });
     menu.addSeparator();
     offer(QStringLiteral("Find"), QKeySequence(FindKey), true, [this] { gui_.Find(List()); });
     menu.exec(place);

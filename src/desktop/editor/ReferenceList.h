@@ -54,6 +54,8 @@ class ReferenceList : public QObject {
     void EditingBegan();
     // A person wants to go on with the node that a row refers to.
     void Followed(const NodeKey& target);
+    // And to know about it.
+    void AskedAbout(const NodeKey& target);
 
   protected:
     // The slots are those of the list's editors.

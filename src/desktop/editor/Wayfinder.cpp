@@ -7,6 +7,7 @@
 #include "information/GoToDialog.h"
 #include "rules/NodeRules.h"
 
+#include <QEvent>
 #include <QPointer>
 
 namespace KAL_AUTO_Node {
@@ -14,55 +15,58 @@ namespace KAL_AUTO_Node {
 Wayfinder::Wayfinder(GUI& gui, const std::unique_ptr<NodeRules>& rules) : gui_(gui), rules_(rules) {
     OnKey(gui, GoToKey, [this] { GoTo(); });
     OnKey(gui, BackKey, [this] { Back(); });
-    gui.cmbNode->setToolTip(QStringLiteral("The node shown; Ctrl+G goes to any node, Alt+Left back"));
-}
-
-StoreReader& Wayfinder::Reader() {
-    if (!reader_) {
-        reader_ = std::make_unique<StoreReader>(rules_->File());
-    }
-    return *reader_;
+    OnKey(gui, InformationKey, [this] { TellAbout({AutoType, gui_.nodeNumber}); });
+    gui.cmbNode->setToolTip(QStringLiteral(
+        "The node shown; Ctrl+G goes to any node, Alt+Left back, and Ctrl+I tells what is known of it"));
+    gui.cmdApply->installEventFilter(this);
 }
 
 void Wayfinder::GoTo() {
     if (gui_.IsActing()) {
         return;
     }
+    StoreReader reader(rules_->File());
     // A host may take the window away meanwhile, and the dialog with it.
-    const QPointer<GoToDialog> dialog = new GoToDialog(&gui_, Reader(), PartitionOf(gui_));
+    const QPointer<GoToDialog> dialog = new GoToDialog(&gui_, reader, PartitionOf(gui_));
     const bool chose = dialog->exec() == QDialog::Accepted;
     if (dialog == nullptr) {
         return;
     }
     const auto target = dialog->Chosen();
     delete dialog;
-    Reader().Rest();
     if (chose && target) {
         Follow(*target);
     }
 }
 
 void Wayfinder::Follow(const NodeKey& target) {
-    if (target.typeID == AutoType) {
-        MoveTo(target.number);
+    if (target.typeID != AutoType || !MoveTo(target.number)) {
+        TellAbout(target);
     }
 }
 
-void Wayfinder::MoveTo(int number) {
+bool Wayfinder::MoveTo(int number) {
     // The partition's template is edited without the others.
-    if (gui_.IsActing() || number == gui_.nodeNumber || IsHiddenByCode(*gui_.cmbNode)) {
-        return;
+    if (IsHiddenByCode(*gui_.cmbNode)) {
+        return false;
+    }
+    if (gui_.IsActing()) {
+        return true;
     }
     Handle(*gui_.cmbNode, "Click", [&] {
         if (gui_.cmbNode->IndexOfData(number) < 0) {
             rules_->ListNodesAnew(gui_);
         }
-        if (const int index = gui_.cmbNode->IndexOfData(number); index >= 0) {
-            gui_.cmbNode->SetListIndex(index);
-        } else {
+        if (const int index = gui_.cmbNode->IndexOfData(number); index < 0) {
             Inform(gui_.NodeName(AutoType) + ' ' + QString::number(number) + " doesn't exist.");
+        } else if (index != gui_.cmbNode->ListIndex()) {
+            gui_.cmbNode->SetListIndex(index);
         }
     });
+    if (IsInformed() && information_->Shown().key != NodeKey{AutoType, gui_.nodeNumber}) {
+        TellAbout({AutoType, gui_.nodeNumber});
+    }
+    return true;
 }
 
 void Wayfinder::Left(std::int16_t number) {
@@ -71,6 +75,9 @@ void Wayfinder::Left(std::int16_t number) {
         way_.erase(way_.begin());
     }
     way_.push_back(number);
+    if (IsInformed()) {
+        TellAbout({AutoType, gui_.nodeNumber});
+    }
 }
 
 void Wayfinder::Back() {
@@ -83,6 +90,47 @@ void Wayfinder::Back() {
     if (gui_.nodeNumber == number) {
         way_.resize(before);
     }
+}
+
+void Wayfinder::TellAbout(const NodeKey& node) {
+    if (!information_) {
+        reader_ = std::make_unique<StoreReader>(rules_->File());
+        information_ = std::make_unique<InformationWindow>(&gui_, *reader_);
+        information_->Go = [this](const NodeKey& key) { Follow(key); };
+        information_->PutBack = [this](const auto&... what) { PutBack(what...); };
+        OnKey(*information_, BackKey, [this] { Back(); });
+        OnKey(*information_, GoToKey, [this] { GoTo(); });
+    }
+    information_->Show({PartitionOf(gui_), node});
+    NoteUnsaved();
+}
+
+void Wayfinder::NoteUnsaved() {
+    const bool own = information_->Shown().key == NodeKey{AutoType, gui_.nodeNumber};
+    information_->Note(own && gui_.cmdApply->isEnabled()
+                           ? QStringLiteral("What was changed in the editor is not saved, and not told here.")
+                           : QString());
+}
+
+void Wayfinder::PutBack(const NodePlace& place, const Version& version,
+                        const std::optional<std::vector<QString>>& uses) {
+    if (gui_.IsActing()) {
+        return;
+    }
+    const GUI::Acting acting(gui_);
+    if (rules_->PutBack(gui_, place, version, uses)) {
+        information_->ReadAgain();
+    }
+}
+
+bool Wayfinder::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == gui_.cmdApply && event->type() == QEvent::EnabledChange && IsInformed()) {
+        NoteUnsaved();
+        if (!gui_.cmdApply->isEnabled()) {
+            information_->ReadAgain(); // saved, or loaded anew
+        }
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 } // namespace KAL_AUTO_Node

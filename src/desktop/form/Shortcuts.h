@@ -15,6 +15,7 @@ inline constexpr const char* UndoKey = "Ctrl+Z";
 inline constexpr const char* RedoKey = "Ctrl+Shift+Z";
 inline constexpr const char* FindKey = "Ctrl+F";
 inline constexpr const char* GoToKey = "Ctrl+G";
+inline constexpr const char* InformationKey = "Ctrl+I";
 inline constexpr const char* FollowKey = "Ctrl+Return";
 inline constexpr const char* BackKey = "Alt+Left";
 

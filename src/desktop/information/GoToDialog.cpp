@@ -8,7 +8,7 @@
 #include "platform/FoldCase.h"
 
 #include <QCoreApplication>
-#include <QDialogButtonBox>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -41,27 +41,31 @@ GoToDialog::GoToDialog(QWidget* parent, StoreReader& reader, Partition partition
     : QDialog(parent), reader_(reader) {
     setObjectName(QStringLiteral("frmGoTo"));
     setWindowTitle(QStringLiteral("Go To"));
+    setAttribute(Qt::WA_QuitOnClose, false);
     text_ = Named(new QLineEdit(this), "txtGoTo");
     text_->installEventFilter(this);
     list_ = new RowTable(this, "LVGoTo", QStringLiteral("Nodes"),
                          {QStringLiteral("Node"), QStringLiteral("Label")});
     found_ = Named(new QLabel(this), "lblGoToFound");
-    auto* buttons = new QDialogButtonBox(this);
-    go_ = Named(buttons->addButton(QStringLiteral("Go To"), QDialogButtonBox::AcceptRole), "cmdGoTo");
-    Named(buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole), "cmdGoToCancel");
+    go_ = Button(this, "cmdGoTo", "Go To", "Goes to an AUTO node, and tells what is known of another");
+    auto* cancel = Button(this, "cmdGoToCancel", "Cancel", "Close and stay");
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(go_);
+    buttons->addWidget(cancel);
 
     auto* window = new QVBoxLayout(this);
     window->addWidget(Caption(this, "lblGoTo", "Number, or words of the label:", text_));
     window->addWidget(text_);
     window->addWidget(list_, 1);
     window->addWidget(found_);
-    window->addWidget(buttons);
+    window->addLayout(buttons);
     const QFontMetrics metrics = fontMetrics();
     resize(metrics.averageCharWidth() * 70, metrics.height() * 26);
 
     connect(text_, &QLineEdit::textChanged, this, &GoToDialog::Find);
-    connect(buttons, &QDialogButtonBox::accepted, this, [this] { Go(list_->Chosen()); });
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(go_, &QPushButton::clicked, this, [this] { Go(list_->Chosen()); });
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     list_->Activated = [this](int row) { Go(row); };
     list_->Changed = [this](int row) { go_->setEnabled(row >= 0); };
     go_->setDefault(true);

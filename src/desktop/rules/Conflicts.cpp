@@ -6,6 +6,8 @@
 
 #include <QStringList>
 
+#include <utility>
+
 namespace KAL_AUTO_Node {
 
 namespace {
@@ -23,17 +25,21 @@ QString ByAndWhen(const Version& version) {
     return Line(AuthorText(version)) + ", " + Line(LocalTime(version.begunAt));
 }
 
-QString ListOf(const std::vector<std::string>& differences) {
-    QStringList lines;
-    for (const std::string& difference : differences) {
-        lines.append(Line(difference));
-    }
+QString ListOf(QStringList lines) {
     if (lines.size() > MostLines) {
         const auto more = lines.size() - (MostLines - 1);
         lines = lines.mid(0, MostLines - 1);
         lines.append(QStringLiteral("and %1 more").arg(more));
     }
     return lines.join(QStringLiteral("\r\n"));
+}
+
+QString ListOf(const std::vector<std::string>& differences) {
+    QStringList lines;
+    for (const std::string& difference : differences) {
+        lines.append(Line(difference));
+    }
+    return ListOf(std::move(lines));
 }
 
 } // namespace
@@ -91,6 +97,21 @@ bool WantsItPutBack(const QString& node, const Version& save) {
 bool WantsItMadeWhole(const QString& node) {
     return Confirm(node + " was being made from its template when that was interrupted: only a part of it is "
                           "stored.\r\n\r\nDo you want to make the rest?");
+}
+
+bool WantsVersionBack(const QString& node, const Version& version, const std::vector<std::string>& changes,
+                      const std::optional<std::vector<QString>>& uses, bool unsaved) {
+    QString question = node + " would be as it was before change " + QString::number(version.number) +
+                       ", by " + ByAndWhen(version) + ":\r\n" + ListOf(changes);
+    if (uses && !uses->empty()) {
+        question += "\r\n\r\nThese refer to it:\r\n" + ListOf(QStringList(uses->begin(), uses->end()));
+    } else if (uses) {
+        question += "\r\n\r\nNothing refers to it.";
+    }
+    if (unsaved) {
+        question += "\r\n\r\nWhat was changed in this window and is not saved goes.";
+    }
+    return Confirm(question + "\r\n\r\nDo you want to put the node back?");
 }
 
 } // namespace KAL_AUTO_Node

@@ -1,8 +1,13 @@
 #pragma once
 
 #include "history/NodeSave.h"
+#include "history/Version.h"
 
 #include <QString>
+
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace KAL_AUTO_Node {
 
@@ -22,5 +27,11 @@ enum class Over { Save, Keep, Load, Both };
 
 // Whether a node is to get the rest of its template's rows.
 [[nodiscard]] bool WantsItMadeWhole(const QString& node);
+
+// Whether the node is to be as it was before a change; with what that changes, what refers to the node, where
+// that is known, and whether the window has changes of it that go.
+[[nodiscard]] bool WantsVersionBack(const QString& node, const Version& version,
+                                    const std::vector<std::string>& changes,
+                                    const std::optional<std::vector<QString>>& uses, bool unsaved);
 
 } // namespace KAL_AUTO_Node

@@ -75,6 +75,12 @@ class NodeRules {
     // saved; what is stored is what the next save goes over.
     void ShowTogether(GUI& gui, std::int16_t nodeNumber, AutoNode node, SeenNode stored);
 
+    // Puts a node back as it was before a change, and shows it where the window shows that node. Asks first,
+    // and tells with the question what refers to the node, where that is known, and what of the window is
+    // lost. Returns whether it did.
+    bool PutBack(GUI& gui, const NodePlace& place, const Version& version,
+                 const std::optional<std::vector<QString>>& uses);
+
     // The label of a node that can be referred to; empty where it has none. Has no report of its own.
     QString LabelOfNode(const GUI& gui, int nodeTypeID, int nodeNumber);
 

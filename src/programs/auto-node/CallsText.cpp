@@ -6,14 +6,6 @@
 
 namespace KAL_AUTO_Node {
 
-std::string Codes(const std::vector<Reason>& reasons) {
-    std::string codes;
-    for (const Reason reason : reasons) {
-        codes += (codes.empty() ? "" : ", ") + std::string(TextOf(reason).code);
-    }
-    return codes;
-}
-
 std::string ByText(const Menu& menu, const Outcome& outcome) {
     switch (outcome.by) {
     case Outcome::By::Action:
@@ -23,11 +15,6 @@ std::string ByText(const Menu& menu, const Outcome& outcome) {
     default:
         return "asked again";
     }
-}
-
-std::string Sequences(int length, const DigitInterval& interval) {
-    const std::string low = SequenceText(length, interval.low);
-    return interval.low == interval.high ? low : low + '-' + SequenceText(length, interval.high);
 }
 
 nlohmann::ordered_json ToJson(const CallMap& map, const Target& target) {

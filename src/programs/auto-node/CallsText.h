@@ -1,6 +1,6 @@
 #pragma once
 
-#include "calls/Outcomes.h"
+#include "calls/EntryText.h"
 
 #include <nlohmann/json_fwd.hpp>
 #include <string>
@@ -10,14 +10,8 @@ namespace KAL_AUTO_Node {
 
 struct CallMap;
 
-// The codes of reasons, with commas between them.
-[[nodiscard]] std::string Codes(const std::vector<Reason>& reasons);
-
 // By what an outcome comes about: "action 3", "Invalid", "asked again".
 [[nodiscard]] std::string ByText(const Menu& menu, const Outcome& outcome);
-
-// An interval's ends, or the one sequence that it is.
-[[nodiscard]] std::string Sequences(int length, const DigitInterval& interval);
 
 // Members of a JSON document that tell outcomes, and a target.
 void AddJson(nlohmann::ordered_json& document, const CallMap& map, const Menu& menu,

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "nodes/AutoNode.h"
+#include "history/Changes.h"
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,10 +10,6 @@ namespace KAL_AUTO_Node {
 class TypeNames;
 struct RepointPlan;
 struct RowPlan;
-
-// What turns one state of a node into another, in words; nothing stands for no node.
-[[nodiscard]] std::vector<std::string> ChangesInWords(const std::optional<AutoNode>& before,
-                                                      const std::optional<AutoNode>& after);
 
 // A line for each; one that says so where there are none.
 void PrintChanges(const std::vector<std::string>& changes);

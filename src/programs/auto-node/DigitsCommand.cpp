@@ -34,34 +34,10 @@ constexpr std::array<Question, 5> Questions = {{
     {"waiting", "begin a longer one", [](const DigitInterval& interval) { return interval.waits.count > 0; }},
 }};
 
-std::string Named(const AutoNode& node, const ActionSet& actions) {
-    std::string text;
-    for (const std::size_t action : actions.First()) {
-        text += (text.empty() ? "" : ", ") + EntryText(node.actions[action]);
-    }
-    const std::size_t more = actions.count - actions.First().size();
-    return more > 0 ? text + " and " + std::to_string(more) + " more" : text;
-}
-
-// What a caller waits for after an entry that begins a longer one.
-std::string Waiting(const Menu& menu, const DigitInterval& interval) {
-    if (interval.waits.count == 0) {
-        return {};
-    }
-    const std::string end =
-        menu.HasTerminator() ? "waits for digits or " + TerminatingDigitText(menu.Node().settings) : "waits";
-    return end + ", because of " + Named(menu.Node(), interval.waits);
-}
-
 void Print(const NodePlace& place, const Menu& menu, const std::vector<DigitLength>& lengths) {
     const AutoNode& node = menu.Node();
-    std::cout << Visible(node.type) << ' ' << place.number << "  " << Visible(node.label.value_or(""))
-              << "\nTakes "
-              << (menu.Entries().most == 1 ? "1 digit"
-                                           : "1 to " + std::to_string(menu.Entries().most) + " digits")
-              << (menu.Entries().known ? "" : ", or fewer: how many is not known") << "; Invalid is "
-              << Visible(menu.ExceptionTarget(BranchOf(Slot::Invalid)).Text()) << "; callers "
-              << (menu.MayAskAgain() ? "may be" : "are not") << " asked again\n";
+    std::cout << Visible(node.type) << ' ' << place.number << "  " << Visible(node.label.value_or("")) << '\n'
+              << Visible(EntriesText(menu)) << '\n';
     for (const DigitLength& length : lengths) {
         std::cout << '\n' << length.length << (length.length == 1 ? " digit: " : " digits: ");
         for (const Question& question : Questions) {
@@ -71,11 +47,9 @@ void Print(const NodePlace& place, const Menu& menu, const std::vector<DigitLeng
         std::cout << '\n';
         Table table({Left, Right, Left, Left, Left, Left}, "  ");
         for (const DigitInterval& interval : length.intervals) {
-            const Outcomes outcomes = menu.Enter(length.length, interval);
-            const bool action = outcomes.IsCertain() && outcomes.ways.front().by == Outcome::By::Action;
-            table.Add({Sequences(length.length, interval), std::to_string(interval.Count()), TextOf(outcomes),
-                       action ? node.actions[outcomes.ways.front().place].target.label : "",
-                       Waiting(menu, interval), Codes(outcomes.reasons)});
+            const IntervalText text = TextOf(menu, length.length, interval);
+            table.Add(
+                {text.entries, std::to_string(text.count), text.leadsTo, text.label, text.waits, text.codes});
         }
         table.Print(std::cout);
     }

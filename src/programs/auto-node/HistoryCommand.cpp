@@ -3,6 +3,7 @@
 #include "auto-node/Commands.h"
 #include "auto-node/Progress.h"
 #include "auto-node/Table.h"
+#include "history/Changes.h"
 #include "history/History.h"
 #include "nodes/NodeJson.h"
 #include "platform/RuntimeError.h"
@@ -18,47 +19,10 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-// A change with what it changed: what was there before it against what was there before the next.
-struct Change {
-    Version version;
-    std::vector<std::string> words;
-};
-
-// Nothing where the content of the one version cannot be read; the others tell their changes all the same.
-std::optional<NodeContent> ReadBefore(History& history, const NodePlace& place, std::int64_t version) {
-    try {
-        return history.Before(place, version);
-    } catch (const RuntimeError& error) {
-        if (error.Number() == ErrorNumber::StoreNotRecognized) {
-            return std::nullopt;
-        }
-        throw;
-    }
-}
-
-std::vector<Change> ReadChanges(DataBase& dataBase, History& history, const NodePlace& place) {
-    std::vector<Change> changes;
-    std::optional after = ReadContent(dataBase, place);
-    for (Version& version : history.Versions(place)) {
-        auto before = ReadBefore(history, place, version.number);
-        auto words = before && after ? ChangesInWords(before->node, after->node)
-                                     : std::vector<std::string>{"what it changed cannot be read"};
-        changes.push_back({std::move(version), std::move(words)});
-        after = std::move(before);
-    }
-    return changes;
-}
-
-// What became of a change, as people read it.
-std::string Outcome(const Version& version) {
-    return version.work + (version.state == VersionState::Finished ? "" : ", " + version.state) +
-           (version.note.empty() ? "" : ": " + version.note);
-}
-
 void Print(const std::vector<Change>& changes) {
     for (const auto& [version, words] : changes) {
         std::cout << version.number << "  " << Visible(LocalTime(version.begunAt)) << "  "
-                  << Visible(AuthorText(version)) << "  " << Visible(Outcome(version)) << '\n';
+                  << Visible(AuthorText(version)) << "  " << Visible(OutcomeOf(version)) << '\n';
         PrintChanges(words);
     }
     if (changes.empty()) {
@@ -128,7 +92,7 @@ int PrintLog(const Options& options, History& history) {
         } else {
             table.Add({LocalTime(version.begunAt), std::to_string(place.partition.config),
                        std::to_string(place.partition.number), "AUTO " + std::to_string(place.number),
-                       AuthorText(version), Outcome(version)});
+                       AuthorText(version), OutcomeOf(version)});
         }
     });
     if (options.json) {

@@ -2,14 +2,12 @@
 #include "auto-node/Commands.h"
 #include "auto-node/Progress.h"
 #include "auto-node/Table.h"
-#include "nodes/AutoNodeReader.h"
 #include "nodes/NodeJson.h"
 #include "nodes/NodeTypes.h"
 #include "nodes/References.h"
 #include "nodes/Templates.h"
 #include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
-#include "store/Batch.h"
 
 #include <iostream>
 #include <memory>
@@ -36,23 +34,11 @@ int Run(const Options& options, DataBase& dataBase) {
     if (uses.empty() && !IsNodeExisted(dataBase, partition, node)) {
         throw RuntimeError(name + " does not exist, and nothing refers to it");
     }
-    ReadAhead ahead(dataBase);
-    Lasting("Reading labels", [&] {
-        ahead.Fetch([&] {
-            for (const StoredReference& use : uses) {
-                static_cast<void>(LabelOf(dataBase, partition, use.holder));
-            }
-        });
-    });
+    const auto labels = Lasting("Reading labels", [&] { return LabelsOfHolders(dataBase, partition, uses); });
     auto document = nlohmann::ordered_json::array();
     Table table({Left, Left, Left, Left});
-    const StoredReference* before = nullptr;
-    std::string label;
     for (const StoredReference& use : uses) {
-        if (before == nullptr || before->holder != use.holder) {
-            label = LabelOf(dataBase, partition, use.holder);
-        }
-        before = &use;
+        const std::string& label = labels.at(use.holder);
         const std::string place = PlaceText(use.Column(), use.row);
         if (options.json) {
             document.push_back({{"typeID", use.holder.typeID},
