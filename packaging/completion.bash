@@ -4,7 +4,7 @@ _auto_node() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
     COMPREPLY=()
     case $before in
-        -o | --output | --store | --accept | --into | --text | --map | --sounds | --plan)
+        -o | --output | --store | --accept | --into | --text | --map | --sounds | --plan | --against)
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -f -- "$word")
             return
@@ -19,7 +19,7 @@ _auto_node() {
         part == "Subcommands:" && /^  [a-z]/ { print $1 }')
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
     # Files of commands that take them as arguments.
-    if [[ ${#COMPREPLY[@]} -eq 0 && ${command[0]-} =~ ^(import|export|expect|merge|apply)$ ]]; then
+    if [[ ${#COMPREPLY[@]} -eq 0 && ${command[0]-} =~ ^(import|export|expect|merge|apply|report)$ ]]; then
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
     fi

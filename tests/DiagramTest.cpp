@@ -147,6 +147,10 @@ TEST(Diagram, MergesWaysIntoOneLineAndMuchIntoOneStack) {
                               "<B>✗ HOLD 1 is missing</B>>, shape=octagon"}) {
         EXPECT_NE(text.find(shown), std::string::npos) << shown << " in " << text;
     }
+    // An exception's line would end at a stack that tells nothing of it.
+    node.branches[1] = {4, "XFER", 30, {}};
+    EXPECT_NE(DotText(flow, {1}, std::nullopt).find("label=<XFER 30>"), std::string::npos);
+    EXPECT_EQ(text.find("label=<XFER 30>"), std::string::npos);
     // Neither what is only heard nor what leads nowhere is a way.
     EXPECT_EQ(text.find("NONE"), std::string::npos) << text;
     EXPECT_EQ(text.find("MSG 7"), text.rfind("MSG 7")) << text;

@@ -201,6 +201,12 @@ TEST(HostProgram, DrawsTheCallFlowOrOffersItsText) {
     ExpectTold(Program(0, {"graph", "1", "2", "10"}).output, "row 2 → AUTO 10 After hours");
     ExpectTold(draw(1, {"25"}).errors, "AUTO node 25");
     ExpectTold(draw(1, {"--section", "99"}).errors, "sections, no 99");
+    store.Execute(
+        "WITH RECURSIVE Numbers (Number) AS (VALUES (1) UNION ALL SELECT Number + 1 FROM Numbers WHERE "
+        "Number < 301) INSERT INTO Node_AUTO SELECT 1, 3, 9, Number, 1, 'No', 5, 3, 3, 'MSG', 1, 'MSG', 1, "
+        "'MSG', 1, 'AUTO', '', 0, 0, 0, 814, 814, 'NONE', 0, 'NONE', 0 FROM Numbers");
+    ExpectTold(Program(1, {"graph", "1", "3", "-o", "flow.png"}).errors,
+               "auto-node report writes a page of all");
     ExpectTold(Program(1, {"graph", "9", "9"}).errors, "no AUTO nodes");
     ExpectTold(Program(1, {"graph", "1", "2", "-o", "/no/folder.dot"}).errors, "/no/folder.dot");
     const auto drawn = [&](const std::string& list) {

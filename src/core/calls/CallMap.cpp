@@ -6,10 +6,6 @@
 #include "platform/RuntimeError.h"
 #include "store/DataBase.h"
 
-#include <algorithm>
-#include <iterator>
-#include <set>
-
 namespace KAL_AUTO_Node {
 
 const Menu* CallMap::MenuOf(const Target& target) const {
@@ -69,7 +65,6 @@ CallMap ReadCallMap(DataBase& dataBase, const TypeNames& names, Partition partit
             map.menus.emplace_hint(map.menus.end(), number, Menu(number, node));
         },
         [](Slot, int, int) {});
-    std::set<int> entered;
     ReadOtherReferences(dataBase, partition, [&](const StoredReference& reference) {
         const ReferenceColumn& column = reference.Column();
         const auto typeID = column.hasTypeID ? reference.typeID : names.ID(reference.type);
@@ -85,13 +80,11 @@ CallMap ReadCallMap(DataBase& dataBase, const TypeNames& names, Partition partit
         }
         (IsPlayed(column) ? map.played : map.others)[holder].push_back(
             {PlaceText(column, reference.row), {*typeID, *reference.number, true, reference.type}});
-        if (!IsPlayed(column) && *typeID == AutoType && map.menus.contains(*reference.number)) {
-            entered.insert(*reference.number);
+        if (!IsPlayed(column) && *typeID == AutoType) {
+            flow.AddWayTo(*reference.number);
         }
     });
-    std::ranges::copy(flow.Unreferenced(), std::inserter(entered, entered.end()));
-    entered.erase(TemplateNumber);
-    map.entries.assign(entered.begin(), entered.end());
+    map.entries = flow.Entries();
     return map;
 }
 

@@ -15,15 +15,6 @@ std::string NamesOf(const AutoNode& node, const ActionSet& actions) {
     return more > 0 ? text + " and " + std::to_string(more) + " more" : text;
 }
 
-std::string WaitingAfter(const Menu& menu, const DigitInterval& interval) {
-    if (interval.waits.count == 0) {
-        return {};
-    }
-    const std::string end =
-        menu.HasTerminator() ? "waits for digits or " + TerminatingDigitText(menu.Node().settings) : "waits";
-    return end + ", because of " + NamesOf(menu.Node(), interval.waits);
-}
-
 } // namespace
 
 std::string Codes(const std::vector<Reason>& reasons) {
@@ -37,6 +28,15 @@ std::string Codes(const std::vector<Reason>& reasons) {
 std::string Sequences(int length, const DigitInterval& interval) {
     const std::string low = SequenceText(length, interval.low);
     return interval.low == interval.high ? low : low + '-' + SequenceText(length, interval.high);
+}
+
+std::string WaitingAfter(const Menu& menu, const DigitInterval& interval) {
+    if (interval.waits.count == 0) {
+        return {};
+    }
+    const std::string end =
+        menu.HasTerminator() ? "waits for digits or " + TerminatingDigitText(menu.Node().settings) : "waits";
+    return end + ", because of " + NamesOf(menu.Node(), interval.waits);
 }
 
 std::string EntriesText(const Menu& menu) {

@@ -15,6 +15,9 @@ namespace KAL_AUTO_Node {
 // An interval's ends, or the one sequence that it is.
 [[nodiscard]] std::string Sequences(int length, const DigitInterval& interval);
 
+// What a caller waits for after an entry that begins a longer one, and why; empty where nobody waits.
+[[nodiscard]] std::string WaitingAfter(const Menu& menu, const DigitInterval& interval);
+
 // "Takes 1 to 3 digits; Invalid is MSG 6; callers may be asked again"
 [[nodiscard]] std::string EntriesText(const Menu& menu);
 

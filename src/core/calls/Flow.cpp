@@ -1,6 +1,9 @@
 #include "calls/Flow.h"
 
+#include "nodes/Identity.h"
+
 #include <algorithm>
+#include <iterator>
 
 namespace KAL_AUTO_Node {
 
@@ -70,6 +73,16 @@ std::vector<int> Flow::Unreferenced() const {
     }
     std::ranges::sort(unreferenced);
     return unreferenced;
+}
+
+std::vector<int> Flow::Entries() const {
+    std::vector<int> entries = Unreferenced();
+    std::ranges::copy_if(ledTo_, std::back_inserter(entries),
+                         [this](int number) { return nodes_.contains(number); });
+    std::erase(entries, TemplateNumber);
+    std::ranges::sort(entries);
+    entries.erase(std::ranges::unique(entries).begin(), entries.end());
+    return entries;
 }
 
 } // namespace KAL_AUTO_Node

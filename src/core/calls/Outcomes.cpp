@@ -176,16 +176,17 @@ std::vector<EntrySpan> SpansOf(const Menu& menu) {
     return spans;
 }
 
-std::string TextOf(const Outcomes& outcomes, std::optional<std::size_t> branch) {
+std::string TextOf(const Outcomes& outcomes, std::optional<std::size_t> branch,
+                   const std::function<std::string(const Target&)>& nameOf) {
     std::vector<std::string> words;
     std::vector<std::string> nowhere;
     for (const auto& [target, by, place] : outcomes.ways) {
         if (by == Outcome::By::Again) {
             (branch ? words : nowhere).emplace_back("the menu again");
         } else if (by == Outcome::By::Action || place == branch) {
-            words.push_back(target.Text());
+            words.push_back(nameOf(target));
         } else if (branch) {
-            words.push_back(Branches.at(place).label + (" (" + target.Text()) + ')');
+            words.push_back(Branches.at(place).label + (" (" + nameOf(target)) + ')');
         } else {
             nowhere.emplace_back(Branches.at(place).label);
         }

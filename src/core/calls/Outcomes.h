@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -148,7 +149,8 @@ struct EntrySpan {
 [[nodiscard]] std::vector<EntrySpan> SpansOf(const Menu& menu);
 
 // In words: "MSG 31", "nowhere (Invalid, or the menu again)". Of a step that is an exception, by its
-// position.
-[[nodiscard]] std::string TextOf(const Outcomes& outcomes, std::optional<std::size_t> branch = std::nullopt);
+// position. Targets may be told in another way.
+[[nodiscard]] std::string TextOf(const Outcomes& outcomes, std::optional<std::size_t> branch = std::nullopt,
+                                 const std::function<std::string(const Target&)>& nameOf = &Target::Text);
 
 } // namespace KAL_AUTO_Node

@@ -32,9 +32,7 @@ class Links {
 std::vector<Link> LinksOf(const AutoNode& node) {
     Links links;
     for (const Action& action : node.actions) {
-        const auto [low, high] = RangeOf(action);
-        links.Add(action.target, DisplayText(action.target, Slot::Actions), false,
-                  low == high ? std::string(low) : EntryText(action));
+        links.Add(action.target, DisplayText(action.target, Slot::Actions), false, KeysText(action));
     }
     for (std::size_t i = 0; i < Branches.size(); ++i) {
         const Reference& target = node.branches[i];
@@ -47,11 +45,6 @@ std::vector<Link> LinksOf(const AutoNode& node) {
 
 bool IsException(const ReferenceColumn& column) {
     return std::ranges::find(Branches, column.word, &Branch::column) != Branches.end();
-}
-
-// Whether a call goes on there, and does not only hear something.
-bool IsWay(const ReferenceColumn& column, int typeID) {
-    return RefersToNode(typeID) && NodeTypeOf(typeID) != MessageType && !IsPlayed(column);
 }
 
 // The ways of nodes of other types, in their order.
@@ -169,7 +162,18 @@ std::vector<Link> CallFlow::LinksFrom(const NodeKey& node) const {
     return node.typeID == AutoType ? LinksOf(nodes.at(node.number)) : others.at(node);
 }
 
+bool IsWay(const StoredReference& reference, int typeID) {
+    return RefersToNode(typeID) && NodeTypeOf(typeID) != MessageType && !IsPlayed(reference.Column());
+}
+
 CallFlow ReadCallFlow(DataBase& dataBase, History& history, Partition partition) {
+    PartitionFindings found;
+    return ReadCallFlow(dataBase, history, partition, found, [](const StoredReference&, int) {});
+}
+
+CallFlow
+ReadCallFlow(DataBase& dataBase, History& history, Partition partition, PartitionFindings& found,
+             const std::function<void(const StoredReference& reference, int typeID)>& takeReference) {
     CallFlow flow;
     flow.partition = partition;
     std::vector<StoredReference> ways;
@@ -178,12 +182,14 @@ CallFlow ReadCallFlow(DataBase& dataBase, History& history, Partition partition)
                                 },
                                 [&](int number, const AutoNode& node) { flow.nodes.emplace(number, node); },
                                 [&](const StoredReference& reference, int typeID) {
-                                    if (IsWay(reference.Column(), typeID)) {
+                                    takeReference(reference, typeID);
+                                    if (IsWay(reference, typeID)) {
                                         ways.push_back(reference);
                                         ways.back().typeID = typeID;
                                     }
                                 }};
-    AddRemarks(flow, CheckPartition(dataBase, history, partition, reader).findings);
+    found = CheckPartition(dataBase, history, partition, reader);
+    AddRemarks(flow, found.findings);
     flow.others = OtherLinks(std::move(ways));
     LeaveLeadingOn(flow);
     return flow;

@@ -3,7 +3,7 @@
 #include "nodes/AutoNode.h"
 #include "nodes/Identity.h"
 
-#include <cstdint>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -14,6 +14,8 @@ namespace KAL_AUTO_Node {
 
 class DataBase;
 class History;
+struct PartitionFindings;
+struct StoredReference;
 
 // What is to be said about an AUTO node beside what it holds.
 struct Remark {
@@ -58,6 +60,14 @@ struct CallFlow {
 
 // Reads the whole partition once, with what is found wrong in it.
 [[nodiscard]] CallFlow ReadCallFlow(DataBase& dataBase, History& history, Partition partition);
+// With what was found, and each reference of a node of another type, with the ID of the type that it refers
+// to, as the check hands them over.
+[[nodiscard]] CallFlow
+ReadCallFlow(DataBase& dataBase, History& history, Partition partition, PartitionFindings& found,
+             const std::function<void(const StoredReference& reference, int typeID)>& takeReference);
+
+// Whether a call goes on by a reference to a type from there, and does not only hear something.
+[[nodiscard]] bool IsWay(const StoredReference& reference, int typeID);
 
 // The AUTO nodes within so many steps from one, onwards and backwards, itself among them. A step goes to the
 // next AUTO node, over whatever nodes of other types.

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <iterator>
 #include <sstream>
+#include <tuple>
 #include <utility>
 
 namespace KAL_AUTO_Node {
@@ -57,8 +58,9 @@ struct Other {
 
 class Writer {
   public:
-    Writer(const CallFlow& flow, const std::set<int>& shown, std::optional<int> emphasized)
-        : flow_(flow), emphasized_(emphasized), detailed_(shown.size() <= DetailLimit),
+    Writer(const CallFlow& flow, const std::set<int>& shown, bool detailed, std::optional<int> emphasized,
+           const PlaceOfNode* placeOf)
+        : flow_(flow), emphasized_(emphasized), detailed_(detailed), placeOf_(placeOf),
           outline_(flow, shown, emphasized.value_or(TemplateNumber)) {}
 
     std::string Write() {
@@ -80,20 +82,27 @@ class Writer {
 
   private:
     void WriteHead() {
-        const auto& [config, number] = flow_.partition;
         constexpr const char* font = "fontname=\"DejaVu Sans,sans-serif\"";
         out_ << "digraph CallFlow {\n"
              << "graph [" << font
              << ", rankdir=LR, ordering=out, nodesep=0.12, ranksep=0.3, pack=16, packmode=\"graph\",\n"
-             << "       style=rounded, color=\"#808080\", fontsize=11, labeljust=l, labelloc=t,\n"
-             << "       label=<<B>Configuration " << config << ", partition " << number
+             << "       style=rounded, color=\"#808080\", fontsize=11, labeljust=l, labelloc=t];\n"
+             << "node [" << font << ", fontsize=10, margin=\"0.1,0.04\", height=0.3];\n"
+             << "edge [" << font << ", fontsize=9, arrowsize=0.7];\n";
+        if (placeOf_ == nullptr) {
+            WriteTitle();
+        }
+    }
+
+    // A page has one of its own.
+    void WriteTitle() {
+        const auto& [config, number] = flow_.partition;
+        out_ << "graph [label=<<B>Configuration " << config << ", partition " << number
              << "</B><BR ALIGN=\"LEFT\"/>"
              << "Lines: by digits, from nodes of other types by rows. Dashed: by exceptions. "
              << "→ the way goes on at that node. ✗ and octagons: missing. ‼ error, ! warning."
              << "<BR ALIGN=\"LEFT\"/>Nodes of other types with a name in bold lead on to AUTO nodes; where "
-             << "they lead, but for messages, is shown.<BR ALIGN=\"LEFT\"/>>];\n"
-             << "node [" << font << ", fontsize=10, margin=\"0.1,0.04\", height=0.3];\n"
-             << "edge [" << font << ", fontsize=9, arrowsize=0.7];\n";
+             << "they lead, but for messages, is shown.<BR ALIGN=\"LEFT\"/>>];\n";
     }
 
     [[nodiscard]] std::string SectionTitle(const Section& section) const {
@@ -125,6 +134,16 @@ class Writer {
         return id += std::to_string(std::abs(number));
     }
 
+    // Where a node stands in the page that the picture is for.
+    [[nodiscard]] std::string PagePlace(const NodeKey& node) const {
+        return placeOf_ == nullptr ? std::string() : (*placeOf_)(node);
+    }
+
+    // And where a way leads that is no line: without a page to the node in the picture.
+    [[nodiscard]] std::string WayPlace(const NodeKey& target) const {
+        return placeOf_ != nullptr ? PagePlace(target) : outline_.Has(target) ? Id(target) : std::string();
+    }
+
     void WriteNode(const NodeKey& node) {
         std::string ways; // rows for those that are no lines
         std::vector<Link> lines;
@@ -138,7 +157,7 @@ class Writer {
                 } else {
                     ways += RowMarkup(EntriesMarkup(link.entries) + " → " +
                                           Markup(link.name, flow_.LabelOf(link.target)),
-                                      nullptr, outline_.Has(target) ? Id(target) : "");
+                                      nullptr, WayPlace(target));
                 }
             } else if (detailed_ || flow_.IsMissing(link.target)) {
                 others.push_back(std::move(link));
@@ -154,7 +173,8 @@ class Writer {
             const TypeShape& shape = ShapeOf(node.typeID);
             out_ << "shape=" << shape.shape << ", style=filled, fillcolor=\"" << shape.fill
                  << R"(", label=<<TABLE BORDER="0" CELLSPACING="0" CELLPADDING="1">)"
-                 << RowMarkup("<B>" + Title(node) + "</B>") << ways << "</TABLE>>];\n";
+                 << RowMarkup("<B>" + Title(node) + "</B>", nullptr, PagePlace(node)) << ways
+                 << "</TABLE>>];\n";
         }
         // What is written first comes to lie lowest.
         std::for_each(lines.rbegin(), lines.rend(), [&](const Link& link) {
@@ -169,7 +189,8 @@ class Writer {
         const AutoNode& node = flow_.nodes.at(number);
         out_ << "shape=plain, label=<<TABLE BORDER=\"" << (number == emphasized_ ? 4 : 0)
              << R"(" CELLBORDER="1" CELLSPACING="0" CELLPADDING="4" BGCOLOR="white">)"
-             << RowMarkup("<B>" + Title({AutoType, number}) + "</B>", TitleFill)
+             << RowMarkup("<B>" + Title({AutoType, number}) + "</B>", TitleFill,
+                          PagePlace({AutoType, number}))
              << (detailed_ ? RowMarkup(SettingsMarkup(node.settings)) : "") << RowMarkup(PromptsMarkup(node))
              << ways << Remarks(number) << "</TABLE>>];\n";
     }
@@ -217,7 +238,8 @@ class Writer {
         return rows;
     }
 
-    // What a node leads to of other types, each by itself, but much of one type in one stack.
+    // What a node leads to of other types, each by itself, but much of one type in one stack: without what
+    // exceptions lead to, whose lines would end at the stack and tell nothing.
     [[nodiscard]] std::vector<std::vector<Other>> Stacks(std::vector<Link> links) const {
         std::vector<Other> others;
         for (Link& link : links) {
@@ -229,12 +251,14 @@ class Writer {
             known->links.push_back(std::move(link));
         }
         const auto kindOf = [&](const Other& other) {
-            return std::pair(other.target.typeID, flow_.IsMissing(other.target));
+            const bool alone = std::ranges::any_of(other.links, &Link::exception);
+            return std::tuple(other.target.typeID, flow_.IsMissing(other.target),
+                              alone ? std::optional(other.target.number) : std::nullopt);
         };
-        std::map<std::pair<int, bool>, std::size_t> sizes;
+        std::map<decltype(kindOf(others.front())), std::size_t> sizes;
         std::ranges::for_each(others, [&](const Other& other) { ++sizes[kindOf(other)]; });
         std::vector<std::vector<Other>> stacks;
-        std::map<std::pair<int, bool>, std::size_t> positions; // of stacks of more than one
+        std::map<decltype(kindOf(others.front())), std::size_t> positions; // of stacks of more than one
         for (Other& other : others) {
             const auto kind = kindOf(other);
             const auto [position, isNew] = positions.try_emplace(kind, stacks.size());
@@ -262,6 +286,9 @@ class Writer {
             }
         }
         out_ << id << " [label=<" << LinesMarkup(names, StackLimit) << ">, ";
+        if (const std::string place = others.size() == 1 ? PagePlace(target.Key()) : ""; !place.empty()) {
+            out_ << "href=\"#" << place << "\", ";
+        }
         if (flow_.IsMissing(target)) {
             out_ << "shape=octagon, style=\"filled,dashed\", penwidth=2, fillcolor=\"" << ErrorFill
                  << "\"];\n";
@@ -288,6 +315,7 @@ class Writer {
     const CallFlow& flow_;
     std::optional<int> emphasized_;
     bool detailed_;
+    const PlaceOfNode* placeOf_; // none where the picture is for no page
     Outline outline_;
     std::ostringstream out_;
     int others_ = 0;
@@ -297,7 +325,12 @@ class Writer {
 } // namespace
 
 std::string DotText(const CallFlow& flow, const std::set<int>& shown, std::optional<int> emphasized) {
-    return Writer(flow, shown, emphasized).Write();
+    return Writer(flow, shown, shown.size() <= DetailLimit, emphasized, nullptr).Write();
+}
+
+std::string DotText(const CallFlow& flow, const std::set<int>& shown, bool detailed,
+                    const PlaceOfNode& placeOf) {
+    return Writer(flow, shown, detailed, std::nullopt, &placeOf).Write();
 }
 
 } // namespace KAL_AUTO_Node

@@ -2,6 +2,7 @@
 
 #include "diagram/CallFlow.h"
 
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -15,5 +16,12 @@ namespace KAL_AUTO_Node {
                                   std::optional<int> emphasized);
 
 inline constexpr std::size_t DetailLimit = 60;
+
+// The place of a page at which a node stands; empty where it stands at none.
+using PlaceOfNode = std::function<std::string(const NodeKey& node)>;
+
+// The same for a page: what stands at a place leads there.
+[[nodiscard]] std::string DotText(const CallFlow& flow, const std::set<int>& shown, bool detailed,
+                                  const PlaceOfNode& placeOf);
 
 } // namespace KAL_AUTO_Node

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <utility>
 
 namespace KAL_AUTO_Node {
@@ -28,12 +29,6 @@ std::string_view FirstCharacters(std::string_view text, std::size_t limit) {
     return text;
 }
 
-void Replace(std::string& text, std::string_view what, std::string_view by) {
-    for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += by.size()) {
-        text.replace(at, what.size(), by);
-    }
-}
-
 // Whether a digit sequence comes directly after another of its length.
 bool Follows(const std::string& first, const std::string& second) {
     const auto low = WholeNumber<std::uint64_t>(first);
@@ -43,24 +38,47 @@ bool Follows(const std::string& first, const std::string& second) {
 
 } // namespace
 
-std::string Markup(std::string_view text) {
+std::string Shortened(std::string_view text, std::size_t characters) {
     // Bytes that begin no character count, too, so that a text of nothing else has an end.
-    const std::string_view head = text.substr(0, TextLimit * 4);
-    const std::string visible = Visible(FirstCharacters(head, TextLimit));
-    const std::string_view shown = FirstCharacters(visible, TextLimit);
-    std::string markup(shown);
-    if (FirstCharacters(text, TextLimit).size() < text.size() || shown.size() < visible.size()) {
-        markup += "…";
+    const std::string_view head = text.substr(0, characters * 4);
+    const std::string visible = Visible(FirstCharacters(head, characters));
+    const std::string_view shown = FirstCharacters(visible, characters);
+    std::string shortened(shown);
+    if (FirstCharacters(text, characters).size() < text.size() || shown.size() < visible.size()) {
+        shortened += "…";
     }
-    Replace(markup, "&", "&amp;");
-    Replace(markup, "<", "&lt;");
-    Replace(markup, ">", "&gt;");
-    Replace(markup, "\"", "&quot;");
-    // Characters to the system, but not to the reader of the markup.
-    Replace(markup, "\uFFFE", "\\ufffe");
-    Replace(markup, "\uFFFF", "\\uffff");
+    return shortened;
+}
+
+std::string Escaped(std::string_view text) {
+    // The last two are characters to the system, but not to the reader of the markup.
+    static constexpr std::pair<std::string_view, std::string_view> escapes[] = {
+        {"&", "&amp;"},   {"<", "&lt;"},         {">", "&gt;"},
+        {"\"", "&quot;"}, {"\uFFFE", "\\ufffe"}, {"\uFFFF", "\\uffff"}};
+    std::string markup;
+    markup.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t next = std::min(text.size(), text.find_first_of("&<>\"\xEF", at));
+        markup += text.substr(at, next - at);
+        at = next;
+        if (at == text.size()) {
+            break;
+        }
+        const auto* const escape = std::ranges::find_if(
+            escapes, [&](const auto& one) { return text.substr(at).starts_with(one.first); });
+        const bool isEscaped = escape != std::end(escapes);
+        markup += isEscaped ? escape->second : text.substr(at, 1);
+        at += isEscaped ? escape->first.size() : 1;
+    }
+    return markup;
+}
+
+std::string Markup(std::string_view text) {
+    std::string markup = Escaped(Shortened(text, TextLimit));
     // dot puts names in for \N and the like, in markup, too.
-    Replace(markup, "\\", "\\\\");
+    for (std::size_t at = 0; (at = markup.find('\\', at)) != std::string::npos; at += 2) {
+        markup.insert(at, 1, '\\');
+    }
     return markup;
 }
 

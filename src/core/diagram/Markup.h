@@ -6,6 +6,12 @@
 
 namespace KAL_AUTO_Node {
 
+// A text of the store for people: of so many characters at most, and visible.
+[[nodiscard]] std::string Shortened(std::string_view text, std::size_t characters);
+
+// A visible text of which nothing is markup, neither in XML nor in HTML.
+[[nodiscard]] std::string Escaped(std::string_view text);
+
 // Texts in the markup that dot takes as labels.
 
 // A text of the store: shortened, control characters visible, and nothing in it markup.

@@ -132,8 +132,11 @@ bool Outline::IsLine(const NodeKey& from, const NodeKey& to) const {
 }
 
 std::vector<AutoNodes> AutoNodesBySection(const CallFlow& flow, const std::set<int>& shown) {
+    return AutoNodesBySection(Outline(flow, shown, TemplateNumber));
+}
+
+std::vector<AutoNodes> AutoNodesBySection(const Outline& outline) {
     std::vector<AutoNodes> all;
-    const Outline outline(flow, shown, TemplateNumber);
     for (const Section& section : outline.Sections()) {
         AutoNodes found;
         for (const auto& [typeID, number] : section.nodes) {

@@ -59,6 +59,7 @@ struct AutoNodes {
 };
 
 // In the order of the sections in which the AUTO nodes that are shown are drawn together.
+[[nodiscard]] std::vector<AutoNodes> AutoNodesBySection(const Outline& outline);
 [[nodiscard]] std::vector<AutoNodes> AutoNodesBySection(const CallFlow& flow, const std::set<int>& shown);
 
 } // namespace KAL_AUTO_Node

@@ -19,6 +19,11 @@ std::string EntryText(const Action& action) {
     return entry += high;
 }
 
+std::string KeysText(const Action& action) {
+    const auto [low, high] = RangeOf(action);
+    return low == high ? std::string(low) : EntryText(action);
+}
+
 std::vector<std::size_t> DuplicateEntries(const std::vector<Action>& actions) {
     std::vector<std::size_t> duplicates;
     std::unordered_set<std::string> known;

@@ -62,6 +62,9 @@ struct ShownRange {
     return action.low && action.high ? ShownRange{*action.low, *action.high} : ShownRange{"0", "0"};
 }
 
+// What is keyed, for people: "7", "601-660".
+[[nodiscard]] std::string KeysText(const Action& action);
+
 // The text by which an action is told from others.
 [[nodiscard]] std::string EntryText(const Action& action);
 

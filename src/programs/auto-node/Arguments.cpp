@@ -1,5 +1,6 @@
 #include "auto-node/Arguments.h"
 
+#include "history/Version.h"
 #include "nodes/AutoNodeReader.h"
 #include "nodes/NodeTypes.h"
 #include "nodes/References.h"
@@ -72,6 +73,16 @@ void AddNodeOfAnyType(const CommandArguments& command, NodeArguments& node) {
     AddPartition(command, node.partition);
     AddType(command, "TYPE", node.type).Required();
     AddNumber(command, "NUMBER", node.number, "Number of the node").Required();
+}
+
+std::function<void(const std::string&)> ReadTime(const std::string& name, std::string& stamp, int daysLater) {
+    return [name, &stamp, daysLater](const std::string& text) {
+        const auto read = StampOf(text, daysLater);
+        if (!read) {
+            Refuse(name, "'" + text + "' is no day or time, such as 2026-11-25 or \"2026-11-25 18:30\"");
+        }
+        stamp = *read;
+    };
 }
 
 Option AddNote(const CommandArguments& command, std::string& note) {

@@ -4,6 +4,7 @@
 #include "nodes/Identity.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,11 @@ struct NodeArguments {
 };
 
 void AddNodeOfAnyType(const CommandArguments& command, NodeArguments& node);
+
+// A day or a time as the option of that name takes it, in the form in which times are stored; of a day its
+// beginning or, so many days later, that of another.
+[[nodiscard]] std::function<void(const std::string&)> ReadTime(const std::string& name, std::string& stamp,
+                                                               int daysLater);
 
 // --note, which the history keeps with the change.
 Option AddNote(const CommandArguments& command, std::string& note);

@@ -43,6 +43,7 @@ using StoreWork = std::function<int(DataBase& dataBase)>;
 [[nodiscard]] Subcommand RecordingsCommand(CommandLine& program, const std::string& name);
 [[nodiscard]] Subcommand RemoveCommand(CommandLine& program, const std::string& name);
 [[nodiscard]] Subcommand RepointCommand(CommandLine& program, const std::string& name);
+[[nodiscard]] Subcommand ReportCommand(CommandLine& program, const std::string& name);
 [[nodiscard]] Subcommand RestoreCommand(CommandLine& program, const std::string& name);
 [[nodiscard]] Subcommand ShowCommand(CommandLine& program, const std::string& name);
 [[nodiscard]] Subcommand TraceCommand(CommandLine& program, const std::string& name);
@@ -69,6 +70,7 @@ inline constexpr std::array AllCommands = {
     NamedCommand{"copy", &CopyCommand},       NamedCommand{"move", &MoveCommand},
     NamedCommand{"remove", &RemoveCommand},   NamedCommand{"find", &FindCommand},
     NamedCommand{"apply", &ApplyCommand},     NamedCommand{"recordings", &RecordingsCommand},
+    NamedCommand{"report", &ReportCommand},
 };
 
 } // namespace KAL_AUTO_Node

@@ -29,6 +29,8 @@ constexpr std::chrono::seconds TimeLimit{60};
 // Of AUTO nodes: the time for a picture of more grows faster than their number, and nobody finds anything in
 // it.
 constexpr std::size_t PictureLimit = 5000;
+// And in one of pixels, which is made smaller than anybody can read.
+constexpr std::size_t PixelsLimit = 300;
 
 struct Options {
     NodePlace place;
@@ -95,11 +97,15 @@ std::string GraphOf(const Options& options, DataBase& dataBase) {
                                ", no " + std::to_string(options.section));
         }
         shown = std::move(sections.at(static_cast<std::size_t>(options.section - 1)).nodes);
-    } else if (shown.size() > PictureLimit && !options.file.empty() && FormatOf(options.file) != "dot") {
-        throw RuntimeError("one picture takes up to " + std::to_string(PictureLimit) +
-                           " AUTO nodes, and there are " + std::to_string(shown.size()) +
+    }
+    const std::string format = FormatOf(options.file);
+    const std::size_t limit = format == "png" ? PixelsLimit : PictureLimit;
+    if (shown.size() > limit && !format.empty() && format != "dot") {
+        throw RuntimeError("one picture" + std::string(format == "png" ? " of pixels" : "") +
+                           " takes up to " + std::to_string(limit) + " AUTO nodes, and there are " +
+                           std::to_string(shown.size()) +
                            "; --sections lists the parts in which they hang together, --section N draws "
-                           "one, and NODE what is around a node");
+                           "one, and NODE what is around a node; auto-node report writes a page of all");
     }
     return Lasting("Laying out sections", [&] { return DotText(flow, shown, std::nullopt); });
 }

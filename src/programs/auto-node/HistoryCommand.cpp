@@ -125,17 +125,6 @@ int Run(const Options& options, DataBase& dataBase) {
     return 0;
 }
 
-// A day or a time as the option of that name takes it.
-std::function<void(const std::string&)> ReadTime(const std::string& name, std::string& stamp, int daysLater) {
-    return [name, &stamp, daysLater](const std::string& text) {
-        const auto read = StampOf(text, daysLater);
-        if (!read) {
-            Refuse(name, "'" + text + "' is no day or time, such as 2026-11-25 or \"2026-11-25 18:30\"");
-        }
-        stamp = *read;
-    };
-}
-
 } // namespace
 
 Subcommand HistoryCommand(CommandLine& program, const std::string& name) {

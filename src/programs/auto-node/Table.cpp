@@ -14,10 +14,6 @@ constexpr std::size_t Widest = 100;
 
 } // namespace
 
-std::string Counted(std::size_t count, const std::string& what) {
-    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
-}
-
 void Table::Add(std::vector<std::string> cells) {
     std::ranges::transform(cells, cells.begin(), Visible);
     cells.resize(columns_.size());

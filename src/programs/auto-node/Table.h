@@ -1,14 +1,13 @@
 #pragma once
 
+#include "platform/Counted.h"
+
 #include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace KAL_AUTO_Node {
-
-// A count with what is counted: "1 node", "2 nodes".
-[[nodiscard]] std::string Counted(std::size_t count, const std::string& what);
 
 // Rows of texts, printed in aligned columns. Texts are made visible.
 class Table {
