@@ -3,6 +3,7 @@
 #include "history/History.h"
 #include "store/DataBase.h"
 #include "testing/FaultySystem.h"
+#include "testing/OwnSettings.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -101,6 +102,7 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     const QApplication application(argc, argv);
+    const OwnSettings own;
     QApplication::setQuitOnLastWindowClosed(false);
     RefuseMessages();
     try {

@@ -1,5 +1,6 @@
 // Takes pictures of the windows on the demo store. Call: Pictures FOLDER [dark]
 
+#include "testing/OwnSettings.h"
 #include "testing/Person.h"
 #include "testing/TestStore.h"
 
@@ -181,6 +182,7 @@ QPalette DarkPalette() {
 
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
+    const OwnSettings own;
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() < 2) {
         std::cerr << "Call: Pictures FOLDER [dark]\n";

@@ -231,11 +231,12 @@ class Person {
         QTest::mouseClick(List(list)->viewport(), button, modifiers, place);
     }
 
-    // Presses the button of the mouse on one row and releases it on another.
-    static void DragRow(const std::string& list, int from, int to) {
+    // Drags a row to the lower half of another, in this list or in another one.
+    static void DragRow(const std::string& list, int from, const std::string& other, int to) {
         QWidget* viewport = List(list)->viewport();
         QTest::mousePress(viewport, Qt::LeftButton, {}, InRow(list, from));
-        const QPoint there = InRow(list, to);
+        const QPoint there =
+            viewport->mapFromGlobal(List(other)->viewport()->mapToGlobal(InRow(other, to))) + QPoint(0, 2);
         QMouseEvent move(QEvent::MouseMove, there, viewport->mapToGlobal(there), Qt::NoButton, Qt::LeftButton,
                          {});
         QApplication::sendEvent(viewport, &move);

@@ -1,8 +1,12 @@
+#include "testing/OwnSettings.h"
 #include "testing/Person.h"
+
+#include <QScreen>
 
 #include <array>
 #include <chrono>
 #include <fstream>
+#include <sstream>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -262,6 +266,34 @@ TEST(EditorOpens, NotWhereTheStoresPlaceCannotBeRead) {
     EXPECT_FALSE(person.Edit(rules, 1, [] {}));
     EXPECT_EQ(person.Boxes(), std::vector{ErrorBox("Source: KAL_AUTO_Node - ShowNodeEditor \r\n"
                                                    "Description: Unsupported value type")});
+}
+
+TEST(EditorOpens, WhereThePersonHasLeftIt) {
+    const TestStore store;
+    const OwnSettings own;
+    const std::string file = own.Path().toStdString() + "/KAL_AUTO_Node/auto-node.conf";
+    const auto opensAt = [&](const QRect& then = {}) {
+        QRect place;
+        Person::Edit(1, [&] {
+            QWidget* window = Person::Window("GUI");
+            place = window->geometry();
+            window->setGeometry(then.isNull() ? place : then);
+        });
+        return place;
+    };
+    const QRect chosen = opensAt().adjusted(-7, 9, -7, -5);
+    const QRect first = opensAt(chosen);
+    EXPECT_EQ(opensAt({9000, 9000, 5000, 5000}), chosen);
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    EXPECT_TRUE(screen.contains(opensAt())) << "of another screen";
+    // What is no place of this program's is left alone.
+    for (const char* text : {"\x01\x02[[", "version=1\n[places]\nGUI=x\n", "version=2\n[places]\nGUI=x\n"}) {
+        std::ofstream(file, std::ios::trunc) << text;
+        EXPECT_EQ(opensAt().size(), first.size()) << text;
+    }
+    std::stringstream left;
+    left << std::ifstream(file).rdbuf();
+    EXPECT_EQ(left.str(), "version=2\n[places]\nGUI=x\n");
 }
 
 } // namespace

@@ -1,3 +1,5 @@
+#include "testing/OwnSettings.h"
+
 #include <QApplication>
 #include <gtest/gtest.h>
 
@@ -10,6 +12,7 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
+    const KAL_AUTO_Node::OwnSettings own;
     const QApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -249,6 +249,48 @@ TEST_F(Lists, GiveRowsToOtherNodes) {
     });
 }
 
+TEST_F(Lists, AreOrderedByDraggingRows) {
+    Edit(1, [] {
+        const auto entries = [] {
+            std::string all;
+            for (int row = 0; row < Person::Count("LVActions"); ++row) {
+                all += Person::Cell("LVActions", row, 1).substr(0, 1);
+            }
+            return all;
+        };
+        ASSERT_EQ(entries(), "123456790");
+        Person::ClickRow("LVActions", 3);
+        Person::ClickRow("LVActions", 1, Qt::ControlModifier);
+        Person::DragRow("LVActions", 3, "LVActions", 5);
+        EXPECT_EQ(entries(), "135624790");
+        EXPECT_EQ(Person::SelectedRows("LVActions"), (std::vector{4, 5}));
+        EXPECT_TRUE(Person::Dirty());
+        QTreeView* list = Person::List("LVActions");
+        Key(list, Qt::Key_Z);
+        EXPECT_EQ(entries(), "123456790");
+        Key(list, Qt::Key_Y);
+        EXPECT_EQ(entries(), "135624790");
+        Person::DragRow("LVActions", 8, "LVActions", 0);
+        EXPECT_EQ(entries(), "103562479");
+        // Neither elsewhere nor while a row is edited.
+        Person::DragRow("LVActions", 8, "LVPrompts", 0);
+        Person::Press("cmdActionsEdit");
+        Person::DragRow("LVActions", 8, "LVActions", 0);
+        Person::Press("cmdActionsEdit");
+        EXPECT_EQ(entries() + std::to_string(Person::Count("LVPrompts")), "1035624793");
+        // By what a row begins with in any column.
+        QTest::keyClicks(list, "auto 1");
+        EXPECT_EQ(list->currentIndex().row(), 3);
+        Person::ClickRow("LVActions", 1);
+        Key(list, Qt::Key_X);
+        EXPECT_EQ(entries(), "13562479");
+        Key(list, Qt::Key_V);
+        Key(list, Qt::Key_Z);
+        Key(list, Qt::Key_Z);
+        EXPECT_EQ(entries(), "103562479");
+    });
+}
+
 TEST_F(Lists, AreSearched) {
     Edit(1, [] {
         QTreeView* list = Person::List("LVActions");
@@ -311,12 +353,12 @@ TEST_F(Lists, HaveAMenuOfWhatCanBeDone) {
         QGuiApplication::clipboard()->clear();
         EXPECT_EQ(choose("LVActions", "Add"), "Add Insert Remove Edit Up Down Quick Find ");
         EXPECT_EQ(choose("LVActions", "Copy"),
-                  "Add Insert Remove Edit Up Down Quick Undo Copy Information on MSG 1 Find ");
+                  "Add Insert Remove Edit Up Down Quick Undo Cut Copy Information on MSG 1 Find ");
         EXPECT_EQ(choose("LVActions", "Undo"),
-                  "Add Insert Remove Edit Up Down Quick Undo Copy Paste Information on MSG 1 Find ");
+                  "Add Insert Remove Edit Up Down Quick Undo Cut Copy Paste Information on MSG 1 Find ");
         EXPECT_EQ(Person::Count("LVActions"), 9);
         EXPECT_EQ(choose("LVActions", "Edit"),
-                  "Add Insert Remove Edit Up Down Quick Redo Copy Paste Information on XFER 1 Find ");
+                  "Add Insert Remove Edit Up Down Quick Redo Cut Copy Paste Information on XFER 1 Find ");
         EXPECT_EQ(choose("LVActions", "Edit Off"), "Edit Off Undo Copy Information on XFER 1 Find ");
         EXPECT_EQ(choose("LVExceptions", "Find"), "Edit Default Undo Paste Find ");
         EXPECT_EQ(Person::Window("GUI")->focusWidget(), Person::TextBox("txtFind"));

@@ -148,6 +148,33 @@ RowChange ListRows::Swap(int row, int other) {
     return change;
 }
 
+RowChange ListRows::Move(std::span<const int> rows, int place) {
+    if (rows.empty() || place < 0 || place > Count()) {
+        RefuseRow(place, Count());
+    }
+    const int first = std::min(rows.front(), place);
+    const int end = std::max(rows.back() + 1, place);
+    static_cast<void>(At(first));
+    static_cast<void>(At(end - 1));
+    const RowRun all{first, end - first};
+    RowChange change{{all}, {rows_.begin() + first, rows_.begin() + end}, {all}, numbers_};
+    auto to = rows_.begin() + first;
+    const auto take = [&](int row) { *to++ = change.out[static_cast<std::size_t>(row - first)]; };
+    const auto takeOthers = [&](int from, int until) {
+        for (int row = from; row < until; ++row) {
+            if (!std::ranges::binary_search(rows, row)) {
+                take(row);
+            }
+        }
+    };
+    takeOthers(first, place);
+    std::ranges::for_each(rows, take);
+    takeOthers(place, end);
+    CellsChanged(first, end - 1, columnCount() - 1);
+    Renumber(Count());
+    return change;
+}
+
 RowChange ListRows::Insert(int row, std::vector<ListRow> rows) {
     if (row < 0 || row > Count()) {
         RefuseRow(row, Count());

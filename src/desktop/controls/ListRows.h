@@ -25,6 +25,8 @@ class ListRows : public QAbstractTableModel {
 
     RowChange Set(int row, ListRow content);
     RowChange Swap(int row, int other);
+    // Brings rows given in ascending order together before the one that is at a place, or behind the last.
+    RowChange Move(std::span<const int> rows, int place);
     RowChange Insert(int row, std::vector<ListRow> rows);
     // Takes out rows given in ascending order, in one step. Over more than one run of rows the views see a
     // change of layout.

@@ -68,6 +68,7 @@ ListView::ListView(QWidget* parent) : QTreeView(parent), rows_(new ListRows(this
     connect(header(), &QHeaderView::sectionResized, this, &ListView::Rearranged);
     for (const QScrollBar* bar : {verticalScrollBar(), horizontalScrollBar()}) {
         connect(bar, &QScrollBar::valueChanged, this, &ListView::Rearranged);
+        connect(bar, &QScrollBar::valueChanged, this, &ListView::DragOn);
     }
     connect(rows_, &QAbstractItemModel::rowsInserted, this, &ListView::Rearranged);
     connect(rows_, &QAbstractItemModel::rowsRemoved, this, &ListView::Rearranged);
@@ -125,6 +126,12 @@ void ListView::SetRow(int row, ListRow content) {
 
 void ListView::Swap(int row, int other) {
     Change([&] { return rows_->Swap(row, other); });
+}
+
+void ListView::Move(std::span<const int> rows, int place) {
+    Change([&] { return rows_->Move(rows, place); });
+    const auto above = std::ranges::lower_bound(rows, place) - rows.begin();
+    Select(place - static_cast<int>(above), static_cast<int>(rows.size()));
 }
 
 void ListView::Insert(int row, std::vector<ListRow> rows) {
@@ -254,9 +261,18 @@ QItemSelectionModel::SelectionFlags ListView::selectionCommand(const QModelIndex
 }
 
 void ListView::keyPressEvent(QKeyEvent* event) {
+    if (drag_ == Drag::Rows) {
+        // Another key would do something to rows that are held.
+        if (event->key() == Qt::Key_Escape) {
+            dropAt_ = -1;
+            EndDrag();
+        }
+        return;
+    }
     for (const auto& [sequence, character] : {std::pair{QKeySequence::SelectAll, SelectAllCharacter},
                                               {QKeySequence::Copy, CopyCharacter},
-                                              {QKeySequence::Paste, PasteCharacter}}) {
+                                              {QKeySequence::Paste, PasteCharacter},
+                                              {QKeySequence::Cut, CutCharacter}}) {
         if (event->matches(sequence)) {
             emit KeyPress(character);
             event->accept();
@@ -282,14 +298,6 @@ void ListView::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-void ListView::mouseReleaseEvent(QMouseEvent* event) {
-    QTreeView::mouseReleaseEvent(event);
-    if (std::exchange(doubleClicked_, false)) {
-        emit ItemDoubleClick();
-    }
-    emit MouseUp();
-}
-
 void ListView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     // The tree view's own would tell of cells.
     // NOLINTNEXTLINE(bugprone-parent-virtual-call)
@@ -309,11 +317,6 @@ void ListView::selectionChanged(const QItemSelection& selected, const QItemSelec
         QAccessibleEvent event(this, QAccessible::SelectionWithin);
         QAccessible::updateAccessibility(&event);
     }
-}
-
-void ListView::mouseDoubleClickEvent(QMouseEvent* event) {
-    QTreeView::mouseDoubleClickEvent(event);
-    doubleClicked_ = event->button() == Qt::LeftButton && indexAt(event->position().toPoint()).isValid();
 }
 
 void ListView::contextMenuEvent(QContextMenuEvent* event) {

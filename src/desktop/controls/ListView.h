@@ -2,6 +2,7 @@
 
 #include "controls/ListRow.h"
 
+#include <QElapsedTimer>
 #include <QTreeView>
 
 #include <functional>
@@ -33,10 +34,11 @@ class ListView : public QTreeView {
   public:
     using WindowProcedure = std::function<long(ListView&, WindowMessage)>;
 
-    // What Ctrl+A, Ctrl+C and Ctrl+V type.
+    // What Ctrl+A, Ctrl+C, Ctrl+V and Ctrl+X type.
     static constexpr int SelectAllCharacter = 1;
     static constexpr int CopyCharacter = 3;
     static constexpr int PasteCharacter = 22;
+    static constexpr int CutCharacter = 24;
 
     explicit ListView(QWidget* parent = nullptr);
 
@@ -54,6 +56,9 @@ class ListView : public QTreeView {
     void SetRow(int row, ListRow content);
     // Exchanges what two rows hold.
     void Swap(int row, int other);
+    // Brings rows given in ascending order together before the one that is at a place, or behind the last;
+    // they are those that are selected then.
+    void Move(std::span<const int> rows, int place);
     void Insert(int row, std::vector<ListRow> rows);
     // Takes out rows given in ascending order. Those left stay selected; where the selected item goes, the
     // row before it becomes it.
@@ -111,6 +116,8 @@ class ListView : public QTreeView {
     // list's own handling.
     void KeyDown(int key);
     void KeyPress(int character);
+    // A person has dragged the selected rows before the row that is at a place, or behind the last.
+    void Dragged(int place);
     // A person asks for the menu of what can be done here, at a place of the screen.
     void MenuRequested(const QPoint& place);
     // Rows are about to be added, removed or changed; and are. Who notes the change may take it.
@@ -125,6 +132,13 @@ class ListView : public QTreeView {
     [[nodiscard]] QItemSelectionModel::SelectionFlags
     selectionCommand(const QModelIndex& index, const QEvent* event = nullptr) const override;
     void keyPressEvent(QKeyEvent* event) override;
+    // The row of which a visible column begins with what is typed becomes the selected item.
+    void keyboardSearch(const QString& text) override;
+    // Where several rows can be selected, those that are can be dragged; elsewhere a drag selects.
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
@@ -145,6 +159,10 @@ class ListView : public QTreeView {
     // Runs a change of the rows and tells it.
     template <class Deed>
     void Change(Deed&& deed);
+    // Rows are dragged to where the pointer is by now.
+    void DragOn();
+    void EndDrag();
+    [[nodiscard]] bool BeginsWith(int row, const QString& text) const;
     // A cell of the row that the toolkit can mark and scroll to: it does neither with one of a hidden column.
     [[nodiscard]] QModelIndex VisibleCell(int row) const;
 
@@ -152,6 +170,12 @@ class ListView : public QTreeView {
     std::vector<ListColumn> columns_;
     WindowProcedure procedure_;
     bool doubleClicked_ = false; // the button is still down
+    enum class Drag { None, Possible, Rows } drag_ = Drag::None;
+    QPoint pressedAt_;
+    QPoint pointer_;  // in the viewport
+    int dropAt_ = -1; // before which row they would come; none while the pointer is elsewhere
+    QString typed_;   // lately, to find a row by
+    QElapsedTimer typedAt_;
 };
 
 } // namespace KAL_AUTO_Node

@@ -18,7 +18,9 @@ EditorWindow::EditorWindow(const ComponentFactory& components)
     : components_(components), prompts_(gui_, undo_, components), actions_(gui_, undo_, components),
       exceptions_(gui_, undo_), ways_(gui_, rules_) {
     OnKey(gui_, UndoKey, [this] { undo_.Undo(); });
-    OnKey(gui_, RedoKey, [this] { undo_.Redo(); });
+    for (const char* key : {RedoKey, OtherRedoKey}) {
+        OnKey(gui_, key, [this] { undo_.Redo(); });
+    }
     ConnectHandlers();
     WatchFocus();
     LabelPopups();

@@ -25,6 +25,10 @@ void ReferenceList::ShowMenu(const QPoint& place) {
     offer(QStringLiteral("Redo"), QKeySequence(RedoKey), undo_.CanRedo(), [this] { undo_.Redo(); });
     menu.addSeparator();
     const auto type = [this](int character) { return [this, character] { KeyPress(character); }; };
+    if (traits_.kind != RowKind::Exceptions) {
+        offer(QStringLiteral("Cut"), QKeySequence::Cut, !Editing() && List().GetSelectedCount() > 0,
+              type(ListView::CutCharacter));
+    }
     offer(QStringLiteral("Copy"), QKeySequence::Copy, List().GetSelectedCount() > 0,
           type(ListView::CopyCharacter));
     offer(QStringLiteral("Paste"), QKeySequence::Paste,

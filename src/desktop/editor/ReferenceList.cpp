@@ -308,6 +308,8 @@ void ReferenceList::KeyPress(int character) {
             Copy();
         } else if (character == ListView::PasteCharacter) {
             Paste();
+        } else if (character == ListView::CutCharacter) {
+            Cut();
         }
     });
 }
@@ -315,6 +317,13 @@ void ReferenceList::KeyPress(int character) {
 void ReferenceList::Copy() const {
     if (const auto rows = List().SelectedRows(); !rows.empty()) {
         QGuiApplication::clipboard()->setText(TextOfRows(traits_.kind, List(), rows));
+    }
+}
+
+void ReferenceList::Cut() {
+    if (!Editing()) {
+        Copy();
+        TakeOut();
     }
 }
 

@@ -100,6 +100,9 @@ class ReferenceList : public QObject {
     [[nodiscard]] virtual bool IsNodeTypeAvailable(Slot slot, const QString& name) const;
     virtual void MouseUp() = 0;
 
+    // Takes out the selected rows, where a list can do without.
+    virtual void TakeOut() {}
+
     // Takes in rows from elsewhere; there is at least one.
     virtual void TakeIn(std::vector<ListRow> rows) = 0;
 
@@ -129,6 +132,7 @@ class ReferenceList : public QObject {
     void RestoreRow();
     void KeyPress(int character);
     void Copy() const;
+    void Cut();
     void Paste();
     void ShowMenu(const QPoint& place);
     // The node that the selected row refers to; nothing where that is none.

@@ -20,6 +20,7 @@ RowList::RowList(GUI& gui, UndoStack& undo, const ComponentFactory& components, 
     connect(buttons_.up, &QPushButton::clicked, this, [this] { Move_Click(*buttons_.up, -1); });
     connect(buttons_.down, &QPushButton::clicked, this, [this] { Move_Click(*buttons_.down, +1); });
     connect(buttons_.quick, &QPushButton::clicked, this, &RowList::Quick_Click);
+    connect(list, &ListView::Dragged, this, &RowList::Dragged);
     connect(list, &ListView::KeyDown, this, [this](int key) {
         Handle(List(), "KeyDown", [&] {
             if (key == Qt::Key_Delete) {
@@ -120,6 +121,15 @@ void RowList::Move_Click(const QPushButton& button, int distance) {
             }
         }
         MarkChanged();
+    });
+}
+
+void RowList::Dragged(int place) {
+    Handle(List(), "DragDrop", [&] {
+        if (const std::vector<int> rows = List().SelectedRows(); !rows.empty()) {
+            List().Move(rows, place);
+            MarkChanged();
+        }
     });
 }
 

@@ -51,6 +51,8 @@ class RowList : public ReferenceList {
     // Before the selected row, or at the end where there are none or several.
     void TakeIn(std::vector<ListRow> rows) override;
 
+    void TakeOut() override { Remove_Click(); }
+
     [[nodiscard]] PickList& NodePicker() const { return *Form().NodePicker(rowTraits_.slot); }
 
     [[nodiscard]] NumberBox& NumberPicker() const { return *Form().NumberPicker(rowTraits_.slot); }
@@ -60,6 +62,8 @@ class RowList : public ReferenceList {
     void Remove_Click();
     // Up and Down: exchanges the selected row with the one that many rows further.
     void Move_Click(const QPushButton& button, int distance);
+    // The same for all selected rows, by the mouse.
+    void Dragged(int place);
     void Quick_Click();
 
     // The row for the default target at a position from 1.

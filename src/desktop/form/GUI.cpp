@@ -6,6 +6,7 @@
 #include "controls/LabelledPopup.h"
 #include "controls/Making.h"
 #include "controls/Twips.h"
+#include "controls/WindowPlace.h"
 #include "feedback/ErrorReport.h"
 #include "form/Stored.h"
 #include "platform/RuntimeError.h"
@@ -298,6 +299,9 @@ bool GUI::UnloadWindow() {
         Unload(cancel);
     }
     if (!cancel) {
+        if (isVisible()) {
+            KeepPlace(*this);
+        }
         done(QDialog::Accepted);
     }
     return !cancel;

@@ -2,6 +2,7 @@
 
 #include "controls/Making.h"
 #include "controls/Twips.h"
+#include "controls/WindowPlace.h"
 #include "form/GUI.h"
 
 #include <QEvent>
@@ -112,6 +113,7 @@ void GUI::LayOut() {
     constexpr int tooHigh = 40;
     const QSize room = RoomOnScreen(*this);
     resize(QSize(1040, 700).boundedTo({room.width(), room.height() - 2 * tooHigh}).expandedTo(minimumSize()));
+    RestorePlace(*this);
 }
 
 void GUI::FitScreen() {

@@ -13,6 +13,7 @@ namespace KAL_AUTO_Node {
 
 inline constexpr const char* UndoKey = "Ctrl+Z";
 inline constexpr const char* RedoKey = "Ctrl+Shift+Z";
+inline constexpr const char* OtherRedoKey = "Ctrl+Y";
 inline constexpr const char* FindKey = "Ctrl+F";
 inline constexpr const char* GoToKey = "Ctrl+G";
 inline constexpr const char* InformationKey = "Ctrl+I";
