@@ -60,9 +60,15 @@ class EntryModel : public QAbstractListModel {
     std::vector<Entry> entries_;
 };
 
-ComboBox::ComboBox(QWidget* parent) : QComboBox(parent) {
+ComboBox::ComboBox(QAbstractItemModel* entries, QWidget* parent) : QComboBox(parent) {
+    entries->setParent(this);
+    // Before all that makes the pop-up, which would be made for entries of the toolkit's own first.
+    setModel(entries);
     // Measuring every entry would make the box as slow as its list is long.
     setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    if (auto* list = qobject_cast<QListView*>(view())) {
+        list->setUniformItemSizes(true);
+    }
     setFocusPolicy(Qt::StrongFocus);
     connect(this, &QComboBox::activated, this, &ComboBox::Click);
 }
@@ -145,8 +151,8 @@ bool ComboBox::eventFilter(QObject* watched, QEvent* event) {
     return QComboBox::eventFilter(watched, event);
 }
 
-PickList::PickList(QWidget* parent) : ComboBox(parent), entries_(new EntryModel(this)) {
-    setModel(entries_);
+PickList::PickList(QWidget* parent)
+    : ComboBox(new EntryModel, parent), entries_(static_cast<EntryModel*>(model())) {
     // The name stays; the chosen entry is heard as the description.
     connect(this, &QComboBox::currentTextChanged, this, [this] {
         if (QAccessible::isActive()) {
@@ -154,9 +160,6 @@ PickList::PickList(QWidget* parent) : ComboBox(parent), entries_(new EntryModel(
             QAccessible::updateAccessibility(&event);
         }
     });
-    if (auto* list = qobject_cast<QListView*>(view())) {
-        list->setUniformItemSizes(true);
-    }
 }
 
 void PickList::AddItems(std::vector<Entry> entries) {

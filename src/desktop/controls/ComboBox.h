@@ -31,7 +31,8 @@ class ComboBox : public QComboBox {
     void Click();
 
   protected:
-    explicit ComboBox(QWidget* parent);
+    // Offers the model's entries, which are equally high, and owns it.
+    ComboBox(QAbstractItemModel* entries, QWidget* parent);
 
     void RequireEntry(int index) const;
 

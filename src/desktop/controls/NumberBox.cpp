@@ -7,7 +7,6 @@
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QListView>
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QStyleOptionComboBox>
@@ -68,15 +67,12 @@ class NumberModel : public QAbstractListModel {
     int last_ = 0;
 };
 
-NumberBox::NumberBox(QWidget* parent) : ComboBox(parent), numbers_(new NumberModel(this)) {
+NumberBox::NumberBox(QWidget* parent)
+    : ComboBox(new NumberModel, parent), numbers_(static_cast<NumberModel*>(model())) {
     setEditable(true);
     setInsertPolicy(QComboBox::NoInsert);
     // Completing "2" to "20" while a person types would fight the correction.
     setCompleter(nullptr);
-    setModel(numbers_);
-    if (auto* list = qobject_cast<QListView*>(view())) {
-        list->setUniformItemSizes(true);
-    }
     setInputMethodHints(Qt::ImhDigitsOnly);
     lineEdit()->setInputMethodHints(Qt::ImhDigitsOnly);
     connect(lineEdit(), &QLineEdit::textChanged, this, &NumberBox::Change);
