@@ -260,7 +260,8 @@ std::string SqliteConnection::FirstBytes(std::size_t count) {
 }
 
 std::unique_ptr<Statement> SqliteConnection::Prepare(const std::string& sql) {
-    return std::make_unique<SqliteStatement>(Engine(), sql, running_, waits_.work);
+    return std::make_unique<SqliteStatement>(snapshot_ ? snapshot_.get() : database_.get(), sql, running_,
+                                             waits_.work);
 }
 
 void SqliteConnection::Begin(std::optional<std::int64_t>) {
@@ -299,16 +300,22 @@ bool SqliteConnection::EndReading() noexcept {
 }
 
 bool SqliteConnection::HasTable(const std::string& name) {
-    // The engine finds tables whatever the case of their names. Of those that another program has made since
-    // it read of them last, and of no others, only a query tells.
-    if (sqlite3_table_column_metadata(Engine(), "main", name.c_str(), nullptr, nullptr, nullptr, nullptr,
-                                      nullptr, nullptr) == SQLITE_OK) {
+    // Tables come and go with the schema's version, which costs less to ask for than a search for one.
+    if (const std::int64_t schema = Number("PRAGMA schema_version"); schema != tablesOf_) {
+        tables_.clear();
+        tablesOf_ = schema;
+    }
+    if (tables_.contains(name)) {
         return true;
     }
+    // The engine finds tables whatever the case of their names.
     const auto table =
         Prepare("SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = :Name COLLATE NOCASE");
     const std::array<std::optional<std::string>, 1> parameters = {name};
     table->Run(parameters);
+    if (!table->AtEnd()) {
+        tables_.insert(name);
+    }
     return !table->AtEnd();
 }
 

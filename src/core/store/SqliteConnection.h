@@ -5,6 +5,7 @@
 #include "store/Waits.h"
 
 #include <chrono>
+#include <set>
 
 namespace KAL_AUTO_Node {
 
@@ -52,13 +53,12 @@ class SqliteConnection : public Connection {
     // Where the store can only be read, and there is no log that could be: goes on with what the file holds.
     bool ReadWithoutLog();
 
-    // What is read from.
-    [[nodiscard]] sqlite3* Engine() const noexcept { return snapshot_ ? snapshot_.get() : database_.get(); }
-
     std::filesystem::path file_;
     Waits waits_;
     SqliteHandle database_;
-    SqliteHandle snapshot_; // in the place of a file whose readers keep others from writing
+    SqliteHandle snapshot_;        // in the place of a file whose readers keep others from writing
+    std::set<std::string> tables_; // that are known to be there
+    std::int64_t tablesOf_ = 0;    // the schema's version then
     std::string place_;
     int version_ = 0;
     bool writeAhead_ = false;
