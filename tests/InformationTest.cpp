@@ -1,7 +1,9 @@
 #include "testing/Person.h"
+#include "testing/Saver.h"
 
 #include <QPlainTextEdit>
 #include <QTabWidget>
+#include <QToolTip>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -200,6 +202,47 @@ TEST_F(NodeInformation, PutsAStateBackAfterAQuestion) {
         Person::Button("cmdInfoPutBack")->click();
         EXPECT_EQ(person_.Boxes(),
                   std::vector{Information("AUTO 8 is stored as it was before this change.")});
+    });
+}
+
+TEST_F(NodeInformation, TellsWhatSomebodyElseHasChanged) {
+    Saver somebody({{1, 2}, 8});
+    Saver elsewhere({{1, 2}, 9});
+    const auto save = [](Saver& saver, const char* label) {
+        AutoNode node = saver.Load();
+        node.label = label;
+        EXPECT_EQ(saver.Save(node), std::nullopt);
+    };
+    Edit(8, [&] {
+        auto* looks = Person::Window("GUI")->findChild<QTimer*>("tmrChanges");
+        EXPECT_LE(looks->interval(), 5000);
+        looks->setInterval(10);
+        Person::TypeLabel("Mine");
+        Person::Press("cmdApply");
+        save(elsewhere, "Of another node");
+        QTest::qWait(100);
+        EXPECT_FALSE(QToolTip::isVisible()) << QToolTip::text().toStdString();
+        save(somebody, "Theirs");
+        EXPECT_TRUE(Comes([] { return QToolTip::isVisible(); }));
+        const std::string told = QToolTip::text().toStdString();
+        EXPECT_TRUE(told.starts_with("AUTO 8 was changed by ") &&
+                    told.ends_with(" since it was loaded here."));
+        EXPECT_EQ(Person::Label() + Person::Focused(), "MinetxtDescription");
+        EXPECT_FALSE(Person::Dirty());
+        QToolTip::hideText();
+        Open();
+        EXPECT_TRUE(Comes([&] { return Line("lblInfoNote") == told; }));
+        EXPECT_TRUE(Tells(1, "&History (2)"));
+        // Whoever is told once is not told again, and nothing any more where it was loaded anew.
+        save(elsewhere, "Once more");
+        save(somebody, "Theirs again");
+        EXPECT_TRUE(Tells(1, "&History (3)"));
+        Person::Press("cmdNext");
+        Person::Press("cmdPrevious");
+        EXPECT_EQ(ShownNode(), "AUTO 8 Theirs again");
+        EXPECT_TRUE(Tells(1, "&History (3)"));
+        EXPECT_EQ(Line("lblInfoNote"), "");
+        EXPECT_FALSE(QToolTip::isVisible());
     });
 }
 

@@ -41,20 +41,27 @@ void CountUses(DataBase& dataBase, Partition partition, const TypeNames& names,
 NodeWords::NodeWords(const std::string& text) {
     std::istringstream words(FoldCase(text));
     for (std::string word; words >> word;) {
-        words_.push_back(std::move(word));
+        const bool digits = word.find_first_not_of("-0123456789") == std::string::npos;
+        words_.push_back({std::move(word), digits});
     }
 }
 
-bool NodeWords::Fit(std::string_view label, std::string_view type, int number, bool typing) const {
-    const std::string digits = std::to_string(number);
-    return std::ranges::all_of(words_, [&](const std::string& word) {
-        return label.find(word) != std::string_view::npos || word == type ||
-               (typing ? digits.starts_with(word) : word == digits);
-    });
+bool NodeWords::Fit(const std::string& label, const std::string& type, int number, bool typing) const {
+    for (const auto& [word, digits] : words_) {
+        if (label.find(word) != std::string::npos || word == type) {
+            continue;
+        }
+        const std::string own = digits ? std::to_string(number) : std::string();
+        if (!digits || own.compare(0, typing ? word.size() : std::string::npos, word) != 0) {
+            return false;
+        }
+    }
+    return true;
 }
 
 bool NodeWords::Name(int number) const {
-    return std::ranges::find(words_, std::to_string(number)) != words_.end();
+    return std::ranges::any_of(
+        words_, [&](const Word& word) { return word.digits && word.text == std::to_string(number); });
 }
 
 std::vector<FoundNode> FindNodes(DataBase& dataBase, Partition partition, const TypeNames& names,

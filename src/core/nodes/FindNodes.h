@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace KAL_AUTO_Node {
@@ -23,14 +22,19 @@ class NodeWords {
     explicit NodeWords(const std::string& text);
 
     // By label and type's name in their folded forms. While a word is typed, a number may only begin with it.
-    [[nodiscard]] bool Fit(std::string_view label, std::string_view type, int number,
+    [[nodiscard]] bool Fit(const std::string& label, const std::string& type, int number,
                            bool typing = false) const;
 
     // Whether one of the words is the number.
     [[nodiscard]] bool Name(int number) const;
 
   private:
-    std::vector<std::string> words_;
+    struct Word {
+        std::string text;
+        bool digits;
+    };
+
+    std::vector<Word> words_;
 };
 
 // The nodes of every type of which each word of a text is in the label, or is the number or the type's name,

@@ -223,11 +223,11 @@ void PostgresConnection::Commit() {
         return;
     }
     std::size_t reached = 0;
-    Committed(RoundTrip({}, Committing, reached).back());
+    Committed(RoundTrip({}, Commits(), reached).back());
 }
 
 void PostgresConnection::Committed(const Result& result) {
-    if (PQcmdStatus(result.get()) != std::string_view(Committing.front())) {
+    if (PQcmdStatus(result.get()) != std::string_view(Committing.back())) {
         throw RuntimeError(ErrorNumber::StoreFailure, "The server has taken the change back", PostgresName);
     }
     inTransaction_ = false;
@@ -258,6 +258,30 @@ bool PostgresConnection::HasTable(const std::string& name) {
         }
     }
     return tables_.contains(lower);
+}
+
+std::optional<std::int64_t> PostgresConnection::ChangeMark() {
+    // It is for others to connect anew, and to wait for that.
+    if (!connection_ || PQstatus(connection_.get()) != CONNECTION_OK || inTransaction_) {
+        return std::nullopt;
+    }
+    if (std::exchange(listens_, connects_) != connects_) {
+        std::size_t reached = 0;
+        ++heard_; // of whatever was before
+        RoundTrip({}, Listening, reached);
+    }
+    if (PQconsumeInput(connection_.get()) == 0) {
+        return std::nullopt;
+    }
+
+    struct Free {
+        void operator()(PGnotify* notice) const noexcept { PQfreemem(notice); }
+    };
+
+    while (const std::unique_ptr<PGnotify, Free> notice{PQnotifies(connection_.get())}) {
+        heard_ += notice->be_pid == PQbackendPID(connection_.get()) ? 0 : 1;
+    }
+    return heard_;
 }
 
 std::string PostgresConnection::WithSchema(std::string_view sql) const {

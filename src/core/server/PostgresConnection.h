@@ -53,6 +53,8 @@ class PostgresConnection : public Connection {
 
     void DropAhead() noexcept override { ahead_.clear(); }
 
+    [[nodiscard]] std::optional<std::int64_t> ChangeMark() override;
+
     // The server has it on its disks with each commit, as it is set up there.
     void Flush() override {}
 
@@ -116,7 +118,18 @@ class PostgresConnection : public Connection {
     [[nodiscard]] std::string WithSchema(std::string_view sql) const;
 
     // The last statement of a transaction, and what comes after it: the server ends one that failed, too.
-    static constexpr std::array<const char*, 1> Committing = {"COMMIT"};
+    // With it others are told that something has changed. The server lets one such commit wait for another,
+    // which takes as long as a disk, or a further server, does.
+    static constexpr std::array<const char*, 3> Committing = {"SET LOCAL lock_timeout = '10s'",
+                                                              "NOTIFY auto_node_changed", "COMMIT"};
+
+    // One that has failed already only ends.
+    [[nodiscard]] std::span<const char* const> Commits() const {
+        const std::span<const char* const> all = Committing;
+        return PQtransactionStatus(connection_.get()) == PQTRANS_INERROR ? all.last(1) : all;
+    }
+
+    static constexpr std::array<const char*, 1> Listening = {"LISTEN auto_node_changed"};
     static constexpr std::array<const char*, 1> Ending = {"ROLLBACK"};
     static constexpr const char* Unexpected = "The server gives an answer that was not asked for";
     void Committed(const Result& result);
@@ -132,6 +145,8 @@ class PostgresConnection : public Connection {
     int version_ = 0;
     int connects_ = 0;   // how often; statements are prepared once for each
     int statements_ = 0; // how many have got a name
+    int listens_ = 0;    // on which of the connections others are heard of
+    std::int64_t heard_ = 0;
     std::unordered_map<std::string, Result> ahead_;
     std::vector<std::string> beginning_; // of a transaction, not sent yet
     bool inTransaction_ = false;

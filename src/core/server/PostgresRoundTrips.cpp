@@ -85,7 +85,7 @@ std::vector<std::int64_t> PostgresConnection::RunTogether(std::span<const Statem
                                                           std::size_t& reached) {
     ahead_.clear();
     const std::span<const char* const> none;
-    const auto results = RoundTrip(runs, then == Then::Commit ? Committing : none, reached);
+    const auto results = RoundTrip(runs, then == Then::Commit ? Commits() : none, reached);
     if (then == Then::Commit) {
         Committed(results.back());
     }
@@ -154,8 +154,8 @@ std::vector<PostgresConnection::Result> PostgresConnection::RoundTrip(std::span<
             Send(runs[i], sent, i);
         }
         // The end of the pipeline commits what is no part of a transaction.
-        committing_ =
-            plain.data() == Committing.data() || (!inTransaction_ && std::ranges::any_of(runs, Writes));
+        committing_ = (!plain.empty() && plain.back() == Committing.back()) ||
+                      (!inTransaction_ && std::ranges::any_of(runs, Writes));
         for (const char* sql : plain) {
             SendPlain(sql);
             sent.push_back({Sent::Plain, runs.size()});

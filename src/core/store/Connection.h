@@ -96,6 +96,11 @@ class Connection {
 
     virtual void DropAhead() noexcept {}
 
+    // Another number than before where others may have changed what is stored meanwhile; nothing where that
+    // cannot be told now. A cheap look: it waits for nobody, and but for the first costs no way to a server,
+    // where those tell of their changes whose programs do. Outside of transactions and snapshots.
+    [[nodiscard]] virtual std::optional<std::int64_t> ChangeMark() { return std::nullopt; }
+
     // Gives back to the file system what is free in the store's file, and tells how many bytes; nothing where
     // an engine sees to that itself.
     virtual std::optional<std::int64_t> Compact() { return std::nullopt; }

@@ -298,6 +298,10 @@ std::optional<int> DataBase::Version() const {
     return connection_ ? std::optional(connection_->Version()) : std::nullopt;
 }
 
+std::optional<std::int64_t> DataBase::ChangeMark() {
+    return connection_ ? connection_->ChangeMark() : std::nullopt;
+}
+
 bool DataBase::IsRemote() {
     return Describing("opening the store", "", [&] { return Open().IsRemote(); });
 }

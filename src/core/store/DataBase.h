@@ -212,6 +212,9 @@ class DataBase {
     // Of the tables, as the store tells it: 0 where it tells none, for it is another program's, and nothing
     // where the store is not open.
     [[nodiscard]] std::optional<int> Version() const;
+    // Another number than before where others may have changed the store meanwhile; nothing where that cannot
+    // be told, and where the store is not open. A cheap look.
+    [[nodiscard]] std::optional<std::int64_t> ChangeMark();
     // Whether it lies on a server. Opens it.
     [[nodiscard]] bool IsRemote();
 

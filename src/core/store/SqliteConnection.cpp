@@ -324,6 +324,14 @@ void SqliteConnection::SetVersion(int version) {
     version_ = version;
 }
 
+std::optional<std::int64_t> SqliteConnection::ChangeMark() {
+    std::string mark;
+    sqlite3_busy_timeout(database_.get(), 0);
+    const int result = AskSqlite(database_.get(), "PRAGMA data_version", mark);
+    sqlite3_busy_timeout(database_.get(), static_cast<int>(waits_.lock.count()));
+    return result == SQLITE_OK ? std::optional<std::int64_t>(NumericValue(mark)) : std::nullopt;
+}
+
 std::optional<std::int64_t> SqliteConnection::Compact() {
     const std::int64_t before = Number("PRAGMA page_count");
     if (Number("PRAGMA freelist_count") > 0) {

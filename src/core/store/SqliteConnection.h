@@ -39,6 +39,7 @@ class SqliteConnection : public Connection {
     [[nodiscard]] int Version() const override { return version_; }
 
     void SetVersion(int version) override;
+    [[nodiscard]] std::optional<std::int64_t> ChangeMark() override;
     std::optional<std::int64_t> Compact() override;
     void RunScript(const char* sql) override;
     void Flush() override;

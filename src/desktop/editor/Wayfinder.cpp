@@ -12,13 +12,20 @@
 
 namespace KAL_AUTO_Node {
 
-Wayfinder::Wayfinder(GUI& gui, const std::unique_ptr<NodeRules>& rules) : gui_(gui), rules_(rules) {
+Wayfinder::Wayfinder(GUI& gui, const std::unique_ptr<NodeRules>& rules)
+    : gui_(gui), rules_(rules), watch_(gui, rules) {
     OnKey(gui, GoToKey, [this] { GoTo(); });
     OnKey(gui, BackKey, [this] { Back(); });
     OnKey(gui, InformationKey, [this] { TellAbout({AutoType, gui_.nodeNumber}); });
     gui.cmbNode->setToolTip(QStringLiteral(
         "The node shown; Ctrl+G goes to any node, Alt+Left back, and Ctrl+I tells what is known of it"));
     gui.cmdApply->installEventFilter(this);
+    watch_.StoreChanged = [this] {
+        if (IsInformed()) {
+            Note();
+            information_->ReadAgain();
+        }
+    };
 }
 
 void Wayfinder::GoTo() {
@@ -75,6 +82,7 @@ void Wayfinder::Left(std::int16_t number) {
         way_.erase(way_.begin());
     }
     way_.push_back(number);
+    watch_.Forget();
     if (IsInformed()) {
         TellAbout({AutoType, gui_.nodeNumber});
     }
@@ -102,14 +110,20 @@ void Wayfinder::TellAbout(const NodeKey& node) {
         OnKey(*information_, GoToKey, [this] { GoTo(); });
     }
     information_->Show({PartitionOf(gui_), node});
-    NoteUnsaved();
+    Note();
 }
 
-void Wayfinder::NoteUnsaved() {
-    const bool own = information_->Shown().key == NodeKey{AutoType, gui_.nodeNumber};
-    information_->Note(own && gui_.cmdApply->isEnabled()
-                           ? QStringLiteral("What was changed in the editor is not saved, and not told here.")
-                           : QString());
+void Wayfinder::Note() {
+    QStringList notes;
+    if (information_->Shown().key == NodeKey{AutoType, gui_.nodeNumber}) {
+        if (gui_.cmdApply->isEnabled()) {
+            notes.append(QStringLiteral("What was changed in the editor is not saved, and not told here."));
+        }
+        if (!watch_.Noticed().isEmpty()) {
+            notes.append(watch_.Noticed());
+        }
+    }
+    information_->Note(notes.join('\n'));
 }
 
 void Wayfinder::PutBack(const NodePlace& place, const Version& version,
@@ -119,15 +133,21 @@ void Wayfinder::PutBack(const NodePlace& place, const Version& version,
     }
     const GUI::Acting acting(gui_);
     if (rules_->PutBack(gui_, place, version, uses)) {
+        watch_.Forget();
         information_->ReadAgain();
     }
 }
 
 bool Wayfinder::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == gui_.cmdApply && event->type() == QEvent::EnabledChange && IsInformed()) {
-        NoteUnsaved();
+    if (watched == gui_.cmdApply && event->type() == QEvent::EnabledChange) {
         if (!gui_.cmdApply->isEnabled()) {
-            information_->ReadAgain(); // saved, or loaded anew
+            watch_.Forget(); // saved, or loaded anew
+        }
+        if (IsInformed()) {
+            Note();
+        }
+        if (IsInformed() && !gui_.cmdApply->isEnabled()) {
+            information_->ReadAgain();
         }
     }
     return QObject::eventFilter(watched, event);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editor/ChangeWatch.h"
 #include "form/GUI.h"
 #include "information/InformationWindow.h"
 #include "information/StoreReader.h"
@@ -31,7 +32,7 @@ class Wayfinder : public QObject {
     void Left(std::int16_t number);
 
   protected:
-    // Notes when there is something unsaved, and when there is not any more.
+    // Learns when there is something unsaved, and when there is not any more.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
@@ -41,12 +42,14 @@ class Wayfinder : public QObject {
     bool MoveTo(int number);
     void PutBack(const NodePlace& place, const Version& version,
                  const std::optional<std::vector<QString>>& uses);
-    void NoteUnsaved();
+    // In what the node shown in the editor differs from what is told of it.
+    void Note();
 
     [[nodiscard]] bool IsInformed() const { return information_ && information_->isVisible(); }
 
     GUI& gui_;
     const std::unique_ptr<NodeRules>& rules_;
+    ChangeWatch watch_;
     std::unique_ptr<StoreReader> reader_; // from the first use on
     std::unique_ptr<InformationWindow> information_;
     std::vector<std::int16_t> way_; // the nodes that were left, the latest last

@@ -96,15 +96,21 @@ void GoToDialog::Find() {
     fitting_.clear();
     std::size_t best = 0;
     bool named = false;
+    int typeID = AutoType;
+    const std::string* type = &folded_[typeID];
     for (std::size_t i = 0; i < nodes_.all.size(); ++i) {
         const auto& [key, label, folded] = nodes_.all[i];
-        if (words.Fit(folded, folded_[key.typeID], key.number, true)) {
-            if (!named && words.Name(key.number)) {
-                named = true;
-                best = fitting_.size();
-            }
-            fitting_.push_back(i);
+        if (std::exchange(typeID, key.typeID) != key.typeID) {
+            type = &folded_[typeID]; // seldom: they stand by their types
         }
+        if (!words.Fit(folded, *type, key.number, true)) {
+            continue;
+        }
+        if (!named && words.Name(key.number)) {
+            named = true;
+            best = fitting_.size();
+        }
+        fitting_.push_back(i);
     }
     const auto count = static_cast<int>(fitting_.size());
     list_->Show(count, [this](int row, int column) { return Cell(row, column); });

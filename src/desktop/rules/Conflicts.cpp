@@ -99,6 +99,19 @@ bool WantsItMadeWhole(const QString& node) {
                           "stored.\r\n\r\nDo you want to make the rest?");
 }
 
+QString TellOthersChange(const QString& node, const SeenNode& seen, const NodeContent& stored,
+                         const std::optional<Version>& by) {
+    if (!stored.node) {
+        return node + " doesn't exist any more.";
+    }
+    if (Differences(seen.content, stored).empty()) {
+        return {};
+    }
+    const bool known = by && by->number > seen.version;
+    return node + " was changed by " + (known ? ByAndWhen(*by) : QStringLiteral("another program")) +
+           " since it was loaded here.";
+}
+
 bool WantsVersionBack(const QString& node, const Version& version, const std::vector<std::string>& changes,
                       const std::optional<std::vector<QString>>& uses, bool unsaved) {
     QString question = node + " would be as it was before change " + QString::number(version.number) +

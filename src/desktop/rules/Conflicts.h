@@ -28,6 +28,10 @@ enum class Over { Save, Keep, Load, Both };
 // Whether a node is to get the rest of its template's rows.
 [[nodiscard]] bool WantsItMadeWhole(const QString& node);
 
+// Tells that a node is stored otherwise than it was seen; an empty text where it is not.
+[[nodiscard]] QString TellOthersChange(const QString& node, const SeenNode& seen, const NodeContent& stored,
+                                       const std::optional<Version>& by);
+
 // Whether the node is to be as it was before a change; with what that changes, what refers to the node, where
 // that is known, and whether the window has changes of it that go.
 [[nodiscard]] bool WantsVersionBack(const QString& node, const Version& version,

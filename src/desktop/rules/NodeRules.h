@@ -81,6 +81,11 @@ class NodeRules {
     bool PutBack(GUI& gui, const NodePlace& place, const Version& version,
                  const std::optional<std::vector<QString>>& uses);
 
+    // Looks whether somebody else has changed the node that is shown: who, and when, in words; an empty text
+    // where nobody has, and nothing where there is no news since the latest look. Cheap while nothing
+    // changes; raises nothing.
+    [[nodiscard]] std::optional<QString> LookForOthersChange(const GUI& gui) noexcept;
+
     // The label of a node that can be referred to; empty where it has none. Has no report of its own.
     QString LabelOfNode(const GUI& gui, int nodeTypeID, int nodeNumber);
 
@@ -132,6 +137,7 @@ class NodeRules {
     DataBase dataBase_;
     History history_{dataBase_};
     std::optional<Unsettled> unsettled_;
+    std::optional<std::int64_t> seenMark_; // of the store, at the latest look for others' changes
     bool toldUnguarded_ = false;
     bool askedToUpgrade_ = false;
 };
