@@ -278,7 +278,11 @@ TEST_F(Lists, AreOrderedByDraggingRows) {
         Person::DragRow("LVActions", 8, "LVActions", 0);
         Person::Press("cmdActionsEdit");
         EXPECT_EQ(entries() + std::to_string(Person::Count("LVPrompts")), "1035624793");
-        // By what a row begins with in any column.
+        // By where it stands, and by what it begins with in any column.
+        list->selectionModel()->clearSelection();
+        list->selectionModel()->setCurrentIndex(list->model()->index(0, 1), QItemSelectionModel::NoUpdate);
+        Key(list, Qt::Key_Home, {});
+        EXPECT_EQ(Person::SelectedRows("LVActions"), std::vector{0});
         QTest::keyClicks(list, "auto 1");
         EXPECT_EQ(list->currentIndex().row(), 3);
         Person::ClickRow("LVActions", 1);

@@ -6,6 +6,7 @@
 #include <QCursor>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QStyleOption>
 
 #include <algorithm>
@@ -64,9 +65,11 @@ void ListView::DragOn() {
         return;
     }
     const QRect room = viewport()->rect();
-    const int margin = autoScrollMargin();
-    if (!room.adjusted(0, margin, 0, -margin).contains(pointer_)) {
-        startAutoScroll();
+    if (ScrollsBy() == 0) {
+        scrolling_.stop();
+    } else if (!scrolling_.isActive()) {
+        constexpr int interval = 50; // milliseconds
+        scrolling_.start(interval, this);
     }
     int place = -1;
     if (room.contains(pointer_)) {
@@ -80,9 +83,24 @@ void ListView::DragOn() {
     }
 }
 
+int ListView::ScrollsBy() const {
+    constexpr int farther = 20; // pixels, for each row more
+    const int above = autoScrollMargin() - pointer_.y();
+    const int below = pointer_.y() - (viewport()->height() - autoScrollMargin());
+    return above > 0 ? -1 - above / farther : below > 0 ? 1 + below / farther : 0;
+}
+
+void ListView::timerEvent(QTimerEvent* event) {
+    if (event->timerId() == scrolling_.timerId()) {
+        verticalScrollBar()->setValue(verticalScrollBar()->value() + ScrollsBy());
+    } else {
+        QTreeView::timerEvent(event);
+    }
+}
+
 void ListView::EndDrag() {
     drag_ = Drag::None;
-    stopAutoScroll();
+    scrolling_.stop();
     viewport()->unsetCursor();
     viewport()->update();
     if (const int place = std::exchange(dropAt_, -1); place >= 0) {
@@ -108,6 +126,7 @@ void ListView::paintEvent(QPaintEvent* event) {
     line.initFrom(this);
     line.rect = {0, std::max(0, dropAt_ < Count() ? row.top() : row.bottom()), viewport()->width() - 1, 0};
     QPainter painter(viewport());
+    painter.setPen(QPen(palette().color(QPalette::Text), 2));
     style()->drawPrimitive(QStyle::PE_IndicatorItemViewItemDrop, &line, &painter, this);
 }
 

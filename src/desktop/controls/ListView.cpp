@@ -293,7 +293,14 @@ void ListView::keyPressEvent(QKeyEvent* event) {
     if (verticalScrollBar()->value() != position) {
         Send(WindowMessage::VScroll);
     }
-    if (SelectedItem() >= 0 && SelectedItem() != row) {
+    // Who is at the first row, which nobody has selected yet, and goes to the first means it.
+    const bool stays = SelectedItem() >= 0 && SelectedItem() == row && !IsSelected(row);
+    const bool selects = stays && event->modifiers() == Qt::NoModifier &&
+                         (event->key() == Qt::Key_Home || event->key() == Qt::Key_End);
+    if (selects) {
+        Select(row);
+    }
+    if (SelectedItem() >= 0 && (SelectedItem() != row || selects)) {
         emit ItemClick(SelectedItem());
     }
 }

@@ -2,6 +2,7 @@
 
 #include "controls/ListRow.h"
 
+#include <QBasicTimer>
 #include <QElapsedTimer>
 #include <QTreeView>
 
@@ -138,6 +139,7 @@ class ListView : public QTreeView {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
@@ -162,6 +164,8 @@ class ListView : public QTreeView {
     // Rows are dragged to where the pointer is by now.
     void DragOn();
     void EndDrag();
+    // By how many rows the list moves, again and again, while rows are dragged to where the pointer is.
+    [[nodiscard]] int ScrollsBy() const;
     [[nodiscard]] bool BeginsWith(int row, const QString& text) const;
     // A cell of the row that the toolkit can mark and scroll to: it does neither with one of a hidden column.
     [[nodiscard]] QModelIndex VisibleCell(int row) const;
@@ -172,7 +176,8 @@ class ListView : public QTreeView {
     bool doubleClicked_ = false; // the button is still down
     enum class Drag { None, Possible, Rows } drag_ = Drag::None;
     QPoint pressedAt_;
-    QPoint pointer_;  // in the viewport
+    QPoint pointer_; // in the viewport
+    QBasicTimer scrolling_;
     int dropAt_ = -1; // before which row they would come; none while the pointer is elsewhere
     QString typed_;   // lately, to find a row by
     QElapsedTimer typedAt_;
