@@ -59,7 +59,7 @@ struct Business_Rules::Parts {
     void MakeWindow() {
         DropWindow();
         application = QCoreApplication::instance();
-        window = std::make_unique<EditorWindow>(components);
+        window = std::make_unique<EditorWindow>(components, rules);
     }
 
     void DropWindow() {

@@ -17,7 +17,7 @@ constexpr std::chrono::seconds NoteStays(15);
 
 } // namespace
 
-ChangeWatch::ChangeWatch(GUI& gui, const std::unique_ptr<NodeRules>& rules) : gui_(gui), rules_(rules) {
+ChangeWatch::ChangeWatch(GUI& gui, NodeRules& rules) : gui_(gui), rules_(rules) {
     timer_.setParent(&gui);
     timer_.setObjectName(QStringLiteral("tmrChanges"));
     timer_.setInterval(BetweenLooks);
@@ -32,10 +32,10 @@ void ChangeWatch::Forget() {
 
 void ChangeWatch::Look() {
     const QWidget* modal = QApplication::activeModalWidget();
-    if (!rules_ || gui_.IsActing() || (modal != nullptr && modal != &gui_)) {
-        return; // the connection is at work, or a question is answered first
+    if (gui_.IsActing() || (modal != nullptr && modal != &gui_)) {
+        return; // a node is being loaded or saved, or a question is answered first
     }
-    if (const auto noticed = rules_->LookForOthersChange(gui_)) {
+    if (const auto noticed = rules_.LookForOthersChange(gui_)) {
         shown_ = *noticed == noticed_ ? shown_ : noticed->isEmpty();
         noticed_ = *noticed;
         StoreChanged();

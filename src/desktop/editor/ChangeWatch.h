@@ -5,7 +5,6 @@
 #include <QTimer>
 
 #include <functional>
-#include <memory>
 
 namespace KAL_AUTO_Node {
 
@@ -15,8 +14,8 @@ class NodeRules;
 // focus and goes by itself.
 class ChangeWatch : public QObject {
   public:
-    // The rules are there while the window is.
-    ChangeWatch(GUI& gui, const std::unique_ptr<NodeRules>& rules);
+    // The rules have their connection open, and outlive the window.
+    ChangeWatch(GUI& gui, NodeRules& rules);
 
     // What is to be said of the node shown, or an empty text.
     [[nodiscard]] const QString& Noticed() const { return noticed_; }
@@ -36,7 +35,7 @@ class ChangeWatch : public QObject {
     void Show();
 
     GUI& gui_;
-    const std::unique_ptr<NodeRules>& rules_;
+    NodeRules& rules_;
     QTimer timer_;
     QString noticed_;
     bool shown_ = true; // so far as the window was in front

@@ -14,9 +14,9 @@
 
 namespace KAL_AUTO_Node {
 
-EditorWindow::EditorWindow(const ComponentFactory& components)
+EditorWindow::EditorWindow(const ComponentFactory& components, NodeRules& filling)
     : components_(components), prompts_(gui_, undo_, components), actions_(gui_, undo_, components),
-      exceptions_(gui_, undo_), ways_(gui_, rules_) {
+      exceptions_(gui_, undo_), ways_(gui_, rules_, filling) {
     OnKey(gui_, UndoKey, [this] { undo_.Undo(); });
     for (const char* key : {RedoKey, OtherRedoKey}) {
         OnKey(gui_, key, [this] { undo_.Redo(); });

@@ -20,8 +20,9 @@ namespace KAL_AUTO_Node {
 // The editor window at work: its form and what happens when a person uses it.
 class EditorWindow : public QObject {
   public:
-    // The factory outlives the window.
-    explicit EditorWindow(const ComponentFactory& components);
+    // The factory outlives the window, and so do the rules by which it is filled before it is shown. Their
+    // connection is there and idle then, and serves for looking what others do.
+    EditorWindow(const ComponentFactory& components, NodeRules& filling);
 
     [[nodiscard]] GUI& Form() noexcept { return gui_; }
 

@@ -12,8 +12,8 @@
 
 namespace KAL_AUTO_Node {
 
-Wayfinder::Wayfinder(GUI& gui, const std::unique_ptr<NodeRules>& rules)
-    : gui_(gui), rules_(rules), watch_(gui, rules) {
+Wayfinder::Wayfinder(GUI& gui, const std::unique_ptr<NodeRules>& rules, NodeRules& looking)
+    : gui_(gui), rules_(rules), watch_(gui, looking) {
     OnKey(gui, GoToKey, [this] { GoTo(); });
     OnKey(gui, BackKey, [this] { Back(); });
     OnKey(gui, InformationKey, [this] { TellAbout({AutoType, gui_.nodeNumber}); });

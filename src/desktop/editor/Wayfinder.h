@@ -20,8 +20,8 @@ class NodeRules;
 // person picks there.
 class Wayfinder : public QObject {
   public:
-    // The rules are there while the window is.
-    Wayfinder(GUI& gui, const std::unique_ptr<NodeRules>& rules);
+    // The rules are there while the window is, and those that look what others do.
+    Wayfinder(GUI& gui, const std::unique_ptr<NodeRules>& rules, NodeRules& looking);
 
     // Goes on with a node: the window moves to it where it is an AUTO node, else what is known of it is
     // shown.
