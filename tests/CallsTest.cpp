@@ -185,6 +185,8 @@ TEST(Outcomes, AreAllThatMayBeMeantAndCertainOnlyWhereThatIsOne) {
         const Outcomes outcomes = Take(menu, step);
         ASSERT_EQ(Told(outcomes), resolved);
         ASSERT_EQ(outcomes.IsCertain(), resolved.size() == 1);
+        ASSERT_EQ(outcomes.IsCertain(),
+                  outcomes.reasons.size() == (outcomes.Has(Reason::LongerEntry) ? 1 : 0));
         for (const auto& [low, high, spanned] : round % 8 == 0 ? SpansOf(menu) : std::vector<EntrySpan>()) {
             if (low.size() == step.digits.size() && low <= step.digits && step.digits <= high) {
                 ASSERT_TRUE(spanned.more > 0 || Told(spanned) == resolved);

@@ -104,6 +104,7 @@ TEST(HostProgram, ListsAndShowsWhatAPersonWouldAskFor) {
     ExpectTold(Program(0, {"show", "1", "2", "1", "--json"}).output,
                "\"prompts\": [\n    {\n      \"sequence\": 1,\n      \"typeID\": 2,");
     ExpectTold(Program(0, {"list", "1", "2", "--json"}).output, "\"number\": 40,");
+    ExpectTold(Program(0, {"list", "--json"}).output, "\"autoNodes\": 17,");
     ExpectTold(Program(1, {"show", "1", "2", "25"}).errors, "AUTO node 25");
     ExpectTold(Program(0, {"digits", "1", "1", "1"}).output, "\nTakes 1 digit; Invalid is MSG 1");
     ExpectTold(Program(0, {"show", "1", "2", "12"}).output, "M_ON 44   Voice of Müller, trailer\n");

@@ -98,8 +98,10 @@ TEST_F(Nodes, TellWhatDiffers) {
     };
     const Reference message{0, "MSG", 11, {}};
     expect({}, [](AutoNode& node) { node.prompts[0].target.label = "another"; });
-    expect({"label \"Main menu\" → none", "retry limit 3 → none", R"(terminating digit "#" → "No")"},
+    expect({"type AUTO → auto", "label \"Main menu\" → none", "retry limit 3 → none",
+            R"(terminating digit "#" → "No")"},
            [](AutoNode& node) {
+               node.type = "auto";
                node.label.reset();
                node.settings.retryLimit.reset();
                node.settings.terminatingDigit = "No";
