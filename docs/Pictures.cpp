@@ -57,6 +57,13 @@ class Photographer {
             Person::TypeOver("txtDescription", "Opening");
             Person::Press("cmdApply");
         });
+        Edit(8, [&] {
+            Person::TypeOver("txtDescription", "Sales and wholesale");
+            store_.Execute("UPDATE Detail_AUTO_Action SET NodeNumber = 26 WHERE ConfigID = 1 AND PartID = 2"
+                           " AND NodeMasterID = 8 AND SequenceNo = 2");
+            nextBox_ = "message-both";
+            Person::Press("cmdApply");
+        });
         nextBox_ = "message-no-node";
         Edit(25, [] {});
         person_.Boxes(); // all are in the pictures

@@ -331,6 +331,12 @@ TEST(Saving, KeepsBothWhereTwoHaveChangedDifferentParts) {
         Person::Press("cmdActionsRemove");
         Person::Press("cmdApply");
         EXPECT_FALSE(offers(person.Boxes().at(0))) << "a label that the save would go over";
+        person.WillAnswer({QMessageBox::Yes, QMessageBox::Discard, QMessageBox::Yes});
+        Person::Choose("cmbNode", "AUTO 1");
+        EXPECT_EQ(person.Boxes().size(), 3U);
+        EXPECT_EQ(Person::Text("cmbNode") + ", " +
+                      Person::Find<QLabel>("lblRecordPosition")->text().toStdString(),
+                  "AUTO 8, 8 of 17");
     }));
 }
 

@@ -19,7 +19,7 @@ ListKind KindOf(const Prompt& /*row*/) { return ListKind::Ordered; }
 ListKind KindOf(const Action& /*row*/) { return ListKind::Named; }
 
 template <class Row>
-std::vector<ListedRow> Listed(const std::vector<Row>& rows) {
+std::vector<ListedRow> ListedRows(const std::vector<Row>& rows) {
     std::vector<ListedRow> listed;
     std::ranges::transform(rows, std::back_inserter(listed), [](const Row& row) { return ListedOf(row); });
     return listed;
@@ -28,7 +28,7 @@ std::vector<ListedRow> Listed(const std::vector<Row>& rows) {
 template <class Row>
 bool MergeRows(const std::vector<Row>& before, const std::vector<Row>& one, const std::vector<Row>& other,
                std::vector<Row>& merged) {
-    const auto rows = MergeLists(Listed(before), Listed(one), Listed(other), KindOf(Row()));
+    const auto rows = MergeLists(ListedRows(before), ListedRows(one), ListedRows(other), KindOf(Row()));
     merged.clear();
     for (std::size_t i = 0; rows && i < rows->size(); ++i) {
         const auto& [ofOther, place] = (*rows)[i];

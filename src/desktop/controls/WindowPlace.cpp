@@ -12,7 +12,7 @@ namespace KAL_AUTO_Node {
 namespace {
 
 // Of the form in which places are kept. What a newer program has kept stays for it.
-constexpr int Version = 1;
+constexpr int PlacesVersion = 1;
 constexpr const char* VersionEntry = "version";
 
 class Places {
@@ -20,13 +20,13 @@ class Places {
     explicit Places(const QWidget& window) : entry_("places/" + window.objectName()) {}
 
     [[nodiscard]] bool AreKnown() const {
-        return settings_.value(QLatin1String(VersionEntry), Version).toInt() == Version;
+        return settings_.value(QLatin1String(VersionEntry), PlacesVersion).toInt() == PlacesVersion;
     }
 
     [[nodiscard]] QByteArray Read() const { return settings_.value(entry_).toByteArray(); }
 
     void Write(const QByteArray& place) {
-        settings_.setValue(QLatin1String(VersionEntry), Version);
+        settings_.setValue(QLatin1String(VersionEntry), PlacesVersion);
         settings_.setValue(entry_, place);
     }
 

@@ -169,6 +169,10 @@ bool NodeRules::SaveChanges(GUI& gui, std::int16_t nodeNumber) {
         }
     });
     if (wantsStored) {
+        // It is shown with its place among the others, also where the person was about to leave it.
+        if (const int shown = gui.cmbNode->IndexOfData(nodeNumber); shown >= 0) {
+            gui.cmbNode->SetListIndex(shown);
+        }
         LoadData(gui, nodeNumber);
         gui.cmdApply->setEnabled(false);
     } else if (together) {
