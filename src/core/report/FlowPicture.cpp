@@ -32,6 +32,8 @@ constexpr std::string_view Dropped[] = {
     " xmlns:xlink=",
 };
 
+constexpr std::string_view Link = " xlink:"; // the page's own language has it without
+
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // An attribute without the fractions of its numbers, which nobody sees.
@@ -57,7 +59,9 @@ std::string TagOfPage(std::string_view tag) {
         const std::string_view attribute = tag.substr(0, end == 0 ? tag.size() : end);
         if (std::ranges::none_of(Dropped,
                                  [&](std::string_view drop) { return attribute.starts_with(drop); })) {
-            AppendWhole(attribute, part);
+            const bool isLink = attribute.starts_with(Link);
+            part += isLink ? " " : "";
+            AppendWhole(isLink ? attribute.substr(Link.size()) : attribute, part);
         }
         tag.remove_prefix(attribute.size());
     }
@@ -165,7 +169,7 @@ class Pictures {
             if (!picture.warnings.empty()) {
                 warnings_.push_back(picture.warnings);
             }
-            append_("<div class=\"flow\" role=\"group\" aria-label=\"" + name + "\">\n" +
+            append_("<div class=\"flow\" tabindex=\"0\" role=\"group\" aria-label=\"" + name + "\">\n" +
                     PartOfPage(picture.bytes) + "</div>\n");
         } catch (const RuntimeError& error) {
             isMissing_ = error.Number() == ErrorNumber::StoreNotFound;

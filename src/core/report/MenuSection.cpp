@@ -76,8 +76,11 @@ class MenuWriter {
                 Escaped(Visible(itself_.Text(node_.type))) + "</span> <span class=\"l\">" +
                 LabelMarkup(label, HeadLimit) + "</span></h3>\n";
         if (label.size() > HeadLimit && Shortened(label, HeadLimit).ends_with("…")) {
-            html_ += "<p class=\"whole\">Its whole label: " + LabelMarkup(label, label.size()) + "</p>\n";
+            html_ += "<p class=\"whole\">Its label: " + LabelMarkup(label, LabelLimitWhole) +
+                     (label.size() > LabelLimitWhole ? " (" + std::to_string(label.size()) + " bytes)" : "") +
+                     "</p>\n";
         }
+        html_ += "<div class=\"body\">\n";
         WriteLastChange();
         html_ += change == nullptr ? "" : ChangeMarkup(*change);
         html_ += SettingsMarkup(node_.settings) + FindingsMarkup(findings_);
@@ -88,12 +91,14 @@ class MenuWriter {
         const std::string users = nodes_.UsedFrom(itself_);
         html_ += "<h4>Who leads here</h4>\n<p>" +
                  (users.empty() ? "No node refers to it; calls may enter here." : users) +
-                 "</p>\n</section>\n";
+                 "</p>\n</div>\n</section>\n";
         return std::move(html_);
     }
 
   private:
+    // Characters of a label in the heading, and below it where there are more: all that anybody reads.
     static constexpr std::size_t HeadLimit = 300;
+    static constexpr std::size_t LabelLimitWhole = 5000;
 
     void WriteLastChange() {
         const auto known = data_.lastChanges.find(itself_.number);

@@ -26,6 +26,11 @@ constexpr PagePart Script =
 
 constexpr std::size_t EntryLimit = 100;
 
+// Of menus, and of all other nodes: of a larger page a browser draws what comes near the window only. Then it
+// tells those who hear it no more than the headings of the rest.
+constexpr std::size_t LargeMenus = 200;
+constexpr std::size_t LargeOthers = 2000;
+
 class Page {
   public:
     Page(const ReportData& data, const ReportHead& head, const ReportChanges* changes,
@@ -71,8 +76,8 @@ class Page {
             "content=\"width=device-width, initial-scale=1\">\n<meta name=\"color-scheme\" content=\"light "
             "dark\">\n<meta name=\"referrer\" content=\"no-referrer\">\n<title>" +
             partition + ": the call flow, " + Escaped(head_.written) + "</title>\n<style>" +
-            std::string(Style.text) +
-            "</style>\n</head>\n<body>\n<a class=\"skip\" href=\"#summary\">To the "
+            std::string(Style.text) + "</style>\n</head>\n<body" + (IsLarge() ? " class=\"large\"" : "") +
+            ">\n<a class=\"skip\" href=\"#summary\">To the "
             "content</a>\n<header>\n<nav "
             "aria-label=\"Parts\">\n<a href=\"#summary\">Summary</a>\n" +
             (changes_ != nullptr ? "<a href=\"#changes\">Changes</a>\n" : "") +
@@ -82,6 +87,14 @@ class Page {
             "id=\"sought\" type=\"search\" autocomplete=\"off\" spellcheck=\"false\" placeholder=\"number or "
             "label\"><output id=\"told\" for=\"sought\"></output><ul id=\"found\" hidden></ul></search>\n"
             "</header>\n<main>\n");
+    }
+
+    [[nodiscard]] bool IsLarge() const {
+        std::size_t others = 0;
+        for (const auto& [typeID, numbers] : nodes_.Listed()) {
+            others += numbers.size();
+        }
+        return outcome_.menus > LargeMenus || others > LargeOthers;
     }
 
     void WriteSummary() {

@@ -22,6 +22,10 @@ std::optional<AutoNode> NodeNow(const ReportData& data, int number) {
     return found == data.flow.nodes.end() ? std::nullopt : std::optional(found->second);
 }
 
+std::string LabelOf(const std::optional<AutoNode>& before, const std::optional<AutoNode>& now) {
+    return (now ? now->label : before ? before->label : std::nullopt).value_or("");
+}
+
 // Of a node that is not an AUTO node.
 struct OtherNode {
     std::string label;
@@ -108,6 +112,7 @@ ReportChanges ChangesSince(DataBase& dataBase, Partition partition, const Report
         const Version& oldest = change.versions.back();
         try {
             const auto before = history.Before(PlaceOf(partition, number), oldest.number).node;
+            change.label = LabelOf(before, NodeNow(data, number));
             change.words = ChangesInWords(before, NodeNow(data, number));
         } catch (const RuntimeError& error) {
             if (error.Number() != ErrorNumber::StoreNotRecognized) {
@@ -132,7 +137,7 @@ ReportChanges ChangesAgainst(DataBase& other, Partition partition, const ReportD
     const auto compare = [&](int number, const std::optional<AutoNode>& before) {
         auto words = ChangesInWords(before, NodeNow(data, number));
         if (!words.empty()) {
-            changes.nodes[number].words = std::move(words);
+            changes.nodes[number] = {LabelOf(before, NodeNow(data, number)), std::move(words), {}, {}};
         }
     };
     ReadWholeAutoNodes(
@@ -181,7 +186,7 @@ std::string ChangesSection(const ReportChanges& changes, const ReportData& data,
     for (const auto& [number, change] : changes.nodes) {
         const NodeKey node{AutoType, number};
         const std::string name = Escaped(Visible(data.names.Text(node)));
-        html += "<h3>" + nodes.Link(node, name) + ' ' + LabelMarkup(data.LabelOf(node)) + "</h3>\n" +
+        html += "<h3>" + nodes.Link(node, name) + ' ' + LabelMarkup(change.label) + "</h3>\n" +
                 ChangeMarkup(change);
     }
     if (!changes.others.empty()) {

@@ -10,6 +10,7 @@ namespace KAL_AUTO_Node {
 
 // What became of an AUTO node.
 struct NodeChange {
+    std::string label;              // that it has, or had
     std::vector<std::string> words; // as diff has them; none where nothing differs in the end
     std::vector<Version> versions;  // by whom, newest first; where the history tells it
     std::string remark;             // what is not known of it

@@ -66,7 +66,7 @@ FindingsByFault ByFault(const ReportData& data) {
 }
 
 void WriteFindings(const FindingsByFault& findings, const ReportNodes& nodes, const ReportSink& append) {
-    append("<section id=\"findings\" class=\"page\">\n<h2>What is found</h2>\n");
+    append("<section id=\"findings\" class=\"page\">\n<h2>Findings</h2>\n");
     if (findings.empty()) {
         append("<p>Nothing is wrong.</p>\n");
     }
