@@ -204,6 +204,16 @@ Node_MSG +0 ~1 -0
     History(dataBase).PutBack({{1, 2}, 5}, 2, "restore");
     EXPECT_EQ(store.Value("SELECT NodeDescription FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 5"),
               "Other");
+    // What others change while it compares, of what it had no need to change, becomes what the text holds.
+    bool changed = false;
+    static_cast<void>(ImportExchange(
+        dataBase, store.Folder() / "in.json", Import::Carry, [](const auto&...) {},
+        [&](std::uint64_t) {
+            if (!std::exchange(changed, true)) {
+                store.Execute("UPDATE Node_MSG SET Comment = 'x' WHERE PartID = 2 AND NodeNumber = 1");
+            }
+        }));
+    EXPECT_EQ(ExportOf(store), before);
 }
 
 TEST(Exchange, LeavesOutOfItWhatIsNotInTheText) {

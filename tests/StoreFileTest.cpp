@@ -106,6 +106,25 @@ TEST(StoreFile, KeepTheLogShort) {
     EXPECT_LE(write(1), limit);
 }
 
+TEST(StoreFile, ReadOneStateAlsoWhereTheyWereReadBefore) {
+    for (const char* mode : {"PRAGMA journal_mode", "PRAGMA journal_mode = DELETE"}) {
+        const TestStore store;
+        static_cast<void>(store.Rows(mode));
+        DataBase dataBase;
+        const auto highest = [&] {
+            return Perform(dataBase, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number");
+        };
+        EXPECT_EQ(highest(), Texts{"250"});
+        {
+            const Snapshot snapshot(dataBase);
+            EXPECT_EQ(highest(), Texts{"250"});
+            store.Execute("UPDATE Node_Type_Max SET Max_Number = 249 WHERE Max_Number = 250");
+            EXPECT_EQ(highest(), Texts{"250"}) << mode;
+        }
+        EXPECT_EQ(highest(), Texts{"249"}) << mode;
+    }
+}
+
 TEST(StoreFile, ReadAReadOnlyStoreAndTellWhereTheyWouldWrite) {
     const TestStore store;
     std::filesystem::permissions(store.Folder(), std::filesystem::perms(0755));

@@ -280,6 +280,30 @@ void Read(const std::filesystem::path& file, DataBase& dataBase, ExchangeSink& s
                      dataBase.TakesAnyBytes() ? AnyBytes::Take : AnyBytes::Refuse);
 }
 
+// What a server holds of all that an import compares, in short: sums of its rows' texts.
+std::set<std::string> SumsOf(DataBase& dataBase, const std::optional<Partition>& scope) {
+    std::set<std::string> sums;
+    std::string sql;
+    for (const StoreTable& table : StoreTables()) {
+        if (scope && !table.partitioned) {
+            continue;
+        }
+        sql += (sql.empty() ? "SELECT '" : " UNION ALL SELECT '") + table.name +
+               " ' || COUNT(*) || ' ' || COALESCE(SUM(hashtextextended(CAST(t AS text), 0)), 0) FROM " +
+               table.name + " t";
+        if (scope) {
+            sql += " WHERE " + table.columns[table.key[0]].name + " = " + std::to_string(scope->config) +
+                   " AND " + table.columns[table.key[1]].name + " = " + std::to_string(scope->number);
+        }
+    }
+    const auto statement = dataBase.Prepare(sql);
+    for (statement->Run({}); !statement->AtEnd(); statement->MoveNext()) {
+        sums.emplace(statement->Field(0).value_or(""));
+    }
+    statement->Close();
+    return sums;
+}
+
 } // namespace
 
 ExchangeReport ImportExchange(DataBase& dataBase, const std::filesystem::path& file, Import how,
@@ -288,6 +312,9 @@ ExchangeReport ImportExchange(DataBase& dataBase, const std::filesystem::path& f
     for (int attempt = 1;; ++attempt) {
         Comparison import(dataBase, how == Import::Carry || plan != nullptr ? Mode::Plan : Mode::Tell,
                           progress, note);
+        const bool remote = dataBase.IsRemote();
+        const auto mark = remote ? std::nullopt : dataBase.ChangeMark();
+        std::set<std::string> sums;
         {
             const Snapshot snapshot(dataBase);
             Read(file, dataBase, import);
@@ -305,6 +332,9 @@ ExchangeReport ImportExchange(DataBase& dataBase, const std::filesystem::path& f
                 }
                 return std::move(import.Report());
             }
+            if (remote) {
+                sums = SumsOf(dataBase, import.Report().scope);
+            }
         }
         if (import.Report().tables.empty()) {
             return std::move(import.Report());
@@ -314,11 +344,15 @@ ExchangeReport ImportExchange(DataBase& dataBase, const std::filesystem::path& f
                                "The store may not keep the nodes as they were, so that nothing is imported");
         }
         Transaction all(dataBase);
+        const auto isAsCompared = [&] {
+            return remote ? SumsOf(dataBase, import.Report().scope) == sums
+                          : mark && dataBase.ChangeMark() == mark;
+        };
         std::optional<Comparison> direct;
         if (import.IsTooLarge() || attempt == MostPlans) {
             Read(file, dataBase, direct.emplace(dataBase, Mode::Write, progress, note));
-        } else if (!import.CarryOut()) {
-            continue;
+        } else if (!isAsCompared() || !import.CarryOut()) {
+            continue; // also where others have changed what was as in the text
         }
         Comparison& done = direct ? *direct : import;
         done.TellNodes(dataBase, tell);

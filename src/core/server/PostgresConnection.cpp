@@ -202,11 +202,12 @@ void PostgresConnection::Begin(std::optional<std::int64_t> number) {
     ahead_.clear();
 }
 
-void PostgresConnection::BeginReading() {
+bool PostgresConnection::BeginReading() {
     BeReady();
     beginning_ = {"BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY"};
     inTransaction_ = true;
     ahead_.clear();
+    return false;
 }
 
 bool PostgresConnection::EndReading() noexcept {

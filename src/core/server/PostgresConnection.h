@@ -34,7 +34,7 @@ class PostgresConnection : public Connection {
     void Begin(std::optional<std::int64_t> number) override;
     void Commit() override;
     void Rollback() noexcept override;
-    void BeginReading() override;
+    bool BeginReading() override;
     bool EndReading() noexcept override;
     [[nodiscard]] bool HasTable(const std::string& name) override;
     void RunScript(const char* sql) override;

@@ -64,8 +64,8 @@ class Connection {
     virtual void Rollback() noexcept = 0;
 
     // Until EndReading, all that is read is of one state, which nobody is kept from changing, and nothing is
-    // written. EndReading tells whether statements that were prepared meanwhile go on reading that state.
-    virtual void BeginReading() = 0;
+    // written. Both tell whether statements that were prepared before go on reading the state of before.
+    virtual bool BeginReading() = 0;
     virtual bool EndReading() noexcept = 0;
 
     [[nodiscard]] virtual bool HasTable(const std::string& name) = 0;

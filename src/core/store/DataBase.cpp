@@ -358,17 +358,20 @@ void DataBase::FetchAhead(const std::vector<CommandRun>& runs) {
     });
 }
 
-Snapshot::Snapshot(DataBase& dataBase) : dataBase_(dataBase) {
-    dataBase_.Describing("beginning to read", "", [&] { dataBase_.Open().BeginReading(); });
-}
-
-Snapshot::~Snapshot() {
-    if (dataBase_.connection_->EndReading()) {
-        for (DataBase::Prepared& prepared : dataBase_.prepared_) {
+void DataBase::PrepareAnew(bool isNeeded) {
+    for (Prepared& prepared : prepared_) {
+        if (isNeeded && !prepared.open) {
             prepared.statement.reset();
         }
     }
 }
+
+Snapshot::Snapshot(DataBase& dataBase) : dataBase_(dataBase) {
+    dataBase_.Describing("beginning to read", "",
+                         [&] { dataBase_.PrepareAnew(dataBase_.Open().BeginReading()); });
+}
+
+Snapshot::~Snapshot() { dataBase_.PrepareAnew(dataBase_.connection_->EndReading()); }
 
 Transaction::Transaction(DataBase& dataBase, std::optional<std::int64_t> number) : dataBase_(dataBase) {
     dataBase_.Describing("beginning a change", "", [&] { dataBase_.Open().Begin(number); });

@@ -231,6 +231,8 @@ class DataBase {
     friend class Transaction;
 
     Connection& Open();
+    // Where statements that are prepared read another state than what is to be read now.
+    void PrepareAnew(bool isNeeded);
     // Part of a transaction.
     void RunScript(const char* script);
     void SetVersion(int version);

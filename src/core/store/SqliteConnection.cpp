@@ -280,14 +280,15 @@ void SqliteConnection::Commit() { RunScript("COMMIT"); }
 
 void SqliteConnection::Rollback() noexcept { static_cast<void>(RunSqlite(database_.get(), "ROLLBACK")); }
 
-void SqliteConnection::BeginReading() {
+bool SqliteConnection::BeginReading() {
     if (writeAhead_ || sqlite3_db_readonly(database_.get(), "main") != 0) {
         RunScript("BEGIN");
-        return;
+        return false;
     }
     // Without a log who writes waits for all who read; it takes milliseconds to copy what a file holds.
     snapshot_ = OpenImage(ImageOf(database_.get()));
     SetUp(snapshot_.get());
+    return true;
 }
 
 bool SqliteConnection::EndReading() noexcept {
