@@ -30,8 +30,8 @@ GoToDialog::Nodes ReadNodes(DataBase& dataBase, Partition partition, const Store
             nodes.all.push_back({key, std::string(label), FoldCase(label)});
         }
     });
-    std::ranges::stable_partition(nodes.all,
-                                  [](const GoToDialog::Node& node) { return node.key.typeID == AutoType; });
+    std::stable_partition(nodes.all.begin(), nodes.all.end(),
+                          [](const GoToDialog::Node& node) { return node.key.typeID == AutoType; });
     return nodes;
 }
 
