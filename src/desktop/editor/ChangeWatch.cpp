@@ -35,9 +35,14 @@ void ChangeWatch::Look() {
     if (gui_.IsActing() || (modal != nullptr && modal != &gui_)) {
         return; // a node is being loaded or saved, or a question is answered first
     }
+    if (!noticed_.isEmpty() && noticedOf_ != gui_.StoredNode.get()) {
+        Forget(); // the person has answered what to do about it
+        StoreChanged();
+    }
     if (const auto noticed = rules_.LookForOthersChange(gui_)) {
         shown_ = *noticed == noticed_ ? shown_ : noticed->isEmpty();
         noticed_ = *noticed;
+        noticedOf_ = gui_.StoredNode.get();
         StoreChanged();
     }
     Show();

@@ -38,7 +38,8 @@ class ChangeWatch : public QObject {
     NodeRules& rules_;
     QTimer timer_;
     QString noticed_;
-    bool shown_ = true; // so far as the window was in front
+    const GUI::Stored* noticedOf_ = nullptr; // what the window knew then
+    bool shown_ = true;                      // so far as the window was in front
 };
 
 } // namespace KAL_AUTO_Node

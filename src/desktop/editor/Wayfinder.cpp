@@ -71,7 +71,7 @@ bool Wayfinder::MoveTo(int number) {
         }
     });
     if (IsInformed() && information_->Shown().key != NodeKey{AutoType, gui_.nodeNumber}) {
-        TellAbout({AutoType, gui_.nodeNumber});
+        ShowInformation({AutoType, gui_.nodeNumber});
     }
     return true;
 }
@@ -84,7 +84,7 @@ void Wayfinder::Left(std::int16_t number) {
     way_.push_back(number);
     watch_.Forget();
     if (IsInformed()) {
-        TellAbout({AutoType, gui_.nodeNumber});
+        ShowInformation({AutoType, gui_.nodeNumber});
     }
 }
 
@@ -109,6 +109,13 @@ void Wayfinder::TellAbout(const NodeKey& node) {
         OnKey(*information_, BackKey, [this] { Back(); });
         OnKey(*information_, GoToKey, [this] { GoTo(); });
     }
+    ShowInformation(node);
+    information_->setWindowState(information_->windowState() & ~Qt::WindowMinimized);
+    information_->raise();
+    information_->activateWindow();
+}
+
+void Wayfinder::ShowInformation(const NodeKey& node) {
     information_->Show({PartitionOf(gui_), node});
     Note();
 }

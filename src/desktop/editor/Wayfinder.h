@@ -26,7 +26,7 @@ class Wayfinder : public QObject {
     // Goes on with a node: the window moves to it where it is an AUTO node, else what is known of it is
     // shown.
     void Follow(const NodeKey& target);
-    // Shows what is known of a node until the window moves on.
+    // Shows what is known of a node, in front, until the window moves on.
     void TellAbout(const NodeKey& node);
     // The window has moved on from a node.
     void Left(std::int16_t number);
@@ -42,6 +42,7 @@ class Wayfinder : public QObject {
     bool MoveTo(int number);
     void PutBack(const NodePlace& place, const Version& version,
                  const std::optional<std::vector<QString>>& uses);
+    void ShowInformation(const NodeKey& node);
     // In what the node shown in the editor differs from what is told of it.
     void Note();
 
