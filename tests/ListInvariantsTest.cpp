@@ -32,7 +32,7 @@ class RandomPerson {
         case 2:
             return Key(view, OneOf(std::vector{Qt::Key_Delete, Qt::Key_Return, Qt::Key_F2, Qt::Key_End}), {});
         case 3:
-            return Key(view, OneOf(std::vector{Qt::Key_A, Qt::Key_C, Qt::Key_V, Qt::Key_V}),
+            return Key(view, OneOf(std::vector{Qt::Key_A, Qt::Key_C, Qt::Key_X, Qt::Key_V, Qt::Key_V}),
                        Qt::ControlModifier);
         case 4:
             return Undo(view, Below(3) > 0);
@@ -45,7 +45,10 @@ class RandomPerson {
             if (deed > 5 && !open.empty()) {
                 return UseEditor(OneOf(Strings(open.begin(), open.end())));
             }
-            if (const int rows = Person::Count(view); rows > 0) {
+            if (const int rows = Person::Count(view); rows > 0 && Below(4) == 0) {
+                last_ = view + " dragged";
+                Person::DragRow(view, Below(rows), view, Below(rows));
+            } else if (rows > 0) {
                 last_ = view + " clicked";
                 Person::ClickRow(view, Below(rows),
                                  OneOf(std::vector{Qt::NoModifier, Qt::ControlModifier, Qt::ShiftModifier}),
@@ -158,8 +161,11 @@ TEST(ListInvariants, HoldInAnyOrderOfOperations) {
             const QDeadlineTimer limit(1500);
             for (int deed = 0; deed < 300 && !limit.hasExpired() && !testing::Test::HasFailure(); ++deed) {
                 // Where no window manager brings it back to the front when a message box has closed.
-                Person::Window("GUI")->activateWindow();
-                Person::WaitForFocus();
+                const auto activate = [] {
+                    Person::Window("GUI")->activateWindow();
+                    Person::WaitForFocus();
+                };
+                activate();
                 const auto rows = AllRows();
                 Person::MarkUnchanged();
                 random.Step();
@@ -177,6 +183,7 @@ TEST(ListInvariants, HoldInAnyOrderOfOperations) {
                         << box.text;
                 }
                 if (deed % 100 == 30) {
+                    activate();
                     const auto all = [&](bool undo) {
                         for (int i = 0; i < 100; ++i) {
                             random.Undo("LVActions", undo);
