@@ -33,6 +33,9 @@ class Photographer {
                 Person::Press("cmdApply");
             }
         });
+        // As a person sees them, whoever takes the pictures.
+        store_.Execute("UPDATE Node_AUTO_Version SET UserName = 'anna', HostName = 'desk-2', "
+                       "Program = 'auto-node-edit', BegunAt = '2026-11-2' || VersionNo || 'T09:30:00.000Z'");
         Edit(1, [&] {
             TakeInformation({{Qt::Key_U, "information-uses"}, {Qt::Key_E, "information-entries"}});
         });

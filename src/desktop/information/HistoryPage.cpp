@@ -14,7 +14,7 @@ HistoryPage::HistoryPage()
           {QStringLiteral("Change"), QStringLiteral("When"), QStringLiteral("What"), QStringLiteral("Who")}),
       words_(Named(new QPlainTextEdit(this), "txtInfoChanged")),
       putBack_(
-          Button(this, "cmdInfoPutBack", "Put Back...", "Puts the node back as it was before this change")) {
+          Button(this, "cmdInfoPutBack", "&Put Back...", "Puts the node back as it was before this change")) {
     words_->setReadOnly(true);
     words_->setTabChangesFocus(true);
     auto* caption = Caption(this, "lblInfoChanged", "What this change has changed:", words_);
