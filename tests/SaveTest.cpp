@@ -302,6 +302,13 @@ TEST(Saving, KeepsBothWhereTwoHaveChangedDifferentParts) {
         Person::ClickRow("LVActions", 0);
         Person::Press("cmdActionsRemove");
         repoint("22", "24");
+        for (const char* state : {"failed", "finished"}) {
+            store.Execute(std::string("UPDATE Node_AUTO_Version SET State = '") + state +
+                          "' WHERE PartID = 2 AND NodeNumber = 8");
+            Person::Press("cmdApply");
+            EXPECT_EQ(offers(person.Boxes().at(0)), state == std::string("finished"))
+                << "half a change is none";
+        }
         person.WillAnswer({QMessageBox::Apply});
         Person::Press("cmdOK");
         EXPECT_EQ(person.Boxes().size(), 1U);

@@ -37,7 +37,10 @@ class NodeRules::Person : public SaveAudience {
     SeenNode Stored;
 
     bool GoesOver(const SeenNode& seen, const Obstacle& obstacle) override {
-        Together = MergedWith(seen.content, obstacle.stored.content);
+        // What a save has left half-way is nobody's wish.
+        if (!obstacle.by || !IsUnfinished(*obstacle.by)) {
+            Together = MergedWith(seen.content, obstacle.stored.content);
+        }
         const Over answer = AskToGoOver(name_, seen, obstacle, Together.has_value());
         WantsStored = answer == Over::Load;
         if (answer == Over::Both) {
