@@ -222,7 +222,17 @@ TEST(HostProgram, DrawsTheCallFlowOrOffersItsText) {
     for (const char* hidden : {"Menu template", "unreferenced"}) {
         EXPECT_EQ(Program(0, {"graph", "1", "2"}).output.find(hidden), std::string::npos);
     }
+    const QString page = QString::fromStdString((store.Folder() / "page.html").string());
+    const QString text = QString::fromStdString((store.Folder() / "text").string());
+    ExpectTold(Program(0, {"report", "1", "2", page}).output, "Wrote 17 menus and ");
+    ExpectTold(Program(1, {"report", "9", "9", page}).errors, "has no nodes");
+    Program(0, {"export", "1", "1", text});
+    ExpectTold(Program(1, {"report", "1", "2", page, "--against", text}).errors,
+               "partition 1, not configuration 1");
+    ExpectTold(Program(0, {"report", "1", "1", page, "--against", text}).output, "Wrote 2 menus");
     for (const QStringList& arguments : {QStringList{"graph", "1", "2", "-o", "flow.jpg"},
+                                         {"report", "1", "2", "page.pdf"},
+                                         {"report", "1", "2", page, "--since", "yesterday"},
                                          {"graph", "1", "2", "--depth", "1"},
                                          {"graph", "1", "2", "8", "--sections"},
                                          {"graph", "1", "2", "8", "--depth", "-1"}}) {

@@ -39,6 +39,7 @@ TEST(Interruption, LeavesNothingOfWhatIsHalfMade) {
     for (const auto& [signal, status] : {std::pair("INT", 130), {"TERM", 143}}) {
         for (const auto& [command, file] :
              {std::pair("graph 1 2 -o " + here + "out.svg", programs + "told"),
+              {"report 1 2 " + here + "out.html", programs + "told"},
               {"import " TEST_DATA "/NewDB.mdb --into " + here + "out", here + "out.new"},
               {"export " + here + "out", here + "out.new"}}) {
             std::filesystem::create_directory(here);
