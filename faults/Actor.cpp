@@ -54,8 +54,6 @@ class Window {
             Say(half_ ? "half" : "nothing");
         } else if (verb == "answer") {
             Say(saver_.Versions().PutBackUnfinished(Place, half_.value().number) ? "put back" : "refused");
-        } else if (verb == "repeat") {
-            Say(KeepSaving(words));
         } else if (verb == "arm") {
             std::string fault;
             std::string lasting;
@@ -119,26 +117,6 @@ class Window {
         return obstacle.kind == Obstacle::Changed      ? "told changed"
                : obstacle.kind == Obstacle::BeingSaved ? "told being saved"
                                                        : "told gone";
-    }
-
-    // Loads and saves, over and over; what is told meanwhile is looked at and gone on from.
-    std::string KeepSaving(std::istringstream& words) {
-        int saver = 0;
-        int rows = 0;
-        int left = 0;
-        words >> saver >> rows >> left;
-        int saved = 0;
-        while (left-- > 0) {
-            saver_.PutBack();
-            try {
-                saved += saver_.Save(Intended(saver_.Load(), saver, rows)) ? 0 : 1;
-            } catch (const RuntimeError& error) {
-                if (error.Number() != ErrorNumber::StoreLocked) {
-                    throw;
-                }
-            }
-        }
-        return "saved " + std::to_string(saved);
     }
 
     // A creation that fails ends the others, not the save.

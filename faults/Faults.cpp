@@ -1,8 +1,10 @@
 // What becomes of the node of a store when a save of it is killed, fails, meets another or loses its file.
-// Prints a row for each case, and fails where anything was lost or passed unseen. Faults [brief|long [GROUP]]
+// Prints a row for each case, and fails where anything was lost or passed unseen. Faults [brief|long [GROUP
+// [SEED]]]
 
 #include "Actor.h"
 #include "Cases.h"
+#include "HistoryModel.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -21,8 +23,9 @@ struct Group {
 
 constexpr Group Groups[] = {{"saves", &BreakSaves},         {"put-backs", &BreakPutBacks},
                             {"creations", &BreakCreations}, {"first-saves", &BreakFirstSaves},
-                            {"races", &RaceSaves},          {"long-runs", &KeepSaving},
-                            {"take-overs", &TakeOverSaves}, {"late-answers", &AnswerLate},
+                            {"races", &RaceSaves},          {"take-overs", &TakeOverSaves},
+                            {"late-answers", &AnswerLate},  {"histories", &RecordHistories},
+                            {"planted", &PlantFaults},      {"allocations", &FailAllocations},
                             {"locks", &LockStores},         {"read-only-files", &ProtectFiles}};
 
 int Run(Extent extent, const std::string& group) {
@@ -48,8 +51,11 @@ int Run(Extent extent, const std::string& group) {
 int main(int argc, char** argv) {
     using namespace KAL_AUTO_Node;
     const std::string role = argc > 1 ? argv[1] : "brief";
-    if (argc > 3 || (role != "actor" && role != "brief" && role != "long")) {
-        std::cerr << "Faults [brief|long [GROUP]]\n";
+    if (role == "recorder" && argc == 7) {
+        return Record(argv + 2);
+    }
+    if (argc > 4 || (role != "actor" && role != "brief" && role != "long")) {
+        std::cerr << "Faults [brief|long [GROUP [SEED]]]\n";
         return 2;
     }
     try {
@@ -62,7 +68,8 @@ int main(int argc, char** argv) {
         if (access("/dev/shm", W_OK) == 0) {
             setenv("TMPDIR", "/dev/shm", 0);
         }
-        return Run({role == "long"}, argc > 2 ? argv[2] : "");
+        return Run({role == "long", argc > 3 ? static_cast<unsigned>(std::stoul(argv[3])) : 1},
+                   argc > 2 ? argv[2] : "");
     } catch (const std::exception& error) {
         std::cerr << "Faults: " << error.what() << '\n';
         return 1;

@@ -93,41 +93,6 @@ void RaceSaves(Extent extent, const Tell& tell) {
     }
 }
 
-void KeepSaving(Extent extent, const Tell& tell) {
-    for (const Journal journal : Journals) {
-        Row row(std::string("3 processes that save one node over and over, ") + NameOf(journal));
-        Scene scene(journal);
-        scene.Reset();
-        std::array<Child, 3> windows;
-        const std::string times =
-            ' ' + std::to_string(scene.Rows()) + ' ' + std::to_string(extent.Of(500, 15));
-        for (std::size_t saver = 0; saver < windows.size(); ++saver) {
-            windows.at(saver).Tell("repeat " + std::to_string(saver + 1) + times);
-        }
-        int saved = 0;
-        for (Child& window : windows) {
-            ++row.tries;
-            const std::string answer = window.Hear().value_or("(ended)");
-            if (answer.starts_with("saved ")) {
-                saved += std::stoi(answer.substr(6));
-            } else {
-                row.Wrong(answer);
-            }
-        }
-        Saver last(Place);
-        const NodeContent stored = last.Read();
-        const bool whole = std::ranges::any_of(std::array{1, 2, 3}, [&](int saver) {
-            return stored == IntendedContent(scene.Before(), saver, scene.Rows());
-        });
-        if (!whole || last.Versions().Newest(Place).value().number != saved) {
-            row.Lost("of " + std::to_string(saved) + " saves: " + StatesOf(last.Versions()));
-        }
-        row.whole += whole ? 1 : 0;
-        scene.RequireSound(row);
-        tell(row);
-    }
-}
-
 void AnswerLate(Extent /*extent*/, const Tell& tell) {
     for (const Journal journal : Journals) {
         Row row(std::string("a question whether to put back that is answered after a save, ") +

@@ -1,10 +1,11 @@
 // What becomes of the node of a store when its server is killed in the middle of a save, comes back, or
 // leaves its place to a standby; when the line is cut, at each byte; when the server refuses what it had
 // taken, and when many save at once. Prints a row for each case, and fails where anything was lost or passed
-// unseen. ServerFaults [brief|long]
+// unseen. ServerFaults [brief|long [WORDS OF A CASE [SEED]]]
 
 #include "Actor.h"
 #include "Cases.h"
+#include "HistoryModel.h"
 #include "Report.h"
 #include "Scene.h"
 #include "TestServerProcess.h"
@@ -243,7 +244,8 @@ void SaveAtOnce(Row& row, Site& site, int editors, int saves) {
     }
 }
 
-int Run(bool atLength, const std::string& only) {
+int Run(Extent extent, const std::string& only) {
+    const bool atLength = extent.atLength;
     const TemporaryFolder folder;
     std::filesystem::permissions(folder.Path(), std::filesystem::perms(0755));
     PrintHead(std::cout);
@@ -266,11 +268,18 @@ int Run(bool atLength, const std::string& only) {
         tell("line cut at each byte of a save",
              [&](Row& row) { CutLine(row, site, atLength ? 100'000 : 40); });
         tell("commit refused", [&](Row& row) { RefuseCommits(row, site, atLength ? 20 : 2); });
+        const auto print = [&](const Row& row) {
+            Print(std::cout, row);
+            good &= row.Good();
+        };
+        setenv("KAL_TEST_SERVER", site.server.Folder().c_str(), 1);
         if (std::string_view("races").find(only) != std::string_view::npos) {
-            setenv("KAL_TEST_SERVER", site.server.Folder().c_str(), 1);
-            RaceSaves({atLength}, [&](const Row& row) {
-                Print(std::cout, row);
-                good &= row.Good();
+            RaceSaves(extent, print);
+        }
+        if (std::string_view("histories").find(only) != std::string_view::npos) {
+            RecordHistoriesOnServer(extent, print, [&] {
+                site.server.Do("kill");
+                site.server.Do("again");
             });
         }
         tell("many at once, serializable", [&](Row& row) { SaveAtOnce(row, site, 8, atLength ? 250 : 5); });
@@ -292,13 +301,18 @@ int main(int argc, char** argv) {
     if (extent == "actor") {
         return KAL_AUTO_Node::Act();
     }
-    if (argc > 3 || (extent != "brief" && extent != "long")) {
-        std::cerr << "ServerFaults [brief|long [WORDS OF A CASE]]\n";
+    if (extent == "recorder" && argc == 7) {
+        return KAL_AUTO_Node::Record(argv + 2);
+    }
+    if (argc > 4 || (extent != "brief" && extent != "long")) {
+        std::cerr << "ServerFaults [brief|long [WORDS OF A CASE [SEED]]]\n";
         return 2;
     }
     std::signal(SIGPIPE, SIG_IGN);
     try {
-        return KAL_AUTO_Node::Run(extent == "long", argc > 2 ? argv[2] : "");
+        return KAL_AUTO_Node::Run(
+            {extent == "long", argc > 3 ? static_cast<unsigned>(std::stoul(argv[3])) : 1},
+            argc > 2 ? argv[2] : "");
     } catch (const std::exception& error) {
         std::cerr << "ServerFaults: " << error.what() << '\n';
         return 1;

@@ -33,6 +33,8 @@ class Saver : private SaveAudience {
         return seen_.content.node.value();
     }
 
+    [[nodiscard]] const NodeContent& Seen() const { return seen_.content; }
+
     [[nodiscard]] std::int64_t Version() const { return seen_.version; }
 
     // Puts back what is half saved, wherever that is offered; returns how often that was.
