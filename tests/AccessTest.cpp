@@ -225,9 +225,10 @@ TEST_F(Access, TheWindowsBesideTheEditorAreReadAndUsedByTheirNames) {
         };
         Press(Qt::Key_I, Qt::ControlModifier);
         QWidget* window = Person::Window("frmInformation");
-        ASSERT_TRUE(window != nullptr && QTest::qWaitForWindowActive(window));
+        ASSERT_TRUE(window != nullptr && QTest::qWaitForWindowActive(window, 30'000));
         const std::string tabs = "page Used By (3), page History (0), page Entries (9), page Findings (0), ";
-        EXPECT_TRUE(QTest::qWaitFor([&] { return walked(*window).ends_with(tabs); })) << walked(*window);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return walked(*window).ends_with(tabs); }, 30'000))
+            << walked(*window);
         for (const auto& [key, page] :
              {std::pair{Qt::Key_U, "table Used By, "},
               {Qt::Key_H, "table History, text What this change has changed, button Put Back..., "},

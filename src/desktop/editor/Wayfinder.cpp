@@ -2,6 +2,7 @@
 
 #include "controls/Visibility.h"
 #include "editor/Handler.h"
+#include "feedback/ErrorReport.h"
 #include "feedback/MessageBox.h"
 #include "form/Shortcuts.h"
 #include "information/GoToDialog.h"
@@ -32,18 +33,20 @@ void Wayfinder::GoTo() {
     if (gui_.IsActing()) {
         return;
     }
-    StoreReader reader(rules_->File());
-    // A host may take the window away meanwhile, and the dialog with it.
-    const QPointer<GoToDialog> dialog = new GoToDialog(&gui_, reader, PartitionOf(gui_));
-    const bool chose = dialog->exec() == QDialog::Accepted;
-    if (dialog == nullptr) {
-        return;
-    }
-    const auto target = dialog->Chosen();
-    delete dialog;
-    if (chose && target) {
-        Follow(*target);
-    }
+    Reporting("GoTo", [this] {
+        StoreReader reader(rules_->File());
+        // A host may take the window away meanwhile, and the dialog with it.
+        const QPointer<GoToDialog> dialog = new GoToDialog(&gui_, reader, PartitionOf(gui_));
+        const bool chose = dialog->exec() == QDialog::Accepted;
+        if (dialog == nullptr) {
+            return;
+        }
+        const auto target = dialog->Chosen();
+        delete dialog;
+        if (chose && target) {
+            Follow(*target);
+        }
+    });
 }
 
 void Wayfinder::Follow(const NodeKey& target) {
@@ -101,18 +104,20 @@ void Wayfinder::Back() {
 }
 
 void Wayfinder::TellAbout(const NodeKey& node) {
-    if (!information_) {
-        reader_ = std::make_unique<StoreReader>(rules_->File());
-        information_ = std::make_unique<InformationWindow>(&gui_, *reader_);
-        information_->Go = [this](const NodeKey& key) { Follow(key); };
-        information_->PutBack = [this](const auto&... what) { PutBack(what...); };
-        OnKey(*information_, BackKey, [this] { Back(); });
-        OnKey(*information_, GoToKey, [this] { GoTo(); });
-    }
-    ShowInformation(node);
-    information_->setWindowState(information_->windowState() & ~Qt::WindowMinimized);
-    information_->raise();
-    information_->activateWindow();
+    Reporting("TellAbout", [&] {
+        if (!information_) {
+            reader_ = std::make_unique<StoreReader>(rules_->File());
+            information_ = std::make_unique<InformationWindow>(&gui_, *reader_);
+            information_->Go = [this](const NodeKey& key) { Follow(key); };
+            information_->PutBack = [this](const auto&... what) { PutBack(what...); };
+            OnKey(*information_, BackKey, [this] { Back(); });
+            OnKey(*information_, GoToKey, [this] { GoTo(); });
+        }
+        ShowInformation(node);
+        information_->setWindowState(information_->windowState() & ~Qt::WindowMinimized);
+        information_->raise();
+        information_->activateWindow();
+    });
 }
 
 void Wayfinder::ShowInformation(const NodeKey& node) {
