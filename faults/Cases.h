@@ -30,8 +30,8 @@ Case TakeOverSaves;
 
 // Processes that do with some nodes whatever can be done, of which some order has to explain what each saw;
 // what breaks the store in the meantime is called now and then.
-Case RecordHistories;
-void RecordHistoriesOnServer(Extent extent, const Tell& tell, const std::function<void()>& breakDown);
+Case RecordInFiles;
+void RecordOnServer(Extent extent, const Tell& tell, const std::function<void()>& breakDown);
 // What is wrong is found.
 Case PlantFaults;
 

@@ -1,6 +1,5 @@
 // What becomes of the node of a store when a save of it is killed, fails, meets another or loses its file.
-// Prints a row for each case, and fails where anything was lost or passed unseen. Faults [brief|long [GROUP
-// [SEED]]]
+// Prints a row a case, and fails where anything was lost or passed unseen. Faults [brief|long [GROUP [SEED]]]
 
 #include "Actor.h"
 #include "Cases.h"
@@ -24,9 +23,9 @@ struct Group {
 constexpr Group Groups[] = {{"saves", &BreakSaves},         {"put-backs", &BreakPutBacks},
                             {"creations", &BreakCreations}, {"first-saves", &BreakFirstSaves},
                             {"races", &RaceSaves},          {"take-overs", &TakeOverSaves},
-                            {"late-answers", &AnswerLate},  {"histories", &RecordHistories},
-                            {"planted", &PlantFaults},      {"allocations", &FailAllocations},
-                            {"locks", &LockStores},         {"read-only-files", &ProtectFiles}};
+                            {"locks", &LockStores},         {"late-answers", &AnswerLate},
+                            {"histories", &RecordInFiles},  {"allocations", &FailAllocations},
+                            {"planted", &PlantFaults},      {"read-only-files", &ProtectFiles}};
 
 int Run(Extent extent, const std::string& group) {
     std::cout << "stores in " << std::filesystem::temp_directory_path().string() << '\n';

@@ -19,21 +19,18 @@ namespace {
 
 constexpr int Actors = 4;
 constexpr int RoundOperations = 240;
-constexpr int TextsOfActor = 200; // more than it uses
 
 // A store in which history after history is recorded, each beginning with what the one before has left.
 class Site {
   public:
-    Site(Extent extent, const char* kind) : kind_(kind), seed_(extent.seed) {
-        TakeOver(Start(0, 0, "begin"), false);
-        begin_ = {history_.operations.back().next, "-", "-"};
-    }
+    Site(Extent extent, const char* kind) : kind_(kind), seed_(extent.seed) { Begin(); }
 
     void Execute(const std::string& sql) const { store_.Execute(sql); }
 
-    int Killed = 0;
-
     RecordedHistory Record(bool kills, const std::function<void()>& breakDown) {
+        if (begin_ == std::vector<std::string>(NodesInHistory, "-")) {
+            Begin();
+        }
         history_ = {begin_, {}, !TestStore::OnServer()};
         std::mt19937 random(++seed_);
         std::vector<Process> processes;
@@ -56,7 +53,6 @@ class Site {
                     processes[i].id = 0;
                     ++over;
                 }
-                Killed += left > 0 ? 1 : 0;
                 if (left > 0) {
                     processes.push_back(Start(left, static_cast<int>(processes.size()), kind_));
                 }
@@ -77,6 +73,11 @@ class Site {
         int count = 0;
     };
 
+    void Begin() {
+        TakeOver(Start(0, 0, "begin"), false);
+        begin_ = {history_.operations.back().next, "-", "-"};
+    }
+
     [[nodiscard]] std::string FileOf(int actor) const {
         return store_.Folder() / ("record" + std::to_string(actor));
     }
@@ -84,7 +85,7 @@ class Site {
     Process Start(int count, int actor, const char* kind) {
         const std::string self = std::filesystem::read_symlink("/proc/self/exe");
         const std::string seed = std::to_string(seed_ * 1000 + static_cast<unsigned>(actor));
-        const std::string text = std::to_string(texts_ += TextsOfActor);
+        const std::string text = std::to_string(texts_ += 200);
         const std::string file = FileOf(actor);
         std::filesystem::remove(file);
         const pid_t id = fork();
@@ -155,19 +156,20 @@ void Print(RecordedHistory history) {
 
 void Count(Row& row, const RecordedHistory& history) {
     for (const Operation& operation : history.operations) {
-        const std::string answer = operation.answer.value_or("?");
         ++row.tries;
-        row.whole += operation.verb == "save" && answer == "done" ? 1 : 0;
-        row.putBack += operation.verb == "back" && answer == "1" ? 1 : 0;
-        row.told +=
-            answer == "changed" || answer == "hindered" || answer == "busy" || answer == "failed" ? 1 : 0;
+        row.whole += operation.verb == "save" && operation.answer == "done" ? 1 : 0;
+        row.putBack += operation.verb == "back" && operation.answer == "1" ? 1 : 0;
+        row.told += operation.answer == "changed" || operation.answer == "hindered" ? 1 : 0;
     }
 }
 
-void RecordAll(Row& row, Site& site, Extent extent, const std::function<void()>& breakDown,
-               const Tell& tell) {
-    const int most = extent.Of(100'000, RoundOperations);
-    while (row.tries < most && row.wrong == 0) {
+void RecordAll(const char* where, Extent extent, const Tell& tell, const std::function<void()>& breakDown) {
+    Row row(std::string("recorded histories of 4 processes, ") + where);
+    Site site(extent, "work");
+    if (!TestStore::OnServer()) {
+        site.Execute(std::string("PRAGMA journal_mode = ") + where);
+    }
+    while (row.tries < extent.Of(100'000, RoundOperations) && row.wrong == 0) {
         const RecordedHistory history = site.Record(true, breakDown);
         Count(row, history);
         if (!IsExplained(history)) {
@@ -175,25 +177,19 @@ void RecordAll(Row& row, Site& site, Extent extent, const std::function<void()>&
             Print(Smallest(history));
         }
     }
-    row.remarks = std::to_string(site.Killed) + " processes killed";
     tell(row);
 }
 
 } // namespace
 
-void RecordHistories(Extent extent, const Tell& tell) {
+void RecordInFiles(Extent extent, const Tell& tell) {
     for (const char* journal : {"WAL", "DELETE"}) {
-        Row row(std::string("recorded histories of 4 processes, ") + journal);
-        Site site(extent, "work");
-        site.Execute(std::string("PRAGMA journal_mode = ") + journal);
-        RecordAll(row, site, extent, {}, tell);
+        RecordAll(journal, extent, tell, {});
     }
 }
 
-void RecordHistoriesOnServer(Extent extent, const Tell& tell, const std::function<void()>& breakDown) {
-    Row row("recorded histories of 4 processes, server killed");
-    Site site(extent, "work");
-    RecordAll(row, site, extent, breakDown, tell);
+void RecordOnServer(Extent extent, const Tell& tell, const std::function<void()>& breakDown) {
+    RecordAll("server killed", extent, tell, breakDown);
 }
 
 void PlantFaults(Extent extent, const Tell& tell) {

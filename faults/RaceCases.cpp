@@ -3,7 +3,6 @@
 #include "Scene.h"
 
 #include <algorithm>
-#include <chrono>
 #include <deque>
 
 namespace KAL_AUTO_Node {
@@ -55,13 +54,6 @@ void Race(Row& row, Scene& scene, int savers, Child::World world) {
     }
 }
 
-std::string Seconds(std::chrono::steady_clock::time_point since) {
-    return std::to_string(
-               std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - since)
-                   .count()) +
-           " s";
-}
-
 } // namespace
 
 void RaceSaves(Extent extent, const Tell& tell) {
@@ -82,12 +74,10 @@ void RaceSaves(Extent extent, const Tell& tell) {
               Kind{" by two machines of one name", 2, Child::World::OwnMachine, 100, 3}}) {
             Row row(std::to_string(savers) + " simultaneous saves of 100 rows" + who + ", " +
                     NameOf(journal));
-            const auto start = std::chrono::steady_clock::now();
             Scene scene(journal, ManyRows);
             for (int count = extent.Of(atLength, brief); count > 0 && !row.skipped; --count) {
                 Race(row, scene, savers, world);
             }
-            row.remarks += Seconds(start);
             tell(row);
         }
     }

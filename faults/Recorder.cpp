@@ -20,7 +20,6 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-// With little else in it.
 constexpr Partition Where{1, 1};
 constexpr int FirstNode = 3;
 constexpr int Rows = 3;
@@ -70,16 +69,13 @@ class Recorder {
         if (kind_ == "begin") {
             return Prepare();
         }
-        for (int node = 0; kind_ == "end" && node < NodesInHistory; ++node) {
-            PutBack(node);
-            Load(node);
-            Log(node);
-        }
         while (kind_ != "end" && left_ > 0) {
             Work(Random(NodesInHistory));
         }
-        if (kind_ == "end") {
-            dataBase_.Prepare("DELETE FROM Node_AUTO_Version")->Run({});
+        for (int node = 0; kind_ == "end" && node < NodesInHistory; ++node) {
+            PutBack(node);
+            Load(node);
+            LogAndDrop(node);
         }
     }
 
@@ -102,7 +98,7 @@ class Recorder {
         default:
             PutBack(node);
             Load(node);
-            if (IsWhole(loaded_.at(static_cast<std::size_t>(node)))) {
+            if (loaded_.at(static_cast<std::size_t>(node)).ends_with(',')) {
                 Save(node);
             }
         }
@@ -187,14 +183,12 @@ class Recorder {
         std::string before;
         try {
             newest = history_.Newest(PlaceOf(node));
-            before = newest ? TextOf(history_.Before(PlaceOf(node), newest->number)) : "";
+            before = TextOf(history_.Before(PlaceOf(node), newest ? newest->number : 0));
         } catch (const RuntimeError&) {
-            newest.reset(); // it has gone meanwhile, or nothing can be read
+            return; // there is none, or it has gone meanwhile, or nothing can be read
         }
-        if (newest) {
-            Do({0, "restore", node, 0, {}, before},
-               [&] { return TextOf(history_.PutBack(PlaceOf(node), newest->number, "restore")); });
-        }
+        Do({0, "restore", node, 0, {}, before},
+           [&] { return TextOf(history_.PutBack(PlaceOf(node), newest->number, "restore")); });
     }
 
     void CopyOrRemove(int node, bool copies) {
@@ -239,7 +233,6 @@ class Recorder {
             })) {
             return;
         }
-        // A copy has the same texts.
         const std::string from = whole->substr(0, whole->find('/'));
         const std::string to = std::to_string(text_++);
         std::ostringstream text;
@@ -258,7 +251,7 @@ class Recorder {
         });
     }
 
-    void Log(int node) {
+    void LogAndDrop(int node) {
         Do({0, "log", node}, [&] {
             std::string log;
             for (const Version& version : history_.Versions(PlaceOf(node))) {
@@ -270,6 +263,9 @@ class Recorder {
             std::ranges::replace(log, ' ', '_');
             return log;
         });
+        dataBase_
+            .Prepare("DELETE FROM Node_AUTO_Version WHERE NodeNumber = " + std::to_string(FirstNode + node))
+            ->Run({});
     }
 
     // The targets, and the first of the nodes; a first state that nobody saved is none to be restored.

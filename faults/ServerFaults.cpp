@@ -250,14 +250,19 @@ int Run(Extent extent, const std::string& only) {
     std::filesystem::permissions(folder.Path(), std::filesystem::perms(0755));
     PrintHead(std::cout);
     bool good = true;
-    const auto tell = [&](const char* name, const std::function<void(Row&)>& what) {
-        if (std::string_view(name).find(only) == std::string_view::npos) {
-            return;
-        }
-        Row row(name);
-        what(row);
+    const auto print = [&](const Row& row) {
         Print(std::cout, row);
         good &= row.Good();
+    };
+    const auto isWanted = [&](const char* name) {
+        return std::string_view(name).find(only) != std::string_view::npos;
+    };
+    const auto tell = [&](const char* name, const std::function<void(Row&)>& what) {
+        if (isWanted(name)) {
+            Row row(name);
+            what(row);
+            print(row);
+        }
     };
     {
         Site site(folder.Path(), false);
@@ -268,16 +273,12 @@ int Run(Extent extent, const std::string& only) {
         tell("line cut at each byte of a save",
              [&](Row& row) { CutLine(row, site, atLength ? 100'000 : 40); });
         tell("commit refused", [&](Row& row) { RefuseCommits(row, site, atLength ? 20 : 2); });
-        const auto print = [&](const Row& row) {
-            Print(std::cout, row);
-            good &= row.Good();
-        };
         setenv("KAL_TEST_SERVER", site.server.Folder().c_str(), 1);
-        if (std::string_view("races").find(only) != std::string_view::npos) {
+        if (isWanted("races")) {
             RaceSaves(extent, print);
         }
-        if (std::string_view("histories").find(only) != std::string_view::npos) {
-            RecordHistoriesOnServer(extent, print, [&] {
+        if (isWanted("histories")) {
+            RecordOnServer(extent, print, [&] {
                 site.server.Do("kill");
                 site.server.Do("again");
             });
