@@ -3,18 +3,19 @@
 #include "platform/ChildProcess.h"
 #include "testing/TestStore.h"
 
+#include <algorithm>
 #include <array>
-#include <fcntl.h>
 #include <nlohmann/json.hpp>
 #include <poll.h>
 #include <stdexcept>
 #include <string>
+#include <sys/socket.h>
 #include <unistd.h>
 #include <vector>
 
 namespace KAL_AUTO_Node {
 
-// A browser without a window, new and empty, that a test speaks to through pipes.
+// A browser without a window, new and empty, that a test speaks to.
 class Browser {
   public:
     using Json = nlohmann::json;
@@ -37,7 +38,7 @@ class Browser {
             message["sessionId"] = page_;
         }
         const std::string text = message.dump() + '\0';
-        if (write(to_[1], text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
+        if (write(ends_.both[0], text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
             throw std::runtime_error("the browser takes nothing");
         }
         for (;;) {
@@ -94,24 +95,20 @@ class Browser {
     }
 
   private:
-    struct Pipe {
-        Pipe() {
-            if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-                throw std::runtime_error("no pipe");
+    // Ours and the browser's, which it reads and writes.
+    struct Ends {
+        Ends() {
+            if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, both.data()) != 0) {
+                throw std::runtime_error("no way to the browser");
             }
         }
 
-        ~Pipe() {
-            close(ends[0]);
-            close(ends[1]);
-        }
+        ~Ends() { std::ranges::for_each(both, close); }
 
-        Pipe(const Pipe&) = delete;
-        Pipe& operator=(const Pipe&) = delete;
+        Ends(const Ends&) = delete;
+        Ends& operator=(const Ends&) = delete;
 
-        int operator[](std::size_t end) const { return ends.at(end); }
-
-        std::array<int, 2> ends{};
+        std::array<int, 2> both{};
     };
 
     [[nodiscard]] std::string Command() const {
@@ -126,9 +123,9 @@ class Browser {
         std::size_t end = 0;
         while ((end = received_.find('\0')) == std::string::npos) {
             std::array<char, 65536> part{};
-            pollfd answer{from_[0], POLLIN, 0};
+            pollfd answer{ends_.both[0], POLLIN, 0};
             const ssize_t length =
-                poll(&answer, 1, 60'000) == 1 ? read(from_[0], part.data(), part.size()) : 0;
+                poll(&answer, 1, 60'000) == 1 ? read(ends_.both[0], part.data(), part.size()) : 0;
             if (length <= 0) {
                 throw std::runtime_error(
                     "the browser says nothing; scripts/dependencies browser installs it");
@@ -141,9 +138,8 @@ class Browser {
     }
 
     TemporaryFolder folder_;
-    Pipe to_;
-    Pipe from_;
-    ChildProcess process_{{"sh", {"-c", Command()}, {to_[0], from_[1], -1}, {}}};
+    Ends ends_;
+    ChildProcess process_{{"sh", {"-c", Command()}, {ends_.both[1], ends_.both[1], -1}, {}}};
     std::string page_;
     std::string received_;
     std::vector<Json> events_;

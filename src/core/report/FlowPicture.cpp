@@ -32,7 +32,7 @@ constexpr std::string_view Dropped[] = {
     " xmlns:xlink=",
 };
 
-constexpr std::string_view Link = " xlink:"; // the page's own language has it without
+constexpr std::string_view LinkPrefix = " xlink:"; // the page's own language has it without
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -59,9 +59,9 @@ std::string TagOfPage(std::string_view tag) {
         const std::string_view attribute = tag.substr(0, end == 0 ? tag.size() : end);
         if (std::ranges::none_of(Dropped,
                                  [&](std::string_view drop) { return attribute.starts_with(drop); })) {
-            const bool isLink = attribute.starts_with(Link);
+            const bool isLink = attribute.starts_with(LinkPrefix);
             part += isLink ? " " : "";
-            AppendWhole(isLink ? attribute.substr(Link.size()) : attribute, part);
+            AppendWhole(isLink ? attribute.substr(LinkPrefix.size()) : attribute, part);
         }
         tag.remove_prefix(attribute.size());
     }
@@ -142,20 +142,24 @@ class Pictures {
         for (const auto& [first, nodes] : sections) {
             const std::string number = std::to_string(++count);
             const std::string name = "Section " + number;
-            append_("<h3 id=\"section_" + number + "\">" + name + ": " +
-                    nodes_.Named(NodeKey{AutoType, first}) + " <small>" + Counted(nodes.size(), "menu") +
-                    "</small></h3>\n");
+            WriteSectionHead(number, name, first, nodes.size());
             progress_([&] { return "Drawing section " + number + " of " + std::to_string(sections.size()); });
             if (drawn) {
                 Draw(DotText(data_.flow, nodes, false, place_), name);
             } else {
                 std::vector<std::string> names;
+                names.reserve(nodes.size());
                 for (const int menu : nodes) {
                     names.push_back(nodes_.Named(NodeKey{AutoType, menu}));
                 }
                 append_("<p>" + Joined(names, names.size()) + "</p>\n");
             }
         }
+    }
+
+    void WriteSectionHead(const std::string& number, const std::string& name, int first, std::size_t menus) {
+        append_("<h3 id=\"section_" + number + "\">" + name + ": " + nodes_.Named(NodeKey{AutoType, first}) +
+                " <small>" + Counted(menus, "menu") + "</small></h3>\n");
     }
 
     void Draw(const std::string& graph, const std::string& name) {

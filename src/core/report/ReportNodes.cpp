@@ -88,7 +88,7 @@ std::string ReportNodes::Link(const NodeKey& node, const std::string& text) cons
 }
 
 std::string ReportNodes::Told(const NodeKey& node, const std::string& name, bool isNode) const {
-    const std::string text = Escaped(Shortened(name, LabelLimit));
+    std::string text = Escaped(Shortened(name, LabelLimit));
     if (!isNode) {
         return text;
     }

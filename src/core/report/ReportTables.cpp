@@ -114,9 +114,10 @@ void WriteOthers(const ReportData& data, const ReportNodes& nodes, const ReportS
             continue;
         }
         any = true;
+        const int type = typeID;
         append("<h3>" + Escaped(Visible(data.names.Name(typeID))) + "</h3>\n");
         WriteTables(numbers, {"Node", "label", "refers to", "used by"}, append, [&](int number) {
-            const NodeKey node{typeID, number};
+            const NodeKey node{type, number};
             return RowHead(data, nodes, node) + "<td>" + ReferencesOf(data, nodes, node) + "</td><td>" +
                    nodes.UsedFrom(node) + "</td></tr>\n";
         });
