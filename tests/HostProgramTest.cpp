@@ -98,6 +98,7 @@ TEST(HostProgram, ListsAndShowsWhatAPersonWouldAskFor) {
     const std::string node = Program(0, {"show", "1", "2", "9"}).output;
     ExpectTold(node, "AUTO 9  Esc \\x1b[31m, turn \\u202e, two\\x0alines\n");
     ExpectTold(node, "  retry limit         9 (shown as 0)\n");
+    ExpectTold(node, "\nActions\n  1-1  MSG 27  How to descale a machine\n");
     ExpectTold(node, "Exceptions\n  Timeout  ");
     ExpectTold(Program(0, {"show", "1", "2", "9", "--json"}).output,
                R"("label": "Esc \u001b[31m, turn \u202e, two\nlines",)");
@@ -334,6 +335,7 @@ TEST(HostProgram, TellsWhatUsesANodeAndLetsAnotherTakeItsPlace) {
         return Program(status, QStringList{"repoint", "1", "2", "MSG", "44", "MSG", "43"} + more);
     };
     const std::string change = "AUTO 12  action 5  M_OFF 44 → M_OFF 43\n";
+    repoint(2, {"--dry-run", "--plan", "no.json"});
     ExpectTold(repoint(0, {"--dry-run"}).output, change + "Would change 4 references in 1 node\n");
     const QString file = QString::fromStdString((store.Folder() / "out.json").string());
     {

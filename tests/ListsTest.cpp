@@ -361,6 +361,7 @@ TEST_F(Lists, HaveAMenuOfWhatCanBeDone) {
         EXPECT_EQ(choose("LVActions", "Undo"),
                   "Add Insert Remove Edit Up Down Quick Undo Cut Copy Paste Information on MSG 1 Find ");
         EXPECT_EQ(Person::Count("LVActions"), 9);
+        EXPECT_EQ(Person::Window("GUI")->focusWidget(), Person::List("LVActions"));
         EXPECT_EQ(choose("LVActions", "Edit"),
                   "Add Insert Remove Edit Up Down Quick Redo Cut Copy Paste Information on XFER 1 Find ");
         EXPECT_EQ(choose("LVActions", "Edit Off"), "Edit Off Undo Copy Information on XFER 1 Find ");
