@@ -258,6 +258,11 @@ class Search {
                 after.begun[actor] = false;
                 after.state = reached.state;
                 Add(after);
+                NodeState& node = after.state[static_cast<std::size_t>(operation.node)];
+                if (ends && node.saver == static_cast<int>(index)) {
+                    node.next.clear(); // it had begun, and written nothing yet
+                    Add(after);
+                }
             }
         }
         return next.empty();
