@@ -84,6 +84,11 @@ void History::MakeWhole(const NodePlace& place) {
 }
 
 void History::FinishCreations(const NodePlace& place, std::int64_t version) {
+    if (dataBase_.IsRemote()) {
+        return; // nothing is half made there, and a line that is lost by now would seem to have kept it from
+                // being put back
+    }
+
     struct Begun {
         NodeKey node;
         std::string date;
