@@ -9,7 +9,7 @@
 namespace KAL_AUTO_Node {
 
 Desk::Desk(Place place, ComponentFactory components)
-    : components_(std::move(components)), window_(components_), rules_(components_) {
+    : components_(std::move(components)), rules_(components_), window_(components_, rules_) {
     window_.Form_Load();
     GUI& gui = Form();
     gui.CreateNodeLists();

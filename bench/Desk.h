@@ -24,8 +24,8 @@ class Desk {
 
   private:
     ComponentFactory components_;
-    EditorWindow window_;
     NodeRules rules_;
+    EditorWindow window_;
     DataBase dataBase_; // of the check; opened with the first
     History history_{dataBase_};
 };
