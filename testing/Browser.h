@@ -24,6 +24,9 @@ class Browser {
         for (const char* domain : {"Page", "Runtime", "Log", "Network"}) {
             Do(domain + std::string(".enable"));
         }
+        // A window that has just been made may not have one yet.
+        Do("Emulation.setDeviceMetricsOverride",
+           {{"width", 1200}, {"height", 900}, {"deviceScaleFactor", 1}, {"mobile", false}});
     }
 
     // What a method of the browser's protocol answers.
