@@ -81,7 +81,7 @@ std::vector<int> Flow::Entries() const {
                          [this](int number) { return nodes_.contains(number); });
     std::erase(entries, TemplateNumber);
     std::ranges::sort(entries);
-    entries.erase(std::ranges::unique(entries).begin(), entries.end());
+    entries.erase(std::unique(entries.begin(), entries.end()), entries.end());
     return entries;
 }
 

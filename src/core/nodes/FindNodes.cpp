@@ -47,16 +47,11 @@ NodeWords::NodeWords(const std::string& text) {
 }
 
 bool NodeWords::Fit(const std::string& label, const std::string& type, int number, bool typing) const {
-    for (const auto& [word, digits] : words_) {
-        if (label.find(word) != std::string::npos || word == type) {
-            continue;
-        }
-        const std::string own = digits ? std::to_string(number) : std::string();
-        if (!digits || own.compare(0, typing ? word.size() : std::string::npos, word) != 0) {
-            return false;
-        }
-    }
-    return true;
+    return std::ranges::all_of(words_, [&](const Word& word) {
+        return label.find(word.text) != std::string::npos || word.text == type ||
+               (word.digits && std::to_string(number).compare(
+                                   0, typing ? word.text.size() : std::string::npos, word.text) == 0);
+    });
 }
 
 bool NodeWords::Name(int number) const {
