@@ -159,6 +159,7 @@ class Recorder {
         Do({0, "save", node, 0, seen, Whole(text, target)}, [&]() -> std::string {
             AutoNode intended = Of(node).Seen().node.value();
             intended.label = text;
+            intended.prompts.clear(); // of which a content here tells nothing
             intended.actions.clear();
             for (int row = 1; row <= Rows; ++row) {
                 intended.actions.push_back({row, {0, "MSG", target, {}}, text, text});
