@@ -62,8 +62,9 @@ std::int64_t Now() { return std::chrono::steady_clock::now().time_since_epoch().
 class Recorder {
   public:
     explicit Recorder(const char* const* arguments)
-        : file_(arguments[0], std::ios::app), random_(static_cast<unsigned>(std::stoul(arguments[1]))),
-          text_(std::stoi(arguments[2])), left_(std::stoi(arguments[3])), kind_(arguments[4]) {}
+        : name_(arguments[0]), file_(name_, std::ios::app),
+          random_(static_cast<unsigned>(std::stoul(arguments[1]))), text_(std::stoi(arguments[2])),
+          left_(std::stoi(arguments[3])), kind_(arguments[4]) {}
 
     void Run() {
         if (kind_ == "begin") {
@@ -216,8 +217,7 @@ class Recorder {
     }
 
     void CarryOutAndBack(bool back) {
-        const TemporaryFolder folder;
-        const auto file = folder.Path() / "text";
+        const std::string file = name_ + ".text"; // which goes with the store where this is killed
         std::vector<std::string> contents;
         Do({0, "export"}, [&] {
             std::string all;
@@ -290,6 +290,7 @@ class Recorder {
 
     Saver& Of(int node) { return savers_.at(static_cast<std::size_t>(node)); }
 
+    std::string name_;
     std::ofstream file_;
     std::mt19937 random_;
     int text_;
