@@ -138,7 +138,7 @@ class Window {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 
-    Saver saver_{Place};
+    Saver saver_{Place, {.lock = std::chrono::milliseconds(600), .save = std::chrono::milliseconds(300)}};
     AutoNode loaded_;
     std::optional<ResultSet> read_;
     std::optional<Version> half_;

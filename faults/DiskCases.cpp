@@ -35,7 +35,7 @@ void LockStores(Extent extent, const Tell& tell) {
     constexpr int forEver = 600'000; // until its owner is killed
     for (const Journal journal : Journals) {
         for (const auto& [name, milliseconds, hold, brief] :
-             {Kind{"a lock shorter than the wait, before a save", 300, "", true},
+             {Kind{"a lock shorter than the wait, before a save", 100, "", true},
               Kind{"a lock longer than the wait, before a save", forEver, "", false},
               Kind{"a lock longer than the wait, before the rows are written", forEver, " hold", true}}) {
             if (!extent.atLength && !(brief && journal == Journal::WriteAhead)) {

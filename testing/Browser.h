@@ -115,7 +115,8 @@ class Browser {
     };
 
     [[nodiscard]] std::string Command() const {
-        return "exec chromium --headless --remote-debugging-pipe --user-data-dir='" +
+        return "TMPDIR='" + folder_.Path().string() +
+               "' exec chromium --headless --remote-debugging-pipe --user-data-dir='" +
                folder_.Path().string() +
                "' --disable-background-networking --disable-component-update --disable-sync --disable-gpu "
                "--no-first-run " +

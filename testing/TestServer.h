@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdlib>
+#include <functional>
 #include <libpq-fe.h>
 #include <memory>
 #include <stdexcept>
@@ -22,10 +23,19 @@ class TestDatabase {
         return "postgresql://" + user + "@/" + database + "?host=" + std::getenv("KAL_TEST_SERVER");
     }
 
-    TestDatabase() {
-        static int count = 0;
-        name_ = "store_" + std::to_string(getpid()) + '_' + std::to_string(++count);
-        Run(AddressOf("postgres"), "CREATE DATABASE " + name_);
+    // Empty.
+    TestDatabase() { Run(AddressOf("postgres"), "CREATE DATABASE " + name_ + Likeness + "template0"); }
+
+    // Like one of another name, which is made once.
+    TestDatabase(const std::string& other, const std::function<void(const std::string&)>& make) {
+        const Connection server = Connected(AddressOf("postgres"));
+        static_cast<void>(Rows(*server, "SELECT pg_advisory_lock(1)"));
+        if (Rows(*server, "SELECT FROM pg_database WHERE datname = '" + other + '\'').empty()) {
+            static_cast<void>(Rows(*server, "CREATE DATABASE " + name_));
+            make(Address());
+            static_cast<void>(Rows(*server, "ALTER DATABASE " + name_ + " RENAME TO " + other));
+        }
+        static_cast<void>(Rows(*server, "CREATE DATABASE " + name_ + Likeness + other));
     }
 
     ~TestDatabase() {
@@ -86,7 +96,11 @@ class TestDatabase {
         return rows;
     }
 
-    std::string name_;
+    // Files are copied, with what the server keeps there to begin soon.
+    static constexpr const char* Likeness = " STRATEGY file_copy TEMPLATE ";
+    inline static int count_ = 0;
+
+    std::string name_ = "store_" + std::to_string(getpid()) + '_' + std::to_string(++count_);
     Connection connection_{nullptr, &PQfinish};
 };
 

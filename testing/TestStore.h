@@ -14,6 +14,12 @@
 
 namespace KAL_AUTO_Node {
 
+// How often what is done at random is done: $KAL_TEST_ROUNDS, or often enough for each run of all tests.
+inline int Rounds(int otherwise) {
+    const char* const given = std::getenv("KAL_TEST_ROUNDS");
+    return given != nullptr ? std::atoi(given) : otherwise;
+}
+
 // An environment variable that gets back what it held.
 class EnvironmentVariable {
   public:
@@ -75,7 +81,10 @@ class TestStore {
     explicit TestStore(StoreContent content = StoreContent::Demo) {
         programData_.Set(Folder().string());
         if (TestDatabase::HasServer()) {
-            CreateServerStore(File(), server_.emplace().Address(), content);
+            server_.emplace(
+                content == StoreContent::Demo ? "demo" : "empty",
+                [&](const std::string& address) { CreateServerStore(Folder() / "made", address, content); });
+            CreateServerStore(File(), server_->Address(), StoreContent::Empty);
         } else {
             CreateStore(File(), content);
         }

@@ -126,14 +126,19 @@ std::vector<std::string> Found(DataBase& dataBase, std::int16_t partition) {
 
 TEST(Check, FindsEveryFaultAndNothingInASoundPartition) {
     std::set<std::string> codes;
+    const TestStore store(StoreContent::Empty);
+    std::string anew;
+    for (const std::string& table : store.Tables()) {
+        anew += "DELETE FROM " + table + ';';
+    }
+    anew += Sound;
+    store.Execute(anew);
+    DataBase dataBase;
+    EXPECT_EQ(Found(dataBase, 1), std::vector<std::string>());
+    EXPECT_EQ(Found(dataBase, 2), std::vector<std::string>());
     for (const auto& [sql, found] : Cases) {
         SCOPED_TRACE(sql);
-        const TestStore store(StoreContent::Empty);
-        store.Execute(Sound);
-        DataBase dataBase;
-        EXPECT_EQ(Found(dataBase, 1), std::vector<std::string>());
-        EXPECT_EQ(Found(dataBase, 2), std::vector<std::string>());
-        store.Execute(sql);
+        store.Execute(anew + sql);
         EXPECT_EQ(Found(dataBase, 2), found);
         for (const std::string& key : found) {
             codes.insert(key.substr(0, key.find(' ')));
@@ -256,7 +261,7 @@ TEST(References, AreRepointedAllOrNone) {
         other.emplace(store.File().string(), SQLite::OPEN_READWRITE)
             .exec("BEGIN IMMEDIATE; INSERT INTO Detail_AUTO_Prompts VALUES (1, 2, 99, 0, 249, 2, 'MSG')");
         commits = std::jthread([&] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
             other->exec("COMMIT");
         });
     }

@@ -312,7 +312,7 @@ TEST(JetImport, RefusesADamagedFileAndLeavesNothing) {
               std::string::npos);
 
     // The library that reads such files fails on damaged ones, in whatever way.
-    for (std::size_t copy = 1; copy <= 40; ++copy) {
+    for (std::size_t copy = 1; copy <= static_cast<std::size_t>(Rounds(12)); ++copy) {
         std::string bytes = BytesOf(SiteFile);
         bytes.resize(copy % 4 == 0 ? bytes.size() * copy / 41 : bytes.size());
         for (std::size_t at = 61 * copy; at < bytes.size(); at += 99'991 / copy) {

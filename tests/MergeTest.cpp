@@ -5,6 +5,7 @@
 #include "nodes/Merging.h"
 #include "nodes/NodeTypes.h"
 #include "platform/RuntimeError.h"
+#include "testing/TestStore.h"
 
 #include <gtest/gtest.h>
 
@@ -262,10 +263,9 @@ std::vector<ListedRow> Listed(const std::vector<int>& rows, ListKind kind) {
     return listed;
 }
 
-// $KAL_TEST_ROUNDS of them: two change what one list was, beside one another or in each other's way. Of a row
+// Two change what one list was, beside one another or in each other's way. Of a row
 // what stands before its last three digits is its name, where rows have any.
 TEST(MergingLists, LosesNoEdit) {
-    const char* const given = std::getenv("KAL_TEST_ROUNDS");
     std::mt19937 random(26);
     const auto below = [&](std::size_t end) { return static_cast<int>(random() % end); };
     const auto place = [](const std::vector<int>& rows, int row) {
@@ -273,7 +273,7 @@ TEST(MergingLists, LosesNoEdit) {
     };
     const auto in = [](const std::vector<int>& rows, int row) { return std::ranges::count(rows, row) > 0; };
     int refused = 0;
-    const int rounds = given != nullptr ? std::atoi(given) : 400;
+    const int rounds = Rounds(400);
     for (int round = 0; round < rounds; ++round) {
         const ListKind kind = below(2) == 0 ? ListKind::Named : ListKind::Ordered;
         const bool apart = below(2) == 0;           // one before the fifth row, the other behind it

@@ -39,7 +39,7 @@ class ReportPage : public testing::Test {
     Browser browser_;
 };
 
-TEST_F(ReportPage, NeedsNothingElseAndTakesTextsForTexts) {
+TEST_F(ReportPage, NeedsNothingElseTakesTextsForTextsAndIsFoundInHeardAndPrinted) {
     EXPECT_EQ(browser_.Value("document.title"),
               "Configuration 1, partition 2: the call flow, 2026-11-25 12:00");
     EXPECT_EQ(
@@ -87,9 +87,7 @@ TEST_F(ReportPage, NeedsNothingElseAndTakesTextsForTexts) {
     for (const char* told : {"Log.entryAdded", "Runtime.consoleAPICalled", "Runtime.exceptionThrown"}) {
         EXPECT_TRUE(browser_.Events(told).empty()) << Browser::Json(browser_.Events(told));
     }
-}
 
-TEST_F(ReportPage, IsFoundInHeardAndPrinted) {
     browser_.Value("document.getElementById('sought').focus()");
     browser_.Type("sales 2");
     EXPECT_EQ(browser_.Value(

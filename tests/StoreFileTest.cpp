@@ -45,17 +45,19 @@ TEST(StoreFile, SearchTheKeysAndSortNothing) {
 
 TEST(StoreFile, TellWhatTheStoreRefuses) {
     const TestStore store;
-    DataBase dataBase(Waits{.lock = std::chrono::milliseconds(400), .work = std::chrono::seconds(1)});
+    DataBase dataBase(Waits{.work = std::chrono::seconds(1)});
+    DataBase impatient(Waits{.lock = std::chrono::milliseconds(50)});
     const std::string file = store.File().string();
     {
         SQLite::Database owner(file, SQLite::OPEN_READWRITE);
         owner.exec("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE; DELETE FROM Node_Type_Max");
         ExpectRaised(StoreLocked, {"database is locked", "Get_Node_Names", file},
-                     [&] { Perform(dataBase, Get_Node_Names, {}); });
+                     [&] { Perform(impatient, Get_Node_Names, {}); });
     }
-    const auto add = [&](const char* sequence) {
-        dataBase.Execute(Add_AUTO_PromptsNode, {1, 2, sequence, 0, 1, 1, "MSG"});
+    const auto addThere = [](DataBase& there, const char* sequence) {
+        there.Execute(Add_AUTO_PromptsNode, {1, 2, sequence, 0, 1, 1, "MSG"});
     };
+    const auto add = [&](const char* sequence) { addThere(dataBase, sequence); };
     for (const char* sequence : {"1", "one", ""}) {
         ExpectRaised(sequence == std::string("1") ? DuplicateKey : StoreFailure,
                      {"Detail_AUTO_Prompts.SequenceNo", file}, [&] { add(sequence); });
@@ -67,11 +69,12 @@ TEST(StoreFile, TellWhatTheStoreRefuses) {
     {
         SQLite::Database other(file, SQLite::OPEN_READWRITE);
         other.exec("BEGIN IMMEDIATE");
-        ExpectRaised(StoreLocked, {"locked", "Add_AUTO_PromptsNode", file}, [&] { add("5"); });
+        ExpectRaised(StoreLocked, {"locked", "Add_AUTO_PromptsNode", file},
+                     [&] { addThere(impatient, "5"); });
         EXPECT_EQ(Perform(dataBase, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number"), Texts{"250"});
         EXPECT_NO_THROW(dataBase.Flush()) << "what was written lasts without a lock";
         const std::jthread letsGo([&] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
             other.exec("COMMIT");
         });
         EXPECT_NO_THROW(add("5")) << "a lock that does not last is waited for";

@@ -19,6 +19,7 @@ using enum ErrorNumber;
 using std::chrono::milliseconds;
 
 constexpr NodePlace Place{{1, 2}, 8};
+constexpr Waits Impatient{.lock = milliseconds(100)};
 
 std::string TextOf(const std::filesystem::path& file) {
     std::ostringstream text;
@@ -94,7 +95,7 @@ TEST_F(StoreServer, IsNamedByALinkThatOnlyItsOwnerReads) {
 }
 
 TEST_F(StoreServer, TellsWhatItRefuses) {
-    DataBase dataBase;
+    DataBase dataBase(Impatient);
     const auto add = [&](const std::string& sequence, const std::string& type = "MSG") {
         dataBase.Execute(Add_AUTO_PromptsNode, {1, 2, sequence, 0, 1, 1, type});
     };
@@ -218,7 +219,7 @@ TEST_F(StoreServer, IsFoundAgainAfterTheLineBroke) {
 
 TEST_F(StoreServer, KeepsOutOnlySavesOfTheSameNode) {
     DataBase mine;
-    DataBase others;
+    DataBase others(Impatient);
     const auto begins = [&](std::optional<std::int64_t> number) {
         try {
             const Transaction all(others, number);
@@ -240,7 +241,7 @@ TEST_F(StoreServer, KeepsOutOnlySavesOfTheSameNode) {
     EXPECT_TRUE(begins(std::nullopt));
     const Transaction all(mine, Place.LockKey());
     static_cast<void>(Limit(mine));
-    Saver same(Place);
+    Saver same(Place, Impatient);
     Saver other({{1, 2}, 9});
     EXPECT_THROW(static_cast<void>(same.Save(same.Load())), RuntimeError);
     EXPECT_FALSE(other.Save(other.Load()));

@@ -93,7 +93,7 @@ TEST(StoreFile, HasAllOrNothingOfAStepThatIsKilled) {
           }},
          {"apply",
           [&](Hands& hands) { EXPECT_TRUE(Apply(hands.dataBase, hands.history, PlanIn(plan)).empty()); }}}};
-    const int stride = std::getenv("KAL_TEST_ROUNDS") != nullptr ? 1 : 5;
+    const int stride = Rounds(0) > 0 ? 1 : 5;
     int killed = 0;
     for (const Step& step : steps) {
         reset();

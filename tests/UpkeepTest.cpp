@@ -275,12 +275,11 @@ TEST_F(Upkeep, LooksForRecordings) {
                  RuntimeError);
 }
 
-// $KAL_TEST_ROUNDS of them: somebody else changes something between plan and application.
+// Somebody else changes something between plan and application.
 TEST_F(Upkeep, AppliesAPlanWhereWhatItTouchesIsAsItWas) {
-    const char* const given = std::getenv("KAL_TEST_ROUNDS");
     std::mt19937 random(3);
     int refused = 0;
-    const int rounds = given != nullptr ? std::atoi(given) : 20;
+    const int rounds = Rounds(8);
     const auto numbers = store_.Rows("SELECT NodeNumber FROM Node_AUTO WHERE PartID = 2 ORDER BY NodeNumber");
     RowPlan plan;
     for (int round = 0; round < rounds; ++round) {
@@ -345,14 +344,12 @@ TEST_F(Upkeep, AppliesAPlanWhereWhatItTouchesIsAsItWas) {
     }
 }
 
-// $KAL_TEST_ROUNDS of them.
 TEST_F(Upkeep, IsAsBeforeAfterAMapAndItsInverse) {
     std::istringstream text("\n# swaps\nMSG 6 -> MSG 5\r\n  msg 5 -> MSG 6");
     auto map = ReplacementsOf(text, names_);
     const std::string before = Exported();
-    const char* const given = std::getenv("KAL_TEST_ROUNDS");
-    std::mt19937 random(given != nullptr ? 1 : 2);
-    for (int rounds = given != nullptr ? std::atoi(given) : 8; rounds > 0; --rounds) {
+    std::mt19937 random(2);
+    for (int rounds = Rounds(5); rounds > 0; --rounds) {
         for (const bool inverse : {false, true}) {
             const auto plan = Repoint(dataBase_, history_, names_, Company, map, "today");
             ASSERT_EQ(plan.obstacles, Texts());

@@ -33,7 +33,7 @@ constexpr std::array<std::pair<const char*, const char*>, 5> Patience = {{
 // for in no schema of the server's users: in one where others may make functions, one that fits better than
 // the server's own would be called.
 constexpr const char* SetUpSession =
-    "SET lock_timeout = '1s'; SET statement_timeout = '10s'; SET idle_in_transaction_session_timeout = '30s';"
+    "SET idle_in_transaction_session_timeout = '30s';"
     "SET default_transaction_isolation = 'read committed';"
     "SELECT NULL, pg_catalog.current_schema(), session_user UNION ALL "
     "SELECT c.relname, n.nspname, CASE c.relname WHEN 'node_auto' THEN pg_catalog.obj_description(c.oid, "
@@ -84,8 +84,8 @@ std::string SchemaName(std::string_view name) {
 
 } // namespace
 
-PostgresConnection::PostgresConnection(std::string uri, ServerUse use)
-    : uri_(std::move(uri)), use_(use), secrets_(uri_) {
+PostgresConnection::PostgresConnection(std::string uri, ServerUse use, const Waits& waits)
+    : uri_(std::move(uri)), use_(use), waits_(waits), secrets_(uri_) {
     Connect();
 }
 
@@ -141,7 +141,9 @@ void PostgresConnection::Connect() {
 
 void PostgresConnection::SetUp() {
     Require(PQsetnonblocking(connection_.get(), 1) == 0 ? 1 : 0);
-    const Result found = Script(SetUpSession);
+    const std::string waits = "SET lock_timeout = " + std::to_string(waits_.lock.count()) +
+                              "; SET statement_timeout = " + std::to_string(waits_.work.count()) + ';';
+    const Result found = Script((waits + SetUpSession).c_str());
     if (PQntuples(found.get()) == 0 || PQnfields(found.get()) != 3) {
         FailLost(Unexpected);
     }

@@ -22,7 +22,7 @@ class PostgresStatement;
 class PostgresConnection : public Connection {
   public:
     // As OpenServer.
-    PostgresConnection(std::string uri, ServerUse use);
+    PostgresConnection(std::string uri, ServerUse use, const Waits& waits);
     ~PostgresConnection() override;
 
     PostgresConnection(const PostgresConnection&) = delete;
@@ -136,6 +136,7 @@ class PostgresConnection : public Connection {
 
     std::string uri_;
     ServerUse use_;
+    Waits waits_;
     std::unique_ptr<PGconn, Finish> connection_;
     LinkSecrets secrets_;
     std::string place_;

@@ -60,7 +60,7 @@ std::unique_ptr<Connection> OpenStore(const std::filesystem::path& file, const W
                            "SQLite");
     }
     if (IsLink(head)) {
-        return OpenServer(LinkIn(head));
+        return OpenServer(LinkIn(head), ServerUse::Store, waits);
     }
     if (std::string_view(head).substr(4).starts_with(JetSignature)) {
         throw RuntimeError(ErrorNumber::StoreNotRecognized,

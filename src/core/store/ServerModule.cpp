@@ -23,9 +23,9 @@ OpenServerFunction* Load() {
 
 } // namespace
 
-std::unique_ptr<Connection> OpenServer(const std::string& uri, ServerUse use) {
+std::unique_ptr<Connection> OpenServer(const std::string& uri, ServerUse use, const Waits& waits) {
     static OpenServerFunction* const open = Load();
-    return std::unique_ptr<Connection>(open(uri.c_str(), use));
+    return std::unique_ptr<Connection>(open(uri.c_str(), use, waits));
 }
 
 } // namespace KAL_AUTO_Node

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/Connection.h"
+#include "store/Waits.h"
 
 #include <memory>
 #include <string>
@@ -14,11 +15,12 @@ enum class ServerUse { Store, Database };
 // loaded with the first of these: it brings thirty others along that a file needs nothing of. Raises
 // CannotCreateComponent where that is not there, StoreUnreachable where connecting fails, and
 // StoreNotRecognized where the database holds no store or one of a version that is not known here yet.
-std::unique_ptr<Connection> OpenServer(const std::string& uri, ServerUse use = ServerUse::Store);
+std::unique_ptr<Connection> OpenServer(const std::string& uri, ServerUse use = ServerUse::Store,
+                                       const Waits& waits = {});
 
 // The one function of that library; gives a connection that the caller owns.
 inline constexpr const char* ServerLibrary = "libKAL_AUTO_Node_server.so.1";
 inline constexpr const char* OpenServerName = "KAL_AUTO_Node_OpenServer";
-using OpenServerFunction = Connection*(const char* uri, ServerUse use);
+using OpenServerFunction = Connection*(const char* uri, ServerUse use, const Waits& waits);
 
 } // namespace KAL_AUTO_Node

@@ -4,7 +4,7 @@
 
 namespace KAL_AUTO_Node {
 
-// How long one waits with a store in a file; tests wait less.
+// How long one waits with a store; tests wait less.
 struct Waits {
     // For another program's lock. Its write takes milliseconds; only a lock that lasts is worth reporting.
     std::chrono::milliseconds lock{1000};
