@@ -215,6 +215,23 @@ TEST_F(StoreServer, IsFoundAgainAfterTheLineBroke) {
     ExpectRaised(OutcomeUnknown, {"Delete_AUTO_PromptsNode", "not known"}, [&] {
         dataBase.Execute(Delete_AUTO_PromptsNode, {1, 2, 8});
     });
+    relay.AtWay = nullptr;
+    // At each way of putting a node back, which is not done then unless that is said not to be known.
+    Saver saver(Place);
+    bool done = false;
+    for (int way = 1; !done; ++way) {
+        AutoNode node = saver.Load();
+        node.label = "Other " + std::to_string(way);
+        ASSERT_FALSE(saver.Save(node));
+        relay.AtWay = [&, left = way](int) mutable { --left == 0 ? relay.Cut() : void(); };
+        try {
+            saver.Versions().PutBack(Place, saver.Version(), "restore");
+            done = true;
+        } catch (const RuntimeError& error) {
+            relay.AtWay = nullptr;
+            EXPECT_TRUE(error.Number() == OutcomeUnknown || saver.Read().node == node) << way;
+        }
+    }
 }
 
 TEST_F(StoreServer, KeepsOutOnlySavesOfTheSameNode) {
