@@ -24,17 +24,17 @@ class Browser {
         for (const char* domain : {"Page", "Runtime", "Log", "Network"}) {
             Do(domain + std::string(".enable"));
         }
-        // A window that has just been made may not have one yet.
-        Do("Emulation.setDeviceMetricsOverride",
-           {{"width", 1200}, {"height", 900}, {"deviceScaleFactor", 1}, {"mobile", false}});
     }
 
     // What a method of the browser's protocol answers.
     Json Do(const std::string& method, const Json& parameters = Json::object()) {
         if (page_.empty() && method.find("Target.") != 0) {
-            const Json pages = Do("Target.getTargets")["targetInfos"];
-            page_ = Do("Target.attachToTarget",
-                       {{"targetId", pages[0]["targetId"]}, {"flatten", true}})["sessionId"];
+            // One of its own: that of a browser which has just been started may have no size yet.
+            const Json page =
+                Do("Target.createTarget",
+                   {{"url", "about:blank"}, {"newWindow", true}, {"width", 1200}, {"height", 900}});
+            page_ =
+                Do("Target.attachToTarget", {{"targetId", page["targetId"]}, {"flatten", true}})["sessionId"];
         }
         Json message{{"id", ++last_}, {"method", method}, {"params", parameters}};
         if (!page_.empty()) {

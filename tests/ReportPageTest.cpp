@@ -1,3 +1,6 @@
+#include "nodes/FindNodes.h"
+#include "nodes/Overview.h"
+#include "platform/FoldCase.h"
 #include "platform/NewFile.h"
 #include "report/Report.h"
 #include "store/DataBase.h"
@@ -106,6 +109,24 @@ TEST_F(ReportPage, NeedsNothingElseTakesTextsForTextsAndIsFoundInHeardAndPrinted
     browser_.Press("Escape");
     EXPECT_EQ(browser_.Value("document.activeElement.id + document.getElementById('sought').value"),
               "sought");
+
+    // It finds what the program's own search does.
+    DataBase dataBase;
+    const TypeNames names(dataBase);
+    for (const char* text : {"24", "-2", "2-", "AUTO 1", "cmd", "ext dir", "m s g", "Xfer SALES"}) {
+        std::vector<std::string> found;
+        ReadRegister(dataBase, {1, 2}, [&](const NodeKey& node, std::string_view, std::string_view label) {
+            if (NodeWords(text).Fit(FoldCase(label), FoldCase(names.Name(node.typeID)), node.number, true)) {
+                found.push_back(names.Text(node));
+            }
+        });
+        std::ranges::sort(found);
+        EXPECT_EQ(browser_.Value("sought.value = " + Browser::Json(text).dump() +
+                                 "; sought.dispatchEvent(new Event('input')); Array.from("
+                                 "found.querySelectorAll('a'), link => link.firstChild.data).sort()"),
+                  found)
+            << text;
+    }
 
     // As those who hear the page walk it.
     std::vector<std::string> heard;
