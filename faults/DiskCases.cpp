@@ -127,7 +127,7 @@ void ProtectFiles(Extent /*extent*/, const Tell& tell) {
                 }
             }
             using std::filesystem::perms;
-            const auto protect = [&](std::filesystem::perm_options how) {
+            const auto protect = [&, what = what](std::filesystem::perm_options how) {
                 if (what != Folder) {
                     std::filesystem::permissions(scene.File(), perms::owner_write, how);
                 }

@@ -64,7 +64,7 @@ TEST(Diagram, IsCutIntoSectionsThatCanBeTakenIn) {
     EXPECT_LE(outline.Sections().size(), 40U);
     for (const auto& [first, nodes] : AutoNodesBySection(flow, All(flow))) {
         EXPECT_TRUE(nodes.contains(first));
-        std::erase_if(numbers, [&](int number) { return nodes.contains(number); });
+        std::erase_if(numbers, [&, &nodes = nodes](int number) { return nodes.contains(number); });
     }
     EXPECT_TRUE(numbers.empty());
     EXPECT_TRUE(outline.IsLine({AutoType, 100}, {AutoType, 500}));

@@ -277,7 +277,7 @@ TEST(Exchange, RefusesAWrongTextAndAStoreAtWorkWhole) {
     store.Execute("UPDATE SR_Node_Type_Names SET English_Name = 'before' WHERE ID = 0");
     const std::string before = ExportOf(store);
     for (const auto& [text, why] : cases) {
-        const std::string failure = FailureOf([&] { ImportInto(store, text); });
+        const std::string failure = FailureOf([&, &text = text] { ImportInto(store, text); });
         EXPECT_NE(failure.find(why), std::string::npos) << '"' << failure << "\" does not tell " << why;
         EXPECT_NE(failure.find("in.json'"), std::string::npos) << failure;
     }
