@@ -8,12 +8,14 @@
 #include <QDialog>
 #include <QProcess>
 #include <QTimer>
+#include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
 #include <algorithm>
 #include <fstream>
 #include <iomanip>
 #include <iostream>
+#include <regex>
 #include <stdexcept>
 #include <thread>
 
@@ -61,6 +63,12 @@ void PrintSyncsOf(std::ostream& out, const char* size, const char* side, const T
     }
 }
 
+// Whether the benchmarks that are asked for are of that size.
+bool IsAskedFor(const char* size) {
+    const std::string filter = benchmark::GetBenchmarkFilter();
+    return filter.empty() || std::regex_search(size, std::regex(filter));
+}
+
 std::string MemoryOf(Place place) {
     QProcess process;
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -85,6 +93,9 @@ void PrintSyncs(std::ostream& out, const TestStore& store) {
            "| node | | log before | all | of the log | of the store | other |\n"
            "| --- | --- | --- | ---: | ---: | ---: | ---: |\n";
     for (const SizedPlace& sized : LargeNodes) {
+        if (!IsAskedFor(sized.size)) {
+            continue;
+        }
         Desk desk(sized.place);
         const auto commands = CommandsOf(sized.place, &SaveNode);
         RawStore raw(store.File());
@@ -98,6 +109,9 @@ void PrintMemory(std::ostream& out) {
     out << "| a bare window instead | " << MemoryOf({0, 0}) << " |\n";
     for (const auto& sizes : {SmallNodes, LargeNodes}) {
         for (const SizedPlace& sized : sizes) {
+            if (!IsAskedFor(sized.size)) {
+                continue;
+            }
             out << "| " << sized.size << " | " << MemoryOf(sized.place) << " |\n";
         }
     }

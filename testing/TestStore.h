@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/RuntimeError.h"
 #include "store/CreateServerStore.h"
 #include "testing/TestServer.h"
 
@@ -7,6 +8,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -18,6 +21,25 @@ namespace KAL_AUTO_Node {
 inline int Rounds(int otherwise) {
     const char* const given = std::getenv("KAL_TEST_ROUNDS");
     return given != nullptr ? std::atoi(given) : otherwise;
+}
+
+inline std::string BytesOf(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+inline void WriteFile(const std::filesystem::path& file, const std::string& bytes) {
+    std::ofstream(file, std::ios::binary) << bytes;
+}
+
+// What is told where something fails.
+inline std::string FailureOf(const std::function<void()>& what) {
+    try {
+        what();
+    } catch (const RuntimeError& error) {
+        return error.what();
+    }
+    return "";
 }
 
 // An environment variable that gets back what it held.

@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <set>
 #include <thread>
 
@@ -169,8 +168,7 @@ TEST(Check, FindsASaveThatDidNotFinishAndLeavesItThere) {
 }
 
 TEST(Check, IsDescribedInItsPage) {
-    std::ifstream page(CHECK_PAGE);
-    const std::string text(std::istreambuf_iterator<char>(page), {});
+    const std::string text = BytesOf(CHECK_PAGE);
     for (const auto& [code, severity, meaning, advice] : FaultRules) {
         const std::string row =
             std::string("| `") + code + "` | " + NameOf(severity) + " | " + meaning + " | " + advice;

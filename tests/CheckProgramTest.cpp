@@ -9,11 +9,6 @@
 namespace KAL_AUTO_Node {
 namespace {
 
-std::string BytesOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 std::string LineOf(const std::string& text, int number) {
     std::istringstream lines(text);
     std::string line;

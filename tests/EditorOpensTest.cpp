@@ -6,7 +6,6 @@
 #include <array>
 #include <chrono>
 #include <fstream>
-#include <sstream>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -291,9 +290,7 @@ TEST(EditorOpens, WhereThePersonHasLeftIt) {
         std::ofstream(file, std::ios::trunc) << text;
         EXPECT_EQ(opensAt().size(), first.size()) << text;
     }
-    std::stringstream left;
-    left << std::ifstream(file).rdbuf();
-    EXPECT_EQ(left.str(), "version=2\n[places]\nGUI=x\n");
+    EXPECT_EQ(BytesOf(file), "version=2\n[places]\nGUI=x\n");
 }
 
 } // namespace

@@ -10,21 +10,11 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
 namespace KAL_AUTO_Node {
 namespace {
-
-std::string BytesOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void Write(const std::filesystem::path& file, const std::string& bytes) {
-    std::ofstream(file, std::ios::binary) << bytes;
-}
 
 std::string ExportOf(const TestStore& store, std::optional<Partition> scope = {}) {
     DataBase dataBase;
@@ -34,7 +24,7 @@ std::string ExportOf(const TestStore& store, std::optional<Partition> scope = {}
 
 // The lines of what an import tells.
 std::string ImportInto(const TestStore& store, const std::string& text, Import how = Import::Carry) {
-    Write(store.Folder() / "in.json", text);
+    WriteFile(store.Folder() / "in.json", text);
     DataBase dataBase;
     std::string told;
     const ExchangeReport report = ImportExchange(
@@ -56,15 +46,6 @@ std::string ImportInto(const TestStore& store, const std::string& text, Import h
         }
     }
     return told;
-}
-
-std::string FailureOf(const std::function<void()>& what) {
-    try {
-        what();
-    } catch (const RuntimeError& error) {
-        return error.what();
-    }
-    return "";
 }
 
 std::string Replaced(std::string text, const std::string& what, const std::string& by) {
@@ -110,7 +91,7 @@ lines, "quoted" \    😀';
     const std::string part = ExportOf(store, Partition{1, 1});
     EXPECT_EQ(ImportInto(store, "\xEF\xBB\xBF" + whole), "");
     // What a killed export left is written anew; through a link the file is replaced.
-    Write(store.Folder() / "out.json.new", std::string(4'000'000, 'x'));
+    WriteFile(store.Folder() / "out.json.new", std::string(4'000'000, 'x'));
     std::filesystem::create_symlink(store.Folder() / "out.json", store.Folder() / "link.json");
     // It is one state of the store, whatever others write meanwhile.
     int written = 0;
@@ -144,7 +125,7 @@ lines, "quoted" \    😀';
         std::optional<Relay> line;
         if (TestStore::OnServer()) {
             line.emplace(std::chrono::milliseconds(0));
-            Write(other.File(), line->AddressOf(other.Value("SELECT current_database()")) + '\n');
+            WriteFile(other.File(), line->AddressOf(other.Value("SELECT current_database()")) + '\n');
         }
         ImportInto(other, whole);
         EXPECT_LE(line ? line->Ways() : 0, 200) << "for 3,824 rows, most of them of AUTO nodes";
@@ -315,7 +296,7 @@ TEST(Exchange, ReplacesNothingButAnExport) {
     const TestStore store;
     DataBase dataBase;
     for (const char* content : {"a letter", "{\"json\": 1}", "SQLite format 3"}) {
-        Write(store.Folder() / "out.json", content);
+        WriteFile(store.Folder() / "out.json", content);
         EXPECT_NE(FailureOf([&] { ExportOf(store); }).find("out.json"), std::string::npos);
         EXPECT_EQ(BytesOf(store.Folder() / "out.json"), content);
     }

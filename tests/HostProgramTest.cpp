@@ -39,10 +39,9 @@ TEST(HostProgram, LoadsWhatAServerNeedsForAServerOnly) {
          {std::pair{"LD_DEBUG=files " AUTO_NODE " list", TestStore::OnServer()},
           {"LD_TRACE_LOADED_OBJECTS=1 " AUTO_NODE "-edit", false}}) {
         ASSERT_EQ(std::system((std::string(command) + " >" + told.string() + " 2>&1").c_str()), 0);
-        std::ostringstream text;
-        text << std::ifstream(told).rdbuf();
-        EXPECT_EQ(text.str().find("libpq") != std::string::npos, needed) << command;
-        EXPECT_NE(text.str().find("libc."), std::string::npos);
+        const std::string text = BytesOf(told);
+        EXPECT_EQ(text.find("libpq") != std::string::npos, needed) << command;
+        ExpectTold(text, "libc.");
     }
 }
 
@@ -286,8 +285,7 @@ TEST(HostProgram, ChecksAPartitionAndMakesWhatIsMissing) {
         return Program(status, QStringList{"check", "1", "2"} + more);
     };
     // As its page shows it.
-    std::ifstream page(CHECK_PAGE);
-    const std::string text(std::istreambuf_iterator<char>(page), {});
+    const std::string text = BytesOf(CHECK_PAGE);
     std::istringstream found(check(1, {}).output);
     for (std::string line; std::getline(found, line);) {
         ExpectTold(text, line.empty() ? "\n\n" : "\n    " + line + '\n');

@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <tuple>
 
 namespace KAL_AUTO_Node {
@@ -43,15 +42,6 @@ Outcome BringOver(const std::filesystem::path& file, const std::filesystem::path
 std::vector<std::string> RowsOf(const std::filesystem::path& store, const std::string& sql) {
     SQLite::Database database(store.string(), SQLite::OPEN_READWRITE);
     return TestStore::Rows(database, sql);
-}
-
-std::string BytesOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void Write(const std::filesystem::path& file, const std::string& bytes) {
-    std::ofstream(file, std::ios::binary) << bytes;
 }
 
 TEST(JetImport, BringsEveryValueOver) {
@@ -153,7 +143,7 @@ class ToldFile {
     [[nodiscard]] const std::string& Stream() const { return stream_; }
 
     [[nodiscard]] Outcome BringOver(const TemporaryFolder& folder, Damage damage = Damage::Refuse) const {
-        Write(folder.Path() / "told", stream_);
+        WriteFile(folder.Path() / "told", stream_);
         return KAL_AUTO_Node::BringOver(folder.Path() / "told", folder.Path(), {"/bin/cat"}, damage);
     }
 
@@ -272,12 +262,12 @@ TEST(JetImport, RefusesADamagedFileAndLeavesNothing) {
     const TemporaryFolder folder;
     const auto file = folder.Path() / "told";
     for (const auto& [stream, why] : cases) {
-        Write(file, stream);
+        WriteFile(file, stream);
         const std::string failure = BringOver(file, folder.Path(), {"/bin/cat"}).failure;
         EXPECT_NE(failure.find(why), std::string::npos) << failure << " does not tell " << why;
         EXPECT_NE(failure.find("'" + file.string() + "'"), std::string::npos) << failure;
     }
-    Write(file, table);
+    WriteFile(file, table);
     EXPECT_EQ(BringOver(file, folder.Path(), {"/bin/cat"}, Damage::Accept).report.damage.size(), 1U);
     std::filesystem::remove_all(folder.Path() / "store");
 
@@ -296,7 +286,7 @@ TEST(JetImport, RefusesADamagedFileAndLeavesNothing) {
         {"exec sleep 60", 0, "came to no end"},
         {"[ $(ulimit -t) = 3 ] && [ $(ulimit -v) = " + memory + " ] && kill -SEGV $$", 3, "crashed over it"}};
     for (const auto& [script, seconds, why] : scripts) {
-        Write(reader, "#!/bin/sh\n" + script + '\n');
+        WriteFile(reader, "#!/bin/sh\n" + script + '\n');
         std::filesystem::permissions(reader, std::filesystem::perms::owner_all);
         const std::string failure = BringOver(file, folder.Path(), {reader, seconds}).failure;
         EXPECT_NE(failure.find(why), std::string::npos) << failure;
@@ -307,7 +297,7 @@ TEST(JetImport, RefusesADamagedFileAndLeavesNothing) {
     // One row more in the list of tables than can be read.
     std::string counted = BytesOf(SiteFile);
     ++counted.at(2 * 4096 + 16);
-    Write(file, counted);
+    WriteFile(file, counted);
     EXPECT_NE(BringOver(file, folder.Path()).failure.find("its list of tables is damaged"),
               std::string::npos);
 
@@ -318,7 +308,7 @@ TEST(JetImport, RefusesADamagedFileAndLeavesNothing) {
         for (std::size_t at = 61 * copy; at < bytes.size(); at += 99'991 / copy) {
             bytes[at] = static_cast<char>(bytes[at] + 85);
         }
-        Write(file, bytes);
+        WriteFile(file, bytes);
         const Outcome outcome = BringOver(file, folder.Path());
         EXPECT_TRUE(!outcome.failure.empty() ||
                     RowsOf(outcome.store, "PRAGMA integrity_check").front() == "ok");

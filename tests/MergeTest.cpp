@@ -11,11 +11,9 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
 #include <map>
 #include <random>
 #include <set>
-#include <unistd.h>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -92,13 +90,9 @@ std::string Keeping(const std::string& merged, char side) {
 
 class Merging : public testing::Test {
   protected:
-    Merging() { std::filesystem::create_directories(folder_); }
-
-    ~Merging() override { std::filesystem::remove_all(folder_); }
-
     std::filesystem::path File(const std::string& name, const std::string& text) {
-        std::ofstream(folder_ / name, std::ios::binary) << text;
-        return folder_ / name;
+        WriteFile(folder_.Path() / name, text);
+        return folder_.Path() / name;
     }
 
     MergeReport Merge(const std::string& base, const std::string& ours, const std::string& theirs) {
@@ -106,16 +100,10 @@ class Merging : public testing::Test {
     }
 
     std::string FailureOf(const std::string& base, const std::string& ours, const std::string& theirs) {
-        try {
-            static_cast<void>(Merge(base, ours, theirs));
-        } catch (const RuntimeError& error) {
-            return error.what();
-        }
-        return "";
+        return KAL_AUTO_Node::FailureOf([&] { static_cast<void>(Merge(base, ours, theirs)); });
     }
 
-    std::filesystem::path folder_ =
-        std::filesystem::temp_directory_path() / ("kal-merge-" + std::to_string(getpid()));
+    TemporaryFolder folder_;
     std::string merged_;
 };
 

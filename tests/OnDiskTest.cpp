@@ -11,11 +11,6 @@
 namespace KAL_AUTO_Node {
 namespace {
 
-std::string TextOf(const std::filesystem::path& file) {
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 TEST(StoreFile, IsMadeOnceWithItsFolders) {
     for (const bool demo : {false, true}) {
         const TestStore store;
@@ -95,7 +90,7 @@ TEST(StoreFile, IsOnDiskWhenACommandHasEnded) {
         preload.Set(SYNCS);
         Program(status, arguments);
         preload.Unset();
-        EXPECT_EQ(TextOf(store.Folder() / "syncs"), syncs) << arguments.join(' ').toStdString();
+        EXPECT_EQ(BytesOf(store.Folder() / "syncs"), syncs) << arguments.join(' ').toStdString();
     }
 }
 
@@ -122,7 +117,7 @@ TEST(NewFiles, TakeNobodysPlace) {
     EXPECT_THROW(NewFile other(place), RuntimeError) << "it is being made";
     std::ofstream(place) << "theirs";
     EXPECT_THROW(file.Place(), RuntimeError);
-    EXPECT_EQ(TextOf(place), "theirs");
+    EXPECT_EQ(BytesOf(place), "theirs");
     std::filesystem::create_symlink(folder.Path() / "none", folder.Path() / "link.new");
     EXPECT_THROW(NewFile other(folder.Path() / "link"), RuntimeError);
     EXPECT_FALSE(std::filesystem::exists(folder.Path() / "none"));

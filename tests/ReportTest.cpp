@@ -9,8 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <fstream>
-#include <sstream>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -45,12 +43,10 @@ void ExpectTold(const std::string& page, std::initializer_list<const char*> part
 TEST(Report, TellsThePartitionAlikeFromEveryEngine) {
     const TestStore store;
     DataBase dataBase;
-    std::ostringstream example;
-    example << std::ifstream(EXAMPLE).rdbuf();
     const Page page = Write(ReadReportData(dataBase, Demo));
     EXPECT_EQ(page.outcome.menus, 17U);
     EXPECT_TRUE(page.outcome.warnings.empty());
-    EXPECT_TRUE(WithoutDrawing(page.text) == WithoutDrawing(example.str()))
+    EXPECT_TRUE(WithoutDrawing(page.text) == WithoutDrawing(BytesOf(EXAMPLE)))
         << "scripts/pictures writes it anew";
     EXPECT_LT(page.text.size(), 300U * 1024);
 }

@@ -6,13 +6,13 @@ function(run)
 endfunction()
 
 run(${CMAKE_COMMAND} --install ${TREE} --prefix ${FOLDER}/installed)
-function(build name source)
-  run(${CMAKE_COMMAND} -S ${source} -B ${FOLDER}/${name} -G ${GENERATOR} -DCMAKE_PREFIX_PATH=${FOLDER}/installed
-      -DCMAKE_BUILD_TYPE=${CONFIG} -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_CXX_FLAGS=${FLAGS} -DQt6_DIR=${QT})
-  run(${CMAKE_COMMAND} --build ${FOLDER}/${name})
-endfunction()
-build(build ${HOST})
-build(guide ${HOST}/../../docs/host)
+# Both at once; what one prints is not for the other.
+set(apart sh -c "exec \"$0\" \"$@\" >&2")
+set(how -G ${GENERATOR} -DCMAKE_PREFIX_PATH=${FOLDER}/installed -DCMAKE_BUILD_TYPE=${CONFIG}
+    -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_CXX_FLAGS=${FLAGS} -DQt6_DIR=${QT})
+run(${apart} ${CMAKE_COMMAND} -S ${HOST} -B ${FOLDER}/build ${how}
+    COMMAND ${CMAKE_COMMAND} -S ${HOST}/../../docs/host -B ${FOLDER}/guide ${how})
+run(${apart} ${CMAKE_COMMAND} --build ${FOLDER}/build COMMAND ${CMAKE_COMMAND} --build ${FOLDER}/guide)
 
 # The program looks in this folder only where it exists.
 file(MAKE_DIRECTORY "${FOLDER}/data/Brevank/Parlon+")
