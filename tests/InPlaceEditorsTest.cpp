@@ -74,6 +74,11 @@ TEST_F(InPlaceEditors, FollowTheirRow) {
 
 TEST_F(InPlaceEditors, AreMarkedByWhoGoesThere) {
     Edit(1, [] {
+        Person::Press("cmdPromptsEdit");
+        Person::ClickRow("LVPrompts", 1);
+        QWidget* prompts = Person::List("LVPrompts")->viewport();
+        QTest::mouseClick(prompts, Qt::LeftButton, {}, prompts->rect().bottomLeft());
+        EXPECT_EQ(Person::Focused(), "cmbPromptsNode");
         Person::Press("cmdActionsEdit");
         Person::ClickRow("LVActions", 5);
         Person::TypeOver(LowBox, "*");

@@ -195,7 +195,7 @@ TEST_F(Lists, TakeNoTextThatCouldNotBeChosen) {
         }
         EXPECT_FALSE(Person::Dirty());
         // What a spreadsheet makes of it.
-        QGuiApplication::clipboard()->setText(" 007 \t9\tMSG\t0012\t=label\tmore\r\n5\t5\tEMPTY\t\r\n");
+        QGuiApplication::clipboard()->setText(" 007 \t9\tMSG\t0012\t=label\tmore\r\n5\t5\tEMPTY\t");
         Person::ClickRow("LVActions", 2);
         Key(Person::List("LVActions"), Qt::Key_V);
         EXPECT_EQ(Person::Row("LVActions", 2), "3|007-9|MSG 12||MSG|0|12|007|9");

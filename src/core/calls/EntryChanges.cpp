@@ -13,7 +13,7 @@ constexpr std::size_t Sides = 2; // before, after
 constexpr std::size_t MostListed = 4;
 
 // What entries lead to, by number: these, then targets.
-enum Element : std::size_t { Again, Invalid, NotTaken, Wait, FirstTarget };
+enum Element : std::size_t { Again, Invalid, Wait, FirstTarget };
 
 // What is there before and after, kept while it comes and goes.
 class TwoSets {
@@ -137,7 +137,6 @@ class Comparison {
             Side& state = sides_.at(side) = {};
             state.taken = length_ <= most;
             if (!state.taken) {
-                Both(side, NotTaken, true);
                 continue;
             }
             state.emptyLengths = known ? 1 : length_;
@@ -158,7 +157,9 @@ class Comparison {
         }
         End(SequencesOf(length_));
         for (std::size_t side = 0; side < Sides; ++side) {
-            sides_.at(side).taken ? Nobody(side, false) : Both(side, NotTaken, false);
+            if (sides_.at(side).taken) {
+                Nobody(side, false);
+            }
         }
     }
 
