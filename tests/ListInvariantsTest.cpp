@@ -156,7 +156,7 @@ TEST(ListInvariants, HoldInAnyOrderOfOperations) {
         EXPECT_TRUE(person.Edit(node, [&] {
             RandomPerson random(static_cast<unsigned>(seed));
             const auto first = AllRows();
-            for (int deed = 0; deed < Rounds(120) && !testing::Test::HasFailure(); ++deed) {
+            for (int deed = 0; deed < Rounds(100) && !testing::Test::HasFailure(); ++deed) {
                 // Where no window manager brings it back to the front when a message box has closed.
                 const auto activate = [] {
                     Person::Window("GUI")->activateWindow();

@@ -39,13 +39,17 @@ TEST(SlowLine, OpensAndSavesInAFewWays) {
     EXPECT_EQ(person.Boxes(), std::vector<Box>());
 }
 
-// It takes a connection and says nothing, or falls silent when it is asked for the second time.
+// It takes a connection and says nothing, or falls silent when it is asked for the first or the second time,
+// and refuses the next connection.
 TEST(SlowLine, IsReportedOnceWhereTheServerIsSilent) {
     const TestStore store;
-    for (const int silentFrom : {1, 5}) {
+    for (const int silentFrom : {1, 4, 5}) {
         std::atomic<bool> silent = true;
         Relay relay(std::chrono::milliseconds(0));
         relay.AtWay = [&](int way) {
+            if (way == silentFrom && way > 1) {
+                relay.Close();
+            }
             while (way >= silentFrom && silent) {
                 std::this_thread::sleep_for(std::chrono::milliseconds(5));
             }

@@ -282,7 +282,7 @@ TEST_F(Upkeep, LooksForRecordings) {
 TEST_F(Upkeep, AppliesAPlanWhereWhatItTouchesIsAsItWas) {
     std::mt19937 random(3);
     int refused = 0;
-    const int rounds = Rounds(8);
+    const int rounds = Rounds(6);
     const auto numbers = store_.Rows("SELECT NodeNumber FROM Node_AUTO WHERE PartID = 2 ORDER BY NodeNumber");
     RowPlan plan;
     for (int round = 0; round < rounds; ++round) {
