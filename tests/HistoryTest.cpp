@@ -281,6 +281,8 @@ TEST_F(HistoryOfANode, OfAnOlderStoreIsReadAddedToAndBroughtUp) {
     }
     SaveAs(anna_, "Older");
 
+    // The copy takes nothing's place.
+    std::ofstream(store_.File().string() + ".version-1") << "mine";
     const auto upgraded = UpgradeStore(anna_.Store());
     EXPECT_EQ(upgraded.from, 1);
     EXPECT_EQ(upgraded.to, StoreVersion);

@@ -37,4 +37,10 @@ inline void ExpectTold(const std::string& text, const std::string& part) {
     EXPECT_NE(text.find(part), std::string::npos) << text << " does not tell " << part;
 }
 
+// Of a command as a person types it, without quotes.
+inline void ExpectTold(int status, const QString& command, const std::string& part) {
+    const Outcome outcome = Program(status, command.split(' '));
+    ExpectTold(outcome.output + outcome.errors, part);
+}
+
 } // namespace KAL_AUTO_Node

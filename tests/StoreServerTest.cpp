@@ -176,7 +176,9 @@ TEST_F(StoreServer, IsFoundAgainAfterTheLineBroke) {
         relay.Cut();
         std::this_thread::sleep_for(milliseconds(50));
     };
+    EXPECT_TRUE(dataBase.ChangeMark());
     breakLine();
+    EXPECT_FALSE(dataBase.ChangeMark()) << "what is not heard any more is not known";
     EXPECT_EQ(Limit(dataBase), Texts{"250"}) << "nobody notices that nothing was lost with";
     rows.MoveNext();
     EXPECT_EQ(rows.Text("English_Name"), "CMD");
