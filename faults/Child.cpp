@@ -1,11 +1,15 @@
 #include "Child.h"
 
+#include "Actor.h"
+
 #include <array>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <iostream>
 #include <stdexcept>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -17,6 +21,7 @@ Child::Child(World world) {
     if (pipe2(orders.data(), O_CLOEXEC) != 0 || pipe2(answers.data(), O_CLOEXEC) != 0) {
         throw std::runtime_error("no pipe");
     }
+    std::cout << std::flush; // or the child writes it, too
     process_ = fork();
     if (process_ == 0) {
         dup2(orders[0], STDIN_FILENO);
@@ -27,8 +32,11 @@ Child::Child(World world) {
             "cat /proc/sys/kernel/random/uuid >/tmp/boot.$$ && mount --bind /tmp/boot.$$ "
             "/proc/sys/kernel/random/boot_id; rm -f /tmp/boot.$$; exec \"$0\" actor";
         if (world == World::Here) {
-            execl(self.c_str(), "Faults", "actor", nullptr);
-        } else if (world == World::OwnProcesses) {
+            // As it is: nothing of a store is open yet. It ends with this process at the latest.
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+            _exit(Act());
+        }
+        if (world == World::OwnProcesses) {
             execlp("unshare", "unshare", "--pid", "--fork", "--kill-child", "--mount-proc", self.c_str(),
                    "actor", nullptr);
         } else {
