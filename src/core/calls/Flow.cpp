@@ -60,7 +60,6 @@ std::vector<int> Flow::WithoutWayOut() const {
     std::erase_if(out, [](const auto& node) { return node.second; });
     std::vector<int> without;
     std::ranges::transform(out, std::back_inserter(without), [](const auto& node) { return node.first; });
-    std::ranges::sort(without);
     return without;
 }
 
@@ -71,7 +70,6 @@ std::vector<int> Flow::Unreferenced() const {
             unreferenced.push_back(number);
         }
     }
-    std::ranges::sort(unreferenced);
     return unreferenced;
 }
 

@@ -20,15 +20,16 @@ class Flow {
     // And a call may go on from there to this one.
     void AddWayTo(int number) { ledTo_.insert(number); }
 
-    // Nodes of which every exception and action leads to themselves or to nodes of which the same holds, or
-    // nowhere. Nodes of other types lead on, and so do those that do not exist: what comes after them is not
-    // known here.
+    // In no order, nodes of which every exception and action leads to themselves or to nodes of which the
+    // same holds, or nowhere. Nodes of other types lead on, and so do those that do not exist: what comes
+    // after them is not known here.
     [[nodiscard]] std::vector<int> WithoutWayOut() const;
 
-    // Nodes that none but themselves refers to.
+    // In no order, nodes that none but themselves refers to.
     [[nodiscard]] std::vector<int> Unreferenced() const;
 
-    // Nodes at which calls may enter: those, and those to which nodes of other types lead; no template.
+    // In their order, nodes at which calls may enter: those, and those to which nodes of other types lead; no
+    // template.
     [[nodiscard]] std::vector<int> Entries() const;
 
   private:
