@@ -36,10 +36,6 @@ void Save(Saver& saver, int number, bool creating) {
     }
 }
 
-void WriteLink(const std::filesystem::path& link, const std::string& address) {
-    std::ofstream(link, std::ios::trunc) << address << '\n';
-}
-
 // One that saves, and another.
 struct Windows {
     explicit Windows(const std::filesystem::path& link) : saver(link, Place), other(link, Place) {}
@@ -99,19 +95,26 @@ constexpr const char* TakeAwayMissingNodes = "DO $$ DECLARE found record; BEGIN 
                                              "format('DELETE FROM %I WHERE %I BETWEEN 701 AND 712',"
                                              " found.table_name, found.column_name); END LOOP; END $$";
 
-// A store on a server of its own, with a standby perhaps, beyond a line.
+// A store on a server of its own, beyond a line.
 struct Site {
-    Site(const std::filesystem::path& folder, bool standby)
+    explicit Site(const std::filesystem::path& folder)
         : server(folder / "one"), link(folder / "link"), line(std::chrono::milliseconds(0), server.Socket()) {
         std::filesystem::remove(link);
         CreateServerStore(link, server.Address(), StoreContent::Demo);
-        if (standby) {
-            second.emplace(folder / "two", server.Folder());
-            secondLine.emplace(std::chrono::milliseconds(0), second->Socket());
-        }
-        WriteLink(link, "postgresql://tester@127.0.0.1:" + std::to_string(line.Port()) +
-                            (standby ? ",127.0.0.1:" + std::to_string(secondLine->Port()) : "") +
-                            "/postgres?target_session_attrs=read-write&gssencmode=disable");
+        WriteLink("");
+    }
+
+    // From now on there is a standby.
+    void Follow() {
+        second.emplace(server.Folder().parent_path() / "two", server.Folder());
+        secondLine.emplace(std::chrono::milliseconds(0), second->Socket());
+        WriteLink(",127.0.0.1:" + std::to_string(secondLine->Port()));
+    }
+
+    void WriteLink(const std::string& others) const {
+        std::ofstream(link, std::ios::trunc)
+            << "postgresql://tester@127.0.0.1:" << line.Port() << others
+            << "/postgres?target_session_attrs=read-write&gssencmode=disable\n";
     }
 
     TestServerProcess server;
@@ -264,31 +267,32 @@ int Run(Extent extent, const std::string& only) {
             print(row);
         }
     };
-    {
-        Site site(folder.Path(), false);
-        tell("server killed at each way of a save",
-             [&](Row& row) { KillServer(row, site, false, atLength ? 90 : 3); });
-        tell("the same while nodes are created",
-             [&](Row& row) { KillServer(row, site, true, atLength ? 90 : 2); });
-        tell("line cut at each byte of a save",
-             [&](Row& row) { CutLine(row, site, atLength ? 100'000 : 40); });
-        tell("commit refused", [&](Row& row) { RefuseCommits(row, site, atLength ? 20 : 2); });
-        setenv("KAL_TEST_SERVER", site.server.Folder().c_str(), 1);
-        if (isWanted("races")) {
-            RaceSaves(extent, print);
-        }
-        if (isWanted("histories")) {
-            RecordOnServer(extent, print, [&] {
-                site.server.Do("kill");
-                site.server.Do("again");
-            });
-        }
-        tell("many at once, serializable", [&](Row& row) { SaveAtOnce(row, site, 8, atLength ? 250 : 5); });
+    std::optional<Site> site(std::in_place, folder.Path());
+    tell("server killed at each way of a save",
+         [&](Row& row) { KillServer(row, *site, false, atLength ? 90 : 3); });
+    tell("the same while nodes are created",
+         [&](Row& row) { KillServer(row, *site, true, atLength ? 90 : 2); });
+    tell("line cut at each byte of a save", [&](Row& row) { CutLine(row, *site, atLength ? 100'000 : 40); });
+    tell("commit refused", [&](Row& row) { RefuseCommits(row, *site, atLength ? 20 : 2); });
+    setenv("KAL_TEST_SERVER", site->server.Folder().c_str(), 1);
+    if (isWanted("races")) {
+        RaceSaves(extent, print);
     }
+    if (isWanted("histories")) {
+        RecordOnServer(extent, print, [&] {
+            site->server.Do("kill");
+            site->server.Do("again");
+        });
+    }
+    tell("many at once, serializable", [&](Row& row) { SaveAtOnce(row, *site, 8, atLength ? 250 : 5); });
+    TestDatabase::Run(site->server.Address(), "ALTER DATABASE postgres RESET ALL");
     tell("primary killed, standby promoted", [&](Row& row) {
-        for (int way = 1; way <= (atLength ? 9 : 1); ++way) {
-            Site site(folder.Path(), true);
-            KillServer(row, site, false, 1);
+        for (int tries = atLength ? 9 : 1; tries > 0; --tries) {
+            site->Follow();
+            KillServer(row, *site, false, 1);
+            if (tries > 1) {
+                site.emplace(folder.Path());
+            }
         }
     });
     return good ? 0 : 1;
