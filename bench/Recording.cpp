@@ -20,8 +20,9 @@ std::vector<Recorded> ofHistory;
 
 // What a floor of the node alone leaves out: a save's mark, and what is looked up of earlier ones.
 bool IsOfHistory(std::string_view sql) {
-    constexpr std::array<std::string_view, 6> words = {"Node_AUTO_Version", "Node_Creation", "sqlite_master",
-                                                       "schema_version",    "BEGIN",         "COMMIT"};
+    constexpr std::array<std::string_view, 7> words = {"Node_AUTO_Version", "Node_Creation", "sqlite_master",
+                                                       "schema_version",    "BEGIN",         "COMMIT",
+                                                       "ROLLBACK"};
     return std::ranges::any_of(words, [&](std::string_view word) { return sql.find(word) != sql.npos; });
 }
 

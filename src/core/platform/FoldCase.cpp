@@ -28,7 +28,7 @@ std::string FoldAscii(std::string_view text) {
 }
 
 bool SameInAscii(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, {}, Lower, Lower);
+    return a.size() == b.size() && std::ranges::equal(a, b, {}, Lower, Lower);
 }
 
 std::string FoldCase(std::string_view text) {

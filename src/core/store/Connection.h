@@ -68,6 +68,9 @@ class Connection {
     virtual bool BeginReading() = 0;
     virtual bool EndReading() noexcept = 0;
 
+    // Whether reading of one state costs nothing now, and less than asking each time anew.
+    [[nodiscard]] virtual bool HasFreeSnapshots() const { return false; }
+
     [[nodiscard]] virtual bool HasTable(const std::string& name) = 0;
     // Several statements without parameters and result rows.
     virtual void RunScript(const char* sql) = 0;

@@ -8,33 +8,16 @@
 #include "store/Connection.h"
 #include "store/ParlonPlusFilesAndFolders.h"
 #include "store/PortableSql.h"
-#include "store/ReferenceColumns.h"
 #include "store/Scripts.h"
 
 #include <algorithm>
 #include <cassert>
-#include <iterator>
-#include <limits>
 #include <utility>
 #include <vector>
 
 namespace KAL_AUTO_Node {
 
 namespace {
-
-struct NamedCommand {
-    std::string_view name;
-    std::string sql;
-};
-
-const NamedCommand& CommandOf(Command command) {
-    static const std::array<NamedCommand, CommandCount> commands = {{
-#define COMMAND(name, sql) {#name, sql},
-#include "store/Commands.inc"
-#undef COMMAND
-    }};
-    return commands.at(static_cast<std::size_t>(command));
-}
 
 // Of the configured place, whose parts are separated as the suite separates them.
 std::filesystem::path FileIn(std::string_view connectionString) {
@@ -43,10 +26,6 @@ std::filesystem::path FileIn(std::string_view connectionString) {
 }
 
 } // namespace
-
-std::string_view CommandName(Command command) { return CommandOf(command).name; }
-
-const std::string& CommandText(Command command) { return CommandOf(command).sql; }
 
 // The engine's message tells what went wrong; where it did is known here.
 template <class Use>
@@ -366,12 +345,20 @@ void DataBase::PrepareAnew(bool isNeeded) {
     }
 }
 
-Snapshot::Snapshot(DataBase& dataBase) : dataBase_(dataBase) {
-    dataBase_.Describing("beginning to read", "",
-                         [&] { dataBase_.PrepareAnew(dataBase_.Open().BeginReading()); });
+Snapshot::Snapshot(DataBase& dataBase, Taken taken)
+    : dataBase_(dataBase), taken_(taken == Taken::Always || (dataBase.connection_ != nullptr &&
+                                                             dataBase.connection_->HasFreeSnapshots())) {
+    if (taken_) {
+        dataBase_.Describing("beginning to read", "",
+                             [&] { dataBase_.PrepareAnew(dataBase_.Open().BeginReading()); });
+    }
 }
 
-Snapshot::~Snapshot() { dataBase_.PrepareAnew(dataBase_.connection_->EndReading()); }
+Snapshot::~Snapshot() {
+    if (taken_) {
+        dataBase_.PrepareAnew(dataBase_.connection_->EndReading());
+    }
+}
 
 Transaction::Transaction(DataBase& dataBase, std::optional<std::int64_t> number) : dataBase_(dataBase) {
     dataBase_.Describing("beginning a change", "", [&] { dataBase_.Open().Begin(number); });

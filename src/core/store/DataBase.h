@@ -308,7 +308,11 @@ class SingleWait {
 // is written on the data base meanwhile. No two on one data base.
 class Snapshot {
   public:
-    explicit Snapshot(DataBase& dataBase);
+    // Of a file without a log it is a copy, on a server a transaction that ends with what is asked next. So
+    // short work may take one only where it costs nothing, and reads on as ever elsewhere.
+    enum class Taken { Always, WhereFree };
+
+    explicit Snapshot(DataBase& dataBase, Taken taken = Taken::Always);
     ~Snapshot();
 
     Snapshot(const Snapshot&) = delete;
@@ -316,6 +320,7 @@ class Snapshot {
 
   private:
     DataBase& dataBase_;
+    bool taken_;
 };
 
 // Statements that take effect together, for others as for the disk: with Commit, or not at all. Where another

@@ -189,11 +189,18 @@ SqliteConnection::~SqliteConnection() {
     }
 }
 
-std::int64_t SqliteConnection::Number(const char* sql) {
-    std::string answer;
-    RequireSqlite(AskSqlite(database_.get(), sql, answer), database_.get());
-    return NumericValue(answer);
+std::string SqliteConnection::Ask(const char* sql) {
+    auto& statement = kept_[sql];
+    if (!statement) {
+        statement = std::make_unique<SqliteStatement>(database_.get(), sql, running_, waits_.work);
+    }
+    const auto close = [](Statement* run) { run->Close(); };
+    const std::unique_ptr<Statement, decltype(close)> run(statement.get(), close);
+    run->Run({});
+    return run->AtEnd() ? std::string() : std::string(run->Field(0).value_or(""));
 }
+
+std::int64_t SqliteConnection::Number(const char* sql) { return NumericValue(Ask(sql)); }
 
 bool SqliteConnection::ReadWithoutLog() {
     struct statvfs medium {};
@@ -207,6 +214,7 @@ bool SqliteConnection::ReadWithoutLog() {
     } else {
         return false;
     }
+    kept_.clear();
     database_ = std::move(other);
     SetUp(database_.get());
     return true;
@@ -282,7 +290,7 @@ void SqliteConnection::Rollback() noexcept { static_cast<void>(RunSqlite(databas
 
 bool SqliteConnection::BeginReading() {
     if (writeAhead_ || sqlite3_db_readonly(database_.get(), "main") != 0) {
-        RunScript("BEGIN");
+        static_cast<void>(Ask("BEGIN"));
         return false;
     }
     // Without a log who writes waits for all who read; it takes milliseconds to copy what a file holds.
@@ -296,8 +304,16 @@ bool SqliteConnection::EndReading() noexcept {
         snapshot_.reset();
         return true;
     }
-    Rollback();
+    try {
+        static_cast<void>(Ask("ROLLBACK"));
+    } catch (const RuntimeError&) {
+        return false; // the engine has ended it by itself
+    }
     return false;
+}
+
+bool SqliteConnection::HasFreeSnapshots() const {
+    return writeAhead_ && sqlite3_get_autocommit(database_.get()) != 0;
 }
 
 bool SqliteConnection::HasTable(const std::string& name) {

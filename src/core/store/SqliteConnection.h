@@ -5,6 +5,7 @@
 #include "store/Waits.h"
 
 #include <chrono>
+#include <map>
 #include <set>
 
 namespace KAL_AUTO_Node {
@@ -34,6 +35,7 @@ class SqliteConnection : public Connection {
     void Rollback() noexcept override;
     bool BeginReading() override;
     bool EndReading() noexcept override;
+    [[nodiscard]] bool HasFreeSnapshots() const override;
     [[nodiscard]] bool HasTable(const std::string& name) override;
 
     [[nodiscard]] int Version() const override { return version_; }
@@ -50,6 +52,8 @@ class SqliteConnection : public Connection {
   private:
     // The limits of whatever runs on that handle.
     void SetUp(sqlite3* engine);
+    // Runs a statement that is run over and over, prepared once, and gives what it answers, if anything.
+    std::string Ask(const char* sql);
     [[nodiscard]] std::int64_t Number(const char* sql);
     // Where the store can only be read, and there is no log that could be: goes on with what the file holds.
     bool ReadWithoutLog();
@@ -57,6 +61,8 @@ class SqliteConnection : public Connection {
     std::filesystem::path file_;
     Waits waits_;
     SqliteHandle database_;
+    std::map<std::string_view, std::unique_ptr<Statement>>
+        kept_;                     // of database_, by their texts, which are constants
     SqliteHandle snapshot_;        // in the place of a file whose readers keep others from writing
     std::set<std::string> tables_; // that are known to be there
     std::int64_t tablesOf_ = 0;    // the schema's version then

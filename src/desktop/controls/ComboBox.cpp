@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QListView>
 #include <QSignalBlocker>
+#include <QStyleOptionComboBox>
 #include <QTimer>
 #include <QWheelEvent>
 
@@ -64,11 +65,6 @@ ComboBox::ComboBox(QAbstractItemModel* entries, QWidget* parent) : QComboBox(par
     entries->setParent(this);
     // Before all that makes the pop-up, which would be made for entries of the toolkit's own first.
     setModel(entries);
-    // Measuring every entry would make the box as slow as its list is long.
-    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    if (auto* list = qobject_cast<QListView*>(view())) {
-        list->setUniformItemSizes(true);
-    }
     setFocusPolicy(Qt::StrongFocus);
     connect(this, &QComboBox::activated, this, &ComboBox::Click);
 }
@@ -121,7 +117,35 @@ void ComboBox::focusOutEvent(QFocusEvent* event) {
     QComboBox::focusOutEvent(event);
 }
 
+// Measuring every entry would make the box as slow as its list is long, and to choose the policy that spares
+// it would make the pop-up, most of what a box costs, for many that nobody opens.
+QSize ComboBox::sizeHint() const {
+    constexpr int lowest = 14;
+    constexpr int besideIcon = 4;
+    constexpr int aboveAndBelow = 2;
+    QStyleOptionComboBox box;
+    initStyleOption(&box);
+    const int letters = minimumContentsLength() * fontMetrics().horizontalAdvance(QLatin1Char('X'));
+    const QSize contents(letters == 0 ? 0 : letters + iconSize().width() + besideIcon,
+                         std::max({fontMetrics().height(), iconSize().height(), lowest}) + aboveAndBelow);
+    return style()->sizeFromContents(QStyle::CT_ComboBox, &box, contents, this);
+}
+
+// The toolkit's own asks the pop-up whether it suits the style, and would make it for that; one that is made
+// later suits it.
+void ComboBox::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::StyleChange && findChild<QFrame*>() == nullptr) {
+        // NOLINTNEXTLINE(bugprone-parent-virtual-call)
+        QWidget::changeEvent(event);
+    } else {
+        QComboBox::changeEvent(event);
+    }
+}
+
 void ComboBox::showPopup() {
+    if (auto* list = qobject_cast<QListView*>(view())) {
+        list->setUniformItemSizes(true);
+    }
     QComboBox::showPopup();
     if (view()->isVisible()) {
         qApp->installEventFilter(this);

@@ -25,6 +25,11 @@ class ComboBox : public QComboBox {
 
     [[nodiscard]] QString Text() const { return currentText(); }
 
+    // The entries fit themselves to the box, not the box to them.
+    [[nodiscard]] QSize sizeHint() const override;
+
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
     void showPopup() override;
 
   signals:
@@ -35,6 +40,8 @@ class ComboBox : public QComboBox {
     ComboBox(QAbstractItemModel* entries, QWidget* parent);
 
     void RequireEntry(int index) const;
+
+    void changeEvent(QEvent* event) override;
 
     // A wheel that passes over the box while the person scrolls something else must not change a value, and
     // neither must a key that was pressed elsewhere and is still held down when the box gets the focus.

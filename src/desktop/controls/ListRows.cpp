@@ -194,28 +194,6 @@ RowChange ListRows::Insert(int row, std::vector<ListRow> rows) {
     return change;
 }
 
-RowChange ListRows::Append(std::vector<ListRow> rows, std::vector<int> numbers) {
-    const int before = Count();
-    RowChange change{{}, {}, {}, numbers_};
-    std::vector<int> all(rows_.size());
-    for (int row = 0; row < before; ++row) {
-        all[static_cast<std::size_t>(row)] = Number(row);
-    }
-    all.insert(all.end(), numbers.begin(), numbers.end());
-    all.resize(std::max(rows_.size(), CountUnique(all)));
-    rows.resize(all.size() - rows_.size());
-    if (const auto count = static_cast<int>(rows.size()); count > 0) {
-        change.inAt = {{before, count}};
-        beginInsertRows({}, before, before + count - 1);
-        rows_.insert(rows_.end(), std::make_move_iterator(rows.begin()), std::make_move_iterator(rows.end()));
-        std::vector<int> places(all.size());
-        std::iota(places.begin(), places.end(), 1);
-        numbers_ = all == places ? std::vector<int>() : std::move(all);
-        endInsertRows();
-    }
-    return change;
-}
-
 RowChange ListRows::Remove(std::span<const int> rows) {
     RowChange change{RunsOf(rows), {}, {}, numbers_};
     if (rows.empty()) {
@@ -253,7 +231,16 @@ RowChange ListRows::Remove(std::span<const int> rows) {
     return change;
 }
 
-RowChange ListRows::Replace(std::vector<ListRow> rows) {
+RowChange ListRows::Replace(std::vector<ListRow> rows, std::vector<int> numbers) {
+    if (!numbers.empty()) {
+        numbers.resize(CountUnique(numbers));
+        rows.resize(numbers.size());
+        std::vector<int> places(numbers.size());
+        std::iota(places.begin(), places.end(), 1);
+        if (numbers == places) {
+            numbers.clear();
+        }
+    }
     const auto first = std::ranges::mismatch(rows_, rows).in1 - rows_.begin();
     const auto longest = std::min(std::ssize(rows_), std::ssize(rows)) - first;
     std::ptrdiff_t same = 0; // at the end
@@ -270,7 +257,7 @@ RowChange ListRows::Replace(std::vector<ListRow> rows) {
                       std::make_move_iterator(rows_.end() - same));
     beginResetModel();
     rows_ = std::move(rows);
-    numbers_.clear();
+    numbers_ = std::move(numbers);
     endResetModel();
     return change;
 }

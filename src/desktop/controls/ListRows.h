@@ -31,9 +31,8 @@ class ListRows : public QAbstractTableModel {
     // Takes out rows given in ascending order, in one step. Over more than one run of rows the views see a
     // change of layout.
     RowChange Remove(std::span<const int> rows);
-    RowChange Replace(std::vector<ListRow> rows);
-    // Adds rows with numbers of their own at the end, up to one with a number that is taken.
-    RowChange Append(std::vector<ListRow> rows, std::vector<int> numbers);
+    // All rows by others, which may have numbers of their own: up to one whose number another has.
+    RowChange Replace(std::vector<ListRow> rows, std::vector<int> numbers = {});
 
     // Makes the rows what they were before a change, the latest one.
     RowChange TakeBack(RowChange change);

@@ -138,15 +138,10 @@ void ListView::Insert(int row, std::vector<ListRow> rows) {
     Change([&] { return rows_->Insert(row, std::move(rows)); });
 }
 
-void ListView::SetRows(std::vector<ListRow> rows) {
-    Change([&] { return rows_->Replace(std::move(rows)); });
-}
-
-void ListView::Append(std::vector<ListRow> rows, const std::vector<int>& numbers) {
-    const int before = Count();
-    Change([&] { return rows_->Append(std::move(rows), numbers); });
-    if (const auto added = static_cast<std::size_t>(Count() - before); added < numbers.size()) {
-        throw RuntimeError(ErrorNumber::DuplicateRowKey, "The key \"" + std::to_string(numbers[added]) +
+void ListView::SetRows(std::vector<ListRow> rows, const std::vector<int>& numbers) {
+    Change([&] { return rows_->Replace(std::move(rows), numbers); });
+    if (const auto set = static_cast<std::size_t>(Count()); set < numbers.size()) {
+        throw RuntimeError(ErrorNumber::DuplicateRowKey, "The key \"" + std::to_string(numbers[set]) +
                                                              KeySuffix + "\" is not unique in the list");
     }
 }

@@ -64,14 +64,9 @@ class ListView : public QTreeView {
     // Takes out rows given in ascending order. Those left stay selected; where the selected item goes, the
     // row before it becomes it.
     void Remove(std::span<const int> rows);
-    // Other rows instead, none of them selected.
-    void SetRows(std::vector<ListRow> rows);
-
-    void Clear() { SetRows({}); }
-
-    // Adds rows at the end, with numbers of their own. Raises DuplicateRowKey where a number is taken; the
-    // rows before that one are added.
-    void Append(std::vector<ListRow> rows, const std::vector<int>& numbers);
+    // Other rows instead, none of them selected, which may have numbers of their own. Raises DuplicateRowKey
+    // where two have the same; the rows before the second one stand then.
+    void SetRows(std::vector<ListRow> rows, const std::vector<int>& numbers = {});
 
     // Makes the rows what they were before a change, the latest one, and returns how that is done again; none
     // of them stays selected where they did not stay in their places. No signal tells it but Changing.

@@ -65,11 +65,20 @@ ListRow RowOf(const GUI& gui, const Action& action) {
     return WithTarget(ActionRow(action), gui, action.target);
 }
 
+struct BranchItem {
+    int sequence; // from 1
+    Reference target;
+};
+
+ListRow RowOf(const GUI& gui, const BranchItem& branch) {
+    return WithTarget(ExceptionRow(static_cast<std::size_t>(branch.sequence) - 1, branch.target), gui,
+                      branch.target);
+}
+
 // Shows in a list what a step of reading brings. When a row can't be read or shown, those before it stand in
 // the list all the same before the error goes on.
 template <class Read, class Item>
 void Show(const GUI& gui, ListView& list, Read read, const std::vector<Item>& items) {
-    GUI::ClearListView(list);
     std::exception_ptr failure;
     std::vector<ListRow> rows;
     std::vector<int> numbers;
@@ -88,15 +97,22 @@ void Show(const GUI& gui, ListView& list, Read read, const std::vector<Item>& it
             numbers.push_back(item.sequence);
         }
     });
-    list.Append(std::move(rows), numbers);
+    list.SetRows(std::move(rows), numbers);
     if (failure) {
         std::rethrow_exception(failure);
     }
 }
 
-void ShowBranch(const GUI& gui, std::size_t branch, const Reference& target) {
-    gui.LVExceptions->Insert(static_cast<int>(branch),
-                             {WithTarget(ExceptionRow(branch, target), gui, target)});
+template <class Read>
+void ShowBranches(const GUI& gui, const AutoNode& node, Read read) {
+    std::vector<BranchItem> branches;
+    const auto readAll = [&] {
+        for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
+            read(branch);
+            branches.push_back({static_cast<int>(branch) + 1, node.branches[branch]});
+        }
+    };
+    Show(gui, *gui.LVExceptions, readAll, branches);
 }
 
 } // namespace
@@ -132,11 +148,7 @@ bool NodeRules::LoadData(GUI& gui, std::int16_t nodeNumber) {
                 gui, *gui.LVPrompts, [&] { reader.ReadPrompts(node); }, node.prompts);
             Show(
                 gui, *gui.LVActions, [&] { reader.ReadActions(node); }, node.actions);
-            GUI::ClearListView(*gui.LVExceptions);
-            for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
-                reader.ReadBranch(node, branch);
-                ShowBranch(gui, branch, node.branches[branch]);
-            }
+            ShowBranches(gui, node, [&](std::size_t branch) { reader.ReadBranch(node, branch); });
             NodeContent content;
             ReadEntry(dataBase_, place, content);
             content.node = std::move(node);
@@ -165,10 +177,7 @@ void NodeRules::ShowTogether(GUI& gui, std::int16_t nodeNumber, AutoNode node, S
             gui, *gui.LVPrompts, [] {}, node.prompts);
         Show(
             gui, *gui.LVActions, [] {}, node.actions);
-        GUI::ClearListView(*gui.LVExceptions);
-        for (std::size_t branch = 0; branch < Branches.size(); ++branch) {
-            ShowBranch(gui, branch, node.branches[branch]);
-        }
+        ShowBranches(gui, node, [](std::size_t /*branch*/) {});
         gui.StoredNode = std::make_unique<GUI::Stored>(GUI::Stored{nodeNumber, std::move(stored)});
     });
     gui.cmdApply->setEnabled(true);

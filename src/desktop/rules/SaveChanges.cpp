@@ -103,6 +103,13 @@ bool NodeRules::OfferToPutBack(const GUI& gui, std::int16_t nodeNumber) {
     const QString node = NameOf(gui, nodeNumber);
     bool putBack = false;
     history_.CatchUp();
+    {
+        // Nearly every node is whole, which one look in one state tells soonest.
+        const Snapshot look(dataBase_, Snapshot::Taken::WhereFree);
+        if (!history_.Unfinished(place) && !history_.IsHalfMade(place)) {
+            return false;
+        }
+    }
     while (const auto save = history_.Unfinished(place)) {
         if (!WantsItPutBack(node, *save)) {
             break;
