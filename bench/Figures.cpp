@@ -63,10 +63,12 @@ void PrintSyncsOf(std::ostream& out, const char* size, const char* side, const T
     }
 }
 
-// Whether the benchmarks that are asked for are of that size.
+// Whether the benchmarks that are asked for are of that size, or of none.
 bool IsAskedFor(const char* size) {
-    const std::string filter = benchmark::GetBenchmarkFilter();
-    return filter.empty() || std::regex_search(size, std::regex(filter));
+    const std::regex filter(benchmark::GetBenchmarkFilter());
+    const auto takes = [&](const SizedPlace& sized) { return std::regex_search(sized.size, filter); };
+    return std::regex_search(size, filter) ||
+           (std::ranges::none_of(SmallNodes, takes) && std::ranges::none_of(LargeNodes, takes));
 }
 
 std::string MemoryOf(Place place) {
