@@ -299,8 +299,9 @@ class Person {
     // The cells of a row, joined by '|'.
     static std::string Row(const std::string& list, int row) {
         std::string cells;
-        for (int column = 0; column < List(list)->model()->columnCount(); ++column) {
-            cells += (column > 0 ? "|" : "") + Cell(list, row, column);
+        const auto* model = List(list)->model();
+        for (int column = 0; column < model->columnCount(); ++column) {
+            cells += (column > 0 ? "|" : "") + model->index(row, column).data().toString().toStdString();
         }
         return cells;
     }
