@@ -68,7 +68,7 @@ class Handler {
         case Place::Rows:
             place_ = Place::Row;
             row_.resize(table_->columns.size());
-            given_.assign(table_->columns.size(), false);
+            given_.assign(table_->columns.size(), 0);
             missing_ = given_.size();
             column_.reset();
             break;
@@ -212,10 +212,9 @@ class Handler {
         if (!column_) {
             Fail(table_->name + " has no column " + name);
         }
-        if (given_[*column_]) {
+        if (std::exchange(given_[*column_], 1) != 0) {
             Fail("the column " + name + " stands there twice");
         }
-        given_[*column_] = true;
         --missing_;
     }
 
@@ -305,7 +304,7 @@ class Handler {
 
     void EndRow() {
         if (missing_ > 0) {
-            const auto missing = std::ranges::find(given_, false);
+            const auto missing = std::ranges::find(given_, 0);
             Fail("the row has no " +
                  table_->columns[static_cast<std::size_t>(missing - given_.begin())].name);
         }
@@ -335,7 +334,7 @@ class Handler {
     const StoreTable* table_ = nullptr;
     std::optional<std::size_t> column_;
     StoreRow row_;
-    std::vector<bool> given_;
+    std::vector<char> given_;        // 1 for the columns that are; asked for each of them
     std::size_t missing_ = 0;        // columns that are not given yet
     std::optional<StoreKey> before_; // the key of the row before
     std::optional<std::string> bytes_;

@@ -6,6 +6,9 @@
 
 #include <sqlite3.h>
 
+#include <array>
+#include <charconv>
+#include <limits>
 #include <string_view>
 #include <sys/statvfs.h>
 #include <utility>
@@ -82,6 +85,14 @@ class SqliteStatement : public Statement {
 
     [[nodiscard]] std::optional<std::string_view> Field(std::size_t column) const override {
         const auto position = static_cast<int>(column);
+        // As most are; the engine makes a number a text in several steps.
+        if (sqlite3_column_type(statement_.get(), position) == SQLITE_INTEGER) {
+            Digits& digits = digits_[column];
+            const auto end = std::to_chars(digits.data(), digits.data() + digits.size(),
+                                           sqlite3_column_int64(statement_.get(), position))
+                                 .ptr;
+            return std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data()));
+        }
         const void* text = sqlite3_column_text(statement_.get(), position);
         if (text == nullptr) {
             return std::nullopt;
@@ -95,6 +106,8 @@ class SqliteStatement : public Statement {
     void Close() noexcept override { sqlite3_reset(statement_.get()); }
 
   private:
+    using Digits = std::array<char, std::numeric_limits<std::int64_t>::digits10 + 2>; // and a sign
+
     struct Finalize {
         void operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
     };
@@ -126,6 +139,7 @@ class SqliteStatement : public Statement {
         for (int column = 0; column < sqlite3_column_count(statement_.get()); ++column) {
             columns_.emplace_back(sqlite3_column_name(statement_.get(), column));
         }
+        digits_.resize(columns_.size());
     }
 
     void Require(int result) const {
@@ -147,6 +161,7 @@ class SqliteStatement : public Statement {
     bool onRow_ = false;
     int timesPreparedAnew_ = 0;
     std::vector<std::string> columns_;
+    mutable std::vector<Digits> digits_; // of the row reached, those that were asked for
 };
 
 } // namespace
