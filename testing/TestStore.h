@@ -83,8 +83,11 @@ class TemporaryFolder {
     }
 
     ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
+        // Processes that were ended may write there for a moment yet.
+        std::error_code failure;
+        for (int tries = 0; tries < 100 && (std::filesystem::remove_all(path_, failure), failure); ++tries) {
+            usleep(10'000);
+        }
     }
 
     TemporaryFolder(const TemporaryFolder&) = delete;
