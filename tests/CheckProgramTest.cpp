@@ -79,8 +79,7 @@ TEST(CheckProgram, LooksForWhatIsAskedForAndKeepsTheAcceptedTrue) {
     const std::string all = Program(1, {"check", "--keys"}).output;
     const std::string stale = "missing-node 1 2 AUTO 6 MSG 77";
     std::ofstream(file) << "# ours\n" + all + stale + "\nmissing-node 1 1 AUTO 1 MSG 78\n";
-    ExpectTold(Program(0, {"check", "1", "2", "--accept", accepted}).output,
-               "not found any more: " + stale + '\n');
+    ExpectTold(0, "check 1 2 --accept " + accepted, "not found any more: " + stale + '\n');
     Program(0, {"check", "1", "2", "--accept", accepted, "--prune", "--ignore", "missing-node"});
     ExpectTold(BytesOf(file), stale);
     Program(0, {"check", "1", "2", "--accept", accepted, "--prune"});
@@ -102,8 +101,12 @@ TEST(CheckProgram, LooksForWhatIsAskedForAndKeepsTheAcceptedTrue) {
 TEST(Commands, TellWhatTheyDid) {
     const TestStore store;
     const QString folder = QString::fromStdString(store.Folder().string()) + '/';
-    std::ofstream(store.Folder() / "expected")
-        << "1 2 AUTO 1: 0 -> XFER 1\n1 2 AUTO 1: x -> XFER 1\n1 2 AUTO 1: 1 -> XFER 1\n";
+    std::ofstream(store.Folder() / "expected") << "# ours\n1 2 AUTO 1: 0 -> not XFER 2\n1 2 AUTO 1: 9 @MSG "
+                                                  "60 -> MSG 60\n1 2 AUTO 1: 1 12 -> XFER 1\n"
+                                                  "1 2 AUTO 1: 1 -> not AUTO 8\n1 2 AUTO 12: timeout 1 -> "
+                                                  "LIST 2\n1 2 AUTO 1: x -> XFER 1\n1 2 MSG 1: 0 -> XFER 1\n"
+                                                  "1 2 AUTO 1: 0\n1 2 AUTO 1 0 -> XFER 1\n1 2 AUTO 1: 0 "
+                                                  "->\n1 2: 0 -> XFER 1\n1 2 AUTO 1: 0 -> AUTO\n";
     std::ofstream(store.Folder() / "later") << std::string("\0\1\0\0Standard ACE DB\0\2\0\0\0", 24);
     std::ofstream(store.Folder() / "jet") << std::string("\0\1\0\0Standard Jet DB\0\1\0\0\0", 24);
     Program(0, {"export", "1", "2", folder + "text"});
@@ -112,7 +115,10 @@ TEST(Commands, TellWhatTheyDid) {
          {std::tuple{0, "trace 1 2 8", "\n  7-8      nowhere (Invalid, or the menu again)"},
           {0, "trace 1 2 1 9 @MSG 60", "\nMSG 60"},
           {0, "repoint 1 2 AUTO 10 AUTO 1 --dry-run --calls", "\nTIME 2, row 2: AUTO 10 → AUTO 1\n"},
-          {1, "expect ./expected", ": 1 certain, 0 possible only, 1 contradicted, 1 that cannot be read\n"},
+          {1, "trace 1 2 8 12", "AUTO 8 takes at most 1 digit, not 12"},
+          {1, "trace 1 2 1 9 @MSG", "'@MSG' lacks the number"},
+          {1, "trace 1 2 1 9 @MSG 33", "MSG 33; those to choose from: DBN 1, MSG 60"},
+          {1, "expect ./expected", ": 2 certain, 1 possible only, 2 contradicted, 7 that cannot be read\n"},
           {0, "expect --write 1 2", "\n1 2 AUTO 12: timeout -> LIST 2\n"},
           {0, "recordings 1 2 --json", "\"players\": [\n        1\n      ],\n      \"shared\": []\n    },"},
           {0, "move 1 2 MSG 51 249", "Moved MSG 51 to MSG 249, 1 reference in 1 node\n"},

@@ -141,9 +141,7 @@ TEST(HostProgram, TellsWhatChangedAndPutsItBack) {
     EXPECT_EQ(Program(0, {"diff", "1", "2", "8", "--versions", "1"}).output, back);
     ExpectTold(1, "diff 1 2 8 --node 1 2 25", "AUTO node 25");
     ExpectTold(0, "diff 1 2 8 --node 1 2 8", "nothing differs");
-    ExpectTold(
-        Program(0, {"diff", "1", "2", "8", "--store", QString::fromStdString(store.File().string())}).output,
-        "nothing differs");
+    ExpectTold(0, QString::fromStdString("diff 1 2 8 --store " + store.File().string()), "nothing differs");
     ExpectTold(0, "restore 1 2 8 --dry-run", back);
     EXPECT_EQ(store.Value("SELECT NodeDescription FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 8"),
               "Changed");
@@ -160,10 +158,7 @@ TEST(HostProgram, TellsWhatChangedAndPutsItBack) {
         ExpectTold(1, "restore 1 2 8 --dry-run", " on \\x1b[31m with ");
     }
 
-    QProcess cut;
-    cut.setStandardOutputFile("/dev/full");
-    cut.start(AUTO_NODE, {"history", "1", "2", "8"});
-    EXPECT_TRUE(cut.waitForFinished() && cut.exitCode() == 1);
+    EXPECT_EQ(WEXITSTATUS(std::system(AUTO_NODE " history 1 2 8 >/dev/full 2>/dev/null")), 1);
 }
 
 TEST(HostProgram, DrawsTheCallFlowOrOffersItsText) {
@@ -212,8 +207,7 @@ TEST(HostProgram, DrawsTheCallFlowOrOffersItsText) {
     ExpectTold(Program(0, {"report", "1", "2", page}).output, "Wrote 17 menus and ");
     ExpectTold(Program(1, {"report", "9", "9", page}).errors, "has no nodes");
     Program(0, {"export", "1", "1", text});
-    ExpectTold(Program(1, {"report", "1", "2", page, "--against", text}).errors,
-               "partition 1, not configuration 1");
+    ExpectTold(1, "report 1 2 " + page + " --against " + text, "partition 1, not configuration 1");
     ExpectTold(Program(0, {"report", "1", "1", page, "--against", text}).output, "Wrote 2 menus");
     for (const QStringList& arguments : {QStringList{"graph", "1", "2", "-o", "flow.jpg"},
                                          {"report", "1", "2", "page.pdf"},

@@ -209,15 +209,14 @@ TEST_F(StoreServer, IsFoundAgainAfterTheLineBroke) {
     relay.AtWay = nullptr;
     // At each way of putting a node back, which is not done then unless that is said not to be known.
     Saver saver(Place);
-    bool done = false;
-    for (int way = 1; !done; ++way) {
+    for (int way = 1;; ++way) {
         AutoNode node = saver.Load();
         node.label = "Other " + std::to_string(way);
         ASSERT_FALSE(saver.Save(node));
         relay.AtWay = [&, left = way](int) mutable { --left == 0 ? relay.Cut() : void(); };
         try {
             saver.Versions().PutBack(Place, saver.Version(), "restore");
-            done = true;
+            return;
         } catch (const RuntimeError& error) {
             relay.AtWay = nullptr;
             EXPECT_TRUE(error.Number() == OutcomeUnknown || saver.Read().node == node) << way;
