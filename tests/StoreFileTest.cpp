@@ -84,7 +84,12 @@ TEST(StoreFile, TellWhatTheStoreRefuses) {
                                 " SELECT MAX(i) FROM Endless)";
     store.Execute("CREATE TRIGGER Slow BEFORE INSERT ON Detail_AUTO_Prompts BEGIN SELECT " + endless +
                   "; END");
+    const auto before = std::chrono::steady_clock::now();
     ExpectRaised(StoreFailure, {"Stopped after 1 seconds", "Add_AUTO_PromptsNode", file}, [&] { add("6"); });
+    const std::atomic<bool> unwanted = true;
+    DataBase vain(Waits{.unwanted = &unwanted});
+    ExpectRaised(StoreFailure, {"Stopped"}, [&] { addThere(vain, "6"); });
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(5)) << "nobody waits for it";
     store.Execute("DROP TRIGGER Slow");
     EXPECT_NO_THROW(add("6"));
 }

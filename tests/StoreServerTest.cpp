@@ -157,6 +157,10 @@ TEST_F(StoreServer, IsNotBelievedInEverything) {
         const auto statement = dataBase.Prepare(sql);
         ExpectRaised(number, {told}, [&] { statement->Run({}); });
     }
+    const std::atomic<bool> unwanted = true;
+    DataBase vain(Waits{.unwanted = &unwanted});
+    const auto statement = vain.Prepare("SELECT pg_sleep(20)");
+    ExpectRaised(StoreUnreachable, {"Interrupted"}, [&] { statement->Run({}); });
     // What comes after it waits no more, and is the same error.
     store_.Execute("BEGIN; LOCK TABLE Node_Type_Max");
     ExpectRaised(StoreUnreachable, {"does not answer"}, [&] { Limit(dataBase); });

@@ -324,7 +324,7 @@ void PostgresConnection::Await() {
         std::chrono::ceil<std::chrono::milliseconds>(answerBy_ - std::chrono::steady_clock::now());
     const auto wait = std::min(left, BetweenLooks);
     const int ready = wait.count() > 0 ? poll(&socket, 1, static_cast<int>(wait.count())) : 0;
-    if (ready == 0 && Interruption::IsWanted()) {
+    if (ready == 0 && (Interruption::IsWanted() || waits_.AreInVain())) {
         FailLost("Interrupted");
     }
     if (ready == 0 && left > wait) {

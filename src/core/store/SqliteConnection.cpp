@@ -189,7 +189,7 @@ void SqliteConnection::SetUp(sqlite3* engine) {
             if (!*since) {
                 *since = now;
             }
-            return now - **since > connection.waits_.work ? 1 : 0;
+            return now - **since > connection.waits_.work || connection.waits_.AreInVain() ? 1 : 0;
         },
         this);
 }

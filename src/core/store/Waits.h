@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 
 namespace KAL_AUTO_Node {
@@ -14,6 +15,11 @@ struct Waits {
     // For another's save of the same node, which takes a fraction of a second. Two in a store whose
     // statements each wait for the disk keep each other waiting as well.
     std::chrono::milliseconds save{2000};
+    // Where there is one, another thread sets it once nobody wants the answer any more: what runs then fails
+    // soon. It outlives the connection.
+    const std::atomic<bool>* unwanted = nullptr;
+
+    [[nodiscard]] bool AreInVain() const { return unwanted != nullptr && *unwanted; }
 };
 
 } // namespace KAL_AUTO_Node

@@ -60,7 +60,9 @@ void StoreReader::Run() {
             continue;
         }
         if (!dataBase_) {
-            dataBase_.emplace(file_);
+            Waits waits;
+            waits.unwanted = &ending_;
+            dataBase_.emplace(file_, waits);
         }
         Reply(*dataBase_, question);
     }

@@ -34,7 +34,7 @@ class StoreReader {
   public:
     // Opens nothing yet.
     explicit StoreReader(std::filesystem::path file);
-    // What is being read is given up first; a statement that runs is waited for.
+    // What is being read is given up.
     ~StoreReader();
 
     StoreReader(const StoreReader&) = delete;
@@ -88,7 +88,7 @@ class StoreReader {
     std::mutex mutex_;
     std::condition_variable added_;
     std::deque<Question> questions_;
-    bool ending_ = false;
+    std::atomic<bool> ending_ = false;
     std::atomic<int> round_ = 0; // the questions of those before are forgotten
     std::optional<DataBase> dataBase_;
     std::thread thread_; // from the first question on
