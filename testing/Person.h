@@ -29,6 +29,7 @@
 #include <deque>
 #include <exception>
 #include <functional>
+#include <optional>
 #include <ostream>
 #include <set>
 #include <string>
@@ -232,7 +233,9 @@ class Person {
     }
 
     // Drags a row to the lower half of another, in this list or in another one.
-    static void DragRow(const std::string& list, int from, const std::string& other, int to) {
+    // A key may be pressed before the row is let go of.
+    static void DragRow(const std::string& list, int from, const std::string& other, int to,
+                        std::optional<Qt::Key> key = {}) {
         QWidget* viewport = List(list)->viewport();
         QTest::mousePress(viewport, Qt::LeftButton, {}, InRow(list, from));
         const QPoint there =
@@ -240,6 +243,9 @@ class Person {
         QMouseEvent move(QEvent::MouseMove, there, viewport->mapToGlobal(there), Qt::NoButton, Qt::LeftButton,
                          {});
         QApplication::sendEvent(viewport, &move);
+        if (key) {
+            QTest::keyClick(List(list), *key);
+        }
         QTest::mouseRelease(viewport, Qt::LeftButton, {}, there);
     }
 

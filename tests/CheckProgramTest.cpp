@@ -106,7 +106,8 @@ TEST(Commands, TellWhatTheyDid) {
                                                   "1 2 AUTO 1: 1 -> not AUTO 8\n1 2 AUTO 12: timeout 1 -> "
                                                   "LIST 2\n1 2 AUTO 1: x -> XFER 1\n1 2 MSG 1: 0 -> XFER 1\n"
                                                   "1 2 AUTO 1: 0\n1 2 AUTO 1 0 -> XFER 1\n1 2 AUTO 1: 0 "
-                                                  "->\n1 2: 0 -> XFER 1\n1 2 AUTO 1: 0 -> AUTO\n";
+                                                  "->\n1 2: 0 -> XFER 1\n1 2 AUTO 1: 0 -> AUTO\n"
+                                                  "1 2 AUTO 1: 1 1 1 1 1 -> XFER 1\n";
     std::ofstream(store.Folder() / "later") << std::string("\0\1\0\0Standard ACE DB\0\2\0\0\0", 24);
     std::ofstream(store.Folder() / "jet") << std::string("\0\1\0\0Standard Jet DB\0\1\0\0\0", 24);
     Program(0, {"export", "1", "2", folder + "text"});
@@ -118,7 +119,11 @@ TEST(Commands, TellWhatTheyDid) {
           {1, "trace 1 2 8 12", "AUTO 8 takes at most 1 digit, not 12"},
           {1, "trace 1 2 1 9 @MSG", "'@MSG' lacks the number"},
           {1, "trace 1 2 1 9 @MSG 33", "MSG 33; those to choose from: DBN 1, MSG 60"},
-          {1, "expect ./expected", ": 2 certain, 1 possible only, 2 contradicted, 7 that cannot be read\n"},
+          {1, "expect ./expected", ": 2 certain, 2 possible only, 2 contradicted, 7 that cannot be read\n"},
+          {1, "expect ./expected", "\n    with steps left at DTMF 2\n"},
+          {0, "find descale", "1  2  MSG 27  How to descale a machine  1 reference\n"},
+          {0, "find descale --json", "\"number\": 27,"},
+          {1, "diff 1 2 8 --node 1 2 9 --calls --exit-code", "\nAUTO 8, entry 1: DTMF 2 → MSG 27\n"},
           {0, "expect --write 1 2", "\n1 2 AUTO 12: timeout -> LIST 2\n"},
           {0, "recordings 1 2 --json", "\"players\": [\n        1\n      ],\n      \"shared\": []\n    },"},
           {0, "move 1 2 MSG 51 249", "Moved MSG 51 to MSG 249, 1 reference in 1 node\n"},

@@ -250,7 +250,13 @@ TEST_F(Lists, GiveRowsToOtherNodes) {
 }
 
 TEST_F(Lists, AreOrderedByDraggingRows) {
+    store_.Execute(
+        "UPDATE Detail_AUTO_Prompts SET SequenceNo = SequenceNo * 10 WHERE PartID = 2 AND NodeMasterID = 1");
     Edit(1, [] {
+        Person::DragRow("LVPrompts", 2, "LVPrompts", 0, Qt::Key_Escape);
+        EXPECT_EQ(Rows("LVPrompts"), "10a 10 TIME 1, 20a 20 MSG 2, 30a 30 MSG 3");
+        Person::DragRow("LVPrompts", 2, "LVPrompts", 0);
+        EXPECT_EQ(Rows("LVPrompts"), "1a 1 TIME 1, 2a 2 MSG 3, 3a 3 MSG 2");
         const auto entries = [] {
             std::string all;
             for (int row = 0; row < Person::Count("LVActions"); ++row) {
