@@ -174,7 +174,7 @@ void RecordAll(const char* where, Extent extent, const Tell& tell, const std::fu
         Count(row, history);
         if (!IsExplained(history)) {
             row.Wrong("no order explains what is above (seed " + std::to_string(extent.seed) + ")");
-            Print(history);
+            Print(Smallest(history));
         }
     }
     tell(row);
@@ -203,6 +203,10 @@ void PlantFaults(Extent extent, const Tell& tell) {
         } while (row.tries < 1000 && IsExplained(history));
         if (IsExplained(history)) {
             row.Unseen(kind);
+        } else if (extent.atLength) {
+            const RecordedHistory smallest = Smallest(history);
+            row.remarks = "made smaller to " + std::to_string(smallest.operations.size()) + " operations";
+            row.wrong += IsExplained(smallest) ? 1 : 0;
         }
         tell(row);
     }

@@ -1,6 +1,7 @@
 #include "HistoryModel.h"
 
 #include <algorithm>
+#include <limits>
 #include <set>
 #include <unordered_set>
 #include <utility>
@@ -279,6 +280,26 @@ class Search {
     std::unordered_set<std::string> known_;
 };
 
+// What had begun by then; what had not ended may yet have any effect.
+RecordedHistory UpTo(RecordedHistory history, std::int64_t time) {
+    std::erase_if(history.operations, [&](const Operation& operation) { return operation.begin > time; });
+    for (Operation& operation : history.operations) {
+        if (operation.end > time) {
+            operation.end = std::numeric_limits<std::int64_t>::max();
+            operation.answer.reset();
+        }
+    }
+    return history;
+}
+
+bool HasEffect(const Operation& operation) {
+    static const std::set<std::string> without = {"load", "export", "log",     "failed",
+                                                  "busy", "gone",   "changed", "hindered"};
+    const std::string answer = operation.answer.value_or("");
+    return !without.contains(operation.verb) && !without.contains(answer) &&
+           (operation.verb != "back" || answer != "0");
+}
+
 } // namespace
 
 int ReplaceAll(std::string& text, const std::string& from, const std::string& to) {
@@ -291,5 +312,24 @@ int ReplaceAll(std::string& text, const std::string& from, const std::string& to
 }
 
 bool IsExplained(const RecordedHistory& history) { return Search(history).Run(); }
+
+RecordedHistory Smallest(const RecordedHistory& history) {
+    std::vector<std::int64_t> ends;
+    for (const Operation& operation : history.operations) {
+        ends.push_back(operation.end);
+    }
+    std::ranges::sort(ends);
+    const auto last =
+        std::ranges::partition_point(ends, [&](std::int64_t end) { return IsExplained(UpTo(history, end)); });
+    RecordedHistory smallest = last == ends.end() ? history : UpTo(history, *last);
+    for (std::size_t i = smallest.operations.size(); i-- > 0;) {
+        RecordedHistory without = smallest;
+        without.operations.erase(without.operations.begin() + static_cast<std::ptrdiff_t>(i));
+        if (!HasEffect(smallest.operations[i]) && !IsExplained(without)) {
+            smallest = std::move(without);
+        }
+    }
+    return smallest;
+}
 
 } // namespace KAL_AUTO_Node

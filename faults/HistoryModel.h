@@ -36,6 +36,10 @@ struct RecordedHistory {
 // Whether some order, in which what ended before another began stands before it, explains all answers.
 [[nodiscard]] bool IsExplained(const RecordedHistory& history);
 
+// Of one that is not explained: what there was up to the answer that nothing explains, without what has no
+// effect and is not needed for that.
+[[nodiscard]] RecordedHistory Smallest(const RecordedHistory& history);
+
 // Returns how often it stood there.
 int ReplaceAll(std::string& text, const std::string& from, const std::string& to);
 
