@@ -4,6 +4,7 @@
 #include "platform/TypedNumber.h"
 
 #include <QAbstractListModel>
+#include <QCompleter>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -69,10 +70,14 @@ class NumberModel : public QAbstractListModel {
 
 NumberBox::NumberBox(QWidget* parent)
     : ComboBox(new NumberModel, parent), numbers_(static_cast<NumberModel*>(model())) {
-    setEditable(true);
-    setInsertPolicy(QComboBox::NoInsert);
-    // Completing "2" to "20" while a person types would fight the correction.
+    // Completing "2" to "20" while a person types would fight the correction. The toolkit makes a completer
+    // for a line that has none, which takes longer than all else here.
+    QCompleter none;
+    auto* line = new QLineEdit(this);
+    line->setCompleter(&none);
+    setLineEdit(line);
     setCompleter(nullptr);
+    setInsertPolicy(QComboBox::NoInsert);
     setInputMethodHints(Qt::ImhDigitsOnly);
     lineEdit()->setInputMethodHints(Qt::ImhDigitsOnly);
     connect(lineEdit(), &QLineEdit::textChanged, this, &NumberBox::Change);
