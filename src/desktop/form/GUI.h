@@ -66,6 +66,9 @@ class GUI : public QDialog {
     void ResetActionsListView();
     void ResetExceptionsListView();
 
+    // Removes all rows and leaves the columns.
+    static void ClearListView(ListView& list) { list.SetRows({}); }
+
     // A list is in edit mode as long as its Edit button says so.
     [[nodiscard]] static bool IsEditing(const QPushButton& editButton);
     static void ShowEditing(QPushButton& editButton, bool editing);

@@ -97,7 +97,11 @@ void Show(const GUI& gui, ListView& list, Read read, const std::vector<Item>& it
             numbers.push_back(item.sequence);
         }
     });
-    list.SetRows(std::move(rows), numbers);
+    if (rows.empty()) {
+        GUI::ClearListView(list);
+    } else {
+        list.SetRows(std::move(rows), numbers);
+    }
     if (failure) {
         std::rethrow_exception(failure);
     }
