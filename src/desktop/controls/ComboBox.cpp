@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QListView>
+#include <QResizeEvent>
 #include <QSignalBlocker>
 #include <QStyleOptionComboBox>
 #include <QTimer>
@@ -137,6 +138,9 @@ void ComboBox::changeEvent(QEvent* event) {
     if (event->type() == QEvent::StyleChange && findChild<QFrame*>() == nullptr) {
         // NOLINTNEXTLINE(bugprone-parent-virtual-call)
         QWidget::changeEvent(event);
+        // The line of one that is typed into lies otherwise in another style.
+        QResizeEvent sameSize(size(), size());
+        QComboBox::resizeEvent(&sameSize);
     } else {
         QComboBox::changeEvent(event);
     }
