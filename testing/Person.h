@@ -119,8 +119,7 @@ class Person {
         return Edit(rules, node, deeds);
     }
 
-    // Opens Quick Assign with the button, and does things in it; it is closed afterwards where it is still
-    // open.
+    // Opens Quick Assign with the button, does things in it, and closes it.
     static void InQuickAssign(const std::string& button, const std::function<void()>& deeds) {
         EXPECT_TRUE(InWindow(
             "frmQuickAssign", [&] { Press(button); }, deeds));
@@ -178,8 +177,7 @@ class Person {
 
     static void Press(const std::string& button) { QTest::mouseClick(Button(button), Qt::LeftButton); }
 
-    // Chooses an entry as a person does from the open list: the index becomes current and the choice is
-    // announced.
+    // Chooses an entry as a person does from the open list, which announces the choice.
     static void Choose(const std::string& combo, const std::string& text) {
         QComboBox* box = Combo(combo);
         const int index = box->findText(QString::fromStdString(text), Qt::MatchExactly);
@@ -232,8 +230,7 @@ class Person {
         QTest::mouseClick(List(list)->viewport(), button, modifiers, place);
     }
 
-    // Drags a row to the lower half of another, in this list or in another one.
-    // A key may be pressed before the row is let go of.
+    // Drags a row to the lower half of another of any list; a key may be pressed before it is let go of.
     static void DragRow(const std::string& list, int from, const std::string& other, int to,
                         std::optional<Qt::Key> key = {}) {
         QWidget* viewport = List(list)->viewport();
@@ -345,9 +342,8 @@ class Person {
         if (box == nullptr || !box->isVisible()) {
             return;
         }
-        QAbstractButton* button = nullptr;
+        QAbstractButton* button = answers_.empty() ? nullptr : box->button(answers_.front());
         if (!answers_.empty()) {
-            button = box->button(answers_.front());
             answers_.pop_front();
             EXPECT_NE(button, nullptr) << "no such answer to: " << boxes_.back().text;
         }
