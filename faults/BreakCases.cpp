@@ -12,16 +12,17 @@ struct FaultKind {
     const char* name;
     const char* words; // of the order
     bool lasting;
+    std::array<bool, 2> brief; // also of the brief run, by the journal: each kind of failure, and each length
     std::array<const char*, 2> afterwards;
 };
 
 constexpr std::array There = {", opened by another", ", opened again there"};
 constexpr std::array<FaultKind, 5> Kinds = {
-    {{"SIGKILL", "kill", false, {", alone", ", store held elsewhere"}},
-     {"EIO once", "eio", false, There},
-     {"EIO from then on", "eio", true, There},
-     {"ENOSPC once", "full", false, There},
-     {"ENOSPC from then on", "full", true, There}}};
+    {{"SIGKILL", "kill", false, {true, true}, {", alone", ", store held elsewhere"}},
+     {"EIO once", "eio", false, {true, false}, There},
+     {"EIO from then on", "eio", true, {false, true}, There},
+     {"ENOSPC once", "full", false, {false, true}, There},
+     {"ENOSPC from then on", "full", true, {true, false}, There}}};
 
 constexpr std::array Created = {", put back", ", saved again"};
 
@@ -36,6 +37,8 @@ struct Work {
 
     [[nodiscard]] bool Creates() const { return !PutsBack() && *order != '\0'; }
 };
+
+std::size_t Index(Journal journal) { return journal == Journal::WriteAhead ? 0 : 1; }
 
 const char* After(const FaultKind& kind, const Work& work, bool second) {
     return (work.Creates() ? Created : kind.afterwards).at(second ? 1 : 0);
@@ -66,8 +69,7 @@ void RequireReport(Row& row, const std::string& answer) {
 void BreakEveryWrite(Row& row, Extent extent, Scene& scene, Journal journal, const FaultKind& kind,
                      const Work& work, bool second) {
     const bool kills = kind.words == std::string_view("kill");
-    const int step =
-        extent.Of(kills ? 1 : 3, work.step[journal == Journal::WriteAhead ? 0 : 1] * (kills ? 1 : 3));
+    const int step = extent.Of(kills ? 1 : 3, work.step.at(Index(journal)) * (kills ? 1 : 3));
     const std::string order =
         work.PutsBack() ? "put back" : "save 1 " + std::to_string(scene.Rows()) + work.order;
     bool met = true;
@@ -118,7 +120,7 @@ void BreakAll(Extent extent, const Tell& tell, const Work& work, const char* bef
     for (const Journal journal : Journals) {
         for (const FaultKind& kind : Kinds) {
             for (const bool second : {false, true}) {
-                if (second && !work.inTwoWays) {
+                if ((second && !work.inTwoWays) || !(extent.atLength || kind.brief.at(Index(journal)))) {
                     continue;
                 }
                 Row row(std::string(kind.name) + ' ' + work.name + ", " + NameOf(journal) +

@@ -227,7 +227,7 @@ bool SameWords(const std::string& told, const Menu& menu, const Step& step) {
 
 TEST(CallChanges, AreThoseOfEveryEntryAndNoneWhereNothingDiffers) {
     Chance chance;
-    for (int round = 0; round < Rounds(2000); ++round) {
+    for (int round = 0; round < Rounds(1000); ++round) {
         AutoNode node = chance.Node();
         const int kind = chance.UpTo(199);
         node.settings.numberOfDigits = kind == 0 ? 0 : kind == 1 ? 4 : kind < 9 ? 3 : 1 + kind % 2;

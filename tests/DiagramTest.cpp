@@ -164,14 +164,14 @@ TEST(Diagram, CostsAMessageWhereDotFails) {
         std::ofstream(program) << "#!/bin/sh\n" << script;
         std::filesystem::permissions(program, std::filesystem::perms(0755));
         try {
-            static_cast<void>(DrawGraph("digraph { a }", format, seconds(1)));
+            static_cast<void>(DrawGraph("digraph { a }", format, std::chrono::milliseconds(200)));
             ADD_FAILURE() << script;
         } catch (const std::runtime_error& error) {
             EXPECT_NE(std::string(error.what()).find(told), std::string::npos) << error.what();
         }
     };
     path.Set(folder.Path().string() + ":/usr/bin:/bin");
-    fail("exec sleep 100", "longer than 1 seconds");
+    fail("exec sleep 100", "longer than 1 second");
     fail("echo $* $(ulimit -t) >&2", "status 0: -Tsvg 2");
     fail("kill -SEGV $$", "crashed: Segmentation fault");
     fail("echo 'no \033 go' >&2; exit 3", "status 3: no \\x1b go");

@@ -18,7 +18,7 @@ using enum ErrorNumber;
 using std::chrono::milliseconds;
 
 constexpr NodePlace Place{{1, 2}, 8};
-constexpr Waits Impatient{.lock = milliseconds(100)};
+constexpr Waits Impatient{.lock = milliseconds(30)};
 
 // A store on the server for tests.
 class StoreServer : public testing::Test {
@@ -146,7 +146,7 @@ TEST_F(StoreServer, TellsWhatItRefuses) {
 // One that is none, or in the hands of somebody else, or hung.
 TEST_F(StoreServer, IsNotBelievedInEverything) {
     const std::string address = TestDatabase::AddressOf(Database());
-    Link(address + "&tcp_user_timeout=300");
+    Link(address + "&tcp_user_timeout=150");
     DataBase dataBase;
     const SingleWait wait(dataBase);
     EXPECT_EQ(Limit(dataBase), Texts{"250"});

@@ -1,6 +1,7 @@
 #include "diagram/Graphviz.h"
 
 #include "platform/ChildProcess.h"
+#include "platform/Counted.h"
 #include "platform/Interruption.h"
 #include "platform/RuntimeError.h"
 #include "platform/VisibleText.h"
@@ -74,20 +75,21 @@ class Scratch {
     int number_;
 };
 
-ChildStart StartOfDot(const std::string& format, std::array<int, 3> files, std::chrono::seconds limit) {
+ChildStart StartOfDot(const std::string& format, std::array<int, 3> files, std::chrono::milliseconds limit) {
     ChildStart start{"dot", {"-T" + format}, files, {}};
     if (format == "png") {
         start.arguments.emplace_back(PixelSize);
     }
     // It loads fonts and plugins, and a thread for them, but writes only to what it is given.
-    start.limits = {{RLIMIT_CPU, static_cast<std::uint64_t>(limit.count() + 1)},
-                    {RLIMIT_CORE, 0},
-                    {RLIMIT_NOFILE, MostFiles}};
+    start.limits = {
+        {RLIMIT_CPU, static_cast<std::uint64_t>(std::chrono::ceil<std::chrono::seconds>(limit).count() + 1)},
+        {RLIMIT_CORE, 0},
+        {RLIMIT_NOFILE, MostFiles}};
     start.onlyReads = true;
     return start;
 }
 
-int WaitForDot(const ChildStart& start, std::chrono::seconds limit, const Waiting& waiting) try {
+int WaitForDot(const ChildStart& start, std::chrono::milliseconds limit, const Waiting& waiting) try {
     ChildProcess dot(start);
     const auto begun = Clock::now();
     for (;;) {
@@ -97,8 +99,8 @@ int WaitForDot(const ChildStart& start, std::chrono::seconds limit, const Waitin
         Interruption::Look();
         const auto lasting = Clock::now() - begun;
         if (lasting >= limit) {
-            throw RuntimeError(ErrorNumber::StoreFailure, "dot was ended, because it took longer than " +
-                                                              std::to_string(limit.count()) + " seconds");
+            throw RuntimeError(ErrorNumber::StoreFailure,
+                               "dot was ended, because it took longer than " + CountedSeconds(limit));
         }
         waiting(std::chrono::duration_cast<std::chrono::seconds>(lasting));
     }
@@ -120,7 +122,7 @@ std::string FirstLines(const std::string& text) {
 
 } // namespace
 
-Picture DrawGraph(std::string_view graph, const std::string& format, std::chrono::seconds limit,
+Picture DrawGraph(std::string_view graph, const std::string& format, std::chrono::milliseconds limit,
                   const Waiting& waiting) {
     const Scratch input;
     const Scratch output;

@@ -19,7 +19,7 @@ using Waiting = std::function<void(std::chrono::seconds lasting)>;
 // process of its own, found in $PATH. Raises StoreNotFound where there is no such program, StoreFailure where
 // it fails, crashes, or takes longer than the limit, at which it is ended.
 [[nodiscard]] Picture DrawGraph(
-    std::string_view graph, const std::string& format, std::chrono::seconds limit,
+    std::string_view graph, const std::string& format, std::chrono::milliseconds limit,
     const Waiting& waiting = [](std::chrono::seconds) {});
 
 } // namespace KAL_AUTO_Node

@@ -1,5 +1,6 @@
 // What travels between a PostgresConnection and its server.
 
+#include "platform/Counted.h"
 #include "platform/FoldCase.h"
 #include "platform/Interruption.h"
 #include "server/PostgresErrors.h"
@@ -331,8 +332,7 @@ void PostgresConnection::Await() {
         return;
     }
     if (ready == 0) {
-        FailLost("The server does not answer any more; waited " +
-                 std::to_string(std::chrono::ceil<std::chrono::seconds>(answerLimit_).count()) + " seconds");
+        FailLost("The server does not answer any more; waited " + CountedSeconds(answerLimit_));
     }
     Require(ready > 0 || errno == EINTR ? 1 : 0);
     int waiting = 0;

@@ -1,5 +1,6 @@
 #include "store/SqliteConnection.h"
 
+#include "platform/Counted.h"
 #include "platform/NumericValue.h"
 #include "platform/RuntimeError.h"
 #include "store/StoreFormat.h"
@@ -145,9 +146,7 @@ class SqliteStatement : public Statement {
     void Require(int result) const {
         if (result == SQLITE_INTERRUPT) {
             throw RuntimeError(ErrorNumber::StoreFailure,
-                               "Stopped after " + std::to_string(limit_ / std::chrono::seconds(1)) +
-                                   " seconds of work",
-                               "SQLite");
+                               "Stopped after " + CountedSeconds(limit_) + " of work", "SQLite");
         }
         RequireSqlite(result, database_);
     }
