@@ -272,7 +272,7 @@ int Run(Extent extent, const std::string& only) {
          [&](Row& row) { KillServer(row, *site, false, atLength ? 90 : 3); });
     tell("the same while nodes are created",
          [&](Row& row) { KillServer(row, *site, true, atLength ? 90 : 2); });
-    tell("line cut at each byte of a save", [&](Row& row) { CutLine(row, *site, atLength ? 100'000 : 40); });
+    tell("line cut at each byte of a save", [&](Row& row) { CutLine(row, *site, atLength ? 100'000 : 24); });
     tell("commit refused", [&](Row& row) { RefuseCommits(row, *site, atLength ? 20 : 2); });
     setenv("KAL_TEST_SERVER", site->server.Folder().c_str(), 1);
     if (isWanted("races")) {
