@@ -13,7 +13,8 @@ namespace KAL_AUTO_Node {
 
 // A limit of time as people are told it, in whole seconds.
 [[nodiscard]] inline std::string CountedSeconds(std::chrono::milliseconds limit) {
-    return Counted(static_cast<std::size_t>(std::chrono::ceil<std::chrono::seconds>(limit).count()), "second");
+    return Counted(static_cast<std::size_t>(std::chrono::ceil<std::chrono::seconds>(limit).count()),
+                   "second");
 }
 
 } // namespace KAL_AUTO_Node
