@@ -54,9 +54,12 @@ class Saver : private SaveAudience {
         const AutoNode& node, std::function<void(NodeSave&)> between = [](NodeSave& /*save*/) {}) {
         between_ = std::move(between);
         Met.reset();
-        NodeSave save(dataBase_, history_, place_);
-        return save.Run(seen_, node, Date, *this) ? std::nullopt : Met;
+        latest_.emplace(dataBase_, history_, place_);
+        return latest_->Run(seen_, node, Date, *this) ? std::nullopt : Met;
     }
+
+    // The latest save, which an error may have ended.
+    [[nodiscard]] const NodeSave& Latest() const { return latest_.value(); }
 
     std::string Date = SaveDate; // as dates are stored
     bool GoingOver = false;
@@ -77,6 +80,7 @@ class Saver : private SaveAudience {
     NodePlace place_;
     SeenNode seen_;
     std::function<void(NodeSave&)> between_;
+    std::optional<NodeSave> latest_;
 };
 
 } // namespace KAL_AUTO_Node

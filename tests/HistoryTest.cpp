@@ -157,6 +157,7 @@ TEST_F(HistoryOfANode, SaysWhatAStoreHasNotTaken) {
         node.label = write;
         const std::string told = FailureOf([&] { static_cast<void>(anna_.Save(node)); });
         EXPECT_NE(told.find(missing), std::string::npos) << told;
+        EXPECT_NE(anna_.Latest().WhatIsLeft(), NodeSave::Left::Nothing);
         EXPECT_EQ(ben_.Versions().Unfinished(Place).has_value(), !TestStore::OnServer());
         anna_.Load();
     }
@@ -244,15 +245,19 @@ TEST_F(HistoryOfANode, IsMadeWhereAStoreHasNoneAndDoneWithoutWhereItMayNot) {
     if (TestStore::OnServer()) {
         return;
     }
-    store_.Execute(
-        "DROP TABLE Node_AUTO_Version; DROP TABLE Node_Creation; CREATE VIEW Node_Creation AS SELECT 1");
-    Saver late(Place);
-    SaveAs(late, "Second");
-    EXPECT_EQ(late.Read().node->label, "Second");
-    EXPECT_FALSE(late.Save(late.Load(), [](NodeSave& save) { EXPECT_FALSE(save.Guarded()); }));
-    const AutoNode loaded = late.Load();
-    store_.Execute("UPDATE Node_AUTO SET RetryLimit = 77 WHERE PartID = 2 AND NodeNumber = 8");
-    EXPECT_TRUE(late.Save(loaded)->kind == Obstacle::Changed);
+    for (const char* instead :
+         {"DROP TABLE Node_Creation; CREATE VIEW Node_Creation AS SELECT 1",
+          "DROP VIEW Node_Creation; CREATE INDEX Node_AUTO_Version ON Node_AUTO (NodeType)"}) {
+        store_.Execute(std::string("DROP TABLE IF EXISTS Node_AUTO_Version; ") + instead);
+        Saver late(Place);
+        SaveAs(late, instead);
+        EXPECT_EQ(late.Read().node->label, instead);
+        EXPECT_FALSE(late.Save(late.Load(), [](NodeSave& save) { EXPECT_FALSE(save.Guarded()); }));
+        const AutoNode loaded = late.Load();
+        store_.Execute(
+            "UPDATE Node_AUTO SET RetryLimit = RetryLimit + 1 WHERE PartID = 2 AND NodeNumber = 8");
+        EXPECT_TRUE(late.Save(loaded)->kind == Obstacle::Changed);
+    }
 }
 
 TEST_F(StoreFile, HoldsANodeHalfMadeThatIsMadeWhole) {
@@ -263,6 +268,21 @@ TEST_F(StoreFile, HoldsANodeHalfMadeThatIsMadeWhole) {
     anna_.Versions().MakeWhole(made);
     EXPECT_FALSE(anna_.Versions().IsHalfMade(made));
     EXPECT_EQ(ReadContent(anna_.Store(), {{1, 2}, 77}).entry->dateModified, "11/25/26");
+    // A save that needs it goes on with what there is, and what a save has only begun with comes with its
+    // state.
+    const std::array needed = {RequiredNode{"AUTO 78", {9, 78}}};
+    const auto exists = [&](int number) { return IsNodeExisted(anna_.Store(), {1, 2}, {9, number}); };
+    store_.Execute("INSERT INTO Node_Creation VALUES (1, 2, 9, 78, 1, 8, '11/25/26')");
+    anna_.Store().Execute(Command::Duplicate_AUTO_Node, {78, 1, 2, 0});
+    EXPECT_FALSE(anna_.Save(anna_.Load(), [&](NodeSave& save) {
+        save.CreateMissing(
+            needed, SaveDate,
+            {[](const auto&) { return CreationAudience::Answer::Create; }, [](const auto&...) {}, [] {}});
+    }));
+    EXPECT_TRUE(exists(78));
+    store_.Execute("INSERT INTO Node_Creation VALUES (1, 2, 9, 79, 1, 8, '11/25/26')");
+    anna_.Versions().PutBack(Place, 1, "restore");
+    EXPECT_TRUE(exists(79));
 }
 
 // A store of an older version is used as it is, and brought up when that is asked for.

@@ -131,6 +131,15 @@ TEST(StoreFile, ReadOneStateAlsoWhereTheyWereReadBefore) {
             EXPECT_EQ(highest(), Texts{"250"}) << mode;
         }
         EXPECT_EQ(highest(), Texts{"249"}) << mode;
+        // Nor does it wait for what comes to no end.
+        store.Execute("DROP TABLE SR_Node_Type_Names; CREATE VIEW SR_Node_Type_Names AS WITH RECURSIVE "
+                      "Endless(ID) AS (SELECT 1 UNION ALL SELECT ID FROM Endless) SELECT ID, ID AS "
+                      "English_Name FROM Endless ORDER BY 2");
+        std::atomic<bool> unwanted = false;
+        DataBase vain(Waits{.unwanted = &unwanted});
+        const Snapshot snapshot(vain);
+        unwanted = true;
+        ExpectRaised(StoreFailure, {"Stopped", "Get_Node_Names"}, [&] { Perform(vain, Get_Node_Names, {}); });
     }
 }
 
@@ -147,12 +156,15 @@ TEST(StoreFile, ReadAReadOnlyStoreAndTellWhereTheyWouldWrite) {
     for (const char* mode : {"PRAGMA journal_mode", "PRAGMA journal_mode = DELETE"}) {
         ASSERT_EQ(seteuid(self), 0);
         static_cast<void>(store.Rows(mode));
+        store.Execute("DROP TABLE IF EXISTS SR_Node_Type_Names");
         ASSERT_EQ(seteuid(self == 0 ? 65534 : self), 0);
         DataBase dataBase;
         EXPECT_EQ(Perform(dataBase, Get_Max_NodeNumber, {"1", "2", "0"}, "Max_Number"), Texts{"250"});
         ExpectRaised(StoreFailure, {"write the store's file and the folder", store.File().string()}, [&] {
             Perform(dataBase, Delete_AUTO_PromptsNode, {"1", "2", "1"});
         });
+        EXPECT_EQ(FailureOf([&] { Perform(dataBase, Get_Node_Names, {}); }).find("write the store's"),
+                  std::string::npos);
     }
     ASSERT_EQ(seteuid(self), 0);
 }

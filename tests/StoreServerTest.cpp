@@ -188,6 +188,13 @@ TEST_F(StoreServer, IsFoundAgainAfterTheLineBroke) {
     EXPECT_EQ(rows.Text("English_Name"), "CMD");
     {
         Transaction all(dataBase);
+        dataBase.Execute(Delete_AUTO_PromptsNode, {1, 2, 77});
+        all.Commit();
+        breakLine();
+    }
+    EXPECT_EQ(Limit(dataBase), Texts{"250"}) << "the change was over";
+    {
+        Transaction all(dataBase);
         dataBase.Execute(Delete_AUTO_PromptsNode, {1, 2, 8});
         breakLine();
         for (int i = 0; i < 2; ++i) {

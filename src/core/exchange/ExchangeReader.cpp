@@ -143,7 +143,6 @@ class Handler {
     bool end_array() {
         sink_.TakeEndOfTable();
         place_ = Place::Tables;
-        table_ = nullptr;
         return true;
     }
 

@@ -230,7 +230,7 @@ class JetImport : public JetSink {
                 whole = whole && !column.required;
             }
         }
-        if (!lost.empty() && MayTell()) {
+        if (!lost.empty()) {
             Send(); // so that rows are told in their order
         }
         for (const std::string& value : lost) {

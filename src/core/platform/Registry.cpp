@@ -31,18 +31,18 @@ std::optional<std::filesystem::path> ExportFile() {
 constexpr std::uintmax_t MostBytes = std::uintmax_t{16} << 20U;
 
 std::optional<std::string> Content(const std::filesystem::path& file) {
-    std::error_code failure;
-    const auto size = std::filesystem::file_size(file, failure);
-    std::ifstream stream(file, std::ios::binary);
-    if (failure || !stream) {
+    std::ifstream stream(file, std::ios::binary | std::ios::ate);
+    if (!stream) {
         return std::nullopt;
     }
+    const auto size = static_cast<std::uintmax_t>(stream.tellg());
     if (size > MostBytes) {
         throw RuntimeError(ErrorNumber::UnsupportedValueType,
                            "The registry file '" + file.string() + "' is larger than " +
                                std::to_string(MostBytes >> 20U) + " MiB, and is not read");
     }
     std::string content(size, '\0');
+    stream.seekg(0);
     stream.read(content.data(), static_cast<std::streamsize>(size));
     if (stream.bad()) {
         return std::nullopt;

@@ -69,7 +69,6 @@ std::string Qualified(std::string_view sql,
                   static_cast<std::size_t>(std::find_if_not(start, sql.data() + sql.size(), InName) - start);
             const std::string table = FoldAscii(sql.substr(at, end - at));
             if (std::ranges::find(before, previous) != before.end() &&
-                (end == sql.size() || sql[end] != '.') &&
                 std::ranges::any_of(beginnings, [&](auto word) { return table.starts_with(word); })) {
                 qualified += schemaOf(table);
             }

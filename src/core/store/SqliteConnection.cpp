@@ -68,7 +68,6 @@ class SqliteStatement : public Statement {
         if (result == SQLITE_FULL && alone) {
             // The engine has taken back the whole statement, and with it all of a transaction that it was
             // part of. Where the log is what fills the disk, it begins anew once it is carried over.
-            Close();
             CarryLogOver(database_);
             result = Step();
         }
