@@ -4,6 +4,7 @@
 #include "exchange/JetText.h"
 #include "exchange/Tables.h"
 #include "platform/RuntimeError.h"
+#include "store/DataBase.h"
 #include "testing/TestStore.h"
 
 #include <gtest/gtest.h>
@@ -47,6 +48,15 @@ std::vector<std::string> RowsOf(const std::filesystem::path& store, const std::s
 TEST(JetImport, BringsEveryValueOver) {
     const TestStore demo;
     const TemporaryFolder folder;
+    {
+        // What one that was killed has left would be taken for the new store's.
+        DataBase open;
+        static_cast<void>(open.Query(Command::Get_Node_Names, {}));
+        demo.Execute(
+            "UPDATE Node_CMD SET NodeNumber = -NodeNumber; UPDATE Node_CMD SET NodeNumber = -NodeNumber");
+        std::filesystem::create_directory(folder.Path() / "store");
+        std::filesystem::copy(demo.File().string() + "-wal", folder.Path() / "store" / "NewDB.mdb.new-wal");
+    }
     const Outcome outcome = BringOver(SiteFile, folder.Path());
     ASSERT_EQ(outcome.failure, "");
     // Where the file holds another type than the demo store, or other values.
