@@ -147,11 +147,14 @@ TEST(StoreFile, ReadAReadOnlyStoreAndTellWhereTheyWouldWrite) {
     const TestStore store;
     std::filesystem::permissions(store.Folder(), std::filesystem::perms(0755));
     std::filesystem::permissions(store.File(), std::filesystem::perms(0444));
+    WriteFile(store.File().string() + "-wal", "of one that was killed");
     // Nothing is read-only to root, who becomes nobody.
     const uid_t self = geteuid();
     if (self == 0 && seteuid(65534) != 0) {
         GTEST_SKIP() << "root cannot become somebody else here";
     }
+    DataBase kept;
+    ExpectRaised(StoreFailure, {"the folder that it lies in"}, [&] { Perform(kept, Get_Node_Names, {}); });
     // With a log as it is made, and with a rollback journal, which needs no files beside it to be read.
     for (const char* mode : {"PRAGMA journal_mode", "PRAGMA journal_mode = DELETE"}) {
         ASSERT_EQ(seteuid(self), 0);

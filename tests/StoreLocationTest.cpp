@@ -113,7 +113,7 @@ TEST_F(StoreLocation, EachTypeBecomesItsKindOfValue) {
     WriteValues("\"Sz\"=\"1234567\"\n"
                 "\"Expand\"=hex(2):25,00,41,00,25,00,00,00\n"
                 "\"Binary\"=hex:00,ff,7F\n"
-                "\"Dword\"=dword:0000001f\n"
+                "\"Dword\"=dword:0000001e\n"
                 "\"Multi\"=hex(7):61,00,00,00,62,00,63,00,00,00,00,00\n"
                 "\"No end\"=hex(1):61,00,62,00\n"
                 "\"Short\"=hex(4):05\n"
@@ -122,7 +122,7 @@ TEST_F(StoreLocation, EachTypeBecomesItsKindOfValue) {
     Expect({{"sZ", "1234567"s},
             {"Expand", "%A%"s},
             {"Multi", "a\0bc"s},
-            {"Dword", 31},
+            {"Dword", 30},
             {"No end", "a"s},
             {"Short", 5},
             {"Nothing", ""s},
