@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <random>
 #include <sstream>
 #include <thread>

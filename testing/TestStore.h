@@ -17,6 +17,8 @@
 
 namespace KAL_AUTO_Node {
 
+using Texts = std::vector<std::string>;
+
 // How often what is done at random is done: $KAL_TEST_ROUNDS, or often enough for each run of all tests.
 inline int Rounds(int otherwise) {
     const char* const given = std::getenv("KAL_TEST_ROUNDS");

@@ -1,7 +1,6 @@
 #include "RunProgram.h"
 #include "testing/TestStore.h"
 
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <sstream>

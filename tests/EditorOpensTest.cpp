@@ -3,14 +3,10 @@
 
 #include <QScreen>
 
-#include <array>
 #include <chrono>
-#include <fstream>
 
 namespace KAL_AUTO_Node {
 namespace {
-
-using Texts = std::vector<std::string>;
 
 // The procedures that reported a failure, in order; a box that is no such report stands there as it is.
 std::string Reporters(const std::vector<Box>& boxes) {

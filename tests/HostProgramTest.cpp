@@ -5,7 +5,6 @@
 #include "testing/TestStore.h"
 
 #include <algorithm>
-#include <fstream>
 #include <regex>
 #include <sstream>
 

@@ -4,10 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
-#include <functional>
 #include <sys/mman.h>
 #include <sys/ptrace.h>
 #include <sys/socket.h>

@@ -1,14 +1,11 @@
 #include "testing/Person.h"
 
-#include <cstdlib>
 #include <random>
 
 namespace KAL_AUTO_Node {
 namespace {
 
-using Strings = std::vector<std::string>;
-
-const Strings Kinds{"Prompts", "Actions", "Exceptions"};
+const Texts Kinds{"Prompts", "Actions", "Exceptions"};
 
 // Uses one window at random.
 class RandomPerson {
@@ -25,8 +22,8 @@ class RandomPerson {
         case 1:
             return Press("cmd" + list +
                          OneOf(list == "Exceptions"
-                                   ? Strings{"Edit", "Default"}
-                                   : Strings{"Edit", "Add", "Insert", "Remove", "Up", "Down"}));
+                                   ? Texts{"Edit", "Default"}
+                                   : Texts{"Edit", "Add", "Insert", "Remove", "Up", "Down"}));
         case 2:
             return Key(view, OneOf(std::vector{Qt::Key_Delete, Qt::Key_Return, Qt::Key_F2, Qt::Key_End}), {});
         case 3:
@@ -41,7 +38,7 @@ class RandomPerson {
             [[fallthrough]];
         default:
             if (deed > 5 && !open.empty()) {
-                return UseEditor(OneOf(Strings(open.begin(), open.end())));
+                return UseEditor(OneOf(Texts(open.begin(), open.end())));
             }
             if (const int rows = Person::Count(view); rows > 0 && Below(4) == 0) {
                 last_ = view + " dragged";
@@ -86,7 +83,7 @@ class RandomPerson {
         if (Below(4) == 0) {
             Key(editor, OneOf(std::vector{Qt::Key_Return, Qt::Key_Escape}), {});
         } else if (editor.starts_with("txt")) {
-            Person::TypeOver(editor, OneOf(Strings{"7", "007", "1*2 a", "*"}));
+            Person::TypeOver(editor, OneOf(Texts{"7", "007", "1*2 a", "*"}));
         } else if (const int entries = Person::Combo(editor)->count(); entries > 0) {
             Person::Choose(editor, Person::Combo(editor)->itemText(Below(entries)).toStdString());
         }
@@ -97,7 +94,7 @@ class RandomPerson {
         Person::InQuickAssign(last_, [&] {
             Person::Combo("cmbFrom")->setCurrentIndex(Below(3));
             Person::Combo("cmbTo")->setCurrentIndex(Below(3));
-            Person::Press(OneOf(Strings{"cmdAdd", "cmdRemove"}));
+            Person::Press(OneOf(Texts{"cmdAdd", "cmdRemove"}));
         });
     }
 
@@ -105,13 +102,13 @@ class RandomPerson {
     std::string last_;
 };
 
-std::vector<Strings> AllRows() {
+std::vector<Texts> AllRows() {
     return {Person::Rows("LVPrompts"), Person::Rows("LVActions"), Person::Rows("LVExceptions")};
 }
 
 // What holds of every list, however it came about.
 void Check() {
-    Strings editing;
+    Texts editing;
     for (const std::string& list : Kinds) {
         const std::string view = "LV" + list;
         int before = 0;

@@ -1,24 +1,19 @@
 #include "testing/Person.h"
 
-#include <algorithm>
-#include <set>
-
 namespace KAL_AUTO_Node {
 namespace {
-
-using Rows = std::vector<std::string>;
 
 using enum QMessageBox::StandardButton;
 
 // What AUTO 6 refers to without its being there, in the order of its lists.
-const Rows MissingInAuto6 = {"MSG 240", "MSG 241", "TIME 19", "LIST 14", "CMD 30",  "HOLD 4", "DATE 18",
-                             "DTMF 21", "VOX 9",   "PAAS 7",  "DBN 8",   "AUTO 33", "MSG 242"};
+const Texts MissingInAuto6 = {"MSG 240", "MSG 241", "TIME 19", "LIST 14", "CMD 30",  "HOLD 4", "DATE 18",
+                              "DTMF 21", "VOX 9",   "PAAS 7",  "DBN 8",   "AUTO 33", "MSG 242"};
 
 std::string Question(const std::string& node) {
     return node + " is referenced but it does not exist.\r\nDo you want to auto create node '" + node + "'?";
 }
 
-std::vector<Box> Asked(const Rows& nodes) {
+std::vector<Box> Asked(const Texts& nodes) {
     std::vector<Box> boxes;
     for (const std::string& node : nodes) {
         boxes.push_back(
@@ -46,12 +41,12 @@ class Check {
             Person::ExpectIdle();
         }));
         EXPECT_EQ(store.Rows("SELECT NodeNumber FROM Node_AUTO WHERE NodeDescription = 'Saved'"),
-                  Rows{std::to_string(node)});
+                  Texts{std::to_string(node)});
         EXPECT_FALSE(person.HasAnswersLeft());
     }
 
     // The nodes registered today, by type and number.
-    [[nodiscard]] Rows Created() const {
+    [[nodiscard]] Texts Created() const {
         return store.Rows("SELECT NodeType || ' ' || NodeNumber AS Node FROM Node_General_Pool"
                           " WHERE NodeDescription <> 'Saved' AND DateModified = '" +
                           ShortDateOfToday() + "' ORDER BY Node");
@@ -71,16 +66,16 @@ TEST(MissingNodes, AreAskedAboutInTheOrderOfTheListsUntilThePersonHasHadEnough) 
     check.person.WillAnswer({Yes, No, Yes, Cancel});
     check.Save(6);
     EXPECT_EQ(check.person.Boxes(), Asked({"MSG 240", "MSG 241", "TIME 19", "LIST 14"}));
-    EXPECT_EQ(check.Created(), (Rows{"MSG 240", "TIME 19"}));
+    EXPECT_EQ(check.Created(), (Texts{"MSG 240", "TIME 19"}));
     check.person.WillAnswer({Yes}); // the second box is closed
     check.Save(6);
     EXPECT_EQ(check.person.Boxes(), Asked({"MSG 241", "LIST 14"}));
     // Those that are left, each once.
-    Rows left(MissingInAuto6.begin() + 3, MissingInAuto6.end());
+    Texts left(MissingInAuto6.begin() + 3, MissingInAuto6.end());
     check.person.WillAnswer({No, No, No, No, No, No, No, No, No, No});
     check.Save(6);
     EXPECT_EQ(check.person.Boxes(), Asked(left));
-    EXPECT_EQ(check.Created(), (Rows{"MSG 240", "MSG 241", "TIME 19"}));
+    EXPECT_EQ(check.Created(), (Texts{"MSG 240", "MSG 241", "TIME 19"}));
 }
 
 TEST(MissingNodes, AnAnswerForAllHoldsForOneCheck) {
@@ -143,7 +138,7 @@ TEST(MissingNodes, AFailedCreationEndsTheCheckButNotTheSave) {
         const auto boxes = check.person.Boxes();
         ASSERT_EQ(boxes.size(), 2U);
         ExpectReport(boxes[1], "CheckForUnReferencedNodes", table);
-        EXPECT_EQ(check.Created(), (Rows{"MSG 240", "MSG 241"}));
+        EXPECT_EQ(check.Created(), (Texts{"MSG 240", "MSG 241"}));
         EXPECT_EQ(check.store.Value("SELECT COUNT(*) FROM Node_TIME WHERE NodeNumber = 19"), rows);
         EXPECT_EQ(check.store.Value("SELECT COUNT(*) FROM Node_Creation WHERE NodeTypeID = 2"), marks);
     }
@@ -167,7 +162,7 @@ TEST(MissingNodes, AreThoseThatCannotBeLookedUpToo) {
 // A host's own dialog: answers with its codes in order and keeps what it was asked.
 class HostDialog : public ConfirmationDialog {
   public:
-    HostDialog(std::vector<std::int32_t> codes, Rows& asked) : codes_(std::move(codes)), asked_(asked) {}
+    HostDialog(std::vector<std::int32_t> codes, Texts& asked) : codes_(std::move(codes)), asked_(asked) {}
 
     ~HostDialog() override { asked_.emplace_back("released"); }
 
@@ -181,23 +176,23 @@ class HostDialog : public ConfirmationDialog {
 
   private:
     std::vector<std::int32_t> codes_;
-    Rows& asked_;
+    Texts& asked_;
 };
 
 TEST(MissingNodes, AreTheHostsDialogsBusinessWhereItHasOne) {
     const std::string identifier = "{943DE27E-7610-41A9-967B-7E45E79530D7}";
-    const Rows most = {"AUTO 33", "DBN 8", "DTMF 21", "MSG 241", "MSG 242", "PAAS 7", "VOX 9"};
+    const Texts most = {"AUTO 33", "DBN 8", "DTMF 21", "MSG 241", "MSG 242", "PAAS 7", "VOX 9"};
     for (const auto& [codes, created] : {std::pair{std::vector{3, 2, 7, -1, 1, 99999, 6, 4}, most},
                                          {{2, 0}, {"MSG 240"}},
                                          {{2, 3, 5}, {"MSG 240"}}}) {
         SCOPED_TRACE(testing::PrintToString(codes));
         Check check;
-        Rows asked;
+        Texts asked;
         ComponentFactory factory;
         factory.Register(identifier,
                          [&, codes = codes] { return std::make_unique<HostDialog>(codes, asked); });
         check.Save(6, factory);
-        Rows expected(MissingInAuto6.begin(), MissingInAuto6.begin() + static_cast<int>(codes.size()));
+        Texts expected(MissingInAuto6.begin(), MissingInAuto6.begin() + static_cast<int>(codes.size()));
         std::ranges::transform(expected, expected.begin(), Question);
         expected.emplace_back("released");
         EXPECT_EQ(asked, expected);
@@ -211,7 +206,7 @@ TEST(MissingNodes, AreTheHostsDialogsBusinessWhereItHasOne) {
     const auto boxes = check.person.Boxes();
     ASSERT_EQ(boxes.size(), 1U);
     ExpectReport(boxes[0], "CheckForUnReferencedNodes", identifier);
-    EXPECT_EQ(check.Created(), Rows{});
+    EXPECT_EQ(check.Created(), Texts{});
 }
 
 } // namespace

@@ -9,13 +9,10 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <map>
 
 namespace KAL_AUTO_Node {
 namespace {
-
-using Texts = std::vector<std::string>;
 
 constexpr Partition Demo{1, 2};
 

@@ -6,7 +6,6 @@
 #include "testing/TestStore.h"
 
 #include <algorithm>
-#include <fstream>
 
 namespace KAL_AUTO_Node {
 namespace {

@@ -7,12 +7,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
 #include <utility>
 
 namespace KAL_AUTO_Node {
-
-using Texts = std::vector<std::string>;
 
 // Runs a command and gives one column of its rows, if it has any. A command's parameters are written out
 // where it is called; here a table holds them.

@@ -5,8 +5,6 @@
 namespace KAL_AUTO_Node {
 namespace {
 
-using Strings = std::vector<std::string>;
-
 class QuickAssign : public EditorTest {
   protected:
     // Does one thing with a range of one type and makes sure that this closes the dialog.
@@ -114,12 +112,12 @@ TEST_F(QuickAssign, RemovesByNameAndNumber) {
         EXPECT_EQ(Person::SelectedRows("LVPrompts"), (std::vector{0, 1}));
         EXPECT_EQ(Person::List("LVPrompts")->currentIndex().row(), 1);
         EXPECT_EQ(Person::Rows("LVPrompts"),
-                  (Strings{"1a: 1|1|msg 4||msg|817|4", "2a: 2|2|MSG 1|Goodbye|MSG|0|1"}));
+                  (Texts{"1a: 1|1|msg 4||msg|817|4", "2a: 2|2|MSG 1|Goodbye|MSG|0|1"}));
         Person::ClickRow("LVPrompts", 0);
         Person::Press("cmdPromptsRemove");
         Assign("Prompts", "MSG", 1, 250, "cmdRemove");
         // The placeholder goes by its own name here.
-        EXPECT_EQ(Person::Rows("LVPrompts"), Strings{"1a: 1|1|EMPTY||EMPTY|999|1"});
+        EXPECT_EQ(Person::Rows("LVPrompts"), Texts{"1a: 1|1|EMPTY||EMPTY|999|1"});
         EXPECT_EQ(Person::Combo("cmbPromptsNode")->width(), 111);
     });
 }

@@ -6,10 +6,8 @@
 namespace KAL_AUTO_Node {
 namespace {
 
-using Rows = std::vector<std::string>;
-
 // The lists as they are stored: A, the actions, then P, the prompts.
-Rows Details(const TestStore& store, int node) {
+Texts Details(const TestStore& store, int node) {
     const std::string own = " WHERE ConfigID = 1 AND PartID = 2 AND NodeMasterID = " + std::to_string(node);
     return store.Rows("SELECT 'A' || SequenceNo AS Place, NodeTypeID, NodeType, NodeNumber,"
                       " DTMFRangeLow || '-' || DTMFRangeHigh FROM Detail_AUTO_Action" +
@@ -33,7 +31,7 @@ TEST(Saving, WritesTheNodeAsItStandsInTheWindow) {
     store.Execute("UPDATE Node_AUTO SET NodeType = 'old', TimeoutNodeType = 'old' WHERE NodeNumber = 15;"
                   "UPDATE Detail_AUTO_Prompts SET NodeType = 'old' WHERE NodeMasterID = 15");
     Person person;
-    Rows told;
+    Texts told;
     EXPECT_TRUE(person.Edit(15, [&] {
         Person::TypeLabel("Table reservations");
         Person::Choose("cmbNumDigits", "4");
@@ -73,21 +71,21 @@ TEST(Saving, WritesTheNodeAsItStandsInTheWindow) {
         EXPECT_FALSE(Person::Dirty());
         Person::ExpectIdle();
     }));
-    EXPECT_EQ(told, (Rows{"Checking for duplicate ranges. Please wait...",
-                          "Checking for non-existing nodes. Please wait...",
-                          "Saving node information. Please wait..."}));
+    EXPECT_EQ(told, (Texts{"Checking for duplicate ranges. Please wait...",
+                           "Checking for non-existing nodes. Please wait...",
+                           "Saving node information. Please wait..."}));
     EXPECT_EQ(
         store.Rows("SELECT NumberOfDigits, TerminatingDigit, RetryLimit, SelectionTimeout, DigitTimeout,"
                    " NodeType, NodeDescription, TimeoutNodeTypeID, TimeoutNodeType, TimeoutNodeNumber,"
                    " InvalidNodeTypeID, InvalidNodeType, InvalidNodeNumber, AbortNodeTypeID, AbortNodeType,"
                    " AbortNodeNumber, StarNodeTypeID, StarNodeType, StarNodeNumber, PoundNodeTypeID,"
                    " PoundNodeType, PoundNodeNumber FROM Node_AUTO WHERE PartID = 2 AND NodeNumber = 15"),
-        Rows{"4|*/#|2|42|11|AUTO|Table reservations|4|XFER|8|0|MSG|6|1|CMD|5|15|DBN|1|9|AUTO|12"});
+        Texts{"4|*/#|2|42|11|AUTO|Table reservations|4|XFER|8|0|MSG|6|1|CMD|5|15|DBN|1|9|AUTO|12"});
     EXPECT_EQ(store.Rows("SELECT NodeType, NodeDescription, DateModified FROM Node_General_Pool"
                          " WHERE ConfigID = 1 AND PartID = 2 AND NodeTypeID = 9 AND NodeNumber = 15"),
-              Rows{"AUTO|Table reservations|" + ShortDateOfToday()});
-    EXPECT_EQ(Details(store, 15), (Rows{"A1|0|MSG|56|1-1", "A2|4|XFER|19|020-29", "A3|2|TIME|3|3-3",
-                                        "P1|0|MSG|55|", "P2|2|TIME|4|", "P3|0|MSG|12|", "P4|0|MSG|1|"}));
+              Texts{"AUTO|Table reservations|" + ShortDateOfToday()});
+    EXPECT_EQ(Details(store, 15), (Texts{"A1|0|MSG|56|1-1", "A2|4|XFER|19|020-29", "A3|2|TIME|3|3-3",
+                                         "P1|0|MSG|55|", "P2|2|TIME|4|", "P3|0|MSG|12|", "P4|0|MSG|1|"}));
 }
 
 TEST(Saving, StoresListsThatHoldNothingAndLabelsThatHoldAnything) {
@@ -97,7 +95,7 @@ TEST(Saving, StoresListsThatHoldNothingAndLabelsThatHoldAnything) {
     EXPECT_TRUE(person.Edit(2, [&] {
         Person::TypeLabel("Changed");
         Person::Press("cmdApply");
-        EXPECT_EQ(Details(store, 2), Rows{});
+        EXPECT_EQ(Details(store, 2), Texts{});
 
         Person::Choose("cmbNode", "AUTO 14");
         for (const std::string list : {"Prompts", "Actions"}) {
@@ -105,7 +103,7 @@ TEST(Saving, StoresListsThatHoldNothingAndLabelsThatHoldAnything) {
             Person::Press("cmd" + list + "Remove");
         }
         Person::Press("cmdApply");
-        EXPECT_EQ(Details(store, 14), Rows{"P1|999|EMPTY|1|"}) << "a prompt that is still to be chosen";
+        EXPECT_EQ(Details(store, 14), Texts{"P1|999|EMPTY|1|"}) << "a prompt that is still to be chosen";
 
         const std::string longest(10000, 'x');
         for (const std::string label : {"O'Brien's'); DROP TABLE Node_AUTO;-- 100% %1 \\n ? :Given_ID @x $1",
@@ -149,7 +147,7 @@ TEST(Saving, ThatFailsHalfWayKeepsWhatWasWrittenOrIsPutBack) {
         "UPDATE Detail_AUTO_Action SET SequenceNo = 70, DTMFRangeLow = NULL"
         " WHERE PartID = 2 AND NodeMasterID = 8 AND SequenceNo = 8;"
         "UPDATE Node_AUTO SET RetryLimit = NULL, AbortNodeType = 'old' WHERE PartID = 2 AND NodeNumber = 8");
-    const Rows before = StoredNode(store, 8);
+    const Texts before = StoredNode(store, 8);
     const auto left = [&] { return Labels(store) + ' ' + std::to_string(Details(store, 8).size()); };
     Person person;
     EXPECT_TRUE(person.Edit(8, [&] {
@@ -320,7 +318,7 @@ TEST(Saving, KeepsBothWhereTwoHaveChangedDifferentParts) {
                   "Mine 1|2-2|MSG 24|Gift vouchers|MSG|0|24|2|2");
         Person::Press("cmdApply");
         EXPECT_FALSE(Person::Dirty());
-        const Rows stored = Details(store, 8);
+        const Texts stored = Details(store, 8);
         EXPECT_EQ(Labels(store) + ' ' + stored.at(0) + ' ' + stored.at(6),
                   "Mine|Mine A1|0|MSG|24|2-2 A7|4|XFER|2|0-0");
 

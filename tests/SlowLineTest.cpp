@@ -2,8 +2,6 @@
 #include "testing/Relay.h"
 #include "testing/TestStore.h"
 
-#include <fstream>
-
 namespace KAL_AUTO_Node {
 namespace {
 

@@ -6,13 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <optional>
-#include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 namespace KAL_AUTO_Node {
 namespace {

@@ -12,14 +12,11 @@
 
 #include <algorithm>
 #include <array>
-#include <fstream>
 #include <random>
 #include <sstream>
 
 namespace KAL_AUTO_Node {
 namespace {
-
-using Texts = std::vector<std::string>;
 
 constexpr Partition Company{1, 2};
 
