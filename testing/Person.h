@@ -230,29 +230,29 @@ class Person {
         QTest::mouseClick(List(list)->viewport(), button, modifiers, place);
     }
 
-    // Drags a row to the lower half of another of any list; a key may be pressed before it is let go of.
+    // Drags a row to the lower half of another, or to so many pixels beside its middle.
     static void DragRow(const std::string& list, int from, const std::string& other, int to,
-                        std::optional<Qt::Key> key = {}) {
+                        const std::function<void()>& meanwhile = {}, int beside = 2) {
         QWidget* viewport = List(list)->viewport();
         QTest::mousePress(viewport, Qt::LeftButton, {}, InRow(list, from));
-        const QPoint there =
-            viewport->mapFromGlobal(List(other)->viewport()->mapToGlobal(InRow(other, to))) + QPoint(0, 2);
+        const QPoint there = viewport->mapFromGlobal(List(other)->viewport()->mapToGlobal(InRow(other, to))) +
+                             QPoint(0, beside);
         QMouseEvent move(QEvent::MouseMove, there, viewport->mapToGlobal(there), Qt::NoButton, Qt::LeftButton,
                          {});
         QApplication::sendEvent(viewport, &move);
-        if (key) {
-            QTest::keyClick(List(list), *key);
+        if (meanwhile) {
+            meanwhile();
         }
         QTest::mouseRelease(viewport, Qt::LeftButton, {}, there);
     }
 
-    // Turns the wheel of the mouse over a list by one notch.
-    static void Scroll(const std::string& list) {
-        QWidget* rows = List(list)->viewport();
-        const QPointF place = rows->rect().center();
-        QWheelEvent wheel(place, rows->mapToGlobal(place), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
-                          Qt::NoScrollPhase, false);
-        QApplication::sendEvent(rows, &wheel);
+    // Turns the wheel of the mouse over a control by one notch.
+    static void Scroll(const std::string& name) {
+        auto* list = qobject_cast<QTreeView*>(Find<QWidget>(name));
+        QWidget* over = list != nullptr ? list->viewport() : Find<QWidget>(name);
+        const QPoint place = over->rect().center();
+        QWheelEvent wheel(place, over->mapToGlobal(place), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(over, &wheel);
     }
 
     static void PressHeader(const std::string& list) {

@@ -19,14 +19,6 @@ std::string Reporters(const std::vector<Box>& boxes) {
     return reporters;
 }
 
-std::string Entries(const QComboBox* box) {
-    std::string entries;
-    for (int i = 0; i < box->count(); ++i) {
-        entries += box->itemText(i).toStdString() + ' ';
-    }
-    return entries;
-}
-
 // The navigation buttons that can be pressed, the position, the entry of the selector and the label.
 std::string Place() {
     std::string place;
@@ -57,41 +49,6 @@ TEST(EditorOpens, AnOlderStoreIsBroughtUpWhereThatIsWanted) {
             Person::Press("cmdApply");
         }));
     }
-}
-
-TEST(EditorOpens, OnAStoredNode) {
-    const TestStore store;
-    Person person;
-    EXPECT_TRUE(person.Edit(1, [] {
-        EXPECT_EQ(Person::Window("GUI")->windowTitle(), "AUTO Node Editor");
-        EXPECT_EQ(Place(), "Next Last 1 of 17, AUTO 1 Main menu");
-        EXPECT_EQ(Person::Rows("LVPrompts"), (Texts{"1a: 1|1|TIME 1|Greeting by time of day|TIME|2|1",
-                                                    "2a: 2|2|MSG 2|Welcome, main menu|MSG|0|2",
-                                                    "3a: 3|3|MSG 3|Today's specials|MSG|0|3"}));
-        EXPECT_EQ(Person::Rows("LVActions")[5], "6a: 6|601-660|CMD 1|Dial the extension|CMD|1|1|601|660");
-        EXPECT_EQ(Person::Rows("LVExceptions"),
-                  (Texts{"1a: 1|Timeout|XFER 1|Operator|XFER|4|1",
-                         "2a: 2|Invalid|MSG 6|Invalid choice, try again|MSG|0|6",
-                         "3a: 3|Abort|MSG 1|Goodbye|MSG|0|1", "4a: 4|*|AUTO 11|Language selection|AUTO|9|11",
-                         "5a: 5|#|NONE||NONE|814|0"}));
-        EXPECT_EQ(Person::Text("cmbNumDigits") + Person::Text("cmbTermDigit") +
-                      Person::Text("cmbRetryLimit") + Person::Text("cmbSelTimeOut") +
-                      Person::Text("cmbDigitTimeOut"),
-                  "3#382");
-        EXPECT_EQ(Entries(Person::Combo("cmbNumDigits")), "1 2 3 4 5 6 7 ");
-        EXPECT_EQ(Entries(Person::Combo("cmbTermDigit")), "No * # */# ");
-        EXPECT_EQ(Entries(Person::Combo("cmbRetryLimit")), "0 1 2 3 4 5 ");
-        EXPECT_EQ(Person::Combo("cmbSelTimeOut")->itemText(59), "60");
-        EXPECT_EQ(Entries(Person::Combo("cmbDigitTimeOut")), "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 ");
-        EXPECT_EQ(Entries(Person::Combo("cmbPromptsNode")), "MSG TIME LIST SPEAK M_ON M_OFF EMPTY ");
-        EXPECT_EQ(Person::Combo("cmbPromptsNode")->itemData(2, Qt::UserRole).toInt(), 8);
-        EXPECT_EQ(Person::List("LVActions")->model()->headerData(1, Qt::Horizontal), "Entry");
-        EXPECT_TRUE(Person::List("LVActions")->isColumnHidden(4));
-        EXPECT_FALSE(Person::Dirty());
-        EXPECT_FALSE(Person::Find<QStatusBar>("StatusBar1")->isVisible());
-        EXPECT_TRUE(Person::OpenEditors().empty());
-    }));
-    EXPECT_EQ(person.Boxes(), std::vector<Box>{});
 }
 
 TEST(EditorOpens, WithRowsAsTheyAreStored) {

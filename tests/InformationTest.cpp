@@ -215,6 +215,11 @@ TEST_F(NodeInformation, TellsWhatSomebodyElseHasChanged) {
         EXPECT_EQ(Person::Label() + Person::Focused(), "MinetxtDescription");
         Open();
         EXPECT_TRUE(Comes([&] { return Line("lblInfoNote") == note; }));
+        Person::TypeLabel("Mine too");
+        EXPECT_EQ(Line("lblInfoNote"),
+                  "What was changed in the editor is not saved, and not told here.\n" + note);
+        Person::MarkUnchanged();
+        EXPECT_EQ(Line("lblInfoNote"), "");
         // Of nothing any more, where it was loaded anew.
         save(somebody, "Theirs again");
         EXPECT_TRUE(Tells(1, "&History (4)"));

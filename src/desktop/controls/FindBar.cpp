@@ -20,7 +20,6 @@ QToolButton* Button(QWidget* parent, const char* name, const QIcon& icon, const 
     button->setObjectName(QString::fromLatin1(name));
     button->setIcon(icon);
     button->setAutoRaise(true);
-    button->setFocusPolicy(Qt::TabFocus);
     button->setToolTip(QString::fromLatin1(hint));
     button->setAccessibleName(button->toolTip());
     return button;
@@ -67,14 +66,10 @@ FindBar::FindBar(QWidget* parent)
 }
 
 void FindBar::Open(ListView& list) {
-    if (list_ != &list) {
-        if (list_ != nullptr) {
-            disconnect(list_, nullptr, this, nullptr);
-        }
-        list_ = &list;
-        // What was counted may not be there any more, as in another node.
-        connect(list_, &ListView::Changing, this, [this] { Tell({}); });
-    }
+    list_ = &list;
+    disconnect(changing_);
+    // What was counted may not be there any more, as in another node.
+    changing_ = connect(list_, &ListView::Changing, this, [this] { Tell({}); });
     caption_->setText("Find in " + list.accessibleName() + ':');
     text_->setAccessibleName("Find in " + list.accessibleName());
     show();

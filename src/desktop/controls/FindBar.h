@@ -39,6 +39,7 @@ class FindBar : public QWidget {
     void Tell(const QString& found);
 
     ListView* list_ = nullptr;
+    QMetaObject::Connection changing_;
     QLabel* caption_;
     QLineEdit* text_;
     QToolButton* previous_;

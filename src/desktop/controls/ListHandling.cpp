@@ -43,11 +43,10 @@ void ListView::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void ListView::mouseReleaseEvent(QMouseEvent* event) {
-    if (drag_ == Drag::Rows) {
+    if (std::exchange(drag_, Drag::None) == Drag::Rows) {
         EndDrag();
         return;
     }
-    drag_ = Drag::None;
     QTreeView::mouseReleaseEvent(event);
     if (std::exchange(doubleClicked_, false)) {
         emit ItemDoubleClick();

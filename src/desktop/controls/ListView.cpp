@@ -50,11 +50,8 @@ ListView::ListView(QWidget* parent) : QTreeView(parent), rows_(new ListRows(this
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
-    setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::ExtendedSelection);
-    setTabKeyNavigation(false);
     header()->setSectionsMovable(false);
-    header()->setHighlightSections(false);
     header()->viewport()->installEventFilter(this);
 
     connect(this, &QAbstractItemView::clicked, this,

@@ -52,7 +52,6 @@ QuickAssignForm::QuickAssignForm(QWidget* parent) : QDialog(parent) {
     auto* window = new QVBoxLayout(this);
     window->addWidget(fraNode);
     window->addLayout(buttons);
-    window->setSizeConstraint(QLayout::SetMinimumSize);
     resize(400, sizeHint().height());
 }
 

@@ -24,7 +24,6 @@ EntriesPage::EntriesPage()
     row->addStretch(1);
     Room().insertLayout(1, row);
     Room().insertWidget(2, answer_);
-    setTabOrder(entry_, &List());
     connect(entry_, &QLineEdit::textChanged, this, &EntriesPage::AnswerEntry);
 }
 
@@ -84,6 +83,12 @@ void EntriesPage::Begin(StoreReader& reader) {
         Show(rows.size(), cell, FromUtf8(Visible(EntriesText(space_->menu))) + '.');
         AnswerEntry();
     });
+}
+
+void EntriesPage::showEvent(QShowEvent* event) {
+    // Of a page that is in no window yet, whose controls go round, the toolkit finds this done already.
+    setTabOrder(entry_, &List());
+    InformationPage::showEvent(event);
 }
 
 void EntriesPage::AnswerEntry() {

@@ -64,6 +64,7 @@ class EntriesPage : public InformationPage {
   protected:
     void Begin(StoreReader& reader) override;
     void Clear() override;
+    void showEvent(QShowEvent* event) override;
 
   private:
     void AnswerEntry();

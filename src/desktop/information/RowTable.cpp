@@ -53,7 +53,6 @@ RowTable::RowTable(QWidget* parent, const char* name, const QString& spokenName,
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
-    setTabKeyNavigation(false);
     setEditTriggers(NoEditTriggers);
     connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this](const QModelIndex& current) { Changed(current.row()); });
