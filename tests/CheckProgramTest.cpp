@@ -115,6 +115,8 @@ TEST(StoreFile, IsToldOfAsTheTranscriptsHaveIt) {
     data.Set(TEST_DATA);
     for (const char* name : {"commands.txt", "help.txt"}) {
         const TestStore store;
+        const EnvironmentVariable place("STORE");
+        place.Set(store.File().string());
         const auto file = std::filesystem::path(TEST_DATA) / name;
         const std::string text = BytesOf(file);
         std::string told = text.substr(0, text.find("\n$ ") + 1);

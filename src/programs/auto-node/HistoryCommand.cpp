@@ -19,14 +19,14 @@ namespace KAL_AUTO_Node {
 
 namespace {
 
-void Print(const std::vector<Change>& changes) {
+void Print(const std::vector<Change>& changes, bool anyAreKept) {
     for (const auto& [version, words] : changes) {
         std::cout << version.number << "  " << Visible(LocalTime(version.begunAt)) << "  "
                   << Visible(AuthorText(version)) << "  " << Visible(OutcomeOf(version)) << '\n';
         PrintChanges(words);
     }
     if (changes.empty()) {
-        std::cout << "No changes of this node are kept.\n";
+        std::cout << (anyAreKept ? "No such changes are kept.\n" : "No changes of this node are kept.\n");
     } else if (IsUnfinished(changes.front().version) && !IsBeingMade(changes.front().version)) {
         std::cout
             << "The latest save did not finish. auto-node restore puts the node back as it was before.\n";
@@ -120,8 +120,9 @@ int Run(const Options& options, DataBase& dataBase) {
     if (changes.empty()) {
         static_cast<void>(RequireAutoNode(dataBase, options.place));
     }
+    const bool anyAreKept = !changes.empty();
     std::erase_if(changes, [&](const Change& change) { return !options.Takes(change.version); });
-    options.json ? PrintJson(changes) : Print(changes);
+    options.json ? PrintJson(changes) : Print(changes, anyAreKept);
     return 0;
 }
 
