@@ -1,6 +1,8 @@
 #include "RunProgram.h"
 #include "testing/TestStore.h"
 
+#include <QRegularExpression>
+
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <sstream>
@@ -98,12 +100,14 @@ TEST(CheckProgram, LooksForWhatIsAskedForAndKeepsTheAcceptedTrue) {
 }
 
 // What is told differs by the folder, the time and who it is.
-std::string AlikeEverywhere(std::string told, const std::string& folder) {
-    for (const auto& [differing, alike] : {std::pair{folder, "~"},
-                                           {R"TIME(20[2-9]\d-\d\d-\d\d[T ]\d\d:\d\d(?!")\S*)TIME", "TIME"},
-                                           {R"(\S+ on \S+ with auto-node)", "USER on HOST with auto-node"},
-                                           {R"(("user"|"host"): "[^"]*")", "$1: \"...\""}}) {
-        told = std::regex_replace(told, std::regex(differing), alike);
+QString AlikeEverywhere(QString told, const std::string& folder) {
+    static const std::pair<QRegularExpression, const char*> others[] = {
+        {QRegularExpression(R"TIME(20[2-9]\d-\d\d-\d\d[T ]\d\d:\d\d(?!")\S*)TIME"), "TIME"},
+        {QRegularExpression(R"(\S+ on \S+ with auto-node)"), "USER on HOST with auto-node"},
+        {QRegularExpression(R"(("user"|"host"): "[^"]*")"), "\\1: \"...\""}};
+    told.replace(QString::fromStdString(folder), "~");
+    for (const auto& [differing, alike] : others) {
+        told.replace(differing, alike);
     }
     return told;
 }
@@ -129,11 +133,13 @@ TEST(StoreFile, IsToldOfAsTheTranscriptsHaveIt) {
             shell.setWorkingDirectory(QString::fromStdString(store.Folder().string()));
             shell.start("bash", {"-c", QString::fromStdString(line.substr(2))});
             ASSERT_TRUE(shell.waitForFinished(20'000)) << line;
-            std::istringstream errors(shell.readAllStandardError().toStdString());
-            told +=
-                line + '\n' + AlikeEverywhere(shell.readAllStandardOutput().toStdString(), store.Folder());
+            const auto alike = [&](const QByteArray& output) {
+                return AlikeEverywhere(QString::fromUtf8(output), store.Folder());
+            };
+            std::istringstream errors(alike(shell.readAllStandardError()).toStdString());
+            told += line + '\n' + alike(shell.readAllStandardOutput()).toStdString();
             for (std::string error; std::getline(errors, error);) {
-                told += "! " + AlikeEverywhere(error, store.Folder()) + '\n';
+                told += "! " + error + '\n';
             }
             told += shell.exitCode() == 0 ? "" : '[' + std::to_string(shell.exitCode()) + "]\n";
         }
