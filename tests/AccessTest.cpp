@@ -1,6 +1,8 @@
 #include "Walk.h"
 
 #include <QBitmap>
+#include <QPainter>
+#include <QWindow>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -131,21 +133,30 @@ TEST_F(Access, TheTreeHoldsWhatCanBeUsedByItsName) {
             return QAccessible::queryAccessibleInterface(Person::Find<QWidget>(name));
         };
         ExpectAs("editor", Person::Window("GUI"));
+        EXPECT_EQ(Person::Text("cmbPromptsNode") + Person::Text("cmbActionsNode"), "") << "chosen by nobody";
+        const auto ink = [](const QImage& arrow) {
+            return QRegion(QBitmap::fromImage(arrow.createAlphaMask(Qt::ThresholdAlphaDither)));
+        };
         for (const auto& [back, on] : {std::pair{"cmdFirst", "cmdLast"}, {"cmdPrevious", "cmdNext"}}) {
-            const auto drawn = [](const char* button, QIcon::Mode mode = QIcon::Normal) {
-                return Person::Button(button)->icon().pixmap(100, mode).toImage();
+            const auto drawn = [&](const char* button, QIcon::Mode mode = QIcon::Normal) {
+                const QIcon icon = Person::Button(button)->icon();
+                QImage image(100, 100, QImage::Format_ARGB32_Premultiplied);
+                image.fill(Qt::transparent);
+                QPainter painter(&image);
+                icon.paint(&painter, {20, 20, 60, 60}, Qt::AlignCenter, mode);
+                EXPECT_TRUE(painter.transform().isIdentity());
+                EXPECT_EQ(ink(image).boundingRect(),
+                          ink(icon.pixmap(60, mode).toImage()).boundingRect().translated(20, 20));
+                return image;
             };
             EXPECT_NE(drawn(on, QIcon::Disabled), drawn(on));
-            const auto ink = [](const QImage& arrow) {
-                return QRegion(QBitmap::fromImage(arrow.createAlphaMask(Qt::ThresholdAlphaDither)));
-            };
             EXPECT_EQ(ink(drawn(back)), ink(drawn(on).mirrored(true, false)));
             const QRect place = ink(drawn(on)).boundingRect();
             EXPECT_LE((place.center() - QPoint(50, 50)).manhattanLength(), 3) << on;
             EXPECT_TRUE(ink(drawn(on)).contains(place.topLeft() + QPoint(1, 3)));
         }
-        EXPECT_NE(Person::Button("cmdLast")->icon().pixmap(100).toImage(),
-                  Person::Button("cmdNext")->icon().pixmap(100).toImage());
+        EXPECT_NE(Person::Button("cmdLast")->icon().pixmap(60).toImage(),
+                  Person::Button("cmdNext")->icon().pixmap(60).toImage());
         QAccessibleInterface* exceptions = spoken("LVExceptions");
         ASSERT_EQ(exceptions->childCount(), 5);
         EXPECT_EQ(exceptions->child(0)->text(QAccessible::Name), "Timeout, XFER 1, Operator");
@@ -154,6 +165,7 @@ TEST_F(Access, TheTreeHoldsWhatCanBeUsedByItsName) {
             QAccessibleInterface* one = exceptions->child(row);
             EXPECT_EQ(exceptions->indexOfChild(one), row);
             EXPECT_EQ(one->parent(), exceptions);
+            EXPECT_TRUE(one->isValid());
             EXPECT_EQ(exceptions->childAt(one->rect().center().x(), one->rect().center().y()), one);
             const QAccessible::State state = one->state();
             EXPECT_TRUE(state.selectable && state.focusable && !state.offscreen && !state.disabled);
@@ -190,6 +202,10 @@ TEST_F(Access, TheTreeHoldsWhatCanBeUsedByItsName) {
             const QRect first = rows->visualRect(rows->model()->index(0, 1));
             EXPECT_TRUE(rows->viewport()->visibleRegion().boundingRect().contains(first)) << list;
         }
+        QAccessibleInterface* gone = spoken("LVPrompts")->child(2);
+        Person::ClickRow("LVPrompts", 2);
+        Person::Press("cmdPromptsRemove");
+        EXPECT_FALSE(gone->isValid());
         person_.InQuickAssign("cmdQuickActions",
                               [] { ExpectAs("quick-assign", Person::Window("frmQuickAssign")); });
     });
@@ -200,8 +216,12 @@ TEST_F(Access, TheWindowsBesideTheEditorAreReadAndUsedByTheirNames) {
     Edit(40, [] {
         Person::TypeLabel("Changed");
         Person::Press("cmdApply");
+        Person::Window("GUI")->setGeometry(720, 30, 1080, 300);
         Press(Qt::Key_I, Qt::ControlModifier);
         QWidget* window = Person::Window("frmInformation");
+        const int frame = Person::Window("GUI")->windowHandle()->frameMargins().left();
+        const QPoint besideIt(720 - 2 * frame - window->width(), 30);
+        EXPECT_TRUE(window->width() > 700 || window->pos() == besideIt);
         ASSERT_TRUE(window != nullptr && QTest::qWaitForWindowActive(window, 30'000));
         const auto* tabs = window->findChild<QTabWidget*>();
         EXPECT_TRUE(QTest::qWaitFor([&] { return tabs->tabText(3).contains('('); }, 30'000));

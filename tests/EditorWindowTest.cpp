@@ -165,36 +165,6 @@ TEST_F(Editor, StaysOnANodeThatItRefusesToSave) {
     }
 }
 
-TEST_F(Editor, KeepsValueBoxesAtNumbersTheyMayHold) {
-    const std::vector<std::array<const char*, 3>> entries = {
-        {"cmbSelTimeOut", "60", "60"},    {"cmbSelTimeOut", "61", "6"},  {"cmbSelTimeOut", "-5", "1"},
-        {"cmbSelTimeOut", "\u0663", "1"}, {"cmbNumDigits", "7", "7"},    {"cmbNumDigits", "8", "1"},
-        {"cmbRetryLimit", "9", "0"},      {"cmbRetryLimit", "05", "5"},  {"cmbRetryLimit", "5", "5"},
-        {"cmbDigitTimeOut", "15", "15"},  {"cmbDigitTimeOut", "16", "1"}};
-    Edit(8, [&] {
-        for (const auto& [name, text, becomes] : entries) {
-            SCOPED_TRACE(std::string(name) + ": " + text);
-            QLineEdit* box = Person::Combo(name)->lineEdit();
-            Person::Paste(box, text);
-            EXPECT_EQ(box->cursorPosition(), box->text().size());
-            EXPECT_TRUE(Person::Dirty());
-            // Leaving the box must not choose anything, be it the same; choosing the same from the list does.
-            Person::MarkUnchanged();
-            Person::TextBox("txtDescription")->setFocus();
-            EXPECT_EQ(Person::Text(name), becomes);
-            EXPECT_FALSE(Person::Dirty());
-            Person::Choose(name, becomes);
-            EXPECT_TRUE(Person::Dirty());
-        }
-        // What needs no correction can be taken back there.
-        Person::TypeOver("cmbRetryLimit", "2");
-        QTest::keyClick(Person::Combo("cmbRetryLimit"), Qt::Key_Z, Qt::ControlModifier);
-        EXPECT_EQ(Person::Text("cmbRetryLimit"), "5");
-        Person::TypeOver("cmbSelTimeOut", "05");
-        EXPECT_EQ(Person::Text("cmbSelTimeOut"), "15") << "corrected key by key";
-    });
-}
-
 // What a host, its components and its timers do while a call has not returned.
 TEST_F(Editor, OutlastsWhatItsHostDoesMeanwhile) {
     const auto closeEverything = [] { QApplication::closeAllWindows(); };

@@ -6,11 +6,6 @@ namespace {
 const std::string LowBox = "txtActionsDTMFRangeLow";
 const std::string HighBox = "txtActionsDTMFRangeHigh";
 
-Box Unavailable(const std::string& type) {
-    return Information("Please check the \"Max Number of each Node\" Section for " + type +
-                       " Node in Partition Settings.");
-}
-
 // The editors of an action, and no others, are open and sit on it, as wide as the font asks for.
 void ExpectEditorsOver(int row) {
     const QTreeView* view = Person::List("LVActions");
@@ -110,38 +105,6 @@ TEST_F(InPlaceEditors, AreMarkedByWhoGoesThere) {
         QApplication::sendEvent(rows, &menu);
         ExpectEditorsOver(3);
     });
-}
-
-TEST_F(InPlaceEditors, StayClosedForATypeWithoutNumbers) {
-    // Without messages an action of their two other types is told under the name of the message type. A
-    // prompt of such a type is rewritten before its number turns out to be none.
-    store_.Execute("UPDATE Node_Type_Max SET Max_Number = 0 WHERE PartitionID = 2 AND NodeType_ID = 0");
-    Edit(12,
-         [] {
-             Person::Press("cmdActionsEdit");
-             for (const int row : {0, 3, 4}) {
-                 const std::string before = Person::Row("LVActions", row);
-                 Person::ClickRow("LVActions", row);
-                 EXPECT_EQ(Person::Row("LVActions", row), before);
-                 EXPECT_TRUE(Person::OpenEditors().empty());
-             }
-             Person::Press("cmdPromptsEdit");
-             Person::ClickRow("LVPrompts", 0);
-             EXPECT_EQ(Person::Row("LVPrompts", 0), "1|1|M_ON 1||M_ON|817|1");
-             EXPECT_TRUE(Person::OpenEditors().empty());
-         },
-         {Unavailable("MSG"), Unavailable("MSG"), Unavailable("MSG"), Unavailable("M_ON")});
-
-    store_.Execute("DELETE FROM SR_Node_Type_can_contain_Node_Type WHERE Set_ID = 6");
-    const Box noTypes = Information("Please check the \"Max Number of each Node\" in Partition Settings.");
-    Edit(1,
-         [] {
-             Person::Press("cmdActionsAdd");
-             Person::Press("cmdActionsInsert");
-             EXPECT_EQ(Person::Count("LVActions"), 9);
-             EXPECT_FALSE(Person::Dirty());
-         },
-         {noTypes, noTypes});
 }
 
 } // namespace

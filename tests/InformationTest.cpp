@@ -4,6 +4,7 @@
 #include <QPlainTextEdit>
 #include <QTabWidget>
 #include <QToolTip>
+#include <QWindow>
 
 namespace KAL_AUTO_Node {
 namespace {
@@ -57,7 +58,16 @@ TEST_F(Ways, LeadToAnyNodeAndBack) {
         InGoTo([](QWidget& window) {
             QTest::keyClicks(window.focusWidget(), "sale");
             EXPECT_EQ(Person::Cell("LVGoTo", 0, 0), "AUTO 8") << "AUTO nodes come first";
+            const auto chosen = [] { return Person::List("LVGoTo")->currentIndex().row(); };
+            for (const auto& [key, row] : {std::pair{Qt::Key_Down, 1},
+                                           {Qt::Key_PageDown, Person::Count("LVGoTo") - 1},
+                                           {Qt::Key_Up, Person::Count("LVGoTo") - 2}}) {
+                Press(window.focusWidget(), key);
+                EXPECT_EQ(chosen(), row);
+            }
+            EXPECT_TRUE(Person::Window("frmGoTo")->findChild<QPushButton*>("cmdGoTo")->isEnabled());
             QTest::keyClicks(window.focusWidget(), "zz");
+            EXPECT_FALSE(Person::Window("frmGoTo")->findChild<QPushButton*>("cmdGoTo")->isEnabled());
             EXPECT_EQ(Person::Count("LVGoTo"), 0);
             Press(window.focusWidget(), Qt::Key_Escape);
         });
@@ -127,7 +137,10 @@ TEST_F(NodeInformation, GoesWithTheEditorAndLeadsIt) {
         EXPECT_TRUE(Tells(0, "&Used By (11)"));
         EXPECT_EQ(Line("lblInfoNote"), "");
         // A node of another type is told of, until the editor moves.
-        Press(Person::List("LVInfoUses"), Qt::Key_Return);
+        QTreeView* uses = Person::List("LVInfoUses");
+        const QPoint first = uses->visualRect(uses->model()->index(0, 0)).center();
+        QTest::mouseDClick(uses->viewport(), Qt::RightButton, {}, first);
+        QTest::mouseDClick(uses->viewport(), Qt::LeftButton, {}, first);
         EXPECT_TRUE(Tells(0, "&Used By (3)"));
         EXPECT_EQ(Title(), "CMD 2 Auf Deutsch weiter, configuration 1, partition 2 - Node Information");
         EXPECT_FALSE(Tabs().isTabEnabled(1) || Tabs().isTabEnabled(2));
@@ -147,6 +160,15 @@ TEST_F(NodeInformation, GoesWithTheEditorAndLeadsIt) {
             Person::Paste(Person::TextBox("txtInfoEntry"), typed);
             EXPECT_EQ(Line("lblInfoAnswer"), answer);
         }
+        // What cannot be read is told as that, until it can be.
+        for (const auto& [from, to, title] : {std::tuple{"Node_General_Pool", "Away", "&Entries"},
+                                              {"Away", "Node_General_Pool", "&Entries (15)"}}) {
+            store_.Execute(std::string("ALTER TABLE ") + from + " RENAME TO " + to);
+            Press(Person::Window("frmInformation"), Qt::Key_F5);
+            EXPECT_TRUE(Tells(2, title));
+            EXPECT_EQ(Line("lblInfoEntries").starts_with("This cannot be read: "), from[0] == 'N');
+            EXPECT_EQ(Person::Count("LVInfoEntries"), from[0] == 'N' ? 0 : 15);
+        }
     });
 }
 
@@ -156,7 +178,11 @@ TEST_F(NodeInformation, PutsAStateBackAfterAQuestion) {
             Person::TypeLabel(label);
             Person::Press("cmdApply");
         }
+        Person::Window("GUI")->setGeometry(-1000, 30, 1080, 300);
         Open();
+        const int frame = Person::Window("GUI")->windowHandle()->frameMargins().left();
+        const QWidget* window = Person::Window("frmInformation");
+        EXPECT_TRUE(window->width() > 700 || window->pos() == QPoint(80 + 2 * frame, 30));
         ASSERT_TRUE(Tells(1, "&History (2)"));
         const auto choose = [](int row) {
             QTreeView* list = Person::List("LVInfoHistory");

@@ -2,6 +2,7 @@
 
 #include <QContextMenuEvent>
 #include <QMenu>
+#include <QScrollBar>
 
 #include <sstream>
 
@@ -159,26 +160,62 @@ TEST_F(Lists, EditorsTakeNothingThatWasMeantForOthers) {
     Edit(1, deeds, {question});
 }
 
-TEST_F(Lists, DrawWhereADraggedRowWouldGo) {
+TEST_F(Lists, AreDrawn) {
+    Edit(4, [] {
+        QTreeView* list = Person::List("LVPrompts");
+        QWidget* rows = list->viewport();
+        const auto cell = [&](int row) { return list->visualRect(list->model()->index(row, 2)); };
+        const auto drawn = [&](int row) { return rows->grab(cell(row)).toImage(); };
+        const QImage plain = drawn(0);
+        EXPECT_NE(plain, drawn(1)) << "by their texts";
+        for (const QPoint& line : {plain.rect().bottomLeft(), plain.rect().topRight()}) {
+            EXPECT_EQ(plain.pixel(line), list->palette().color(QPalette::Midlight).rgb());
+        }
+        Person::ClickRow("LVPrompts", 0);
+        const QImage chosen = drawn(0);
+        list = Person::List("LVActions");
+        list->setFocus();
+        const QImage elsewhere = Person::List("LVPrompts")->viewport()->grab(cell(0)).toImage();
+        EXPECT_TRUE(chosen != plain && elsewhere != plain && elsewhere != chosen);
+    });
+    // While a row is dragged a line shows where it would go, which Escape takes away.
     Edit(1, [] {
         QTreeView* list = Person::List("LVPrompts");
+        QWidget* rows = list->viewport();
         std::vector<QImage> looks;
-        for (const int beside : {-5, 0, 5}) {
+        for (const int beside : {-5, 0, 5, 5000}) {
             const auto look = [&] {
-                looks.push_back(list->grab().toImage());
-                QTest::keyClick(list, Qt::Key_Escape);
+                looks.push_back(rows->grab().toImage());
+                EXPECT_EQ(rows->cursor().shape(), beside < 5000 ? Qt::DragMoveCursor : Qt::ForbiddenCursor);
+                if (beside < 5000) {
+                    QTest::keyClick(list, Qt::Key_Escape);
+                }
             };
             Person::DragRow("LVPrompts", 2, "LVPrompts", 0, look, beside);
+            EXPECT_EQ(rows->cursor().shape(), Qt::ArrowCursor);
         }
-        EXPECT_NE(looks[0], list->grab().toImage());
+        EXPECT_EQ(looks[3], rows->grab().toImage());
+        EXPECT_NE(looks[0], looks[3]);
         EXPECT_EQ(looks[0], looks[1]);
         EXPECT_NE(looks[1], looks[2]);
-        EXPECT_FALSE(Person::Dirty()) << "let go of by Escape";
+        EXPECT_FALSE(Person::Dirty());
         // A double click beside the rows opens none.
-        QWidget* rows = list->viewport();
         QTest::mouseDClick(rows, Qt::LeftButton, {}, {5, rows->height() - 2});
         QTest::mouseRelease(rows, Qt::LeftButton, {}, {5, rows->height() - 2});
         EXPECT_EQ(Person::Caption("cmdPromptsEdit"), "Edit");
+    });
+    // A row that is dragged to the edge scrolls the list, and goes to where the edge is by then.
+    Edit(4, [] {
+        QTreeView* list = Person::List("LVActions");
+        const int beside = list->viewport()->height() - 4 - Person::InRow("LVActions", 0).y();
+        const int edge = list->indexAt({5, list->viewport()->height() - 4}).row();
+        const QScrollBar& bar = *list->verticalScrollBar();
+        const auto wait = [&] { EXPECT_TRUE(QTest::qWaitFor([&] { return bar.value() > 3; })); };
+        Person::DragRow("LVActions", 0, "LVActions", 0, wait, beside);
+        EXPECT_GT(Person::SelectedRows("LVActions").front(), edge);
+        const int reached = bar.value();
+        QTest::qWait(120);
+        EXPECT_EQ(bar.value(), reached);
     });
 }
 

@@ -60,7 +60,8 @@ TEST(MissingNodes, AreAskedAboutInTheOrderOfTheListsUntilThePersonHasHadEnough) 
     Check check;
     check.person.LookAtBox = [](QMessageBox&) {
         EXPECT_EQ(Person::Pointer(), Qt::ArrowCursor);
-        EXPECT_FALSE(Person::Find<QFrame>("Frame1")->isEnabled());
+        EXPECT_TRUE(!Person::Find<QFrame>("Frame1")->isEnabled() &&
+                    Person::Find<QFrame>("Frame1")->updatesEnabled());
         EXPECT_TRUE(Person::Find<QStatusBar>("StatusBar1")->isVisible());
     };
     check.person.WillAnswer({Yes, No, Yes, Cancel});

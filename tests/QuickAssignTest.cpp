@@ -94,6 +94,13 @@ TEST_F(QuickAssign, AddsARowForEachNumber) {
         EXPECT_EQ(Person::Key("LVPrompts", 0) + Person::Row("LVPrompts", 0).substr(0, 9), "1a1|1|MSG 9");
         EXPECT_EQ(Person::Key("LVPrompts", 2) + Person::Row("LVPrompts", 2), "3a3|3|MSG 3||MSG|0|3");
     });
+    // The placeholder goes where rows come.
+    Edit(7, [&] {
+        Assign("Prompts", "MSG", 5, 3, "cmdAdd");
+        EXPECT_EQ(Person::Cell("LVPrompts", 0, 2), "EMPTY");
+        Assign("Prompts", "MSG", 4, 5, "cmdAdd");
+        EXPECT_EQ(Person::Cell("LVPrompts", 0, 2) + Person::Cell("LVPrompts", 1, 2), "MSG 4MSG 5");
+    });
 }
 
 TEST_F(QuickAssign, RemovesByNameAndNumber) {

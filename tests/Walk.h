@@ -166,6 +166,7 @@ inline void ExpectAs(const char* name, QWidget* window) {
         found += stops && !stop->objectName().isEmpty() ? ' ' + stop->objectName().toStdString() : "";
     }
     ExpectAsKept(found + '\n', name);
+    EXPECT_GE(window->width(), window->fontMetrics().averageCharWidth() * 50);
     window->resize(window->size() + QSize(300, 300));
     QCoreApplication::processEvents();
     ExpectWhole(*window);

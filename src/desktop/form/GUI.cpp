@@ -124,7 +124,6 @@ void GUI::CreateControls() {
     auto* listPopup = new ListPopupStyle;
     listPopup->setParent(this);
     cmbNode->setStyle(listPopup);
-    cmbNode->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     cmbNode->setMaxVisibleItems(20);
     cmdNext = ArrowButton(Frame1, "cmdNext", Arrow::Next, "Next node");
     cmdLast = ArrowButton(Frame1, "cmdLast", Arrow::Last, "Last node");

@@ -15,13 +15,8 @@ QuickAssignForm::QuickAssignForm(QWidget* parent) : QDialog(parent) {
 
     fraNode = Named(new QGroupBox(this), "fraNode");
     cmbNodeTypes = Named(new PickList(fraNode), "cmbNodeTypes");
-    const auto numberBox = [this](const char* name) {
-        auto* box = Named(new NumberBox(fraNode), name);
-        box->setEditText(QStringLiteral("Combo1"));
-        return box;
-    };
-    cmbFrom = numberBox("cmbFrom");
-    cmbTo = numberBox("cmbTo");
+    cmbFrom = Named(new NumberBox(fraNode), "cmbFrom");
+    cmbTo = Named(new NumberBox(fraNode), "cmbTo");
     cmdAdd = Button(this, "cmdAdd", "Add", "Add a row for every number of the range");
     cmdRemove =
         Button(this, "cmdRemove", "Remove", "Remove the rows of this type whose numbers are in the range");
