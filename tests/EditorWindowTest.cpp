@@ -198,6 +198,7 @@ TEST_F(Editor, OutlastsWhatItsHostDoesMeanwhile) {
         person_.LookAtBox = [&](QMessageBox& box) {
             EXPECT_NE(box.parentWidget(), nullptr);
             EXPECT_EQ(box.textFormat(), Qt::PlainText);
+            EXPECT_EQ(box.textInteractionFlags(), Qt::TextSelectableByMouse);
             Person::Window("GUI")->close();
             EXPECT_TRUE(IsOpen() && box.isVisible());
             if (box.icon() == QMessageBox::Question) {
@@ -242,10 +243,13 @@ TEST_F(Editor, ItsPopUpsTellLabelsAsTheyAreStored) {
             store_.Execute(std::string("UPDATE Node_General_Pool SET NodeDescription = '") + label +
                            "' WHERE PartID = 2 AND NodeTypeID = 9 AND NodeNumber = 8");
             box->showPopup();
+            EXPECT_GT(box->view()->window()->width(), box->width()) << "room for labels";
             looks.push_back(box->view()->grab().toImage());
             box->hidePopup();
         }
         EXPECT_NE(looks.front(), looks.back());
+        const auto entries = [&](const QImage& look) { return look.copy(0, 0, 40, look.height()); };
+        EXPECT_EQ(entries(looks.front()), entries(looks.back()));
     });
 }
 

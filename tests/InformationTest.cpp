@@ -203,6 +203,10 @@ TEST_F(NodeInformation, PutsAStateBackAfterAQuestion) {
             EXPECT_NE(boxes[0].text.find(told), std::string::npos) << boxes[0].text;
         }
         EXPECT_TRUE(Tells(1, "&History (3)"));
+        choose(2);
+        Person::Button("cmdInfoPutBack")->click();
+        EXPECT_EQ(person_.Boxes(),
+                  std::vector{Information("AUTO 8 is stored as it was before this change.")});
     });
 }
 

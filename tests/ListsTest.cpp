@@ -137,6 +137,17 @@ TEST_F(Lists, EditorsTakeNothingThatWasMeantForOthers) {
         Person::Scroll("LVPrompts");
         QKeyEvent held(QEvent::KeyPress, Qt::Key_Down, {}, {}, true);
         QApplication::sendEvent(node, &held);
+        // Neither does one that was let go of, or whose box was left.
+        QKeyEvent release(QEvent::KeyRelease, Qt::Key_Down, {});
+        QFocusEvent leave(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+        for (QEvent* end : {static_cast<QEvent*>(&release), static_cast<QEvent*>(&leave)}) {
+            QTest::keyPress(node, Qt::Key_Down);
+            QApplication::sendEvent(node, end);
+            QApplication::sendEvent(node, &held);
+            EXPECT_EQ(node->currentText(), "TIME");
+            QTest::keyClick(node, Qt::Key_Up);
+        }
+        Person::Choose("cmbPromptsNumber", "2");
         // The Escape that closes a pop-up may come to the window, too.
         node->showPopup();
         QTest::keyClick(node->view(), Qt::Key_Escape);

@@ -147,6 +147,19 @@ TEST_F(QuickAssign, NothingIsDoneWithoutNumbers) {
         EXPECT_EQ(Person::Count("LVActions"), 9);
     });
 
+    // What fails closes it before it is told.
+    EXPECT_TRUE(person_.Edit(1, [&] {
+        person_.InQuickAssign("cmdQuickActions", [&] {
+            store_.Execute("ALTER TABLE Node_Type_Max RENAME TO Away");
+            Person::Choose("cmbNodeTypes", "XFER");
+            EXPECT_FALSE(Person::Window("frmQuickAssign")->isVisible());
+            store_.Execute("ALTER TABLE Away RENAME TO Node_Type_Max");
+        });
+    }));
+    const auto boxes = person_.Boxes();
+    ASSERT_EQ(boxes.size(), 1U);
+    EXPECT_TRUE(boxes[0].text.starts_with("Source: SQLite - cmdQuickActions_Click ")) << boxes[0].text;
+
     store_.Execute("DELETE FROM SR_Node_Type_can_contain_Node_Type"
                    " WHERE Set_ID = 6 OR Set_ID = 7 AND Child_Node_Type_ID IN (0, 816)");
     const Box refused =
