@@ -230,8 +230,8 @@ class JetImport : public JetSink {
                 whole = whole && !column.required;
             }
         }
-        if (!lost.empty()) {
-            Send(); // so that rows are told in their order
+        if (!lost.empty() && MayTell()) {
+            Send(); // so that rows are told in their order; it costs time
         }
         for (const std::string& value : lost) {
             (whole ? report_.valuesNotTaken : report_.rowsNotTaken) +=
