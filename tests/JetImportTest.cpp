@@ -312,12 +312,16 @@ TEST(JetImport, RefusesADamagedFileAndLeavesNothing) {
     EXPECT_NE(BringOver(file, folder.Path(), {"/nowhere"}).failure.find("cannot be started"),
               std::string::npos);
 
-    // One row more in the list of tables than can be read.
-    std::string counted = BytesOf(SiteFile);
-    ++counted.at(2 * 4096 + 16);
-    WriteFile(file, counted);
-    EXPECT_NE(BringOver(file, folder.Path()).failure.find("its list of tables is damaged"),
-              std::string::npos);
+    // One row more in the list of tables than can be read; a row that would lie behind its page's end.
+    for (const auto& [at, more, why] :
+         {std::tuple{2 * 4096 + 16, 1, "its list of tables is damaged"},
+          {26 * 4096 + 14 + 2 * 17 + 1, 16, "hold 18 rows, and 17 can be read, 1 cannot"}}) {
+        std::string bytes = BytesOf(SiteFile);
+        bytes.at(at) = static_cast<char>(bytes.at(at) + more);
+        WriteFile(file, bytes);
+        const std::string failure = BringOver(file, folder.Path()).failure;
+        EXPECT_NE(failure.find(why), std::string::npos) << failure;
+    }
 
     // The library that reads such files fails on damaged ones, in whatever way.
     for (std::size_t copy = 1; copy <= static_cast<std::size_t>(Rounds(12)); ++copy) {
