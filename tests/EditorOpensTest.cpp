@@ -54,7 +54,7 @@ TEST(EditorOpens, AnOlderStoreIsBroughtUpWhereThatIsWanted) {
 TEST(EditorOpens, WithRowsAsTheyAreStored) {
     const TestStore store;
     store.Execute(R"(
-        INSERT INTO Node_General_Pool VALUES (1, 2, 999, 1, 'EMPTY', 'A label all the same', NULL),
+        INSERT INTO Node_General_Pool VALUES (1, 2, 999, 1, 'EMPTY', 'A label all the same', NULL), (1, 2, 814, 3, 'NONE', 'Odd', NULL),
             (2, 2, 0, 777, 'MSG', 'Of another configuration', NULL), (1, 1, 0, 777, 'MSG', 'Elsewhere', NULL);
         UPDATE Node_General_Pool SET NodeDescription = 'Genève)" +
                   std::string(1000, 'x') + R"(' WHERE PartID = 2 AND NodeTypeID = 0 AND NodeNumber = 12;
@@ -73,8 +73,13 @@ TEST(EditorOpens, WithRowsAsTheyAreStored) {
         EXPECT_EQ(Person::Rows("LVActions"),
                   (Texts{"2a: 2|0-0|NONE 0||NONE|814|0|0|0", "5a: 5|0-0|BEEP||EMPTY|999|9|0|0",
                          "7a: 7|007-0099|MSG 12|Genève" + std::string(994, 'x') + "…|MSG|0|12|007|0099"}));
-        EXPECT_EQ(Person::Rows("LVExceptions")[0], "1a: 1|Timeout|STAY||NONE|814|3");
+        EXPECT_EQ(Person::Rows("LVExceptions")[0], "1a: 1|Timeout|STAY|Odd|NONE|814|3");
         EXPECT_EQ(Person::Rows("LVExceptions")[1], "2a: 2|Invalid|BEEP 1|A label all the same|EMPTY|999|1");
+        Person::Press("cmdExceptionsEdit");
+        Person::ClickRow("LVExceptions", 0);
+        EXPECT_EQ(Person::Rows("LVExceptions")[0], "1a: 1|Timeout|NONE||NONE|814|1");
+        Person::Press("cmdExceptionsEdit");
+        Person::MarkUnchanged();
         // A node without actions leaves none of the one before.
         Person::Choose("cmbNode", "AUTO 7");
         EXPECT_EQ(Person::Rows("LVPrompts"), (Texts{"1a: 1|1|EMPTY|A label all the same|EMPTY|999|1"}));

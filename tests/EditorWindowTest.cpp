@@ -168,7 +168,7 @@ TEST_F(Editor, StaysOnANodeThatItRefusesToSave) {
 // What a host, its components and its timers do while a call has not returned.
 TEST_F(Editor, OutlastsWhatItsHostDoesMeanwhile) {
     const auto closeEverything = [] { QApplication::closeAllWindows(); };
-    // A host without windows of its own ends at that.
+    // A host without windows of its own ends at that, where its loop runs.
     QObject closing;
     QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &closing,
                      [] { ADD_FAILURE() << "taken for the host's last window"; });
@@ -189,7 +189,7 @@ TEST_F(Editor, OutlastsWhatItsHostDoesMeanwhile) {
     ComponentFactory factory;
     factory.Register(ConfirmationDialog::Identifier, [] { return std::make_unique<HostDialog>(); });
     Business_Rules rules(factory);
-    EXPECT_TRUE(person_.Edit(rules, 1, [&] {
+    const auto deeds = [&] {
         rules.ShowNodeEditor(1, 2, 2);
         EXPECT_EQ(Person::Text("cmbNode"), "AUTO 1") << "the call of before goes on";
         Person::ClickRow("LVPrompts", 0);
@@ -211,7 +211,9 @@ TEST_F(Editor, OutlastsWhatItsHostDoesMeanwhile) {
         Person::Press("cmdNext");
         EXPECT_EQ(person_.Boxes(), std::vector<Box>{SaveQuestion()});
         EXPECT_TRUE(IsOpen() && Person::Dirty());
-    }));
+    };
+    QTimer::singleShot(0, qApp, [&] { QCoreApplication::exit(person_.Edit(rules, 1, deeds) ? 1 : 2); });
+    EXPECT_EQ(QApplication::exec(), 1);
     person_.LookAtBox = nullptr;
     // A message of the preparation.
     bool asked = false;

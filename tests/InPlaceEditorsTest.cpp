@@ -1,5 +1,7 @@
 #include "testing/Person.h"
 
+#include <QScrollBar>
+
 namespace KAL_AUTO_Node {
 namespace {
 
@@ -53,6 +55,7 @@ TEST_F(InPlaceEditors, FollowTheirRow) {
         Person::Window("GUI")->setFont(large);
         QCoreApplication::processEvents();
         EXPECT_EQ(list->columnWidth(1), 160);
+        EXPECT_FALSE(Person::List("LVExceptions")->verticalScrollBar()->isVisible()) << "room for all rows";
         Person::ClickRow("LVActions", 49);
         ExpectEditorsOver(49);
         large.setPixelSize(12);

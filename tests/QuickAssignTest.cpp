@@ -80,9 +80,9 @@ TEST_F(QuickAssign, AddsARowForEachNumber) {
                    "INSERT INTO Detail_AUTO_Prompts (ConfigID, PartID, NodeMasterID, SequenceNo, NodeTypeID,"
                    " NodeType, NodeNumber) VALUES (1, 2, 5, 2, 0, 'MSG', 9)");
     Edit(5, [&] {
+        Assign("Prompts", "MSG", 5, 3, "cmdAdd");
         ASSERT_EQ(Person::Cell("LVPrompts", 0, 2), "EMPTY");
         Person::Press("cmdPromptsAdd");
-        Assign("Prompts", "MSG", 5, 3, "cmdAdd");
         EXPECT_EQ(Person::Count("LVPrompts"), 2);
         person_.InQuickAssign("cmdQuickPrompts", [] {
             Person::TypeOver("cmbFrom", "3");

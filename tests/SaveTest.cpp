@@ -261,6 +261,10 @@ TEST(Saving, AsksBeforeItGoesOverWhatSomebodyElseHasStored) {
                 Person::Press("cmdPrevious");
             }
         }
+        store.Execute("UPDATE Detail_AUTO_Prompts SET SequenceNo = SequenceNo + 9 WHERE NodeMasterID = 8");
+        Person::TypeLabel("Sales");
+        Person::Press("cmdApply");
+        EXPECT_EQ(person.Boxes(), std::vector<Box>{});
         // However much it is, it can be read.
         store.Execute("UPDATE Detail_AUTO_Action SET NodeNumber = 99 WHERE PartID = 2 AND NodeMasterID = 8;"
                       "UPDATE Detail_AUTO_Prompts SET NodeNumber = 99 WHERE PartID = 2 AND NodeMasterID = 8;"
