@@ -15,118 +15,6 @@ void Press(int key, Qt::KeyboardModifiers with = Qt::NoModifier) {
     QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(key), with);
 }
 
-void Type(const char* text) { QTest::keyClicks(QApplication::focusWidget(), QString::fromUtf8(text)); }
-
-// From going to each list to what is stored.
-TEST_F(Access, ListsAreChangedAndSavedFromTheKeyboardAlone) {
-    Edit(8, [] {
-        const auto keys = [](std::initializer_list<int> before, const char* text) {
-            std::ranges::for_each(before, [](int key) { Press(key); });
-            Type(text);
-        };
-        for (const auto& [key, list] : {std::pair{Qt::Key_1, "LVPrompts"}, {Qt::Key_2, "LVActions"}}) {
-            Press(key, Qt::AltModifier);
-            EXPECT_EQ(Person::Focused(), list);
-            const int rows = Person::Count(list);
-            for (const auto& [deed, more] :
-                 {std::pair{Qt::Key_A, 1}, {Qt::Key_I, 2}, {Qt::Key_R, 1}, {Qt::Key_U, 1}}) {
-                Press(deed, Qt::AltModifier);
-                EXPECT_EQ(Person::Count(list), rows + more) << list;
-            }
-            Press(key, Qt::AltModifier);
-        }
-        Press(Qt::Key_E, Qt::AltModifier);
-        Press(Qt::Key_E, Qt::AltModifier);
-        EXPECT_EQ(Person::Focused(), "cmdActionsEdit") << "in no list, nor where another key would change it";
-        Press(Qt::Key_E, Qt::AltModifier);
-        std::string stops;
-        for (int stop = 0; stop < 4; ++stop) {
-            stops += Person::Focused() + ' ';
-            Press(Qt::Key_Tab);
-        }
-        EXPECT_EQ(stops, "txtActionsDTMFRangeLow txtActionsDTMFRangeHigh cmbActionsNode cmbActionsNumber ");
-        Press(Qt::Key_Tab, Qt::ShiftModifier);
-        Type("4");
-        Press(Qt::Key_Tab, Qt::ShiftModifier);
-        // A letter chooses a type.
-        Press(Qt::Key_X);
-        Press(Qt::Key_Tab, Qt::ShiftModifier);
-        // Enter accepts a row, Escape takes it back: both close its editors, not the window.
-        Type("79");
-        Press(Qt::Key_Return);
-        EXPECT_EQ(Person::Cell("LVActions", 7, 2) + Person::Focused(), "XFER 4LVActions");
-        keys({Qt::Key_Up}, "5");
-        EXPECT_EQ(Person::Focused(), "txtActionsDTMFRangeLow");
-        const std::string typed = Person::Cell("LVActions", 6, 1);
-        keys({Qt::Key_Escape}, "");
-        EXPECT_NE(Person::Cell("LVActions", 6, 1), typed);
-        EXPECT_EQ(Person::Focused(), "LVActions");
-        EXPECT_TRUE(Person::OpenEditors().empty());
-        keys({Qt::Key_Escape}, "");
-        EXPECT_EQ(Person::Caption("cmdActionsEdit"), "Edit");
-        Press(Qt::Key_1, Qt::AltModifier);
-        keys({Qt::Key_Home, Qt::Key_Return}, "T");
-        keys({Qt::Key_Tab}, "4");
-        Press(Qt::Key_3, Qt::AltModifier);
-        EXPECT_EQ(Person::Caption("cmdPromptsEdit"), "Edit");
-        keys({Qt::Key_Down, Qt::Key_Return}, "M");
-        keys({Qt::Key_Tab}, "9");
-        keys({Qt::Key_Return}, "");
-        Press(Qt::Key_S, Qt::ControlModifier);
-        EXPECT_FALSE(Person::Dirty());
-        // Enter presses the button that has the focus, not the default one.
-        Person::Button("cmdActionsEdit")->setFocus();
-        Press(Qt::Key_Return);
-        ASSERT_TRUE(Person::Window("GUI")->isVisible());
-        EXPECT_EQ(Person::Caption("cmdActionsEdit"), "Edit Off");
-    });
-    const auto stored = [&](const std::string& columns, const std::string& from, const char* row) {
-        const auto rows = store_.Rows("SELECT " + columns + " FROM " + from + " = 8 AND PartID = 2");
-        EXPECT_EQ(std::ranges::count(rows, row), 1) << testing::PrintToString(rows);
-    };
-    stored("SequenceNo, NodeType, NodeNumber", "Detail_AUTO_Prompts WHERE NodeMasterID", "1|TIME|4");
-    stored("SequenceNo, NodeType, DTMFRangeHigh", "Detail_AUTO_Action WHERE NodeMasterID", "8|XFER|79");
-    stored("InvalidNodeType, InvalidNodeNumber", "Node_AUTO WHERE NodeNumber", "MSG|9");
-}
-
-TEST_F(Access, TheFocusStaysWhereItIsOfUse) {
-    Edit(8, [] {
-        // Where a stray key changes nothing, and no row is chosen yet.
-        EXPECT_EQ(Person::Focused() + std::to_string(Person::List("LVPrompts")->currentIndex().row()),
-                  "LVPrompts-1");
-        // Apply keeps the focus where it was, also where it had it itself.
-        for (const char* label : {"Edited", "Again"}) {
-            Person::TypeLabel(label);
-            if (label == std::string("Edited")) {
-                Press(Qt::Key_S, Qt::ControlModifier);
-            } else {
-                Person::Button("cmdApply")->setFocus(Qt::TabFocusReason);
-                Press(Qt::Key_Space);
-            }
-            EXPECT_FALSE(Person::Dirty());
-            EXPECT_EQ(Person::Focused(), "txtDescription");
-        }
-        // And gives it to no button, which one press too many would press.
-        Person::TypeLabel("Again and again");
-        Person::Button("cmdPromptsRemove")->setFocus(Qt::TabFocusReason);
-        Person::Button("cmdCancel")->setFocus(Qt::TabFocusReason);
-        Press(Qt::Key_Tab);
-        Press(Qt::Key_Space);
-        Press(Qt::Key_Space);
-        EXPECT_EQ(Person::Focused(), "LVPrompts");
-        EXPECT_FALSE(Person::Dirty());
-        // At the last node one press too many changes and closes nothing.
-        Press(Qt::Key_PageUp, Qt::AltModifier);
-        EXPECT_EQ(Person::Text("cmbNode"), "AUTO 7");
-        Person::Button("cmdLast")->setFocus(Qt::TabFocusReason);
-        for (int i = 0; i < 3; ++i) {
-            Press(Qt::Key_Return);
-        }
-        EXPECT_TRUE(Person::Window("GUI")->isVisible() && !Person::Dirty());
-        EXPECT_EQ(Person::Focused() + Person::Text("cmbNode"), "cmbNodeAUTO 40");
-    });
-}
-
 TEST_F(Access, TheTreeHoldsWhatCanBeUsedByItsName) {
     Edit(1, [&] {
         const auto spoken = [](const std::string& name) {
@@ -167,11 +55,26 @@ TEST_F(Access, TheTreeHoldsWhatCanBeUsedByItsName) {
             EXPECT_EQ(one->parent(), exceptions);
             EXPECT_TRUE(one->isValid());
             EXPECT_EQ(exceptions->childAt(one->rect().center().x(), one->rect().center().y()), one);
+            const QTreeView* list = Person::List("LVExceptions");
+            const QRect cell = list->visualRect(list->model()->index(row, 1));
+            const QPoint corner = list->viewport()->mapToGlobal(QPoint(0, cell.top()));
+            EXPECT_EQ(one->rect(), QRect(corner, QSize(list->viewport()->width(), cell.height())));
             const QAccessible::State state = one->state();
             EXPECT_TRUE(state.selectable && state.focusable && !state.offscreen && !state.disabled);
             EXPECT_TRUE(state.selected == (row == 0) && state.focused == (row == 0)) << row;
         }
         EXPECT_EQ(exceptions->focusChild(), exceptions->child(0));
+        for (const auto& [name, parts] : {std::pair{"cmbNode", 1}, {"cmbSelTimeOut", 2}}) {
+            QAccessibleInterface* box = spoken(name);
+            EXPECT_TRUE(box->state().hasPopup && box->state().editable == (parts == 2));
+            EXPECT_EQ(box->childCount(), parts);
+            EXPECT_EQ(box->child(parts), nullptr);
+            EXPECT_EQ(box->indexOfChild(exceptions), -1);
+            EXPECT_EQ(box->indexOfChild(box->child(parts - 1)), parts - 1);
+            EXPECT_EQ(box->child(0)->object(), Person::Combo(name)->view());
+            EXPECT_EQ(box->actionInterface()->actionNames().front(),
+                      QAccessibleActionInterface::showMenuAction());
+        }
         // What is disabled cannot be used over assistive technology either.
         auto* frame = Person::Find<QFrame>("Frame1");
         for (const bool enabled : {false, true}) {

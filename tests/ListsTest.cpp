@@ -20,7 +20,11 @@ class Transcript : public EditorTest {
         const std::string name = words[0].toStdString();
         const QString text = rest.mid(words[0].size() + 1);
         const auto pressed = [](const QString& keys) { return QKeySequence(keys)[0]; };
-        if (deed == "sql") {
+        if (deed == "stored") {
+            for (const std::string& row : store_.Rows("SELECT " + rest.toStdString())) {
+                stored_ += "= " + row + '\n';
+            }
+        } else if (deed == "sql") {
             store_.Execute(rest.toStdString());
         } else if (deed == "clipboard") {
             QGuiApplication::clipboard()->setText(QString(rest).replace("\\t", "\t").replace("\\n", "\n"));
@@ -77,6 +81,8 @@ class Transcript : public EditorTest {
         return state;
     }
 
+    std::string stored_;
+
     static std::string Changes(const std::string& before, const std::string& after) {
         std::string changes;
         for (const auto& [mark, from, to] : {std::tuple{"- ", before, after}, {"+ ", after, before}}) {
@@ -108,13 +114,14 @@ TEST_F(Transcript, TellsWhatTheWindowMakesOfEachDeed) {
             Person::WaitForFocus();
             QGuiApplication::clipboard()->clear();
             std::string state = State();
-            for (told += *line++ + '\n'; line != lines.end() && !line->starts_with("$ edit "); ++line) {
+            told += *line++ + '\n' + state.substr(state.find("Focus: "));
+            for (; line != lines.end() && !line->starts_with("$ edit "); ++line) {
                 told += *line + '\n';
                 if (line->starts_with("$ ")) {
                     const QString deed = QString::fromStdString(*line).section(' ', 1, 1);
                     Do(deed, QString::fromStdString(*line).section(' ', 2));
                     const std::string before = std::exchange(state, State());
-                    told += Changes(before, state);
+                    told += Changes(before, state) + std::exchange(stored_, {});
                     for (const Box& box : person_.Boxes()) {
                         told += "! " + box.title + ": " + box.text + '\n';
                     }

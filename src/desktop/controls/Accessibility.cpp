@@ -107,7 +107,7 @@ class AccessibleRow : public QAccessibleInterface, public QAccessibleActionInter
     [[nodiscard]] QRect rect() const override {
         QRect row = list_->CellRect(row_, 1);
         row.setLeft(0);
-        row.setRight(list_->viewport()->width());
+        row.setWidth(list_->viewport()->width());
         return row.translated(list_->viewport()->mapToGlobal(QPoint(0, 0)));
     }
 
