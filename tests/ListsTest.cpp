@@ -1,136 +1,13 @@
-#include "Walk.h"
+#include "testing/Person.h"
 
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QScrollBar>
 
-#include <sstream>
-
 namespace KAL_AUTO_Node {
 namespace {
 
 using Lists = EditorTest;
-
-// What a person does at the window, as a transcript has it after "$ ", and what that changes of all that is
-// found in it: lines that go and lines that come, message boxes, the focus and the clipboard.
-class Transcript : public EditorTest {
-  protected:
-    void Do(const QString& deed, const QString& rest) {
-        const QStringList words = rest.split(' ');
-        const std::string name = words[0].toStdString();
-        const QString text = rest.mid(words[0].size() + 1);
-        const auto pressed = [](const QString& keys) { return QKeySequence(keys)[0]; };
-        if (deed == "stored") {
-            for (const std::string& row : store_.Rows("SELECT " + rest.toStdString())) {
-                stored_ += "= " + row + '\n';
-            }
-        } else if (deed == "sql") {
-            store_.Execute(rest.toStdString());
-        } else if (deed == "clipboard") {
-            QGuiApplication::clipboard()->setText(QString(rest).replace("\\t", "\t").replace("\\n", "\n"));
-        } else if (deed == "answer") {
-            const auto answers = {
-                std::pair{"Yes", QMessageBox::Yes}, {"No", QMessageBox::No}, {"Ok", QMessageBox::Ok}};
-            person_.WillAnswer(
-                {std::ranges::find(answers, name, &std::pair<const char*, QMessageBox::StandardButton>::first)
-                     ->second});
-        } else if (deed == "key") {
-            for (const QString& keys : words) {
-                QTest::keyClick(QApplication::focusWidget(), pressed(keys).key(),
-                                pressed(keys).keyboardModifiers());
-            }
-        } else if (deed == "type") {
-            QTest::keyClicks(QApplication::focusWidget(), rest);
-        } else if (deed == "focus") {
-            Person::Find<QWidget>(name)->setFocus(Qt::TabFocusReason);
-        } else if (deed == "press") {
-            QTest::mouseClick(Person::Find<QAbstractButton>(name), Qt::LeftButton);
-        } else if (deed == "choose") {
-            Person::Choose(name, text.toStdString());
-        } else if (deed == "click") {
-            Person::ClickRow(name, words[1].toInt(), pressed(words.value(2) + "+A").keyboardModifiers());
-        } else if (deed == "twice") {
-            const QPoint place = Person::InRow(name, words[1].toInt());
-            QTest::mouseDClick(Person::List(name)->viewport(), Qt::LeftButton, {}, place);
-            QTest::mouseRelease(Person::List(name)->viewport(), Qt::LeftButton, {}, place);
-        } else if (deed == "drag") {
-            Person::DragRow(name, words[1].toInt(), words[2].toStdString(), words[3].toInt());
-        } else if (deed == "wheel") {
-            Person::Scroll(name);
-        } else {
-            ADD_FAILURE() << "no deed " << deed.toStdString();
-        }
-    }
-
-    std::string State() {
-        // Where no window manager brings it back to the front when a message box has closed.
-        Person::Window("GUI")->activateWindow();
-        Person::WaitForFocus();
-        const auto open = Person::OpenEditors();
-        for (const std::string& editor : open) {
-            if (editor.ends_with("Node")) {
-                const bool alone = !open.contains(editor.substr(0, editor.size() - 4) + "Number");
-                EXPECT_EQ(Person::Combo(editor)->width(), alone ? 111 : 65) << editor;
-            }
-        }
-        std::string state;
-        Walk(QAccessible::queryAccessibleInterface(Person::Window("GUI")), true, {}, state);
-        const std::string copied = QGuiApplication::clipboard()->text().toStdString();
-        state += "Focus: " + Person::Focused() +
-                 "\nClipboard:" + (copied.empty() ? "\n" : ' ' + OnOneLine(copied) + '\n');
-        return state;
-    }
-
-    std::string stored_;
-
-    static std::string Changes(const std::string& before, const std::string& after) {
-        std::string changes;
-        for (const auto& [mark, from, to] : {std::tuple{"- ", before, after}, {"+ ", after, before}}) {
-            std::istringstream lines(from);
-            for (std::string line; std::getline(lines, line);) {
-                const bool both = ('\n' + to).find('\n' + line + '\n') != std::string::npos;
-                changes += both ? "" : mark + line.substr(line.find_first_not_of(' ')) + '\n';
-            }
-        }
-        return changes;
-    }
-};
-
-TEST_F(Transcript, TellsWhatTheWindowMakesOfEachDeed) {
-    std::istringstream kept(BytesOf(TEST_DATA "/windows/transcript.txt"));
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(kept, line);) {
-        if (line.empty() || line.starts_with('#') || line.starts_with("$ ")) {
-            lines.push_back(line);
-        }
-    }
-    std::string told;
-    for (auto line = lines.begin(); line != lines.end();) {
-        if (!line->starts_with("$ edit ")) {
-            told += *line++ + '\n';
-            continue;
-        }
-        EXPECT_TRUE(person_.Edit(std::stoi(line->substr(7)), [&] {
-            Person::WaitForFocus();
-            QGuiApplication::clipboard()->clear();
-            std::string state = State();
-            told += *line++ + '\n' + state.substr(state.find("Focus: "));
-            for (; line != lines.end() && !line->starts_with("$ edit "); ++line) {
-                told += *line + '\n';
-                if (line->starts_with("$ ")) {
-                    const QString deed = QString::fromStdString(*line).section(' ', 1, 1);
-                    Do(deed, QString::fromStdString(*line).section(' ', 2));
-                    const std::string before = std::exchange(state, State());
-                    told += Changes(before, state) + std::exchange(stored_, {});
-                    for (const Box& box : person_.Boxes()) {
-                        told += "! " + box.title + ": " + box.text + '\n';
-                    }
-                }
-            }
-        }));
-    }
-    ExpectAsKept(told, "transcript");
-}
 
 TEST_F(Lists, EditorsTakeNothingThatWasMeantForOthers) {
     const Box question{"Confirmation", "Do you want to vacate Prompts Table?", QMessageBox::Question,
