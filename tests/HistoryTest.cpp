@@ -96,6 +96,11 @@ TEST_F(HistoryOfANode, StandsInTheWayOfASaveThatWouldGoOverAnothersUnseen) {
     const auto registered = anna_.Save(node);
     ASSERT_TRUE(registered && !registered->by);
     EXPECT_EQ(Differences(ben_.Read(), registered->stored.content), Texts{});
+    NodeContent other = ben_.Read();
+    other.entry = {"A", "L", std::nullopt};
+    EXPECT_EQ(Differences(ben_.Read(), other),
+              (Texts{"in the register type \"AUTO\" → \"A\"", "in the register label \"Other\" → \"L\"",
+                     "in the register date \"" + std::string(SaveDate) + "\" → nothing"}));
     anna_.Load();
     store_.Execute("DELETE FROM Node_General_Pool WHERE PartID = 2 AND NodeTypeID = 9 AND NodeNumber = 8");
     ASSERT_TRUE(anna_.Save(node));
@@ -217,8 +222,18 @@ TEST_F(StoreFile, TellsAndTakesBackASaveThatDidNotFinish) {
     store_.Execute("UPDATE Node_AUTO SET NodeDescription = 'Half' WHERE PartID = 2 AND NodeNumber = 8");
     Die();
     EXPECT_EQ(ben_.Versions().PutBack(Place, 2, "restore").node->label, "Half");
+    // Whose mark was not taken is over for those who made it, and marked when that can be.
+    store_.Refuse("UPDATE ON Node_AUTO_Version", "NEW.State = 'finished'");
+    AutoNode node = anna_.Load();
+    node.label = "Whole";
+    EXPECT_THROW(static_cast<void>(anna_.Save(node)), RuntimeError);
+    EXPECT_EQ(anna_.Versions().Newest(Place)->state, VersionState::Finished);
+    EXPECT_EQ(ben_.Versions().Newest(Place)->state, VersionState::Begun);
+    store_.Allow();
+    anna_.Versions().CatchUp();
+    EXPECT_EQ(ben_.Versions().Newest(Place)->state, VersionState::Finished);
     EXPECT_FALSE(ben_.Versions().Unfinished(Place));
-    store_.Execute("UPDATE Node_AUTO_Version SET State = 'failed', Content = '[]' WHERE VersionNo = 6");
+    store_.Execute("UPDATE Node_AUTO_Version SET State = 'failed', Content = '[]' WHERE VersionNo = 7");
     EXPECT_TRUE(ben_.Versions().Unfinished(Place));
 }
 
