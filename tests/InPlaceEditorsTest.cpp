@@ -93,6 +93,19 @@ TEST_F(InPlaceEditors, AreMarkedByWhoGoesThere) {
             }
             EXPECT_EQ(Person::TextBox(LowBox)->selectedText(), "") << reason;
         }
+        // All digits can be read, in whatever unit the font has its size.
+        const QLineEdit* low = Person::TextBox(LowBox);
+        QFont font = low->font();
+        for (const bool points : {false, true}) {
+            points ? font.setPointSizeF(9) : font.setPixelSize(12);
+            Person::Window("GUI")->setFont(font);
+            Person::ClickRow("LVActions", 5);
+            Person::TypeOver(LowBox, "12345678901234567890");
+            EXPECT_LT(low->fontMetrics().horizontalAdvance(low->text()), low->width());
+            EXPECT_GT(low->fontMetrics().horizontalAdvance(low->text()), low->width() / 2);
+            Person::TypeOver(LowBox, "601");
+            EXPECT_EQ(low->font().toString(), Person::Window("GUI")->font().toString());
+        }
         // Emptied and left for another row: neither row changes.
         Person::TypeOver(LowBox, "*");
         Person::ClickRow("LVActions", 0);
