@@ -131,6 +131,7 @@ TEST_F(HistoryOfANode, StandsInTheWayOfASaveThatWouldGoOverAnothersUnseen) {
     ASSERT_TRUE(anna_.Met && anna_.Met->kind == Obstacle::Changed);
     EXPECT_EQ(anna_.Met->stored.content.node->settings.retryLimit, 77);
     EXPECT_EQ(ben_.Read().node->label, "Anna's");
+    EXPECT_THROW(static_cast<void>(anna_.Save(node, [](NodeSave& /*save*/) { throw 5; })), int);
     EXPECT_EQ(Versions(), Texts(TestStore::OnServer() ? 4 : 3, "save finished"));
 
     // Of the same machine by name, which says nothing: another boot, other processes, one that is not told.
