@@ -72,9 +72,10 @@ TEST(Report, DrawsManyMenusBySection) {
     DataBase dataBase;
     const Page page = Write(ReadReportData(dataBase, {1, 3}));
     EXPECT_TRUE(page.outcome.warnings.empty());
-    ExpectTold(page.text, {"70 menus in 3 sections", "id=\"section_1\"", "id=\"section_3\"", "Menu！ 70",
-                           "href=\"#section_3\"", "href=\"#AUTO-70\"",
-                           "aria-label=\"How the sections lead to one another\"", "<body>"});
+    ExpectTold(page.text,
+               {"70 menus in 3 sections", "id=\"section_1\"", "id=\"section_3\"", "Menu！ 70",
+                "href=\"#section_3\"", "href=\"#AUTO-70\"",
+                "aria-label=\"How the sections lead to one another\"", "aria-label=\"Section 3\"", "<body>"});
 }
 
 TEST(Report, TellsWhatChangedAndWhatIsNotKnownOfIt) {
