@@ -15,8 +15,10 @@ QuickAssignForm::QuickAssignForm(QWidget* parent) : QDialog(parent) {
 
     fraNode = Named(new QGroupBox(this), "fraNode");
     cmbNodeTypes = Named(new PickList(fraNode), "cmbNodeTypes");
-    cmbFrom = Named(new NumberBox(fraNode), "cmbFrom");
-    cmbTo = Named(new NumberBox(fraNode), "cmbTo");
+    for (auto& [box, name] : {std::pair{&cmbFrom, "cmbFrom"}, {&cmbTo, "cmbTo"}}) {
+        *box = Named(new NumberBox(fraNode), name);
+        (*box)->setEditText(QStringLiteral("Combo1")); // until there are numbers to choose from
+    }
     cmdAdd = Button(this, "cmdAdd", "Add", "Add a row for every number of the range");
     cmdRemove =
         Button(this, "cmdRemove", "Remove", "Remove the rows of this type whose numbers are in the range");
