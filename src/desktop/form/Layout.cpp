@@ -90,7 +90,8 @@ void GUI::LayOut() {
     upper->addLayout(lists, 1);
 
     auto* buttons = new QHBoxLayout;
-    // Beside the buttons, so that nothing moves when they come and go.
+    // Beside the buttons, so that nothing moves when they come and go; in small fonts the bar is the higher.
+    buttons->addStrut(findBar_->sizeHint().height());
     buttons->addWidget(findBar_);
     buttons->addWidget(StatusBar1, 1);
     for (QPushButton* button : {cmdOK, cmdCancel, cmdApply}) {
