@@ -165,8 +165,14 @@ TEST_F(NodeInformation, GoesWithTheEditorAndLeadsIt) {
             Person::Paste(Person::TextBox("txtInfoEntry"), typed);
             EXPECT_EQ(Line("lblInfoAnswer"), answer);
         }
-        // What cannot be read is told as that, until it can be.
         StopLooking();
+        // Nothing is kept from others between questions.
+        if (TestStore::OnServer()) {
+            const std::string reading = "SELECT FROM pg_stat_activity WHERE datname = current_database()"
+                                        " AND state LIKE 'idle in%'";
+            EXPECT_TRUE(QTest::qWaitFor([&] { return store_.Rows(reading).empty(); }, 15'000));
+        }
+        // What cannot be read is told as that, until it can be.
         for (const auto& [from, to, title] : {std::tuple{"Node_General_Pool", "Away", "&Entries"},
                                               {"Away", "Node_General_Pool", "&Entries (15)"}}) {
             store_.Execute(std::string("ALTER TABLE ") + from + " RENAME TO " + to);

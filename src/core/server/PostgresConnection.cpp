@@ -220,6 +220,13 @@ bool PostgresConnection::EndReading() noexcept {
     return false;
 }
 
+void PostgresConnection::Rest() {
+    if (readingEnds_) {
+        std::size_t reached = 0;
+        RoundTrip({}, {}, reached);
+    }
+}
+
 void PostgresConnection::Commit() {
     if (!beginning_.empty()) {
         Rollback(); // of nothing

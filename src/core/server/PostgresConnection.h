@@ -55,6 +55,8 @@ class PostgresConnection : public Connection {
 
     [[nodiscard]] std::optional<std::int64_t> ChangeMark() override;
 
+    void Rest() override;
+
     // The server has it on its disks with each commit, as it is set up there.
     void Flush() override {}
 

@@ -108,6 +108,10 @@ class Connection {
     // an engine sees to that itself.
     virtual std::optional<std::int64_t> Compact() { return std::nullopt; }
 
+    // Before nothing is asked for a while: a server hears now that a reading has ended, else with what comes
+    // next.
+    virtual void Rest() {}
+
     // Makes every statement that this connection has run so far outlast a power cut. Until then the latest of
     // them may be lost, from some statement on and never in the middle of one.
     virtual void Flush() = 0;

@@ -238,6 +238,12 @@ void DataBase::Flush() {
     }
 }
 
+void DataBase::Rest() {
+    if (connection_) {
+        Describing("ending a reading", "", [this] { connection_->Rest(); });
+    }
+}
+
 std::optional<std::int64_t> DataBase::Compact() {
     return Describing("compacting the store", "", [this] { return Open().Compact(); });
 }

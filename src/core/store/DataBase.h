@@ -192,6 +192,9 @@ class DataBase {
     // rows each wrote.
     std::vector<std::int64_t> RunTogether(std::span<const StatementRun> runs);
 
+    // Call it before nothing is asked for a while.
+    void Rest();
+
     // Makes all that was written so far outlast a power cut. Call it at the end of a run of statements.
     void Flush();
 

@@ -65,8 +65,24 @@ void StoreReader::Run() {
             dataBase_.emplace(file_, waits);
         }
         Reply(*dataBase_, question);
+        LetGo();
     }
     dataBase_.reset();
+}
+
+void StoreReader::LetGo() {
+    {
+        const std::lock_guard lock(mutex_);
+        if (!dataBase_ || !questions_.empty()) {
+            return;
+        }
+    }
+    // What was read must not be kept for the reading's sake while nobody asks.
+    try {
+        dataBase_->Rest();
+    } catch (const std::exception&) {
+        dataBase_.reset(); // the next question tells what is wrong
+    }
 }
 
 void StoreReader::Reply(DataBase& dataBase, const Question& question) {

@@ -82,6 +82,7 @@ class StoreReader {
     void Add(Work work);
     void Run();
     void Reply(DataBase& dataBase, const Question& question);
+    void LetGo();
 
     std::filesystem::path file_;
     QObject here_; // answers come to where it lives
