@@ -327,6 +327,12 @@ TEST_F(Upkeep, AppliesAPlanWhereWhatItTouchesIsAsItWas) {
     store_.Execute("UPDATE Detail_CMD SET NodeNumber = 3" + other);
     EXPECT_EQ(Apply(dataBase_, history_, PlanIn(text)),
               Texts{"Detail_CMD, ConfigID 1, PartID 2, NodeMasterID 5, SequenceNo 1"});
+    const auto uses = [&](const NodeKey& node) { return ReadUses(dataBase_, Company, names_, node).size(); };
+    const std::size_t both = uses({0, 55}) + uses({2, 1});
+    EXPECT_EQ(Apply(dataBase_, history_,
+                    PlanIn(Planned({Replacement{{0, 55}, {2, 1}}, Replacement{{0, 77}, {2, 1}}}))),
+              Texts());
+    EXPECT_EQ(uses({2, 1}), both) << "of another type";
     std::string edited = text;
     edited.replace(edited.find("\"NodeNumber\": 2"), 15, "\"NodeNumber\": 3");
     std::string later = text;
