@@ -220,7 +220,7 @@ bool PostgresConnection::EndReading() noexcept {
     return false;
 }
 
-void PostgresConnection::Rest() {
+void PostgresConnection::LetGo() {
     if (readingEnds_) {
         std::size_t reached = 0;
         RoundTrip({}, {}, reached);

@@ -55,7 +55,7 @@ class PostgresConnection : public Connection {
 
     [[nodiscard]] std::optional<std::int64_t> ChangeMark() override;
 
-    void Rest() override;
+    void LetGo() override;
 
     // The server has it on its disks with each commit, as it is set up there.
     void Flush() override {}

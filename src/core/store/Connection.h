@@ -110,7 +110,7 @@ class Connection {
 
     // Before nothing is asked for a while: a server hears now that a reading has ended, else with what comes
     // next.
-    virtual void Rest() {}
+    virtual void LetGo() {}
 
     // Makes every statement that this connection has run so far outlast a power cut. Until then the latest of
     // them may be lost, from some statement on and never in the middle of one.

@@ -238,9 +238,9 @@ void DataBase::Flush() {
     }
 }
 
-void DataBase::Rest() {
+void DataBase::LetGo() {
     if (connection_) {
-        Describing("ending a reading", "", [this] { connection_->Rest(); });
+        Describing("ending a reading", "", [this] { connection_->LetGo(); });
     }
 }
 

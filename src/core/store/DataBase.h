@@ -192,8 +192,8 @@ class DataBase {
     // rows each wrote.
     std::vector<std::int64_t> RunTogether(std::span<const StatementRun> runs);
 
-    // Call it before nothing is asked for a while.
-    void Rest();
+    // Of what was read: call it before nothing is asked for a while.
+    void LetGo();
 
     // Makes all that was written so far outlast a power cut. Call it at the end of a run of statements.
     void Flush();

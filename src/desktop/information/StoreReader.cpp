@@ -79,7 +79,7 @@ void StoreReader::LetGo() {
     }
     // What was read must not be kept for the reading's sake while nobody asks.
     try {
-        dataBase_->Rest();
+        dataBase_->LetGo();
     } catch (const std::exception&) {
         dataBase_.reset(); // the next question tells what is wrong
     }
